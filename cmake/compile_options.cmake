@@ -1,0 +1,25 @@
+# One interface library carries what every target is compiled with.
+add_library(netvane_options INTERFACE)
+target_include_directories(netvane_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_definitions(netvane_options INTERFACE
+    QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_DISABLE_DEPRECATED_BEFORE=0x060400
+    NETVANE_VERSION="${PROJECT_VERSION}")
+target_compile_options(netvane_options INTERFACE
+    -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+    # Records are built by naming the fields that are known.
+    -Wno-missing-field-initializers)
+if(NETVANE_WERROR)
+    target_compile_options(netvane_options INTERFACE -Werror)
+endif()
+if(NETVANE_SANITIZE)
+    target_compile_options(netvane_options INTERFACE -fsanitize=${NETVANE_SANITIZE} -fno-omit-frame-pointer
+        -fno-sanitize-recover=all)
+    target_link_options(netvane_options INTERFACE -fsanitize=${NETVANE_SANITIZE})
+else()
+    # What listens to the air is built so that a fault stays a fault and not a foothold.
+    target_compile_options(netvane_options INTERFACE -fstack-protector-strong -fstack-clash-protection -fcf-protection
+        $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release,RelWithDebInfo>:-D_FORTIFY_SOURCE=2>)
+    target_link_options(netvane_options INTERFACE -Wl,-z,relro -Wl,-z,now)
+endif()
+include(CheckPIESupported)
+check_pie_supported()

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace netvane::platform {
+
+/// A timer that runs; destroying it stops it. May be destroyed from inside its own action.
+class Timer {
+public:
+    virtual ~Timer() = default;
+};
+
+/// Time, and everything that happens after some of it. Main thread, except the two readings, which
+/// any thread may take.
+class Clock {
+public:
+    virtual ~Clock() = default;
+
+    /// For stamps that people see. May jump.
+    virtual std::chrono::system_clock::time_point now() const = 0;
+    /// For durations and throttles. Never goes back; stands still while the machine sleeps.
+    virtual std::chrono::steady_clock::time_point monotonicNow() const = 0;
+
+    /// Runs `action` every `interval`, the first time one interval from now. The system may shift a
+    /// tick by up to a twentieth of the interval so that wake-ups coincide.
+    [[nodiscard]] virtual std::unique_ptr<Timer> repeat(
+        std::chrono::milliseconds interval, std::function<void()> action)
+        = 0;
+    /// Runs `action` once, `delay` from now, and not a millisecond sooner.
+    [[nodiscard]] virtual std::unique_ptr<Timer> after(
+        std::chrono::milliseconds delay, std::function<void()> action)
+        = 0;
+};
+
+} // namespace netvane::platform

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/linux/bus_link.h"
+#include "platform/location_manager.h"
+
+#include <QDBusMessage>
+
+#include <functional>
+#include <optional>
+
+namespace netvane::platform {
+
+/// The permission that really guards scans on Linux: NetworkManager's
+/// `org.freedesktop.NetworkManager.wifi.scan` (Manager.GetPermissions, signal CheckPermissions).
+/// Without NetworkManager everybody may see what the kernel holds: authorised always. Asking the
+/// user is a polkit check of that action with interaction (org.freedesktop.PolicyKit1.Authority).
+class ScanPermission : public LocationManager {
+    Q_OBJECT
+
+public:
+    explicit ScanPermission(BusLink& systemBus);
+
+    AuthorizationStatus authorizationStatus() const override { return m_status; }
+    void requestAlwaysAuthorization() override;
+
+private Q_SLOTS:
+    void readPermission();
+
+private:
+    void watchSystemBus();
+    void ask(const QDBusMessage& call, int limitMs, std::function<void(const QDBusMessage&)> take);
+    void takePermissions(const QDBusMessage& answer);
+    void setStatus(AuthorizationStatus status);
+
+    BusLink& m_systemBus;
+    AuthorizationStatus m_status = AuthorizationStatus::NotDetermined;
+    int m_questions = 0; ///< only the answer to the last one counts
+    bool m_isAskingUser = false;
+};
+
+/// What an answer of GetPermissions (a{ss}), or an error in its place, says about scanning; absent
+/// when it says nothing, as when NetworkManager did not answer in time.
+std::optional<AuthorizationStatus> scanAuthorization(const QDBusMessage& answer);
+
+} // namespace netvane::platform

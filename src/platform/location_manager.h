@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QObject>
+
+namespace netvane::platform {
+
+/// Whether this user may see what the air holds. The numbers stand in log lines.
+enum class AuthorizationStatus {
+    NotDetermined = 0,
+    Restricted = 1,
+    Denied = 2,
+    AuthorizedAlways = 3,
+    AuthorizedWhenInUse = 4,
+};
+
+/// The permission that guards Wi-Fi scans on this system. Main thread; never blocks.
+class LocationManager : public QObject {
+    Q_OBJECT
+
+public:
+    /// The last known state; NotDetermined before the system's first answer.
+    virtual AuthorizationStatus authorizationStatus() const = 0;
+
+    /// Has the system ask the user. The answer, if it changes anything, arrives by the signal.
+    virtual void requestAlwaysAuthorization() = 0;
+
+Q_SIGNALS:
+    void didChangeAuthorization(netvane::platform::AuthorizationStatus status);
+};
+
+} // namespace netvane::platform

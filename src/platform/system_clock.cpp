@@ -1,0 +1,51 @@
+#include "platform/system_clock.h"
+
+#include <QTimer>
+
+namespace netvane::platform {
+namespace {
+
+class EventLoopTimer : public Timer {
+public:
+    EventLoopTimer(std::chrono::milliseconds interval, bool once, std::function<void()> action)
+    {
+        m_timer.setInterval(interval);
+        m_timer.setSingleShot(once);
+        m_timer.setTimerType(once ? Qt::PreciseTimer : Qt::CoarseTimer);
+        // The action is copied out first: it may destroy this timer, and itself with it.
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [action = std::move(action)] {
+            const auto run = action;
+            run();
+        });
+        m_timer.start();
+    }
+
+private:
+    QTimer m_timer;
+};
+
+} // namespace
+
+std::chrono::system_clock::time_point SystemClock::now() const
+{
+    return std::chrono::system_clock::now();
+}
+
+std::chrono::steady_clock::time_point SystemClock::monotonicNow() const
+{
+    return std::chrono::steady_clock::now();
+}
+
+std::unique_ptr<Timer> SystemClock::repeat(
+    std::chrono::milliseconds interval, std::function<void()> action)
+{
+    return std::make_unique<EventLoopTimer>(interval, false, std::move(action));
+}
+
+std::unique_ptr<Timer> SystemClock::after(
+    std::chrono::milliseconds delay, std::function<void()> action)
+{
+    return std::make_unique<EventLoopTimer>(delay, true, std::move(action));
+}
+
+} // namespace netvane::platform

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/clock.h"
+
+namespace netvane::platform {
+
+/// The computer's clocks, and timers of the main thread's event loop.
+class SystemClock : public Clock {
+public:
+    std::chrono::system_clock::time_point now() const override;
+    std::chrono::steady_clock::time_point monotonicNow() const override;
+    std::unique_ptr<Timer> repeat(
+        std::chrono::milliseconds interval, std::function<void()> action) override;
+    std::unique_ptr<Timer> after(
+        std::chrono::milliseconds delay, std::function<void()> action) override;
+};
+
+} // namespace netvane::platform

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace netvane::platform {
+
+enum class ChannelBand {
+    Unknown, ///< a channel in none of the bands below
+    TwoGHz,
+    FiveGHz,
+    SixGHz,
+};
+
+/// One reading of a Wi-Fi link. Each field is absent when the driver does not tell it or the
+/// interface is not associated; none of them depends on another.
+struct LinkReading {
+    std::optional<QString> ssid; ///< as `ssidText` makes it
+    std::optional<int> signalDbm;
+    std::optional<int> noiseDbm;
+    std::optional<double> transmitRateMbps;
+    std::optional<ChannelBand> band; ///< absent without a current channel
+    std::optional<QString> interfaceName;
+
+    bool operator==(const LinkReading&) const = default;
+};
+
+/// A Wi-Fi interface in station mode.
+class WiFiInterface {
+public:
+    virtual ~WiFiInterface() = default;
+
+    /// Whether the radio is on: false only when it is known to be blocked or the interface is down.
+    /// Answers at once; any thread.
+    virtual bool powerOn() const = 0;
+
+    /// Reads the link; absent when the interface is gone or no longer a station. May wait for the
+    /// driver, within a bound: for background threads, one call at a time.
+    virtual std::optional<LinkReading> readLink() = 0;
+};
+
+/// The system's Wi-Fi.
+class WiFiClient {
+public:
+    virtual ~WiFiClient() = default;
+
+    /// The interfaces in station mode, in the kernel's order; empty when there is no Wi-Fi at all.
+    /// May wait for the kernel, within a bound: for background threads.
+    virtual std::vector<std::shared_ptr<WiFiInterface>> interfaces() = 0;
+};
+
+} // namespace netvane::platform

@@ -1,0 +1,73 @@
+#include "wifi/location_permission_service.h"
+
+#include "platform/log.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::wifi {
+namespace {
+
+QString word(bool value)
+{
+    return value ? u"true"_s : u"false"_s;
+}
+
+} // namespace
+
+LocationPermissionService::LocationPermissionService(
+    platform::LocationManager& locationManager, platform::ApplicationActivity& activity)
+    : m_locationManager(locationManager)
+{
+    // Queued: the manager may speak from inside a call of ours.
+    connect(&m_locationManager, &platform::LocationManager::didChangeAuthorization, this,
+        &LocationPermissionService::publish, Qt::QueuedConnection);
+    checkAuthorizationStatus();
+    connect(&activity, &platform::ApplicationActivity::didBecomeActive, this,
+        &LocationPermissionService::checkAuthorizationStatus);
+}
+
+void LocationPermissionService::checkAuthorizationStatus()
+{
+    const auto status = m_locationManager.authorizationStatus();
+    if (publish(status)) {
+        platform::log(
+            u"LocationPermissionService: Authorization status changed - isAuthorized: %1, status: %2"_s
+                .arg(word(m_isAuthorized), QString::number(int(status))));
+    }
+}
+
+void LocationPermissionService::requestPermission()
+{
+    checkAuthorizationStatus();
+    platform::log(u"LocationPermissionService: Requesting location permission..."_s);
+    m_locationManager.requestAlwaysAuthorization();
+}
+
+void LocationPermissionService::updateAuthorizationStatus(AuthorizationStatus status)
+{
+    const auto apply = [this, status] {
+        if (publish(status)) {
+            platform::log(
+                u"LocationPermissionService: Authorization status updated externally - status: %1, isAuthorized: %2"_s
+                    .arg(QString::number(int(status)), word(m_isAuthorized)));
+        }
+    };
+    QMetaObject::invokeMethod(this, apply, Qt::QueuedConnection);
+}
+
+/// True when the simple flag flipped.
+bool LocationPermissionService::publish(AuthorizationStatus status)
+{
+    if (m_authorizationStatus != status) {
+        m_authorizationStatus = status;
+        Q_EMIT authorizationStatusChanged();
+    }
+    const bool authorized = status == AuthorizationStatus::AuthorizedAlways;
+    if (m_isAuthorized == authorized)
+        return false;
+    m_isAuthorized = authorized;
+    Q_EMIT isAuthorizedChanged();
+    return true;
+}
+
+} // namespace netvane::wifi

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/application_activity.h"
+#include "platform/location_manager.h"
+
+#include <QObject>
+
+namespace netvane::wifi {
+
+/// Tracks whether the system lets this user see network names and scans, and asks for it. Published
+/// state changes on the main thread, and only when it really changes.
+class LocationPermissionService : public QObject {
+    Q_OBJECT
+
+public:
+    using AuthorizationStatus = platform::AuthorizationStatus;
+
+    LocationPermissionService(
+        platform::LocationManager& locationManager, platform::ApplicationActivity& activity);
+
+    AuthorizationStatus authorizationStatus() const { return m_authorizationStatus; }
+    /// True exactly for AuthorizedAlways.
+    bool isAuthorized() const { return m_isAuthorized; }
+
+    /// Takes over what the system says now.
+    void checkAuthorizationStatus();
+    /// Has the system ask the user; an answer arrives as a change of the published state.
+    void requestPermission();
+    /// Takes a status from somebody who knows better than the system's answer: who could read a
+    /// network's name was allowed to. Applied on a later turn of the main loop.
+    void updateAuthorizationStatus(AuthorizationStatus status);
+
+Q_SIGNALS:
+    void authorizationStatusChanged();
+    void isAuthorizedChanged();
+
+private:
+    bool publish(AuthorizationStatus status);
+
+    platform::LocationManager& m_locationManager;
+    AuthorizationStatus m_authorizationStatus = AuthorizationStatus::NotDetermined;
+    bool m_isAuthorized = false;
+};
+
+} // namespace netvane::wifi

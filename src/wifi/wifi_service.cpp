@@ -1,0 +1,249 @@
+#include "wifi/wifi_service.h"
+
+#include "platform/log.h"
+#include "wifi/location_permission_service.h"
+#include "wifi/wifi_snapshot_observer.h"
+
+#include <QFuture>
+#include <QtConcurrentRun>
+
+#include <limits>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::wifi {
+namespace {
+
+constexpr int kPassesPerLogLine = 10;
+
+const QString kNoClient = u"Unable to initialize Wi-Fi client"_s;
+const QString kNoInterface = u"No Wi-Fi interface available"_s;
+const QString kRadioOff = u"Wi-Fi is turned off"_s;
+const QString kNoName = u"Unable to read Wi-Fi network name. Please check your Wi-Fi connection."_s;
+const QString kNoPermission = u"Location permission required to access Wi-Fi network name."_s;
+
+WiFiFrequency frequencyOf(std::optional<platform::ChannelBand> band)
+{
+    if (!band)
+        return WiFiFrequency::unknown;
+    switch (*band) {
+    case platform::ChannelBand::TwoGHz:
+        return WiFiFrequency::twoPointFourGHz;
+    case platform::ChannelBand::SixGHz:
+        return WiFiFrequency::sixGHz;
+    case platform::ChannelBand::FiveGHz:
+    case platform::ChannelBand::Unknown:
+        break;
+    }
+    return WiFiFrequency::fiveGHz;
+}
+
+std::optional<int> wholeMbps(std::optional<double> rate)
+{
+    // Written so that "not a number" is not told either.
+    if (!rate || !(*rate > 0) || !(*rate < double(std::numeric_limits<int>::max())))
+        return {};
+    return int(*rate);
+}
+
+std::optional<int> unlessZero(std::optional<int> dbm)
+{
+    return dbm == 0 ? std::nullopt : dbm;
+}
+
+} // namespace
+
+WiFiInfo makeWiFiInfo(
+    const platform::LinkReading& reading, std::chrono::system_clock::time_point timestamp)
+{
+    return {
+        .timestamp = timestamp,
+        .ssid = reading.ssid,
+        .frequency = frequencyOf(reading.band),
+        .linkRate = wholeMbps(reading.transmitRateMbps),
+        .signalStrength = unlessZero(reading.signalDbm),
+        .noise = unlessZero(reading.noiseDbm),
+        .interfaceName = reading.interfaceName,
+    };
+}
+
+WiFiService::WiFiService(
+    std::shared_ptr<platform::WiFiClient> client, platform::Clock& clock, QThreadPool& queue)
+    : m_wifiClient(std::move(client))
+    , m_clock(clock)
+    , m_queue(queue)
+{
+    if (!m_wifiClient)
+        setErrorMessage(kNoClient);
+    startMonitoring();
+}
+
+WiFiService::~WiFiService()
+{
+    stopMonitoring();
+}
+
+void WiFiService::startMonitoring()
+{
+    if (m_updateTimer) {
+        platform::log(u"WiFiService: startMonitoring() called but timer already exists"_s);
+        return;
+    }
+    updateWiFiInfo();
+    m_updateTimer = m_clock.repeat(updateInterval, [this] { updateWiFiInfo(); });
+}
+
+void WiFiService::stopMonitoring()
+{
+    m_updateTimer.reset();
+}
+
+void WiFiService::setLocationPermissionService(LocationPermissionService& service)
+{
+    m_locationPermissionService = &service;
+    // Queued, the present value included: whoever changes the permission is not in the middle of a
+    // pass of ours.
+    connect(&service, &LocationPermissionService::isAuthorizedChanged, this,
+        &WiFiService::followPermission, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &WiFiService::followPermission, Qt::QueuedConnection);
+}
+
+void WiFiService::followPermission()
+{
+    const bool authorized = m_locationPermissionService->isAuthorized();
+    setNeedsLocationPermission(!authorized);
+    if (authorized)
+        updateWiFiInfo();
+}
+
+void WiFiService::updateWiFiInfo()
+{
+    const auto now = m_clock.monotonicNow();
+    if (m_lastUpdateTime && now - *m_lastUpdateTime < minUpdateInterval)
+        return;
+    if (m_isUpdating)
+        return;
+    m_isUpdating = true;
+    m_lookedForInterface = false;
+    m_lastUpdateTime = now;
+    ++m_updateCount;
+    if (m_interface)
+        sampleInterface();
+    else
+        findInterface();
+}
+
+/// Asks the kernel, which may take its time. Each pass without an interface asks anew, so that an
+/// adapter plugged in later is found.
+void WiFiService::findInterface()
+{
+    m_lookedForInterface = true;
+    QtConcurrent::run(&m_queue, [client = m_wifiClient] {
+        const auto interfaces = client ? client->interfaces()
+                                       : std::vector<std::shared_ptr<platform::WiFiInterface>> {};
+        return interfaces.empty() ? nullptr : interfaces.front();
+    }).then(this, [this](const std::shared_ptr<platform::WiFiInterface>& first) {
+        m_interface = first;
+        if (m_interface)
+            sampleInterface();
+        else
+            endWithoutLink(kNoInterface);
+    });
+}
+
+void WiFiService::sampleInterface()
+{
+    if (!m_interface->powerOn()) {
+        endWithoutLink(kRadioOff);
+        return;
+    }
+    if (m_updateCount % kPassesPerLogLine == 0)
+        platform::log(u"WiFiService: Update #%1"_s.arg(m_updateCount));
+    QtConcurrent::run(&m_queue,
+        [interface = m_interface, clock = &m_clock]() -> std::optional<WiFiInfo> {
+            const auto reading = interface->readLink();
+            return reading ? std::optional(makeWiFiInfo(*reading, clock->now())) : std::nullopt;
+        })
+        .then(this, [this](const std::optional<WiFiInfo>& snapshot) {
+            if (snapshot)
+                applyLinkSnapshot(*snapshot);
+            else
+                interfaceIsGone();
+        });
+}
+
+/// Unplugged, renamed or turned into something else: there may be another one.
+void WiFiService::interfaceIsGone()
+{
+    m_interface.reset();
+    if (m_lookedForInterface)
+        endWithoutLink(kNoInterface);
+    else
+        findInterface();
+}
+
+void WiFiService::applyLinkSnapshot(const WiFiInfo& snapshot)
+{
+    const bool authorized
+        = m_locationPermissionService && m_locationPermissionService->isAuthorized();
+    applyPermission(snapshot, authorized);
+    if (snapshot.ssid)
+        setErrorMessage({});
+    else
+        setErrorMessage(authorized ? kNoName : kNoPermission);
+    const auto shown = m_currentWiFi.value_or(WiFiInfo {});
+    if (shown.ssid != snapshot.ssid || shown.signalStrength != snapshot.signalStrength
+        || shown.linkRate != snapshot.linkRate)
+        setCurrentWiFi(snapshot);
+    if (m_networkNotificationService)
+        m_networkNotificationService->checkForNetworkChanges(snapshot);
+    finishPass();
+}
+
+void WiFiService::applyPermission(const WiFiInfo& snapshot, bool authorized)
+{
+    // A readable name proves that access was granted, whatever was said before.
+    if (snapshot.ssid && m_locationPermissionService && !authorized)
+        m_locationPermissionService->updateAuthorizationStatus(
+            platform::AuthorizationStatus::AuthorizedAlways);
+    setNeedsLocationPermission(!snapshot.ssid && !authorized);
+}
+
+void WiFiService::endWithoutLink(const QString& message)
+{
+    setCurrentWiFi({});
+    setErrorMessage(message);
+    finishPass();
+}
+
+void WiFiService::finishPass()
+{
+    m_isUpdating = false;
+    Q_EMIT passFinished();
+}
+
+void WiFiService::setCurrentWiFi(std::optional<WiFiInfo> info)
+{
+    if (m_currentWiFi == info)
+        return;
+    m_currentWiFi = std::move(info);
+    Q_EMIT currentWiFiChanged();
+}
+
+void WiFiService::setErrorMessage(std::optional<QString> message)
+{
+    if (m_errorMessage == message)
+        return;
+    m_errorMessage = std::move(message);
+    Q_EMIT errorMessageChanged();
+}
+
+void WiFiService::setNeedsLocationPermission(bool needed)
+{
+    if (m_needsLocationPermission == needed)
+        return;
+    m_needsLocationPermission = needed;
+    Q_EMIT needsLocationPermissionChanged();
+}
+
+} // namespace netvane::wifi

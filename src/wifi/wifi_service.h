@@ -1,0 +1,101 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/wifi_client.h"
+#include "wifi/wifi_info.h"
+
+#include <QObject>
+
+#include <memory>
+#include <optional>
+
+class QThreadPool;
+
+namespace netvane::wifi {
+
+class LocationPermissionService;
+class WiFiSnapshotObserver;
+
+/// Samples the Wi-Fi link every 5 seconds and publishes the last snapshot that differs in name,
+/// signal or rate from the one before, a message for the user, and whether a permission is missing.
+/// Main thread; the interface is read on `queue`, one pass at a time.
+class WiFiService : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr std::chrono::milliseconds updateInterval {5000};
+    static constexpr std::chrono::milliseconds minUpdateInterval {100};
+
+    /// Begins to sample. Without a client (null) there is nothing to sample and the message says
+    /// so.
+    WiFiService(
+        std::shared_ptr<platform::WiFiClient> client, platform::Clock& clock, QThreadPool& queue);
+    ~WiFiService() override;
+
+    /// The snapshot's stamp is that of its last change, not of the last pass.
+    const std::optional<WiFiInfo>& currentWiFi() const { return m_currentWiFi; }
+    /// What the user should know; absent when all is well.
+    const std::optional<QString>& errorMessage() const { return m_errorMessage; }
+    bool needsLocationPermission() const { return m_needsLocationPermission; }
+
+    /// The service outlives this one. Its state is followed, the present one included.
+    void setLocationPermissionService(LocationPermissionService& service);
+    /// Gets each snapshot at the end of its pass; outlives this service.
+    void setNetworkNotificationService(WiFiSnapshotObserver* observer)
+    {
+        m_networkNotificationService = observer;
+    }
+
+    /// One pass, unless one is in flight or began less than `minUpdateInterval` ago.
+    void updateWiFiInfo();
+    void startMonitoring();
+    void stopMonitoring();
+
+    /// Passes begun so far.
+    int updateCount() const { return m_updateCount; }
+    bool isUpdating() const { return m_isUpdating; }
+
+Q_SIGNALS:
+    void currentWiFiChanged();
+    void errorMessageChanged();
+    void needsLocationPermissionChanged();
+    /// A pass came to its end, whatever it found.
+    void passFinished();
+
+private:
+    void findInterface();
+    void sampleInterface();
+    void interfaceIsGone();
+    void applyLinkSnapshot(const WiFiInfo& snapshot);
+    void applyPermission(const WiFiInfo& snapshot, bool authorized);
+    void endWithoutLink(const QString& message);
+    void finishPass();
+    void followPermission();
+
+    void setCurrentWiFi(std::optional<WiFiInfo> info);
+    void setErrorMessage(std::optional<QString> message);
+    void setNeedsLocationPermission(bool needed);
+
+    std::optional<WiFiInfo> m_currentWiFi;
+    std::optional<QString> m_errorMessage;
+    bool m_needsLocationPermission = false;
+
+    std::shared_ptr<platform::WiFiClient> m_wifiClient;
+    std::shared_ptr<platform::WiFiInterface> m_interface;
+    platform::Clock& m_clock;
+    QThreadPool& m_queue;
+    std::unique_ptr<platform::Timer> m_updateTimer;
+    LocationPermissionService* m_locationPermissionService = nullptr;
+    WiFiSnapshotObserver* m_networkNotificationService = nullptr;
+    int m_updateCount = 0;
+    bool m_isUpdating = false;
+    bool m_lookedForInterface = false; ///< in this pass; once is enough
+    std::optional<std::chrono::steady_clock::time_point> m_lastUpdateTime;
+};
+
+/// The snapshot that a reading makes: 0 dBm and rates of 0 or less, or beyond any integer, count as
+/// not told, and a channel outside the bands that we know as 5 GHz.
+WiFiInfo makeWiFiInfo(
+    const platform::LinkReading& reading, std::chrono::system_clock::time_point timestamp);
+
+} // namespace netvane::wifi

@@ -1,0 +1,36 @@
+#include "captured_log.h"
+
+#include <QMutex>
+
+namespace netvane::test {
+namespace {
+
+QMutex g_mutex; // lines come from any thread
+QStringList g_lines;
+
+void keep(const QString& line)
+{
+    const QMutexLocker locker(&g_mutex);
+    g_lines.append(line);
+}
+
+} // namespace
+
+CapturedLog::CapturedLog()
+    : m_previous(platform::setLogSink(keep))
+{
+    take();
+}
+
+CapturedLog::~CapturedLog()
+{
+    platform::setLogSink(m_previous);
+}
+
+QStringList CapturedLog::take()
+{
+    const QMutexLocker locker(&g_mutex);
+    return std::exchange(g_lines, {});
+}
+
+} // namespace netvane::test

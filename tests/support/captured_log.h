@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/log.h"
+
+#include <QStringList>
+
+namespace netvane::test {
+
+/// Takes the log lines of the process while it lives; one at a time.
+class CapturedLog {
+public:
+    CapturedLog();
+    ~CapturedLog();
+
+    /// The lines so far, and forgets them.
+    QStringList take();
+
+private:
+    platform::LogSink m_previous;
+};
+
+} // namespace netvane::test
