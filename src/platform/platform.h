@@ -1,7 +1,9 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "platform/instance_claim.h"
 #include "platform/location_manager.h"
+#include "platform/network_configuration.h"
 #include "platform/wifi_client.h"
 #include "platform/work_queues.h"
 
@@ -12,11 +14,16 @@ namespace netvane::platform {
 /// Everything that the services need from the operating system, made once and living as long as
 /// they do.
 struct Platform {
-    std::unique_ptr<Clock> clock; ///< first made and last gone: work that is left over may read it
+    // Used by work that may still run when all this goes, so it goes after the queues.
+    std::unique_ptr<Clock> clock;
+    std::unique_ptr<NetworkConfiguration> networkConfiguration;
+
     std::unique_ptr<WorkQueues> queues; ///< waits for what runs when it goes
     std::unique_ptr<QObject> systemBus; ///< only kept here, for those below that speak on it
+    std::unique_ptr<QObject> sessionBus; ///< likewise
     std::shared_ptr<WiFiClient> wifiClient; ///< null when the kernel offers no netlink to us
     std::unique_ptr<LocationManager> locationManager;
+    std::unique_ptr<InstanceClaim> instanceClaim;
 };
 
 /// The real one.

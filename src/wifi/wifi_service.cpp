@@ -1,11 +1,9 @@
 #include "wifi/wifi_service.h"
 
+#include "platform/background_work.h"
 #include "platform/log.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_snapshot_observer.h"
-
-#include <QFuture>
-#include <QtConcurrentRun>
 
 #include <limits>
 
@@ -138,17 +136,20 @@ void WiFiService::updateWiFiInfo()
 void WiFiService::findInterface()
 {
     m_lookedForInterface = true;
-    QtConcurrent::run(&m_queue, [client = m_wifiClient] {
-        const auto interfaces = client ? client->interfaces()
-                                       : std::vector<std::shared_ptr<platform::WiFiInterface>> {};
+    const auto firstOf = [client = m_wifiClient]() -> std::shared_ptr<platform::WiFiInterface> {
+        if (!client)
+            return nullptr;
+        const auto interfaces = client->interfaces();
         return interfaces.empty() ? nullptr : interfaces.front();
-    }).then(this, [this](const std::shared_ptr<platform::WiFiInterface>& first) {
+    };
+    const auto take = [this](const std::shared_ptr<platform::WiFiInterface>& first) {
         m_interface = first;
         if (m_interface)
             sampleInterface();
         else
             endWithoutLink(kNoInterface);
-    });
+    };
+    platform::runInBackground(m_queue, this, firstOf, take);
 }
 
 void WiFiService::sampleInterface()
@@ -159,17 +160,18 @@ void WiFiService::sampleInterface()
     }
     if (m_updateCount % kPassesPerLogLine == 0)
         platform::log(u"WiFiService: Update #%1"_s.arg(m_updateCount));
-    QtConcurrent::run(&m_queue,
-        [interface = m_interface, clock = &m_clock]() -> std::optional<WiFiInfo> {
-            const auto reading = interface->readLink();
-            return reading ? std::optional(makeWiFiInfo(*reading, clock->now())) : std::nullopt;
-        })
-        .then(this, [this](const std::optional<WiFiInfo>& snapshot) {
-            if (snapshot)
-                applyLinkSnapshot(*snapshot);
-            else
-                interfaceIsGone();
-        });
+    const auto readLinkSnapshot
+        = [interface = m_interface, clock = &m_clock]() -> std::optional<WiFiInfo> {
+        const auto reading = interface->readLink();
+        return reading ? std::optional(makeWiFiInfo(*reading, clock->now())) : std::nullopt;
+    };
+    const auto take = [this](const std::optional<WiFiInfo>& snapshot) {
+        if (snapshot)
+            applyLinkSnapshot(*snapshot);
+        else
+            interfaceIsGone();
+    };
+    platform::runInBackground(m_queue, this, readLinkSnapshot, take);
 }
 
 /// Unplugged, renamed or turned into something else: there may be another one.

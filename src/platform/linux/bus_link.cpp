@@ -1,7 +1,6 @@
 #include "platform/linux/bus_link.h"
 
-#include <QFuture>
-#include <QtConcurrentRun>
+#include "platform/background_work.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -35,9 +34,11 @@ BusLink::~BusLink()
 
 void BusLink::connectToBus()
 {
-    QtConcurrent::run(&m_queue, [bus = m_bus, name = nextConnectionName()] {
+    const auto connectNow = [bus = m_bus, name = nextConnectionName()] {
         return QDBusConnection::connectToBus(bus, name);
-    }).then(this, [this](const QDBusConnection& connection) { take(connection); });
+    };
+    runInBackground(
+        m_queue, this, connectNow, [this](const QDBusConnection& connection) { take(connection); });
 }
 
 void BusLink::take(const QDBusConnection& connection)

@@ -1,4 +1,6 @@
 #include "platform/linux/bus_link.h"
+#include "platform/linux/bus_name_claim.h"
+#include "platform/linux/linux_network_configuration.h"
 #include "platform/linux/nl80211_wifi_client.h"
 #include "platform/linux/scan_permission.h"
 #include "platform/platform.h"
@@ -11,11 +13,17 @@ Platform makePlatform()
     Platform platform;
     platform.queues = std::make_unique<WorkQueues>();
     platform.clock = std::make_unique<SystemClock>();
-    auto systemBus = std::make_unique<BusLink>(
-        QDBusConnection::SystemBus, *platform.clock, platform.queues->userInitiated);
+    const auto linkTo = [&platform](QDBusConnection::BusType bus) {
+        return std::make_unique<BusLink>(bus, *platform.clock, platform.queues->userInitiated);
+    };
+    auto systemBus = linkTo(QDBusConnection::SystemBus);
+    auto sessionBus = linkTo(QDBusConnection::SessionBus);
     platform.wifiClient = Nl80211WiFiClient::create();
     platform.locationManager = std::make_unique<ScanPermission>(*systemBus);
+    platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
+    platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.systemBus = std::move(systemBus);
+    platform.sessionBus = std::move(sessionBus);
     return platform;
 }
 

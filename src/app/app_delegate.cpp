@@ -1,0 +1,130 @@
+#include "app/app_delegate.h"
+
+#include "app/notification_center.h"
+#include "app/status_bar_manager.h"
+#include "platform/application_activity.h"
+#include "platform/log.h"
+#include "platform/platform.h"
+#include "platform/process_memory.h"
+#include "probes/network_utils.h"
+#include "probes/probe_targets.h"
+#include "wifi/location_permission_service.h"
+#include "wifi/wifi_service.h"
+
+#include <QAction>
+#include <QCoreApplication>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace netvane::app {
+namespace {
+
+constexpr std::chrono::milliseconds kMemoryLogInterval = 30s;
+constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
+
+} // namespace
+
+AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActivity& activity,
+    NotificationCenter& notifications)
+    : m_platform(platform)
+    , m_activity(activity)
+    , m_notifications(notifications)
+    , m_updaterController(QCoreApplication::applicationFilePath())
+{
+    platform::log(u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
+    connect(&m_notifications, &NotificationCenter::openInWindow, this,
+        &AppDelegate::handleOpenInWindow);
+}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationWillFinishLaunching()
+{
+    platform::log(u"AppDelegate: applicationWillFinishLaunching called"_s);
+}
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    platform::log(u"Netvane: Application launching..."_s);
+    // Nothing in the task bar, and no window whose closing would end the program.
+    platform::log(u"Netvane: Activation policy set to accessory"_s);
+    platform::log(u"Netvane: App activated"_s);
+    m_locationPermissionService = std::make_unique<wifi::LocationPermissionService>(
+        *m_platform.locationManager, m_activity);
+    platform::log(u"Netvane: Location permission status: "_s
+        + QString::number(int(m_locationPermissionService->authorizationStatus())));
+    m_wifiService = std::make_unique<wifi::WiFiService>(
+        m_platform.wifiClient, *m_platform.clock, m_platform.queues->userInitiated);
+    m_wifiService->setLocationPermissionService(*m_locationPermissionService);
+    setupStatusBar();
+    setupMainMenu();
+    m_networkUtils = std::make_unique<probes::NetworkUtils>(
+        *m_platform.networkConfiguration, m_platform.queues->userInitiated);
+    m_networkUtils->getDefaultGateway(
+        this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
+    platform::log(u"Netvane: Application launched successfully"_s);
+    m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
+}
+
+void AppDelegate::setupStatusBar()
+{
+    m_statusBarManager = std::make_unique<StatusBarManager>(m_notifications);
+    m_statusBarManager->setup(m_wifiService.get());
+    platform::log(u"Netvane: Status bar setup complete"_s);
+}
+
+/// Works in every window of the program that is the active one.
+void AppDelegate::setupMainMenu()
+{
+    m_mainMenu = std::make_unique<QMenu>(u"Window"_s);
+    auto* open = m_mainMenu->addAction(u"Open in Window"_s);
+    open->setShortcut(QKeySequence(u"Ctrl+D"_s));
+    open->setShortcutContext(Qt::ApplicationShortcut);
+    connect(open, &QAction::triggered, this, &AppDelegate::handleOpenInWindow);
+    platform::log(u"Netvane: Global keyboard shortcut ⌘D configured"_s);
+}
+
+void AppDelegate::gatewayAnswered(const std::optional<QString>& address)
+{
+    platform::log(u"Netvane: Default gateway: "_s + address.value_or(probes::kFallbackGateway));
+    QMetaObject::invokeMethod(this, &AppDelegate::startServices, Qt::QueuedConnection);
+}
+
+void AppDelegate::startServices()
+{
+    platform::log(u"Netvane: All services started"_s);
+}
+
+/// A request that comes before the services exist which the window shows is dropped.
+void AppDelegate::handleOpenInWindow() { }
+
+void AppDelegate::applicationDidBecomeActive()
+{
+    platform::log(u"Netvane: App became active - checking location permission"_s);
+    if (m_locationPermissionService)
+        m_locationPermissionService->checkAuthorizationStatus();
+    if (m_wifiService)
+        m_wifiService->updateWiFiInfo();
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    if (std::exchange(m_isTerminated, true))
+        return;
+    if (m_wifiService)
+        m_wifiService->stopMonitoring();
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool)
+{
+    return false;
+}
+
+void AppDelegate::logMemoryUsage() const
+{
+    if (const auto bytes = platform::residentBytes())
+        platform::log(u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
+}
+
+} // namespace netvane::app

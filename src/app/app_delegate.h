@@ -1,0 +1,78 @@
+#pragma once
+
+#include "app/updater_controller.h"
+#include "platform/clock.h"
+
+#include <QMenu>
+#include <QObject>
+
+#include <memory>
+#include <optional>
+
+namespace netvane::platform {
+class ApplicationActivity;
+struct Platform;
+} // namespace netvane::platform
+namespace netvane::probes {
+class NetworkUtils;
+}
+namespace netvane::wifi {
+class LocationPermissionService;
+class WiFiService;
+} // namespace netvane::wifi
+
+namespace netvane::app {
+
+class NotificationCenter;
+class StatusBarManager;
+
+/// The program's one long-lived controller: makes every service once and in a fixed order, wires
+/// them, and stops them at the end. Main thread.
+class AppDelegate : public QObject {
+    Q_OBJECT
+
+public:
+    /// All three outlive the delegate.
+    AppDelegate(platform::Platform& platform, platform::ApplicationActivity& activity,
+        NotificationCenter& notifications);
+    ~AppDelegate() override;
+
+    void applicationWillFinishLaunching();
+    void applicationDidFinishLaunching();
+    void applicationDidBecomeActive();
+    /// Stops every timer and transfer; only the first call does anything.
+    void applicationWillTerminate();
+    /// What a second start of the program asks of this one: nothing.
+    bool applicationShouldHandleReopen(bool hasVisibleWindows);
+
+    UpdaterController& updaterController() { return m_updaterController; }
+    StatusBarManager* statusBarManager() { return m_statusBarManager.get(); }
+    wifi::LocationPermissionService* locationPermissionService()
+    {
+        return m_locationPermissionService.get();
+    }
+    wifi::WiFiService* wifiService() { return m_wifiService.get(); }
+    QMenu* mainMenu() { return m_mainMenu.get(); }
+
+private:
+    void setupStatusBar();
+    void setupMainMenu();
+    void handleOpenInWindow();
+    void gatewayAnswered(const std::optional<QString>& address);
+    void startServices();
+    void logMemoryUsage() const;
+
+    platform::Platform& m_platform;
+    platform::ApplicationActivity& m_activity;
+    NotificationCenter& m_notifications;
+    UpdaterController m_updaterController;
+    std::unique_ptr<probes::NetworkUtils> m_networkUtils;
+    std::unique_ptr<wifi::LocationPermissionService> m_locationPermissionService;
+    std::unique_ptr<wifi::WiFiService> m_wifiService;
+    std::unique_ptr<StatusBarManager> m_statusBarManager;
+    std::unique_ptr<QMenu> m_mainMenu;
+    std::unique_ptr<platform::Timer> m_memoryTimer;
+    bool m_isTerminated = false;
+};
+
+} // namespace netvane::app

@@ -1,0 +1,75 @@
+#include "app/app_delegate.h"
+#include "app/notification_center.h"
+#include "platform/application_activity.h"
+#include "platform/linux/termination_signals.h"
+#include "platform/log.h"
+#include "platform/platform.h"
+
+#include <QApplication>
+
+#include <csignal>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace netvane;
+
+namespace {
+
+/// Qt ends a program without a display by an abort; a sentence is kinder.
+bool hasDisplay()
+{
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY")
+        || qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+/// Runs the delegate's life along that of the event loop.
+void drive(QApplication& application, app::AppDelegate& delegate,
+    platform::ApplicationActivity& activity, platform::InstanceClaim& claim)
+{
+    QObject::connect(&application, &QGuiApplication::applicationStateChanged, &delegate,
+        [&delegate, &activity](Qt::ApplicationState state) {
+            if (state != Qt::ApplicationActive)
+                return;
+            delegate.applicationDidBecomeActive();
+            Q_EMIT activity.didBecomeActive();
+        });
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
+        &app::AppDelegate::applicationWillTerminate);
+    QObject::connect(&claim, &platform::InstanceClaim::decided, &delegate, [&delegate](bool isFirst) {
+        if (!isFirst) {
+            platform::log(
+                u"Netvane: Already running in this session; look for its icon in the status area"_s);
+            QCoreApplication::quit();
+            return;
+        }
+        delegate.applicationWillFinishLaunching();
+        delegate.applicationDidFinishLaunching();
+    });
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // A reader of our standard error that goes away is no reason to end.
+    std::signal(SIGPIPE, SIG_IGN);
+    QCoreApplication::setApplicationName(u"netvane"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(NETVANE_VERSION));
+    if (!hasDisplay()) {
+        platform::log(u"Netvane: There is no display to run on; start it from a desktop session"_s);
+        return 1;
+    }
+    QApplication application(argc, argv);
+    QGuiApplication::setDesktopFileName(u"org.netvane.Netvane"_s);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const platform::TerminationSignals signals_;
+    QObject::connect(
+        &signals_, &platform::TerminationSignals::received, &application, &QCoreApplication::quit);
+
+    auto platform = platform::makePlatform();
+    platform::ApplicationActivity activity;
+    app::NotificationCenter notifications;
+    app::AppDelegate delegate(platform, activity, notifications);
+    drive(application, delegate, activity, *platform.instanceClaim);
+    platform.instanceClaim->claim();
+    return QApplication::exec();
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QObject>
+
+namespace netvane::app {
+
+/// What parts of the shell tell each other without knowing each other: the status item speaks, the
+/// application delegate listens. Main thread.
+class NotificationCenter : public QObject {
+    Q_OBJECT
+
+Q_SIGNALS:
+    /// The user asked for the detailed window.
+    void openInWindow();
+};
+
+} // namespace netvane::app

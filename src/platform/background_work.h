@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QFutureWatcher>
+#include <QThreadPool>
+#include <QtConcurrentRun>
+
+#include <type_traits>
+
+namespace netvane::platform {
+
+/// Runs `work` on `queue` and hands what it returns to `deliver` on the thread of `owner`, which is
+/// the calling one; nothing is delivered once the owner is gone. Unlike `QFuture::then(owner,
+/// ...)`, which in Qt 6.4 looks at the owner from the thread that did the work, this lets the owner
+/// go at any moment.
+template <typename Work, typename Deliver>
+void runInBackground(QThreadPool& queue, QObject* owner, Work work, Deliver deliver)
+{
+    using Value = std::invoke_result_t<Work>;
+    auto* watcher = new QFutureWatcher<Value>(owner);
+    QObject::connect(watcher, &QFutureWatcher<Value>::finished, owner,
+        [watcher, deliver = std::move(deliver)]() mutable {
+            watcher->deleteLater();
+            deliver(watcher->result());
+        });
+    watcher->setFuture(QtConcurrent::run(&queue, std::move(work)));
+}
+
+} // namespace netvane::platform

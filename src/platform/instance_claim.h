@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QObject>
+
+namespace netvane::platform {
+
+/// The claim to be the one running copy of the program in this desktop session. Main thread.
+class InstanceClaim : public QObject {
+    Q_OBJECT
+
+public:
+    /// Asks; the answer comes by `decided`, within a few seconds whatever the session is like.
+    virtual void claim() = 0;
+
+Q_SIGNALS:
+    /// Once. False when another copy is running; true also where nobody can tell.
+    void decided(bool isFirst);
+};
+
+} // namespace netvane::platform

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+
+namespace netvane::platform {
+
+/// Turns SIGINT, SIGTERM and SIGHUP (the ways in which a terminal, a service manager and a desktop
+/// session end a program) into a signal of the event loop. One for the process; main thread.
+class TerminationSignals : public QObject {
+    Q_OBJECT
+
+public:
+    TerminationSignals();
+    ~TerminationSignals() override;
+
+Q_SIGNALS:
+    void received();
+
+private:
+    void drain();
+
+    QSocketNotifier m_notifier;
+};
+
+} // namespace netvane::platform

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace netvane::platform {
+
+/// How this machine is set up to reach the network, read afresh by each call. Any thread.
+class NetworkConfiguration {
+public:
+    virtual ~NetworkConfiguration() = default;
+
+    /// The IPv4 address of the default router; absent when there is none or it cannot be read.
+    /// Asks the kernel, which may take up to some seconds to answer: not on the main thread.
+    virtual std::optional<QString> defaultRouter() = 0;
+    /// The addresses of the DNS servers as they are written down, the primary one first; empty when
+    /// none is known. Reads two small files at most.
+    virtual QStringList dnsServers() = 0;
+    /// The names of all network interfaces, up or down. Reads one small file and never waits for a
+    /// driver.
+    virtual QStringList interfaceNames() = 0;
+};
+
+} // namespace netvane::platform

@@ -1,0 +1,27 @@
+#include "probes/network_utils.h"
+
+#include "platform/background_work.h"
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::probes {
+
+void NetworkUtils::getDefaultGateway(
+    QObject* context, std::function<void(std::optional<QString>)> completion) const
+{
+    platform::runInBackground(
+        m_userInitiated, context,
+        [configuration = &m_configuration] { return configuration->defaultRouter(); },
+        std::move(completion));
+}
+
+bool isVPNActive(platform::NetworkConfiguration& configuration)
+{
+    const QStringList names = configuration.interfaceNames();
+    return std::ranges::any_of(
+        names, [](const QString& name) { return name.startsWith(u"ipsec"_s); });
+}
+
+} // namespace netvane::probes

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/network_configuration.h"
+
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+class QObject;
+class QThreadPool;
+
+namespace netvane::probes {
+
+/// What the probes and the dashboard ask about the machine's own set-up. Nothing is kept: each
+/// answer is read afresh. No failure is told; what is not known is absent or empty.
+class NetworkUtils {
+public:
+    /// Both outlive this.
+    NetworkUtils(platform::NetworkConfiguration& configuration, QThreadPool& userInitiated)
+        : m_configuration(configuration)
+        , m_userInitiated(userInitiated)
+    {
+    }
+
+    /// The dotted address of the default IPv4 router. Any thread; may wait for the kernel, so the
+    /// main thread uses `getDefaultGateway`.
+    std::optional<QString> readDefaultGateway() const { return m_configuration.defaultRouter(); }
+
+    /// Reads the gateway in the background and calls `completion` with it, once and on the main
+    /// thread, unless `context` is gone by then. Main thread.
+    void getDefaultGateway(
+        QObject* context, std::function<void(std::optional<QString>)> completion) const;
+
+    /// The DNS servers, the primary one first. Any thread; reads two small files at most.
+    QStringList getDNSServers() const { return m_configuration.dnsServers(); }
+
+private:
+    platform::NetworkConfiguration& m_configuration;
+    QThreadPool& m_userInitiated;
+};
+
+/// Whether there is an interface whose name begins with "ipsec". Tunnels of other names do not
+/// count. Any thread.
+bool isVPNActive(platform::NetworkConfiguration& configuration);
+
+} // namespace netvane::probes
