@@ -1,0 +1,56 @@
+# Everything a newcomer needs, from a fresh Debian 12 on. `make help` lists the targets.
+JOBS ?= $(shell nproc)
+BUILD = build
+
+.PHONY: help build run test check check-format check-layers check-tidy check-sanitizers test-radio bench clean
+
+help:
+	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
+
+build: ## the program, at build/netvane
+	@scripts/setup build run
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane
+
+run: build ## builds and starts the program; without a display on a virtual one
+	@scripts/start $(BUILD)/netvane
+
+test: ## builds and runs every test that needs no virtual machine
+	@scripts/setup build run test
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS)
+	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+
+check: check-format check-layers check-tidy check-sanitizers ## the other checks
+
+check-format: ## clang-format would change nothing
+	@scripts/setup check
+	@git ls-files -z '*.cpp' '*.h' | xargs -0 clang-format --dry-run --Werror
+	@echo "format: ok"
+
+check-layers: ## no module includes a higher one, no file or function is too long
+	@scripts/check-layers
+
+check-tidy: ## clang-tidy over what differs from the main line, or over FILES
+	@scripts/setup build run check
+	@scripts/check-tidy $(FILES)
+
+check-sanitizers: ## the tests under ASan with UBSan, and under TSan
+	@scripts/setup build run test
+	@scripts/check-sanitizers dev
+	@scripts/check-sanitizers tsan
+
+test-radio: ## end to end on simulated radios in a virtual machine
+	@scripts/setup build run test radio
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS)
+	@tests/radio/run --build $(BUILD)
+
+bench: ## the figures, each beside what it is compared with
+	@scripts/setup build run display bench
+	@cmake --preset bench >/dev/null
+	@cmake --build $(BUILD)/bench -j $(JOBS)
+	@bench/run-all $(BUILD)/bench
+
+clean: ## forgets everything that was built
+	@rm -rf $(BUILD)

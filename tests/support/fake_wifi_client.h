@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/wifi_client.h"
+
+#include <QSemaphore>
+
+#include <atomic>
+
+namespace netvane::test {
+
+/// An interface that answers what it is told. A read can be held until it is let go.
+class FakeWiFiInterface : public platform::WiFiInterface {
+public:
+    bool powerOn() const override { return isOn; }
+
+    std::optional<platform::LinkReading> readLink() override
+    {
+        ++reads;
+        if (isHeld)
+            letGo.acquire();
+        return reading;
+    }
+
+    std::atomic<bool> isOn = true;
+    std::atomic<bool> isHeld = false;
+    QSemaphore letGo;
+    std::atomic<int> reads = 0;
+    /// Absent: the interface is gone. Set only while no pass is in flight.
+    std::optional<platform::LinkReading> reading = platform::LinkReading {};
+};
+
+class FakeWiFiClient : public platform::WiFiClient {
+public:
+    std::vector<std::shared_ptr<platform::WiFiInterface>> interfaces() override { return list; }
+
+    std::vector<std::shared_ptr<platform::WiFiInterface>> list;
+};
+
+} // namespace netvane::test

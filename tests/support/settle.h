@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QThreadPool>
+
+namespace netvane::test {
+
+/// Lets work on `queue` end and its results arrive, until nothing is left of either.
+inline void settle(QThreadPool& queue)
+{
+    for (int round = 0; round < 4; ++round) {
+        queue.waitForDone();
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+}
+
+} // namespace netvane::test
