@@ -1,9 +1,13 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "platform/connection.h"
+#include "platform/http_client.h"
 #include "platform/instance_claim.h"
 #include "platform/location_manager.h"
 #include "platform/network_configuration.h"
+#include "platform/resolver.h"
+#include "platform/url_opener.h"
 #include "platform/wifi_client.h"
 #include "platform/work_queues.h"
 
@@ -24,9 +28,14 @@ struct Platform {
     std::shared_ptr<WiFiClient> wifiClient; ///< null when the kernel offers no netlink to us
     std::unique_ptr<LocationManager> locationManager;
     std::unique_ptr<InstanceClaim> instanceClaim;
+    std::unique_ptr<UrlOpener> urlOpener;
+    std::unique_ptr<HttpClient> httpClient;
+    std::unique_ptr<ConnectionFactory> connections;
+    std::shared_ptr<Resolver> resolver; ///< shared with lookups that outlive everything else
 };
 
-/// The real one.
+/// The real one, but for `urlOpener`: only a program with windows can hand addresses to the
+/// desktop, so its shell sets that one.
 Platform makePlatform();
 
 } // namespace netvane::platform

@@ -2,7 +2,10 @@
 #include "platform/linux/bus_name_claim.h"
 #include "platform/linux/linux_network_configuration.h"
 #include "platform/linux/nl80211_wifi_client.h"
+#include "platform/linux/qt_http_client.h"
 #include "platform/linux/scan_permission.h"
+#include "platform/linux/socket_connections.h"
+#include "platform/linux/system_resolver.h"
 #include "platform/platform.h"
 #include "platform/system_clock.h"
 
@@ -22,6 +25,9 @@ Platform makePlatform()
     platform.locationManager = std::make_unique<ScanPermission>(*systemBus);
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
+    platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
+    platform.connections = std::make_unique<SocketConnections>(*platform.clock);
+    platform.resolver = std::make_shared<SystemResolver>();
     platform.systemBus = std::move(systemBus);
     platform.sessionBus = std::move(sessionBus);
     return platform;

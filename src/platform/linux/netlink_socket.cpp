@@ -7,15 +7,40 @@
 #include <sys/socket.h>
 #include <sys/time.h>
 
+#include <cstring>
+
 namespace netvane::platform {
 namespace {
 
+using SteadyClock = std::chrono::steady_clock;
+
 constexpr int kTries = 3;
+// Against a driver that never comes to the end of its list. A scan table holds a thousand networks,
+// and of all the routes the default ones come first.
+constexpr int kMessageLimit = 100'000;
 
 struct Answer {
     const std::function<void(const nlmsghdr&)>& take;
+    const std::uint32_t sequence;
+    const SteadyClock::time_point deadline;
+    int messages = 0;
     bool done = false;
+    int status = 0; ///< of the dump as a whole, a negative libnl error
+
+    bool isLate() const { return SteadyClock::now() > deadline; }
 };
+
+/// Stands in for libnl's check of the sequence number, which would take the rest of an answer that
+/// was given up on for the one to the next request.
+int admitMessage(nl_msg* message, void* argument)
+{
+    auto& answer = *static_cast<Answer*>(argument);
+    if (++answer.messages > kMessageLimit)
+        return -NLE_MSG_OVERFLOW;
+    if (answer.isLate())
+        return -NLE_AGAIN;
+    return nlmsg_hdr(message)->nlmsg_seq == answer.sequence ? NL_OK : NL_SKIP;
+}
 
 int takeMessage(nl_msg* message, void* argument)
 {
@@ -23,9 +48,16 @@ int takeMessage(nl_msg* message, void* argument)
     return NL_OK;
 }
 
-int finish(nl_msg*, void* argument)
+/// The kernel tells in the last message of a dump whether it failed on its way.
+int finish(nl_msg* message, void* argument)
 {
-    static_cast<Answer*>(argument)->done = true;
+    auto& answer = *static_cast<Answer*>(argument);
+    int error = 0;
+    if (nlmsg_datalen(nlmsg_hdr(message)) >= int(sizeof error))
+        std::memcpy(&error, nlmsg_data(nlmsg_hdr(message)), sizeof error);
+    if (error < 0)
+        answer.status = -nl_syserr2nlerr(error);
+    answer.done = true;
     return NL_STOP;
 }
 
@@ -40,15 +72,18 @@ int receiveAnswer(nl_sock* socket, Answer& answer)
         nl_cb_clone(std::unique_ptr<nl_cb, CallbackDeleter>(nl_socket_get_cb(socket)).get()));
     if (!callbacks)
         return -NLE_NOMEM;
+    nl_cb_set(callbacks.get(), NL_CB_SEQ_CHECK, NL_CB_CUSTOM, admitMessage, &answer);
     nl_cb_set(callbacks.get(), NL_CB_VALID, NL_CB_CUSTOM, takeMessage, &answer);
     nl_cb_set(callbacks.get(), NL_CB_FINISH, NL_CB_CUSTOM, finish, &answer);
     nl_cb_set(callbacks.get(), NL_CB_ACK, NL_CB_CUSTOM, finish, &answer);
     while (!answer.done) {
+        if (answer.isLate())
+            return -NLE_AGAIN;
         const int status = nl_recvmsgs(socket, callbacks.get());
         if (status < 0)
             return status;
     }
-    return 0;
+    return answer.status;
 }
 
 } // namespace
@@ -82,18 +117,20 @@ Result<NetlinkSocket> NetlinkSocket::open(int protocol)
 Result<std::monostate> NetlinkSocket::request(nl_msg& message,
     const std::function<void(const nlmsghdr&)>& take, const std::function<void()>& restart)
 {
+    const auto deadline = SteadyClock::now() + kAnswerLimit;
     int status = 0;
     for (int attempt = 0; attempt < kTries; ++attempt) {
         if (attempt > 0) {
             restart();
-            // A number of its own for each try, so that the rest of the last answer is not taken
-            // for this one.
+            // A number of its own for each try tells its answer from the rest of the last one.
             nlmsg_hdr(&message)->nlmsg_seq = NL_AUTO_SEQ;
         }
-        Answer answer {.take = take};
         status = nl_send_auto(handle(), &message);
-        if (status >= 0)
+        if (status >= 0) {
+            Answer answer {
+                .take = take, .sequence = nlmsg_hdr(&message)->nlmsg_seq, .deadline = deadline};
             status = receiveAnswer(handle(), answer);
+        }
         if (status != -NLE_DUMP_INTR)
             break;
     }

@@ -26,13 +26,15 @@ using NetlinkMessage = std::unique_ptr<nl_msg, NetlinkMessageDeleter>;
 class NetlinkSocket {
 public:
     static constexpr std::chrono::milliseconds kReceiveTimeout {1000};
+    /// After this a request that is still being answered, further tries included, waits no more.
+    static constexpr std::chrono::milliseconds kAnswerLimit {3000};
 
     /// `protocol` is NETLINK_ROUTE or NETLINK_GENERIC.
     static Result<NetlinkSocket> open(int protocol);
 
     /// Sends a request, given that it asks for a dump, and hands each message of the answer to
-    /// `take`. A dump that the kernel marks as interrupted is asked again, twice at most; `restart`
-    /// is called before each further try.
+    /// `take`; what is left of an earlier answer is passed over. A dump that the kernel marks as
+    /// interrupted is asked again, twice at most; `restart` is called before each further try.
     Result<std::monostate> request(nl_msg& message,
         const std::function<void(const nlmsghdr&)>& take, const std::function<void()>& restart);
 

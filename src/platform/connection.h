@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace netvane::platform {
+
+enum class ConnectionState {
+    Setup, ///< made and not started yet; never told
+    Preparing, ///< the host's name is being resolved; an address literal skips this
+    Waiting, ///< for the peer's answer
+    Ready, ///< the peer answered
+    Failed, ///< none of the host's addresses can be had; final
+    Cancelled, ///< by `cancel`, or because the connection or its factory went; final
+};
+
+struct ConnectionEvent {
+    ConnectionState state = ConnectionState::Setup;
+    /// When it came about, by the monotonic clock: for `Ready` the moment the kernel reported the
+    /// peer's answer, however long the handler had to wait for its turn.
+    std::chrono::steady_clock::time_point at;
+    QString error; ///< only when failed: the system's own words in the user's language
+};
+
+/// Is told each change of state once, on the factory's network thread and never inside a call of
+/// the connection's own. Must not wait for anything. It may still be called when the connection
+/// object is gone, so it owns, or holds weakly, what it touches.
+using ConnectionHandler = std::function<void(const ConnectionEvent&)>;
+
+/// A connection that is set up and torn down, with nothing sent over it. Destroying it cancels it.
+class Connection {
+public:
+    virtual ~Connection() = default;
+
+    /// Once; one that was cancelled before stays silent.
+    virtual void start() = 0;
+    /// Closes the connection whatever its state. Any thread, the handler included; a second call
+    /// does nothing.
+    virtual void cancel() = 0;
+};
+
+/// Makes connections. Destroying it cancels those that are left, tells them so and ends its thread;
+/// a resolver that hangs is not waited for.
+class ConnectionFactory {
+public:
+    virtual ~ConnectionFactory() = default;
+
+    /// `host` is an address literal (IPv4, or IPv6 with its scope where it needs one) or a name,
+    /// whose addresses are tried in the resolver's order. Nothing happens before `start`.
+    [[nodiscard]] virtual std::unique_ptr<Connection> connectTcp(
+        const QString& host, quint16 port, ConnectionHandler handler)
+        = 0;
+};
+
+} // namespace netvane::platform

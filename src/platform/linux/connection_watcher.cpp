@@ -1,0 +1,162 @@
+#include "platform/linux/connection_watcher.h"
+
+#include <sys/epoll.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <thread>
+
+namespace netvane::platform {
+namespace {
+
+constexpr quint64 kMailboxId = 0;
+constexpr int kEventsAtOnce = 16;
+
+/// A resolver that hangs holds a thread for half a minute or so; a name probed every three seconds
+/// for two services would then hold about twenty.
+constexpr int kMostLookUps = 32;
+
+bool addToEpoll(const FileDescriptor& epoll, int descriptor, std::uint32_t events, quint64 id)
+{
+    epoll_event event {.events = events, .data = {.u64 = id}};
+    return ::epoll_ctl(epoll.get(), EPOLL_CTL_ADD, descriptor, &event) == 0;
+}
+
+/// Nobody waits for it: a call of the resolver can neither be bounded nor interrupted.
+bool startThread(std::function<void()> work)
+{
+    try {
+        std::thread(std::move(work)).detach();
+        return true;
+    } catch (const std::system_error&) {
+        return false; // the standard library has no other way to say that there are too many
+    }
+}
+
+} // namespace
+
+ConnectionWatcher::ConnectionWatcher(
+    const Clock& clock, AddressLookup lookUp, std::shared_ptr<Mailbox> mailbox)
+    : m_clock(clock)
+    , m_lookUp(std::move(lookUp))
+    , m_mailbox(std::move(mailbox))
+    , m_epoll(::epoll_create1(EPOLL_CLOEXEC))
+{
+    if (!addToEpoll(m_epoll, m_mailbox->descriptor(), EPOLLIN, kMailboxId))
+        qFatal("The network thread cannot wait for descriptors");
+}
+
+void ConnectionWatcher::run()
+{
+    std::array<epoll_event, kEventsAtOnce> events {};
+    while (!m_isStopped) {
+        const int count = ::epoll_wait(m_epoll.get(), events.data(), kEventsAtOnce, -1);
+        const auto now = m_clock.monotonicNow(); // before anything else: this is what is measured
+        for (int i = 0; i < count; ++i) {
+            const auto place = m_connections.find(events[size_t(i)].data.u64);
+            if (place != m_connections.end())
+                proceed(place, now);
+        }
+        for (const auto& task : m_mailbox->take())
+            task(*this);
+    }
+    while (!m_connections.empty())
+        end(m_connections.begin(), ConnectionState::Cancelled);
+}
+
+void ConnectionWatcher::adopt(quint64 id, OpenConnection connection)
+{
+    const auto place = m_connections.emplace(id, std::move(connection)).first;
+    auto& handshake = place->second.handshake;
+    if (handshake.isUnderWay() || handshake.error() != 0)
+        proceed(place, handshake.answeredAt());
+    else
+        startLookUp(place);
+}
+
+void ConnectionWatcher::cancel(quint64 id)
+{
+    if (const auto place = m_connections.find(id); place != m_connections.end())
+        end(place, ConnectionState::Cancelled);
+}
+
+void ConnectionWatcher::startLookUp(Connections::iterator place)
+{
+    auto& [id, connection] = *place;
+    tell(connection, {.state = ConnectionState::Preparing, .at = m_clock.monotonicNow()});
+    // The thread outlives the factory if it has to: it holds all it needs, and a mailbox that
+    // nobody reads any more takes letters, too.
+    const auto work = [mailbox = m_mailbox, lookUp = m_lookUp, host = connection.host,
+                          port = connection.port, id = id] {
+        mailbox->post([id, found = lookUp(host, port)](
+                          ConnectionWatcher& watcher) { watcher.takeAddresses(id, found); });
+    };
+    if (m_lookUps < kMostLookUps && startThread(work))
+        ++m_lookUps;
+    else
+        end(place, ConnectionState::Failed, QString::fromStdString(tryAgainText()));
+}
+
+void ConnectionWatcher::takeAddresses(quint64 id, HostAddresses found)
+{
+    --m_lookUps;
+    const auto place = m_connections.find(id);
+    if (place == m_connections.end())
+        return;
+    if (!found.errorText.empty()) {
+        end(place, ConnectionState::Failed, QString::fromLocal8Bit(found.errorText));
+        return;
+    }
+    auto& handshake = place->second.handshake;
+    handshake.setAddresses(std::move(found.addresses));
+    handshake.askNext(m_clock);
+    proceed(place, handshake.answeredAt());
+}
+
+/// Takes a handshake from what is known of it now to where only the kernel can go on.
+void ConnectionWatcher::proceed(
+    Connections::iterator place, std::optional<std::chrono::steady_clock::time_point> answeredAt)
+{
+    auto& connection = place->second;
+    auto& handshake = connection.handshake;
+    while (handshake.isUnderWay()) {
+        tell(connection, {.state = ConnectionState::Waiting, .at = m_clock.monotonicNow()});
+        if (!answeredAt) {
+            if (watch(*place))
+                return;
+            handshake.fail(errno);
+        } else if (handshake.wasAccepted()) {
+            tell(connection, {.state = ConnectionState::Ready, .at = *answeredAt});
+            return;
+        }
+        handshake.askNext(m_clock);
+        answeredAt = handshake.answeredAt();
+    }
+    end(place, ConnectionState::Failed, qt_error_string(handshake.error()));
+}
+
+/// One report is enough: what happens to a connection that is ready is of no interest.
+bool ConnectionWatcher::watch(const Connections::value_type& entry)
+{
+    return addToEpoll(
+        m_epoll, entry.second.handshake.descriptor(), EPOLLOUT | EPOLLONESHOT, entry.first);
+}
+
+void ConnectionWatcher::tell(OpenConnection& connection, const ConnectionEvent& event)
+{
+    if (connection.state == event.state)
+        return;
+    connection.state = event.state;
+    connection.handler(event);
+}
+
+void ConnectionWatcher::end(
+    Connections::iterator place, ConnectionState state, const QString& error)
+{
+    auto connection = std::move(m_connections.extract(place).mapped());
+    connection.handshake = {};
+    connection.handler({.state = state, .at = m_clock.monotonicNow(), .error = error});
+}
+
+} // namespace netvane::platform

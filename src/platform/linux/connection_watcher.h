@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/connection.h"
+#include "platform/linux/mailbox.h"
+#include "platform/linux/tcp_handshake.h"
+#include "platform/result.h"
+
+#include <map>
+
+namespace netvane::platform {
+
+/// A connection from its start to its end.
+struct OpenConnection {
+    std::string host;
+    std::uint16_t port = 0;
+    ConnectionHandler handler;
+    TcpHandshake handshake;
+    ConnectionState state = ConnectionState::Setup;
+};
+
+/// What the network thread does: waits for the kernel, and tells of every change. All on that
+/// thread, save the making; others reach it through the mailbox.
+class ConnectionWatcher {
+public:
+    ConnectionWatcher(const Clock& clock, AddressLookup lookUp, std::shared_ptr<Mailbox> mailbox);
+
+    /// Returns after `stop`, every connection closed and told so.
+    void run();
+    void stop() { m_isStopped = true; }
+
+    /// `id` is not used twice. The handshake is under way, or failed, or has no address yet.
+    void adopt(quint64 id, OpenConnection connection);
+    void cancel(quint64 id);
+
+private:
+    using Connections = std::map<quint64, OpenConnection>;
+
+    void startLookUp(Connections::iterator place);
+    void takeAddresses(quint64 id, HostAddresses found);
+    void proceed(Connections::iterator place,
+        std::optional<std::chrono::steady_clock::time_point> answeredAt);
+    bool watch(const Connections::value_type& entry);
+    void tell(OpenConnection& connection, const ConnectionEvent& event);
+    void end(Connections::iterator place, ConnectionState state, const QString& error = {});
+
+    const Clock& m_clock;
+    const AddressLookup m_lookUp;
+    const std::shared_ptr<Mailbox> m_mailbox;
+    FileDescriptor m_epoll;
+    Connections m_connections;
+    int m_lookUps = 0; ///< threads that are with the resolver
+    bool m_isStopped = false;
+};
+
+} // namespace netvane::platform

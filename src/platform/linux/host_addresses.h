@@ -1,0 +1,37 @@
+#pragma once
+
+#include <sys/socket.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace netvane::platform {
+
+struct SocketAddress {
+    sockaddr_storage storage {};
+    socklen_t length = 0;
+};
+
+/// What became of a host name. Holds nothing of Qt: it is made on a thread that may outlive the
+/// application object.
+struct HostAddresses {
+    std::vector<SocketAddress> addresses; ///< in the order in which they should be tried
+    std::string errorText; ///< the resolver's own words; empty when there are addresses
+};
+
+/// Turns a name into addresses. Called on a thread of its own, several at once; may take its time.
+using AddressLookup = std::function<HostAddresses(const std::string& host, std::uint16_t port)>;
+
+/// getaddrinfo(3).
+HostAddresses lookUpHost(const std::string& host, std::uint16_t port);
+
+/// The address that `host` spells out, a scope ("fe80::1%wlan0") included; none when it is a name.
+/// Answers at once.
+std::vector<SocketAddress> addressesOfLiteral(const std::string& host, std::uint16_t port);
+
+/// What getaddrinfo says when it may work another time; for names that nobody could look up now.
+std::string tryAgainText();
+
+} // namespace netvane::platform

@@ -1,0 +1,186 @@
+#include "platform/linux/qt_http_client.h"
+
+#include "platform/background_work.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkCookie>
+#include <QNetworkCookieJar>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::platform {
+namespace {
+
+/// Takes no cookie and gives none.
+class NoCookies : public QNetworkCookieJar {
+public:
+    QList<QNetworkCookie> cookiesForUrl(const QUrl&) const override { return {}; }
+    bool setCookiesFromUrl(const QList<QNetworkCookie>&, const QUrl&) override { return false; }
+    bool insertCookie(const QNetworkCookie&) override { return false; }
+};
+
+/// For one transfer, so that nothing at all is kept from one to the next: a connection that
+/// survived the last one may belong to the network before this one. It costs a fraction of a
+/// millisecond.
+QNetworkAccessManager* makeManager(QObject* parent)
+{
+    auto* manager = new QNetworkAccessManager(parent);
+    manager->setCookieJar(new NoCookies);
+    manager->setProxy(QNetworkProxy::NoProxy);
+    return manager;
+}
+
+/// One request and what comes of it. Takes the reply's manager along when it goes.
+class Exchange : public QObject {
+public:
+    Exchange(QNetworkReply* reply, const HttpRequest& request, Clock& clock,
+        std::function<void(const HttpAnswer&)> deliver, QObject* owner)
+        : QObject(owner)
+        , m_reply(reply)
+        , m_url(request.url)
+        , m_bodyLimit(request.bodyLimit)
+        , m_deliver(std::move(deliver))
+        , m_limit(clock.after(request.timeLimit, [this] { stopAfterTimeLimit(); }))
+    {
+        // Whatever the server sends faster than it is taken stays in the network.
+        m_reply->setReadBufferSize(m_bodyLimit + 1);
+        connect(m_reply, &QNetworkReply::metaDataChanged, this, &Exchange::takeHead);
+        connect(m_reply, &QNetworkReply::redirected, this, &Exchange::follow);
+        connect(m_reply, &QIODevice::readyRead, this, &Exchange::takeBody);
+        connect(m_reply, &QNetworkReply::finished, this, &Exchange::finish);
+    }
+
+    ~Exchange() override
+    {
+        m_reply->disconnect(this);
+        m_reply->abort();
+        m_reply->manager()->deleteLater(); // and the reply, whose signal may have led here
+    }
+
+private:
+    void stopAfterTimeLimit()
+    {
+        m_isLate = true;
+        m_reply->abort();
+    }
+
+    void takeHead()
+    {
+        const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+        if (status.isValid())
+            m_answer.status = status.toInt();
+    }
+
+    /// The response that leads elsewhere is not the answer.
+    void follow(const QUrl& url)
+    {
+        m_url = url;
+        m_answer.status.reset();
+        m_body.clear();
+    }
+
+    void takeBody()
+    {
+        if (m_reply->isOpen())
+            m_body += m_reply->read(m_bodyLimit + 1 - m_body.size());
+        if (m_body.size() <= m_bodyLimit)
+            return;
+        m_body.truncate(m_bodyLimit);
+        m_answer.truncated = true;
+        m_reply->abort();
+    }
+
+    void finish()
+    {
+        m_limit.reset();
+        if (!m_answer.truncated)
+            takeBody();
+        m_answer.finalUrl = m_url;
+        if (m_isLate)
+            m_answer.errorText = u"The time limit was reached"_s;
+        else if (!m_answer.truncated && m_reply->error() != QNetworkReply::NoError)
+            m_answer.errorText = m_reply->errorString();
+        if (!m_answer.errorText && !m_body.isEmpty())
+            m_answer.body = m_body;
+        deleteLater();
+        m_deliver(m_answer);
+    }
+
+    QNetworkReply* const m_reply;
+    QUrl m_url; // the reply's own is already that of a redirect which it then refuses
+    const qint64 m_bodyLimit;
+    const std::function<void(const HttpAnswer&)> m_deliver;
+    std::unique_ptr<Timer> m_limit;
+    QByteArray m_body;
+    HttpAnswer m_answer;
+    bool m_isLate = false;
+};
+
+QNetworkRequest makeRequest(const HttpRequest& request)
+{
+    QNetworkRequest made(request.url);
+    made.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
+    made.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
+    for (const auto attribute :
+        {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
+            QNetworkRequest::AuthenticationReuseAttribute})
+        made.setAttribute(attribute, QNetworkRequest::Manual);
+    // Qt 6.4 has faults in it that nobody mends any more, and a page of this size gains nothing.
+    made.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
+    made.setAttribute(
+        QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    made.setMaximumRedirectsAllowed(request.maximumRedirects);
+    // Nothing is unpacked: a small body cannot become a large one.
+    made.setRawHeader("Accept-Encoding", "identity");
+    made.setRawHeader("Connection", "close");
+    return made;
+}
+
+bool isWebAddress(const QUrl& url)
+{
+    return url.isValid() && (url.scheme() == u"https"_s || url.scheme() == u"http"_s);
+}
+
+} // namespace
+
+QtHttpClient::QtHttpClient(Clock& clock, QThreadPool& queue, std::optional<QSslConfiguration> tls)
+    : m_clock(clock)
+    , m_queue(queue)
+    , m_tls(std::move(tls))
+{
+}
+
+void QtHttpClient::get(
+    const HttpRequest& request, QObject* owner, std::function<void(const HttpAnswer&)> deliver)
+{
+    if (!isWebAddress(request.url)) {
+        const HttpAnswer refused {
+            .finalUrl = request.url, .errorText = u"Not an http or https address"_s};
+        QMetaObject::invokeMethod(
+            owner, [deliver = std::move(deliver), refused] { deliver(refused); },
+            Qt::QueuedConnection);
+        return;
+    }
+    if (m_tls) {
+        start(request, owner, std::move(deliver));
+        return;
+    }
+    // The first use of TLS loads a library and the system's authorities, some milliseconds' worth.
+    runInBackground(m_queue, owner, &QSslConfiguration::defaultConfiguration,
+        [this, request, owner, deliver = std::move(deliver)](const QSslConfiguration& tls) {
+            m_tls = tls;
+            start(request, owner, deliver);
+        });
+}
+
+void QtHttpClient::start(
+    const HttpRequest& request, QObject* owner, std::function<void(const HttpAnswer&)> deliver)
+{
+    QNetworkRequest made = makeRequest(request);
+    made.setSslConfiguration(*m_tls);
+    new Exchange(makeManager(&m_managers)->get(made), request, m_clock, std::move(deliver), owner);
+}
+
+} // namespace netvane::platform

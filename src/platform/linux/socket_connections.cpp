@@ -1,0 +1,77 @@
+#include "platform/linux/socket_connections.h"
+
+#include "platform/linux/connection_watcher.h"
+
+namespace netvane::platform {
+namespace {
+
+/// The owner's end of a connection.
+class SocketConnection : public Connection {
+public:
+    SocketConnection(
+        const Clock& clock, std::shared_ptr<Mailbox> mailbox, quint64 id, OpenConnection connection)
+        : m_clock(clock)
+        , m_mailbox(std::move(mailbox))
+        , m_id(id)
+        , m_connection(std::make_shared<OpenConnection>(std::move(connection)))
+    {
+    }
+    ~SocketConnection() override { SocketConnection::cancel(); }
+
+    void start() override
+    {
+        if (m_isCancelled.test() || !m_connection)
+            return;
+        auto& handshake = m_connection->handshake;
+        handshake.setAddresses(addressesOfLiteral(m_connection->host, m_connection->port));
+        handshake.askNext(m_clock);
+        m_mailbox->post(
+            [id = m_id, connection = std::move(m_connection)](
+                ConnectionWatcher& watcher) { watcher.adopt(id, std::move(*connection)); });
+        // One that came from another thread in the meantime found nothing to cancel.
+        if (m_isCancelled.test())
+            postCancel();
+    }
+
+    void cancel() override
+    {
+        if (!m_isCancelled.test_and_set())
+            postCancel();
+    }
+
+private:
+    void postCancel()
+    {
+        m_mailbox->post([id = m_id](ConnectionWatcher& watcher) { watcher.cancel(id); });
+    }
+
+    const Clock& m_clock;
+    const std::shared_ptr<Mailbox> m_mailbox;
+    const quint64 m_id;
+    std::shared_ptr<OpenConnection> m_connection; ///< until it starts
+    std::atomic_flag m_isCancelled;
+};
+
+} // namespace
+
+SocketConnections::SocketConnections(const Clock& clock, AddressLookup lookUp)
+    : m_clock(clock)
+    , m_mailbox(std::make_shared<Mailbox>())
+    , m_thread([watcher = std::make_shared<ConnectionWatcher>(
+                    clock, std::move(lookUp), m_mailbox)] { watcher->run(); })
+{
+}
+
+SocketConnections::~SocketConnections()
+{
+    m_mailbox->post([](ConnectionWatcher& watcher) { watcher.stop(); });
+}
+
+std::unique_ptr<Connection> SocketConnections::connectTcp(
+    const QString& host, quint16 port, ConnectionHandler handler)
+{
+    return std::make_unique<SocketConnection>(m_clock, m_mailbox, ++m_lastId,
+        OpenConnection {.host = host.toStdString(), .port = port, .handler = std::move(handler)});
+}
+
+} // namespace netvane::platform

@@ -1,0 +1,44 @@
+#include "probes/captive_portal_service.h"
+
+namespace netvane::probes {
+
+CaptivePortalService::CaptivePortalService(platform::HttpClient& http, platform::UrlOpener& opener,
+    platform::Clock& clock, QUrl captiveURL)
+    : m_http(http)
+    , m_opener(opener)
+    , m_clock(clock)
+    , m_captiveURL(std::move(captiveURL))
+{
+}
+
+void CaptivePortalService::start()
+{
+    checkForCaptivePortal();
+    m_checkTimer = m_clock.repeat(checkInterval, [this] { checkForCaptivePortal(); });
+}
+
+void CaptivePortalService::checkForCaptivePortal()
+{
+    m_http.get({.url = m_captiveURL, .timeLimit = timeLimit}, this,
+        [this](const platform::HttpAnswer& answer) { publish(judgePortal(answer)); });
+}
+
+void CaptivePortalService::openLoginPage()
+{
+    m_opener.openUrl(m_loginURL.value_or(m_captiveURL));
+}
+
+void CaptivePortalService::publish(const PortalVerdict& verdict)
+{
+    if (m_isCaptive != verdict.isCaptive) {
+        m_isCaptive = verdict.isCaptive;
+        Q_EMIT isCaptiveChanged();
+    }
+    const auto loginURL = verdict.redirectAddress.value_or(m_captiveURL);
+    if (m_loginURL != loginURL) {
+        m_loginURL = loginURL;
+        Q_EMIT loginURLChanged();
+    }
+}
+
+} // namespace netvane::probes

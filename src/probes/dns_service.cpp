@@ -1,0 +1,108 @@
+#include "probes/dns_service.h"
+
+#include "platform/detached_work.h"
+#include "platform/log.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::probes {
+namespace {
+
+constexpr int kLookupsPerLogLine = 10;
+
+/// The clock is the process's own: the service's one may be gone when a lookup that hung returns.
+TimedResolution timedResolve(platform::Resolver& resolver, const std::string& host)
+{
+    TimedResolution timed;
+    const auto begin = std::chrono::steady_clock::now();
+    timed.resolution = resolver.resolve(host);
+    timed.duration = std::chrono::steady_clock::now() - begin;
+    return timed;
+}
+
+} // namespace
+
+DNSService::DNSService(const NetworkUtils& network, std::shared_ptr<platform::Resolver> resolver,
+    platform::Clock& clock, QString testHost)
+    : m_network(network)
+    , m_resolver(std::move(resolver))
+    , m_clock(clock)
+    , m_testHost(std::move(testHost))
+    , m_lookupSubject(
+          clock, publicationInterval, [this](double milliseconds) { setLookupTime(milliseconds); })
+{
+}
+
+void DNSService::start()
+{
+    performLookup();
+    m_lookupTimer = m_clock.repeat(lookupInterval, [this] { performLookup(); });
+}
+
+void DNSService::performLookup()
+{
+    const QString server = m_network.getDNSServers().value(0, u"Unknown"_s);
+    QMetaObject::invokeMethod(
+        this, [this, server] { setDnsServer(server); }, Qt::QueuedConnection);
+    timeLookup();
+}
+
+void DNSService::timeLookup()
+{
+    if (m_lookupsInFlight >= maxLookupsInFlight)
+        return;
+    ++m_lookupCount;
+    if (m_lookupCount % kLookupsPerLogLine == 0)
+        platform::log(u"DNSService: Lookup #%1, history count: %2"_s.arg(
+            QString::number(m_lookupCount), QString::number(m_history.size())));
+    const bool started = platform::runDetached(
+        this,
+        [resolver = m_resolver, host = m_testHost.toStdString()] {
+            return timedResolve(*resolver, host);
+        },
+        [this](const TimedResolution& lookup) {
+            --m_lookupsInFlight;
+            finishLookup(lookup);
+        });
+    if (started)
+        ++m_lookupsInFlight;
+    else
+        platform::log(u"DNSService: No thread to be had for a lookup"_s);
+}
+
+void DNSService::finishLookup(const TimedResolution& lookup)
+{
+    if (const auto& resolution = lookup.resolution; resolution.status != 0) {
+        platform::log(u"DNSService: DNS lookup failed for %1: %2 (status: %3)"_s.arg(m_testHost,
+            QString::fromLocal8Bit(resolution.errorText), QString::number(resolution.status)));
+        return;
+    }
+    const std::chrono::duration<double, std::milli> milliseconds = lookup.duration;
+    appendToHistory(milliseconds.count());
+    m_lookupSubject.send(milliseconds.count());
+}
+
+void DNSService::appendToHistory(double milliseconds)
+{
+    m_history.push_back({.timestamp = m_clock.now(), .value = milliseconds});
+    if (m_history.size() > maxHistorySize)
+        m_history.erase(m_history.begin());
+}
+
+void DNSService::setLookupTime(double milliseconds)
+{
+    if (m_lookupTime == milliseconds)
+        return;
+    m_lookupTime = milliseconds;
+    Q_EMIT lookupTimeChanged();
+}
+
+void DNSService::setDnsServer(const QString& server)
+{
+    if (m_dnsServer == server)
+        return;
+    m_dnsServer = server;
+    Q_EMIT dnsServerChanged();
+}
+
+} // namespace netvane::probes

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/resolver.h"
+#include "probes/latest_value_throttle.h"
+#include "probes/metric_data_point.h"
+#include "probes/network_utils.h"
+
+#include <QObject>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace netvane::probes {
+
+/// What came of one lookup and how long the resolver took.
+struct TimedResolution {
+    platform::Resolution resolution;
+    std::chrono::steady_clock::duration duration {};
+};
+
+/// Times how long the system's resolver takes for one well-known name, every 5 seconds, caches
+/// included. Main thread; each lookup runs on a thread of its own, since nothing can end one that
+/// hangs.
+class DNSService : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr std::chrono::milliseconds lookupInterval {5000};
+    static constexpr std::chrono::milliseconds publicationInterval {500};
+    static constexpr size_t maxHistorySize = 10;
+    /// While so many lookups hang, ticks begin no further one: a dead resolver shall not gather
+    /// threads.
+    static constexpr int maxLookupsInFlight = 4;
+
+    /// `network` and `clock` outlive this. Nothing is looked up before `start`.
+    DNSService(const NetworkUtils& network, std::shared_ptr<platform::Resolver> resolver,
+        platform::Clock& clock, QString testHost);
+
+    void start();
+    /// Lookups that are under way still count.
+    void stop() { m_lookupTimer.reset(); }
+
+    /// Milliseconds; the last success, half a second late at most. Absent before the first.
+    const std::optional<double>& lookupTime() const { return m_lookupTime; }
+    /// The first configured server, or "Unknown" without any. Absent until the first tick is over.
+    const std::optional<QString>& dnsServer() const { return m_dnsServer; }
+    /// The last successes in milliseconds, oldest first.
+    const std::vector<MetricDataPoint>& history() const { return m_history; }
+    const QString& testHost() const { return m_testHost; }
+    /// Lookups begun so far.
+    int lookupCount() const { return m_lookupCount; }
+
+    void performLookup();
+
+Q_SIGNALS:
+    void lookupTimeChanged();
+    void dnsServerChanged();
+
+private:
+    void timeLookup();
+    void finishLookup(const TimedResolution& lookup);
+    void appendToHistory(double milliseconds);
+    void setLookupTime(double milliseconds);
+    void setDnsServer(const QString& server);
+
+    const NetworkUtils& m_network;
+    const std::shared_ptr<platform::Resolver> m_resolver;
+    platform::Clock& m_clock;
+    const QString m_testHost;
+    std::optional<double> m_lookupTime;
+    std::optional<QString> m_dnsServer;
+    std::vector<MetricDataPoint> m_history;
+    LatestValueThrottle<double> m_lookupSubject;
+    int m_lookupCount = 0;
+    int m_lookupsInFlight = 0;
+    std::unique_ptr<platform::Timer> m_lookupTimer;
+};
+
+} // namespace netvane::probes

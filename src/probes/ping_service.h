@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/connection.h"
+#include "probes/latest_value_throttle.h"
+#include "probes/network_metrics.h"
+
+#include <QObject>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace netvane::probes {
+
+/// Measures latency, jitter and loss towards one target every 3 seconds by the time that a TCP
+/// connection takes to become ready; one that does not within `probeTimeout` is a lost packet.
+/// Main thread; connections report on the factory's network thread, which never touches this.
+class PingService : public QObject {
+    Q_OBJECT
+
+public:
+    static constexpr size_t maxHistorySize = 10;
+    static constexpr size_t packetLossWindow = 10; ///< probes
+    static constexpr std::chrono::milliseconds pingInterval {3000};
+    static constexpr std::chrono::milliseconds probeTimeout {3000};
+    static constexpr std::chrono::milliseconds publishInterval {500};
+
+    /// `targetHost` is an address or a name, `targetName` the label that the records carry.
+    /// `clock` and `connections` outlive this. Nothing is probed before `start`.
+    PingService(QString targetHost, QString targetName, platform::Clock& clock,
+        platform::ConnectionFactory& connections);
+    ~PingService() override;
+
+    /// Forgets what was measured before and begins; nothing when already running.
+    void start();
+    /// Probes in flight still count.
+    void stop();
+
+    const QString& targetHost() const { return m_targetHost; }
+    const QString& targetName() const { return m_targetName; }
+    bool isRunning() const { return m_isRunning; }
+    /// The latest record, at most one every `publishInterval`; absent before the first start.
+    const std::optional<NetworkMetrics>& currentMetrics() const { return m_currentMetrics; }
+    /// The last records, oldest first, at most `maxHistorySize`.
+    const std::vector<NetworkMetrics>& metrics() const { return m_metrics; }
+    /// The last round trips of successful probes in ms, oldest first, at most `maxHistorySize`.
+    const std::vector<double>& pingHistory() const { return m_pingHistory; }
+    /// Probes begun since the last start.
+    int pingCount() const { return m_pingCount; }
+
+Q_SIGNALS:
+    void currentMetricsChanged();
+
+private:
+    struct Probe;
+    struct Outcome;
+    struct InFlight {
+        std::shared_ptr<Probe> probe;
+        std::unique_ptr<platform::Timer> timeout;
+    };
+
+    void performPing();
+    void measureLatency();
+    void probeTimedOut(Probe& probe);
+    void finishProbe(const Probe* probe, std::optional<double> latencyMs);
+    void recordResult(std::optional<double> latencyMs);
+    std::optional<double> jitter() const;
+    double updatePacketLoss(bool success);
+    void setCurrentMetrics(const NetworkMetrics& metrics);
+
+    const QString m_targetHost;
+    const QString m_targetName;
+    platform::Clock& m_clock;
+    platform::ConnectionFactory& m_connections;
+    std::optional<NetworkMetrics> m_currentMetrics;
+    std::vector<NetworkMetrics> m_metrics;
+    std::vector<double> m_pingHistory;
+    std::vector<bool> m_recentResults; ///< of the last `packetLossWindow` probes, oldest first
+    std::vector<InFlight> m_inFlight;
+    std::unique_ptr<platform::Timer> m_pingTimer;
+    LatestValueThrottle<NetworkMetrics> m_metricsSubject;
+    int m_pingCount = 0;
+    bool m_isRunning = false;
+};
+
+} // namespace netvane::probes
