@@ -6,7 +6,10 @@
 #include "platform/log.h"
 #include "platform/platform.h"
 #include "platform/process_memory.h"
+#include "probes/captive_portal_service.h"
+#include "probes/dns_service.h"
 #include "probes/network_utils.h"
+#include "probes/ping_service.h"
 #include "probes/probe_targets.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
@@ -50,6 +53,19 @@ void AppDelegate::applicationDidFinishLaunching()
     // Nothing in the task bar, and no window whose closing would end the program.
     platform::log(u"Netvane: Activation policy set to accessory"_s);
     platform::log(u"Netvane: App activated"_s);
+    makeServices();
+    setupStatusBar();
+    setupMainMenu();
+    m_networkUtils->getDefaultGateway(
+        this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
+    platform::log(u"Netvane: Application launched successfully"_s);
+    m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
+}
+
+/// In the order in which they need each other; sampling the link begins here, the probes wait for
+/// `startServices`.
+void AppDelegate::makeServices()
+{
     m_locationPermissionService = std::make_unique<wifi::LocationPermissionService>(
         *m_platform.locationManager, m_activity);
     platform::log(u"Netvane: Location permission status: "_s
@@ -57,14 +73,12 @@ void AppDelegate::applicationDidFinishLaunching()
     m_wifiService = std::make_unique<wifi::WiFiService>(
         m_platform.wifiClient, *m_platform.clock, m_platform.queues->userInitiated);
     m_wifiService->setLocationPermissionService(*m_locationPermissionService);
-    setupStatusBar();
-    setupMainMenu();
     m_networkUtils = std::make_unique<probes::NetworkUtils>(
         *m_platform.networkConfiguration, m_platform.queues->userInitiated);
-    m_networkUtils->getDefaultGateway(
-        this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
-    platform::log(u"Netvane: Application launched successfully"_s);
-    m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
+    m_dnsService = std::make_unique<probes::DNSService>(
+        *m_networkUtils, m_platform.resolver, *m_platform.clock, probes::kDnsTestHost);
+    m_captivePortalService = std::make_unique<probes::CaptivePortalService>(*m_platform.httpClient,
+        *m_platform.urlOpener, *m_platform.clock, probes::kCaptivePortalProbe);
 }
 
 void AppDelegate::setupStatusBar()
@@ -87,12 +101,26 @@ void AppDelegate::setupMainMenu()
 
 void AppDelegate::gatewayAnswered(const std::optional<QString>& address)
 {
-    platform::log(u"Netvane: Default gateway: "_s + address.value_or(probes::kFallbackGateway));
+    const QString router = address.value_or(probes::kFallbackGateway);
+    platform::log(u"Netvane: Default gateway: "_s + router);
+    const auto probeOf = [this](const QString& host, const QString& name) {
+        return std::make_unique<probes::PingService>(
+            host, name, *m_platform.clock, *m_platform.connections);
+    };
+    m_routerPingService = probeOf(router, u"router"_s);
+    m_internetPingService = probeOf(probes::kInternetTarget, u"internet"_s);
     QMetaObject::invokeMethod(this, &AppDelegate::startServices, Qt::QueuedConnection);
 }
 
 void AppDelegate::startServices()
 {
+    // The end of the program may have come before the gateway's answer.
+    if (m_isTerminated)
+        return;
+    m_routerPingService->start();
+    m_internetPingService->start();
+    m_dnsService->start();
+    m_captivePortalService->start();
     platform::log(u"Netvane: All services started"_s);
 }
 
@@ -114,6 +142,14 @@ void AppDelegate::applicationWillTerminate()
         return;
     if (m_wifiService)
         m_wifiService->stopMonitoring();
+    for (auto* probe : {m_routerPingService.get(), m_internetPingService.get()}) {
+        if (probe)
+            probe->stop();
+    }
+    if (m_dnsService)
+        m_dnsService->stop();
+    if (m_captivePortalService)
+        m_captivePortalService->stop();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool)

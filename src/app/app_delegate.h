@@ -14,8 +14,11 @@ class ApplicationActivity;
 struct Platform;
 } // namespace netvane::platform
 namespace netvane::probes {
+class CaptivePortalService;
+class DNSService;
 class NetworkUtils;
-}
+class PingService;
+} // namespace netvane::probes
 namespace netvane::wifi {
 class LocationPermissionService;
 class WiFiService;
@@ -47,14 +50,23 @@ public:
 
     UpdaterController& updaterController() { return m_updaterController; }
     StatusBarManager* statusBarManager() { return m_statusBarManager.get(); }
-    wifi::LocationPermissionService* locationPermissionService()
+    // The services: null until their place in the launch sequence, then there to the end.
+    wifi::LocationPermissionService* locationPermissionService() const
     {
         return m_locationPermissionService.get();
     }
-    wifi::WiFiService* wifiService() { return m_wifiService.get(); }
+    wifi::WiFiService* wifiService() const { return m_wifiService.get(); }
+    probes::PingService* routerPingService() const { return m_routerPingService.get(); }
+    probes::PingService* internetPingService() const { return m_internetPingService.get(); }
+    probes::DNSService* dnsService() const { return m_dnsService.get(); }
+    probes::CaptivePortalService* captivePortalService() const
+    {
+        return m_captivePortalService.get();
+    }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 
 private:
+    void makeServices();
     void setupStatusBar();
     void setupMainMenu();
     void handleOpenInWindow();
@@ -69,6 +81,10 @@ private:
     std::unique_ptr<probes::NetworkUtils> m_networkUtils;
     std::unique_ptr<wifi::LocationPermissionService> m_locationPermissionService;
     std::unique_ptr<wifi::WiFiService> m_wifiService;
+    std::unique_ptr<probes::PingService> m_routerPingService;
+    std::unique_ptr<probes::PingService> m_internetPingService;
+    std::unique_ptr<probes::DNSService> m_dnsService;
+    std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<QMenu> m_mainMenu;
     std::unique_ptr<platform::Timer> m_memoryTimer;

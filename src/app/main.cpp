@@ -1,4 +1,5 @@
 #include "app/app_delegate.h"
+#include "app/desktop_url_opener.h"
 #include "app/notification_center.h"
 #include "platform/application_activity.h"
 #include "platform/linux/termination_signals.h"
@@ -66,6 +67,7 @@ int main(int argc, char** argv)
         &signals_, &platform::TerminationSignals::received, &application, &QCoreApplication::quit);
 
     auto platform = platform::makePlatform();
+    platform.urlOpener = std::make_unique<app::DesktopUrlOpener>();
     platform::ApplicationActivity activity;
     app::NotificationCenter notifications;
     app::AppDelegate delegate(platform, activity, notifications);

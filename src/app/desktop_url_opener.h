@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/url_opener.h"
+
+namespace netvane::app {
+
+/// The desktop's own choice of browser (QDesktopServices: the OpenURI portal, xdg-open).
+class DesktopUrlOpener : public platform::UrlOpener {
+public:
+    bool openUrl(const QUrl& url) override;
+};
+
+} // namespace netvane::app
