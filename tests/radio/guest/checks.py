@@ -1,0 +1,48 @@
+"""Plays the scenarios in their order; the names in the file "only", if any, choose among them."""
+import pathlib
+import sys
+
+import adapter_scenarios
+import link_scenarios
+import permission_scenarios
+import program_scenarios
+from report import Report
+from world import World
+
+
+def chosen(names):
+    """The scenarios whose names hold one of these, or all of them if there is none."""
+    modules = (link_scenarios, adapter_scenarios, permission_scenarios, program_scenarios)
+    every = [scenario for module in modules for scenario in module.SCENARIOS]
+    for name in names:
+        if not any(name in scenario.__name__ for scenario in every):
+            known = ', '.join(scenario.__name__ for scenario in every)
+            sys.exit(f'no scenario is called {name}; there are {known}')
+    return [scenario for scenario in every
+            if not names or any(name in scenario.__name__ for name in names)]
+
+
+def main():
+    scenarios = chosen(pathlib.Path('only').read_text('utf-8').split())
+    report = Report(verbose=pathlib.Path('verbose').read_text('utf-8').strip())
+
+    def play(module, *arguments):
+        for scenario in module.SCENARIOS:
+            if scenario in scenarios:
+                report.run(scenario.__name__, scenario, report, *arguments)
+
+    world, watchers = World(), []
+    if report.run('build the world', world.build):
+        report.run('start', link_scenarios.start, report, world, watchers)
+    if len(watchers) == 2:
+        play(link_scenarios, world, watchers)
+        play(adapter_scenarios, world, watchers)
+    for watcher in watchers:
+        report.check(f'ends at the end of its input ({watcher.user})', watcher.end(), 0)
+    play(permission_scenarios, world)
+    play(program_scenarios, world)
+    report.step('done')
+    return report.close()
+
+
+sys.exit(main())
