@@ -69,6 +69,7 @@ bool isGranted(const QDBusMessage& answer)
     bool granted = false;
     result.beginStructure();
     result >> granted;
+    result.endStructure(); // frees what Qt keeps about an open one
     return granted;
 }
 
@@ -127,6 +128,10 @@ void ScanPermission::watchSystemBus()
         SLOT(readPermission()));
     bus.connect(QString(), u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s,
         u"NameOwnerChanged"_s, {kNetworkManager}, u"sss"_s, this, SLOT(readPermission()));
+    // polkit's own word as well: on Debian the bus policy keeps it from NetworkManager, which then
+    // never passes it on.
+    bus.connect(QString(), u"/org/freedesktop/PolicyKit1/Authority"_s,
+        u"org.freedesktop.PolicyKit1.Authority"_s, u"Changed"_s, this, SLOT(readPermission()));
     readPermission();
 }
 

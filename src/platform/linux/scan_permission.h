@@ -11,9 +11,10 @@
 namespace netvane::platform {
 
 /// The permission that really guards scans on Linux: NetworkManager's
-/// `org.freedesktop.NetworkManager.wifi.scan` (Manager.GetPermissions, signal CheckPermissions).
-/// Without NetworkManager everybody may see what the kernel holds: authorised always. Asking the
-/// user is a polkit check of that action with interaction (org.freedesktop.PolicyKit1.Authority).
+/// `org.freedesktop.NetworkManager.wifi.scan` (Manager.GetPermissions, signal CheckPermissions, and
+/// polkit's own signal Changed). Without NetworkManager everybody may see what the kernel holds:
+/// authorised always. Asking the user is a polkit check of that action with interaction
+/// (org.freedesktop.PolicyKit1.Authority).
 class ScanPermission : public LocationManager {
     Q_OBJECT
 
@@ -29,7 +30,6 @@ private Q_SLOTS:
 private:
     void watchSystemBus();
     void ask(const QDBusMessage& call, int limitMs, std::function<void(const QDBusMessage&)> take);
-    void takePermissions(const QDBusMessage& answer);
     void setStatus(AuthorizationStatus status);
 
     BusLink& m_systemBus;
