@@ -5,7 +5,7 @@
 #include <linux/nl80211.h>
 
 #include <algorithm>
-#include <ranges>
+#include <functional>
 
 namespace netvane::platform {
 namespace {
@@ -41,14 +41,15 @@ bool isAccessPoint(const StationRecord& station)
     return !station.directPeer && station.associated.value_or(true);
 }
 
-/// The first value that any of the records holds: a peer may come in several messages, one of them
-/// with the values and the others empty.
-template <typename Value, typename Records, typename Member>
-std::optional<Value> firstPresent(Records&& records, Member member)
+/// The first value that any of the records that count holds: a peer may come in several messages,
+/// one of them with the values and the others empty.
+template <typename Value, typename Record, typename Counts>
+std::optional<Value> firstPresent(
+    const std::vector<Record>& records, Counts counts, std::optional<Value> Record::*member)
 {
     for (const auto& record : records) {
-        if (const std::optional<Value> value = record.*member)
-            return value;
+        if (std::invoke(counts, record) && record.*member)
+            return record.*member;
     }
     return {};
 }
@@ -164,20 +165,18 @@ LinkReading linkReading(const InterfaceRecord& interface,
     const std::vector<StationRecord>& stations, const std::vector<SurveyRecord>& survey,
     const std::vector<BssRecord>& networks)
 {
-    auto accessPoint = stations | std::views::filter(isAccessPoint);
-    auto current = networks | std::views::filter(&BssRecord::associated);
     auto ssid = interface.ssid;
     if (!ssid)
-        ssid = firstPresent<QByteArray>(current, &BssRecord::ssid);
+        ssid = firstPresent(networks, &BssRecord::associated, &BssRecord::ssid);
     auto frequency = interface.frequencyMhz;
     if (!frequency)
-        frequency = firstPresent<std::uint32_t>(current, &BssRecord::frequencyMhz);
+        frequency = firstPresent(networks, &BssRecord::associated, &BssRecord::frequencyMhz);
 
     LinkReading reading {
         .ssid = ssid ? ssidText(*ssid) : std::nullopt,
-        .signalDbm = firstPresent<int>(accessPoint, &StationRecord::signalDbm),
+        .signalDbm = firstPresent(stations, isAccessPoint, &StationRecord::signalDbm),
         .noiseDbm = noiseOf(survey, frequency),
-        .transmitRateMbps = firstPresent<double>(accessPoint, &StationRecord::transmitRateMbps),
+        .transmitRateMbps = firstPresent(stations, isAccessPoint, &StationRecord::transmitRateMbps),
     };
     if (frequency)
         reading.band = bandOf(*frequency);
