@@ -47,7 +47,7 @@ test-radio: ## end to end on simulated radios in a virtual machine
 	@tests/radio/run --build $(BUILD)
 
 bench: ## the figures, each beside what it is compared with
-	@scripts/setup build run display bench
+	@scripts/setup build run test display bench radio
 	@cmake --preset bench >/dev/null
 	@cmake --build $(BUILD)/bench -j $(JOBS)
 	@bench/run-all $(BUILD)/bench

@@ -3,6 +3,7 @@ import pathlib
 import sys
 
 import adapter_scenarios
+import cost_scenarios
 import link_scenarios
 import permission_scenarios
 import program_scenarios
@@ -12,7 +13,8 @@ from world import World
 
 def chosen(names):
     """The scenarios whose names hold one of these, or all of them if there is none."""
-    modules = (link_scenarios, adapter_scenarios, permission_scenarios, program_scenarios)
+    modules = (link_scenarios, adapter_scenarios, cost_scenarios, permission_scenarios,
+               program_scenarios)
     every = [scenario for module in modules for scenario in module.SCENARIOS]
     for name in names:
         if not any(name in scenario.__name__ for scenario in every):
@@ -39,6 +41,7 @@ def main():
         play(adapter_scenarios, world, watchers)
     for watcher in watchers:
         report.check(f'ends at the end of its input ({watcher.user})', watcher.end(), 0)
+    play(cost_scenarios, world)
     play(permission_scenarios, world)
     play(program_scenarios, world)
     report.step('done')

@@ -1,0 +1,130 @@
+// Whether the probes' memory stays where it is over 100,000 recorded results: connections, look-ups
+// and pages that are answered at once, by a clock that is moved by hand.
+
+#include "platform/log.h"
+#include "probes/captive_portal_service.h"
+#include "probes/dns_service.h"
+#include "probes/network_utils.h"
+#include "probes/ping_service.h"
+#include "support/fake_network_configuration.h"
+#include "support/manual_clock.h"
+
+#include <QCoreApplication>
+#include <QThreadPool>
+
+#include <malloc.h>
+
+#include <cstdio>
+
+using namespace netvane;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int kRoundsBefore = 2'000; // until every list is full and every pool has its size
+constexpr int kRounds = 50'000; // of two probes each
+constexpr std::ptrdiff_t kBoundBytes = 64 * 1024;
+
+class InstantConnections : public platform::ConnectionFactory {
+public:
+    explicit InstantConnections(const platform::Clock& clock)
+        : m_clock(clock)
+    {
+    }
+
+    std::unique_ptr<platform::Connection> connectTcp(
+        const QString&, quint16, platform::ConnectionHandler handler) override
+    {
+        return std::make_unique<Instant>(m_clock, std::move(handler));
+    }
+
+private:
+    class Instant : public platform::Connection {
+    public:
+        Instant(const platform::Clock& clock, platform::ConnectionHandler handler)
+            : m_clock(clock)
+            , m_handler(std::move(handler))
+        {
+        }
+        void start() override
+        {
+            m_handler({platform::ConnectionState::Ready, m_clock.monotonicNow(), {}});
+        }
+        void cancel() override { }
+
+    private:
+        const platform::Clock& m_clock;
+        const platform::ConnectionHandler m_handler;
+    };
+
+    const platform::Clock& m_clock;
+};
+
+class InstantResolver : public platform::Resolver {
+public:
+    platform::Resolution resolve(const std::string&) override { return {}; }
+};
+
+class InstantPage : public platform::HttpClient {
+public:
+    void get(const platform::HttpRequest& request, QObject* owner,
+        std::function<void(const platform::HttpAnswer&)> deliver) override
+    {
+        const platform::HttpAnswer answer {
+            .status = 200, .body = QByteArrayLiteral("Success"), .finalUrl = request.url};
+        QMetaObject::invokeMethod(
+            owner, [deliver = std::move(deliver), answer] { deliver(answer); },
+            Qt::QueuedConnection);
+    }
+};
+
+class NoBrowser : public platform::UrlOpener {
+public:
+    bool openUrl(const QUrl&) override { return false; }
+};
+
+std::ptrdiff_t heapBytes()
+{
+    return std::ptrdiff_t(::mallinfo2().uordblks);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    platform::setLogSink([](const QString&) {});
+    test::ManualClock clock;
+    InstantConnections connections(clock);
+    InstantPage page;
+    NoBrowser browser;
+    QThreadPool queue;
+    test::FakeNetworkConfiguration network;
+    const probes::NetworkUtils utils(network, queue);
+    probes::PingService router(
+        QStringLiteral("192.0.2.1"), QStringLiteral("router"), clock, connections);
+    probes::PingService internet(
+        QStringLiteral("192.0.2.2"), QStringLiteral("internet"), clock, connections);
+    probes::DNSService dns(
+        utils, std::make_shared<InstantResolver>(), clock, QStringLiteral("name.test"));
+    probes::CaptivePortalService portal(
+        page, browser, clock, QUrl(QStringLiteral("https://probe.test/")));
+    router.start();
+    internet.start();
+    dns.start();
+    portal.start();
+
+    std::ptrdiff_t before = 0;
+    for (int round = 0; round < kRoundsBefore + kRounds; ++round) {
+        if (round == kRoundsBefore)
+            before = heapBytes();
+        clock.advance(probes::PingService::pingInterval);
+        QCoreApplication::processEvents();
+    }
+    const auto grown = heapBytes() - before;
+    std::printf("memory grown over %d recorded results\n", 2 * kRounds);
+    std::printf("  heap, bytes            %td   at most %td\n", grown, kBoundBytes);
+    std::printf("  probes, look-ups       %d, %d\n", router.pingCount() + internet.pingCount(),
+        dns.lookupCount());
+    return grown <= kBoundBytes ? 0 : 1;
+}
