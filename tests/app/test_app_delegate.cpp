@@ -1,0 +1,250 @@
+#include "app/app_delegate.h"
+#include "app/notification_center.h"
+#include "app/status_bar_manager.h"
+#include "platform/application_activity.h"
+#include "platform/platform.h"
+#include "probes/dns_service.h"
+#include "probes/ping_service.h"
+#include "probes/probe_targets.h"
+#include "support/captured_log.h"
+#include "support/fake_connections.h"
+#include "support/fake_http_client.h"
+#include "support/fake_location_manager.h"
+#include "support/fake_network_configuration.h"
+#include "support/fake_resolver.h"
+#include "support/fake_wifi_client.h"
+#include "support/manual_clock.h"
+#include "support/settle.h"
+#include "wifi/location_permission_service.h"
+#include "wifi/wifi_service.h"
+
+#include <QApplication>
+#include <QTest>
+#include <QTimer>
+
+using namespace netvane;
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+using Status = platform::AuthorizationStatus;
+
+namespace {
+
+/// What the platform is made of, with the fakes at hand.
+struct World {
+    World()
+    {
+        platform.clock.reset(clock);
+        platform.networkConfiguration.reset(network);
+        platform.queues = std::make_unique<platform::WorkQueues>();
+        platform.wifiClient = std::make_shared<test::FakeWiFiClient>();
+        platform.locationManager.reset(location);
+        platform.urlOpener = std::make_unique<test::FakeUrlOpener>();
+        platform.httpClient.reset(http);
+        platform.connections.reset(connections);
+        platform.resolver = std::make_shared<test::FakeResolver>();
+        delegate = std::make_unique<app::AppDelegate>(platform, activity, notifications);
+    }
+
+    void launch()
+    {
+        delegate->applicationWillFinishLaunching();
+        delegate->applicationDidFinishLaunching();
+    }
+    /// Until the services run.
+    void launchAll()
+    {
+        launch();
+        settle();
+    }
+    void settle() { test::settle(platform.queues->userInitiated); }
+
+    test::ManualClock* clock = new test::ManualClock; // owned by the platform, as the rest
+    test::FakeNetworkConfiguration* network = new test::FakeNetworkConfiguration;
+    test::FakeLocationManager* location = new test::FakeLocationManager;
+    test::FakeHttpClient* http = new test::FakeHttpClient;
+    test::FakeConnections* connections = new test::FakeConnections(*clock);
+    platform::Platform platform;
+    platform::ApplicationActivity activity;
+    app::NotificationCenter notifications;
+    std::unique_ptr<app::AppDelegate> delegate;
+};
+
+/// How much each service that works by itself has done so far.
+std::vector<qsizetype> workDone(const World& world)
+{
+    return {world.delegate->wifiService()->updateCount(),
+        world.delegate->routerPingService()->pingCount(),
+        world.delegate->internetPingService()->pingCount(),
+        world.delegate->dnsService()->lookupCount(), qsizetype(world.http->pending.size())};
+}
+
+} // namespace
+
+class TestAppDelegate : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_log.take(); }
+
+    void launchOrder()
+    {
+        World world;
+        world.location->status = Status::Denied;
+        world.network->router = u"192.0.2.1"_s;
+        world.launch();
+        const QStringList atOnce = m_log.take();
+        world.settle();
+        const QStringList later = m_log.take();
+        const QString expected[] = {
+            u"AppDelegate: init() called - Sparkle updater initialized and started"_s,
+            u"AppDelegate: applicationWillFinishLaunching called"_s,
+            u"Netvane: Application launching..."_s,
+            u"Netvane: Activation policy set to accessory"_s,
+            u"Netvane: App activated"_s,
+            u"Netvane: Location permission status: 2"_s,
+            u"StatusBarManager: Setting up status bar item..."_s,
+            u"Netvane: Status bar setup complete"_s,
+            u"Netvane: Global keyboard shortcut ⌘D configured"_s,
+            u"Netvane: Application launched successfully"_s,
+            u"Netvane: Default gateway: 192.0.2.1"_s,
+            u"Netvane: All services started"_s,
+        };
+        qsizetype from = 0;
+        for (const QString& line : expected) {
+            const auto found = (atOnce + later).indexOf(line, from);
+            QVERIFY2(found >= 0, qPrintable(line + u" in\n"_s + (atOnce + later).join(u'\n')));
+            from = found + 1;
+        }
+        QVERIFY(atOnce.contains(u"Netvane: Application launched successfully"_s));
+        QVERIFY(atOnce.filter(u"Default gateway"_s).isEmpty()); // nobody waited for it
+    }
+
+    void probeTargets_data()
+    {
+        QTest::addColumn<std::optional<QString>>("gateway");
+        QTest::addColumn<QString>("router");
+        QTest::newRow("known") << std::optional(u"192.0.2.1"_s) << u"192.0.2.1"_s;
+        QTest::newRow("absent") << std::optional<QString>() << u"192.168.1.1"_s;
+    }
+
+    void probeTargets()
+    {
+        QFETCH(std::optional<QString>, gateway);
+        QFETCH(QString, router);
+        World world;
+        world.network->router = gateway;
+        world.launch();
+        QVERIFY(!world.delegate->routerPingService());
+        world.settle();
+        QVERIFY(m_log.take().contains(u"Netvane: Default gateway: "_s + router));
+        QCOMPARE(world.delegate->routerPingService()->targetHost(), router);
+        QCOMPARE(world.delegate->routerPingService()->targetName(), u"router"_s);
+        QCOMPARE(world.delegate->internetPingService()->targetHost(), probes::kInternetTarget);
+        QCOMPARE(world.delegate->internetPingService()->targetName(), u"internet"_s);
+        QVERIFY(world.delegate->routerPingService()->isRunning());
+        QVERIFY(world.delegate->internetPingService()->isRunning());
+    }
+
+    void gatewayAnswerAfterTheEnd()
+    {
+        World gone;
+        gone.launch();
+        gone.delegate.reset();
+        gone.settle();
+        QVERIFY(m_log.take().filter(u"Default gateway"_s).isEmpty());
+        World stopped;
+        stopped.launch();
+        stopped.delegate->applicationWillTerminate();
+        stopped.settle();
+        QVERIFY(!m_log.take().contains(u"Netvane: All services started"_s));
+        QCOMPARE(stopped.clock->timerCount(), 1); // that of the memory line
+    }
+
+    void memoryLine()
+    {
+        World world;
+        world.launchAll();
+        const auto count = [this] {
+            return m_log.take().filter(QRegularExpression(u"^Memory: \\d+\\.\\d MB$"_s)).size();
+        };
+        world.clock->advance(29'999ms);
+        QCOMPARE(count(), 0);
+        world.clock->advance(1ms);
+        QCOMPARE(count(), 1);
+        world.clock->advance(60s);
+        QCOMPARE(count(), 2);
+    }
+
+    void becomingActive()
+    {
+        World world;
+        world.delegate->applicationDidBecomeActive(); // sooner than anything exists
+        world.launchAll();
+        world.clock->advance(wifi::WiFiService::minUpdateInterval);
+        const int passes = world.delegate->wifiService()->updateCount();
+        world.location->status = Status::AuthorizedAlways; // without a word
+        m_log.take();
+        world.delegate->applicationDidBecomeActive();
+        QCOMPARE(
+            m_log.take().first(), u"Netvane: App became active - checking location permission"_s);
+        QVERIFY(world.delegate->locationPermissionService()->isAuthorized());
+        QCOMPARE(world.delegate->wifiService()->updateCount(), passes + 1);
+    }
+
+    void terminating()
+    {
+        World world;
+        world.launchAll();
+        const auto atStart = workDone(world);
+        world.clock->advance(60s);
+        world.settle();
+        const auto running = workDone(world);
+        for (size_t i = 0; i < running.size(); ++i)
+            QVERIFY2(running[i] > atStart[i], qPrintable(QString::number(i)));
+
+        world.delegate->applicationWillTerminate();
+        world.clock->advance(60s);
+        world.settle();
+        QCOMPARE(workDone(world), running);
+        QCOMPARE(world.clock->timerCount(), 1); // that of the memory line
+
+        world.delegate->wifiService()->startMonitoring();
+        world.delegate->applicationWillTerminate(); // only the first time counts
+        QCOMPARE(world.clock->timerCount(), 2);
+    }
+
+    void terminatingBeforeTheLaunch()
+    {
+        World world;
+        world.delegate->applicationWillTerminate();
+        QCOMPARE(world.clock->timerCount(), 0);
+    }
+
+    void quittingByTheMenu()
+    {
+        World world;
+        world.launchAll();
+        const auto actions = world.delegate->statusBarManager()->contextMenu().actions();
+        const auto quit = std::ranges::find(actions, u"Quit Netvane"_s, &QAction::text);
+        QVERIFY(quit != actions.end());
+        QTimer::singleShot(0, *quit, &QAction::trigger);
+        QTimer::singleShot(10s, [] { QCoreApplication::exit(1); });
+        QCOMPARE(QApplication::exec(), 0);
+    }
+
+    void secondStartChangesNothing()
+    {
+        World world;
+        world.launchAll();
+        m_log.take();
+        QVERIFY(!world.delegate->applicationShouldHandleReopen(false));
+        QCOMPARE(m_log.take(), QStringList());
+    }
+
+private:
+    test::CapturedLog m_log;
+};
+
+QTEST_MAIN(TestAppDelegate)
+#include "test_app_delegate.moc"

@@ -1,0 +1,170 @@
+#include "platform/linux/qt_http_client.h"
+#include "probes/captive_portal_service.h"
+#include "support/fake_http_client.h"
+#include "support/manual_clock.h"
+#include "support/scripted_http_server.h"
+
+#include <QThreadPool>
+#include <QtTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using namespace netvane;
+using platform::HttpAnswer;
+using test::httpResponse;
+using test::Script;
+using test::ScriptedHttpServer;
+
+namespace {
+
+const QUrl kProbe(u"https://probe.test/hotspot-detect.html"_s);
+const QUrl kLogin(u"http://portal.test/login"_s);
+const HttpAnswer kCaptive {.status = 200, .body = "log in"_ba, .finalUrl = kLogin};
+const HttpAnswer kFree {.status = 200, .body = "Success"_ba, .finalUrl = kProbe};
+const QByteArray kPage = "<HTML><BODY>Success</BODY></HTML>"_ba;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Script)
+
+class TestCaptivePortalService : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void checksAtOnceAndEveryHalfMinute()
+    {
+        m_service.start();
+        QCOMPARE(m_http.pending.size(), size_t(1));
+        QCOMPARE(m_http.pending[0].request.url, kProbe);
+        QCOMPARE(m_http.pending[0].request.timeLimit, 5000ms);
+        m_clock.advance(29999ms);
+        QCOMPARE(m_http.pending.size(), size_t(1));
+        m_clock.advance(1ms);
+        QCOMPARE(m_http.pending.size(), size_t(2)); // the first one is not ended
+        m_service.stop();
+        m_clock.advance(120s);
+        QCOMPARE(m_http.pending.size(), size_t(2));
+        m_http.pending.clear();
+    }
+
+    void publishesEachVerdict()
+    {
+        QSignalSpy flag(&m_service, &probes::CaptivePortalService::isCaptiveChanged);
+        QSignalSpy address(&m_service, &probes::CaptivePortalService::loginURLChanged);
+        QVERIFY(!m_service.isCaptive() && !m_service.loginURL());
+        m_service.openLoginPage();
+        QCOMPARE(m_opener.opened, QList {kProbe});
+
+        check(kFree);
+        QVERIFY(!m_service.isCaptive());
+        QCOMPARE(m_service.loginURL(), kProbe);
+        check(kCaptive);
+        check(kCaptive);
+        QVERIFY(m_service.isCaptive());
+        QCOMPARE(m_service.loginURL(), kLogin);
+        m_service.openLoginPage();
+        QCOMPARE(m_opener.opened.last(), kLogin);
+
+        check({.finalUrl = kLogin, .errorText = u"offline"_s});
+        QVERIFY(m_service.isCaptive());
+        QCOMPARE(m_service.loginURL(), kProbe);
+        check(kFree);
+        QVERIFY(!m_service.isCaptive());
+        QCOMPARE(flag.size(), 2);
+        QCOMPARE(address.size(), 3);
+    }
+
+    void overTheNetwork_data()
+    {
+        QTest::addColumn<Script>("script");
+        QTest::addColumn<bool>("isCaptive");
+        QTest::addColumn<QByteArray>("loginPath");
+        const auto row = [](const char* name, const Script& script, bool isCaptive,
+                             const QByteArray& loginPath = "/probe") {
+            QTest::newRow(name) << script << isCaptive << loginPath;
+        };
+        const auto movedTo = [](const QByteArray& where) {
+            return Script {httpResponse("302 Found", "Location: " + where + "\r\n", "")};
+        };
+        row("the probe page", {httpResponse("200 OK", "", kPage)}, false);
+        row("a page of its own", {httpResponse("200 OK", "", "<form/>")}, true);
+        row("nothing", {httpResponse("204 No Content", "", "")}, false);
+        row("an empty page", {httpResponse("200 OK", "", "")}, false);
+        row("not text", {httpResponse("200 OK", "", "\xff\xfe")}, false);
+        row("not found", {httpResponse("404 Not Found", "", "<form/>")}, false);
+        row("asks to log in", {httpResponse("511 Network Authentication Required", "", "<form/>")},
+            false);
+        row("leads to a page of its own", movedTo("/hop"), true, "/login");
+        row("leads to the probe page", movedTo("/moved"), false);
+        row("leads round in circles", movedTo("/circle"), true, "/circle");
+        row("leads to a file", movedTo("file:///etc/hostname"), true);
+        row("leads out of TLS", movedTo("http://127.0.0.1:1/"), true);
+        row("an endless page", {"HTTP/1.1 200 OK\r\n\r\nx", Script::Then::Endless}, true);
+        row("a head in drops", {"HTTP/1.1 200 OK\r\nX: y", Script::Then::Drip}, true);
+        row("silence", {"", Script::Then::StayOpen}, true);
+        row("hangs up", {}, true);
+    }
+    void overTheNetwork()
+    {
+        QFETCH(Script, script);
+        QFETCH(QByteArray, loginPath);
+        ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
+        server.script("/probe", script);
+        server.script("/hop", {httpResponse("302 Found", "Location: /login\r\n", "")});
+        server.script("/login", {httpResponse("200 OK", "", "<form/>")});
+        server.script("/moved", {httpResponse("200 OK", "", kPage)});
+        server.script("/circle", {httpResponse("302 Found", "Location: /circle\r\n", "")});
+        platform::QtHttpClient http(m_clock, m_queue, ScriptedHttpServer::trustingClient());
+        probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/probe"));
+        service.checkForCaptivePortal();
+        if (script.then == Script::Then::Drip || script.then == Script::Then::StayOpen) {
+            QTRY_COMPARE(server.requests().size(), 1);
+            m_clock.advance(probes::CaptivePortalService::timeLimit);
+        }
+        QTRY_VERIFY(service.loginURL());
+        QTEST(service.isCaptive(), "isCaptive");
+        QCOMPARE(service.loginURL(), server.url(loginPath));
+    }
+
+    void aCertificateOfThePortalsOwnMeansCaptive()
+    {
+        ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
+        server.script("/", {httpResponse("200 OK", "", kPage)});
+        platform::QtHttpClient http(m_clock, m_queue); // with the system's authorities
+        probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/"));
+        service.checkForCaptivePortal();
+        QTRY_VERIFY(service.isCaptive());
+        QCOMPARE(service.loginURL(), server.url("/"));
+    }
+
+    void followsToAnotherHost()
+    {
+        ScriptedHttpServer portal(ScriptedHttpServer::Transport::Tls, QHostAddress(u"127.0.0.2"_s));
+        portal.script("/login", {httpResponse("200 OK", "", "<form/>")});
+        ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
+        server.script("/",
+            {httpResponse(
+                "302 Found", "Location: " + portal.url("/login").toEncoded() + "\r\n", "")});
+        platform::QtHttpClient http(m_clock, m_queue, ScriptedHttpServer::trustingClient());
+        probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/"));
+        service.checkForCaptivePortal();
+        QTRY_VERIFY(service.isCaptive());
+        QCOMPARE(service.loginURL(), portal.url("/login"));
+    }
+
+private:
+    void check(const HttpAnswer& answer)
+    {
+        m_service.checkForCaptivePortal();
+        m_http.answer(answer);
+    }
+
+    test::ManualClock m_clock;
+    QThreadPool m_queue;
+    test::FakeHttpClient m_http;
+    test::FakeUrlOpener m_opener;
+    probes::CaptivePortalService m_service {m_http, m_opener, m_clock, kProbe};
+};
+
+QTEST_GUILESS_MAIN(TestCaptivePortalService)
+#include "test_captive_portal_service.moc"

@@ -1,0 +1,82 @@
+#include "probes/network_metrics.h"
+
+#include <QTest>
+
+#include <cmath>
+
+using namespace netvane::probes;
+using namespace std::chrono_literals;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr double kAbsent = -1;
+
+std::optional<double> optionalOf(double value)
+{
+    return value == kAbsent ? std::nullopt : std::optional(value);
+}
+
+} // namespace
+
+class TestNetworkMetrics : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void score_data()
+    {
+        QTest::addColumn<double>("ping");
+        QTest::addColumn<double>("jitter");
+        QTest::addColumn<double>("loss");
+        QTest::addColumn<double>("score");
+        QTest::addColumn<QString>("quality");
+        const auto row = [](const char* name, double ping, double jitter, double loss, double score,
+                             const char* quality) {
+            QTest::newRow(name) << ping << jitter << loss << score << QString::fromLatin1(quality);
+        };
+        row("only a ping", 20, kAbsent, kAbsent, 4.3994, "Excellent");
+        row("all three", 20, 5, 10, 3.46309, "Poor");
+        row("jitter alone", 20, 100, kAbsent, 4.12184, "Good");
+        row("loss alone", 20, kAbsent, 8, 3.72094, "Fair");
+        row("no distance", 0, kAbsent, kAbsent, 4.40929, "Excellent");
+        row("all lost but one", 10, kAbsent, 100, 1.0, "Bad");
+        row("far away", 4000, kAbsent, kAbsent, 1.0, "Bad");
+        row("better than perfect", -1000, kAbsent, kAbsent, 4.5, "Excellent");
+        row("not a number", std::nan(""), kAbsent, kAbsent, 4.5, "Excellent");
+        row("no answer", kAbsent, 5, 10, kAbsent, "Unknown");
+    }
+    void score()
+    {
+        QFETCH(double, ping);
+        QFETCH(double, jitter);
+        QFETCH(double, loss);
+        QFETCH(double, score);
+        const NetworkMetrics metrics {
+            .ping = optionalOf(ping), .jitter = optionalOf(jitter), .packetLoss = optionalOf(loss)};
+        QVERIFY(std::abs(metrics.mosScore().value_or(kAbsent) - score) < 0.0001);
+        QTEST(metrics.mosQuality(), "quality");
+    }
+
+    void labelsBeginAtTheirBounds()
+    {
+        const std::pair<double, QString> bounds[] = {{5, u"Excellent"_s}, {4.3, u"Good"_s},
+            {4.0, u"Fair"_s}, {3.6, u"Poor"_s}, {3.1, u"Bad"_s}};
+        QString above = u"Excellent"_s;
+        for (const auto& [bound, below] : bounds) {
+            QCOMPARE(mosQuality(bound), above);
+            QCOMPARE(mosQuality(std::nextafter(bound, 0)), below);
+            above = below;
+        }
+    }
+
+    void idIsTimeAndTarget()
+    {
+        const NetworkMetrics metrics {
+            .timestamp = std::chrono::system_clock::time_point(1700000000500ms),
+            .target = u"router"_s};
+        QCOMPARE(metrics.id(), u"1700000000.5-router"_s);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestNetworkMetrics)
+#include "test_network_metrics.moc"

@@ -1,0 +1,252 @@
+#include "probes/ping_service.h"
+#include "support/captured_log.h"
+#include "support/fake_connections.h"
+#include "support/manual_clock.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cmath>
+
+using namespace netvane;
+using namespace netvane::probes;
+using namespace std::chrono_literals;
+using namespace Qt::Literals::StringLiterals;
+
+using State = platform::ConnectionState;
+
+class TestPingService : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_clock = std::make_unique<test::ManualClock>();
+        m_connections = std::make_unique<test::FakeConnections>(*m_clock);
+        m_service
+            = std::make_unique<PingService>(u"192.0.2.1"_s, u"router"_s, *m_clock, *m_connections);
+        m_log.take();
+    }
+    void cleanup() { m_service.reset(); }
+
+    void beginsWithARecordOfNothing()
+    {
+        QVERIFY(!m_service->currentMetrics());
+        QSignalSpy published(m_service.get(), &PingService::currentMetricsChanged);
+        m_service->start();
+        const NetworkMetrics initial {
+            .timestamp = m_clock->now(), .packetLoss = 0, .target = u"router"_s};
+        QCOMPARE(m_service->metrics(), std::vector {initial});
+        QCOMPARE(m_service->currentMetrics(), std::optional(initial));
+        QCOMPARE(published.count(), 1);
+        QCOMPARE(m_log.take(), QStringList {u"PingService[router]: Starting with interval 3.0s"_s});
+        QCOMPARE(m_connections->made().size(), size_t(1));
+        QVERIFY(m_connections->made().back()->isStarted);
+    }
+
+    void port_data()
+    {
+        QTest::addColumn<int>("port");
+        QTest::newRow("192.168.1.1") << 80;
+        QTest::newRow("dns.google") << 443;
+        QTest::newRow("one.cloudflare.example") << 443;
+        QTest::newRow("Google.example") << 80;
+    }
+    void port()
+    {
+        const QString host = QString::fromLatin1(QTest::currentDataTag());
+        PingService service(host, u"x"_s, *m_clock, *m_connections);
+        service.start();
+        QCOMPARE(m_connections->made().back()->host, host);
+        QTEST(int(m_connections->made().back()->port), "port");
+    }
+
+    void outcomes_data()
+    {
+        const int lost = -1;
+        QTest::addColumn<QList<int>>("latencies"); // ms
+        QTest::addColumn<double>("jitter"); // -1: absent
+        QTest::addColumn<double>("loss");
+        QTest::addColumn<QList<double>>("history");
+        QTest::newRow("first success") << QList {10} << -1.0 << 0.0 << QList {10.0};
+        QTest::newRow("jitter") << QList {10, 20, 15} << 7.5 << 0.0 << QList {10.0, 20.0, 15.0};
+        QTest::newRow("loss after success") << QList {10, lost} << -1.0 << 50.0 << QList {10.0};
+        QTest::newRow("loss keeps the jitter")
+            << QList {10, 14, lost, lost} << 4.0 << 50.0 << QList {10.0, 14.0};
+        QTest::newRow("all lost") << QList<int>(10, lost) << -1.0 << 100.0 << QList<double> {};
+        QTest::newRow("the window moves on")
+            << QList<int>(10, lost) + QList {5} << -1.0 << 90.0 << QList {5.0};
+        QTest::newRow("histories are bounded") << QList {500} + QList<int>(9, 30)
+                + QList {40} << 10.0 / 9 << 0.0 << QList<double>(9, 30.0) + QList {40.0};
+    }
+    void outcomes()
+    {
+        QFETCH(QList<int>, latencies);
+        QFETCH(double, jitter);
+        QFETCH(double, loss);
+        QFETCH(QList<double>, history);
+        m_service->start();
+        for (const int latency : latencies) {
+            m_clock->advance(std::chrono::milliseconds(std::max(latency, 0)));
+            finish(latency < 0 ? State::Cancelled : State::Ready);
+            m_clock->advance(3000ms - std::chrono::milliseconds(std::max(latency, 0)));
+        }
+        const auto& last = m_service->metrics().back();
+        QCOMPARE(last.ping.value_or(-1), double(latencies.back()));
+        QVERIFY(std::abs(last.jitter.value_or(-1) - jitter) < 1e-9);
+        QCOMPARE(last.packetLoss, std::optional(loss));
+        QCOMPARE(last.target, u"router"_s);
+        QCOMPARE(QList<double>(m_service->pingHistory().begin(), m_service->pingHistory().end()),
+            history);
+        QCOMPARE(m_service->metrics().size(), std::min(size_t(10), size_t(latencies.size()) + 1));
+        QCOMPARE(m_service->currentMetrics(), std::optional(last));
+    }
+
+    /// The main thread is busy and hears of everything at the end, the timeout first.
+    void timeout_data()
+    {
+        QTest::addColumn<int>("readyAt"); // ms
+        QTest::addColumn<int>("toldAt"); // ms
+        QTest::addColumn<bool>("counts");
+        QTest::newRow("early") << 20 << 20 << true;
+        QTest::newRow("just in time") << 2900 << 2900 << true;
+        QTest::newRow("too late") << 3100 << 3100 << false;
+        QTest::newRow("too late, but told before the timeout") << 3100 << 2999 << false;
+    }
+    void timeout()
+    {
+        QFETCH(int, readyAt);
+        QFETCH(int, toldAt);
+        QFETCH(bool, counts);
+        m_service->start();
+        m_log.take();
+        const auto& probe = *m_connections->made()[0];
+        const auto ready = m_clock->monotonicNow() + std::chrono::milliseconds(readyAt);
+        m_clock->advance(std::chrono::milliseconds(toldAt));
+        probe.handler({State::Ready, ready, {}});
+        m_clock->advance(std::chrono::milliseconds(3500 - toldAt));
+        QCoreApplication::sendPostedEvents();
+        QVERIFY(probe.isCancelled);
+        QCOMPARE(m_service->metrics().size(), size_t(2));
+        QCOMPARE(last().ping, counts ? std::optional(double(readyAt)) : std::nullopt);
+        const QString line = u"PingService: Timeout waiting for connection to 192.0.2.1"_s;
+        QCOMPARE(m_log.take(), counts ? QStringList {} : QStringList {line});
+    }
+
+    void failureIsLoggedAndCancellationIsNot()
+    {
+        m_service->start();
+        m_log.take();
+        for (const auto state : {State::Setup, State::Preparing, State::Waiting})
+            finish(state);
+        QCOMPARE(m_service->metrics().size(), size_t(1));
+        finish(State::Failed, u"Connection refused"_s);
+        finish(State::Cancelled);
+        QCOMPARE(m_service->metrics().size(), size_t(2));
+        QCOMPARE(m_log.take(),
+            QStringList {u"PingService: Connection failed to 192.0.2.1: Connection refused"_s});
+        m_clock->advance(3000ms);
+        finish(State::Cancelled);
+        QCOMPARE(last().packetLoss, std::optional(100.0));
+        QCOMPARE(m_log.take(), QStringList {});
+    }
+
+    void stopLetsProbesInFlightDeliver()
+    {
+        m_service->start();
+        m_clock->advance(10ms);
+        m_service->stop();
+        QVERIFY(!m_service->isRunning());
+        finish(State::Ready);
+        QCOMPARE(last().ping, std::optional(10.0));
+        m_clock->advance(10s);
+        QCOMPARE(m_connections->made().size(), size_t(1));
+        QCOMPARE(m_service->currentMetrics(), std::optional(last()));
+    }
+
+    void destroyedWithProbesInFlight()
+    {
+        m_service->start();
+        m_clock->advance(3000ms);
+        m_connections->tell(State::Failed, u"Connection refused"_s);
+        m_log.take();
+        m_service.reset();
+        QVERIFY(m_connections->made()[1]->isCancelled);
+        finish(State::Ready, {}, 1);
+        QCOMPARE(m_log.take(),
+            QStringList({u"PingService: Timeout waiting for connection to unknown"_s,
+                u"PingService: Connection failed to unknown: Connection refused"_s}));
+        QCOMPARE(m_clock->timerCount(), 0);
+    }
+
+    void startsOnceAndAnewAfterStop()
+    {
+        m_service->start();
+        finish(State::Ready);
+        m_service->start();
+        QCOMPARE(m_connections->made().size(), size_t(1));
+        QCOMPARE(m_service->metrics().size(), size_t(2));
+        m_service->stop();
+        m_service->start();
+        QCOMPARE(m_service->metrics().size(), size_t(1));
+        QVERIFY(m_service->pingHistory().empty());
+        QCOMPARE(m_service->pingCount(), 1);
+        finish(State::Cancelled);
+        QCOMPARE(last().packetLoss, std::optional(100.0));
+    }
+
+    void everyTenthProbeIsLogged()
+    {
+        m_service->start();
+        m_log.take();
+        QStringList lines;
+        for (int i = 1; i <= 20; ++i) {
+            finish(State::Ready);
+            m_clock->advance(3000ms);
+            lines += m_log.take();
+        }
+        QCOMPARE(lines,
+            (QStringList {u"PingService[router]: Ping #10, metrics count: 10"_s,
+                u"PingService[router]: Ping #20, metrics count: 10"_s}));
+    }
+
+    void wallClockOnlyStamps()
+    {
+        m_service->start();
+        m_clock->advance(15ms);
+        m_clock->setWall(m_clock->now() - 24h);
+        finish(State::Ready);
+        QCOMPARE(last().ping, std::optional(15.0));
+        QCOMPARE(last().timestamp, m_clock->now());
+    }
+
+    void publishesAtMostTwiceASecond()
+    {
+        m_service->start();
+        QSignalSpy published(m_service.get(), &PingService::currentMetricsChanged);
+        m_clock->advance(30ms);
+        finish(State::Ready);
+        QCOMPARE(m_service->metrics().size(), size_t(2));
+        QCOMPARE(published.count(), 0);
+        m_clock->advance(470ms);
+        QCOMPARE(published.count(), 1);
+        QCOMPARE(m_service->currentMetrics(), std::optional(last()));
+    }
+
+private:
+    const NetworkMetrics& last() const { return m_service->metrics().back(); }
+
+    void finish(State state, const QString& error = {}, size_t back = 0)
+    {
+        m_connections->tell(state, error, back);
+        QCoreApplication::sendPostedEvents();
+    }
+
+    test::CapturedLog m_log;
+    std::unique_ptr<test::ManualClock> m_clock;
+    std::unique_ptr<test::FakeConnections> m_connections;
+    std::unique_ptr<PingService> m_service;
+};
+
+QTEST_GUILESS_MAIN(TestPingService)
+#include "test_ping_service.moc"

@@ -1,0 +1,109 @@
+#include "scripted_http_server.h"
+
+#include <QFile>
+#include <QSslCertificate>
+#include <QSslKey>
+#include <QSslSocket>
+#include <QtTest>
+
+#include <memory>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::test {
+namespace {
+
+constexpr qsizetype kChunk = 16 * 1024;
+
+QByteArray pem()
+{
+    QFile file(QFINDTESTDATA("../data/loopback.pem"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("tests/data/loopback.pem is not there");
+    return file.readAll();
+}
+
+} // namespace
+
+ScriptedHttpServer::ScriptedHttpServer(Transport transport, const QHostAddress& address)
+    : m_transport(transport)
+{
+    if (!listen(address))
+        qFatal("no port on the loopback interface");
+}
+
+QSslConfiguration ScriptedHttpServer::trustingClient()
+{
+    auto configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setCaCertificates(QSslCertificate::fromData(pem()));
+    return configuration;
+}
+
+QUrl ScriptedHttpServer::url(const QByteArray& path) const
+{
+    const QString scheme = m_transport == Transport::Tls ? u"https"_s : u"http"_s;
+    return QUrl(u"%1://%2:%3%4"_s.arg(scheme, serverAddress().toString(),
+        QString::number(serverPort()), QString::fromLatin1(path)));
+}
+
+void ScriptedHttpServer::incomingConnection(qintptr descriptor)
+{
+    ++m_connectionCount;
+    ++m_openConnections;
+    auto* socket = new QSslSocket(this);
+    socket->setSocketDescriptor(descriptor);
+    connect(socket, &QTcpSocket::disconnected, this, [this] { --m_openConnections; });
+    const auto head = std::make_shared<QByteArray>();
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket, head] { answer(*socket, *head); });
+    if (m_transport == Transport::Clear)
+        return;
+    auto configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(QSslCertificate(pem()));
+    configuration.setPrivateKey(QSslKey(pem(), QSsl::Ec));
+    socket->setSslConfiguration(configuration);
+    socket->startServerEncryption();
+}
+
+void ScriptedHttpServer::answer(QSslSocket& socket, QByteArray& head)
+{
+    head += socket.readAll();
+    if (!head.contains("\r\n\r\n"))
+        return;
+    m_requests.append(std::exchange(head, {}));
+    const Script script = m_scripts.value(m_requests.last().split(' ').value(1));
+    socket.write(script.bytes);
+    switch (script.then) {
+    case Script::Then::Close:
+        socket.disconnectFromHost();
+        break;
+    case Script::Then::StayOpen:
+        break;
+    case Script::Then::Endless:
+        keepSending(socket, QByteArray(kChunk, script.bytes.back()));
+        break;
+    case Script::Then::Drip:
+        keepSending(socket, script.bytes.last(1));
+    }
+}
+
+void ScriptedHttpServer::keepSending(QSslSocket& socket, const QByteArray& bytes)
+{
+    auto* timer = new QTimer(&socket);
+    connect(timer, &QTimer::timeout, this, [this, &socket, bytes] {
+        const bool isFull = socket.bytesToWrite() + socket.encryptedBytesToWrite() > kChunk;
+        if (isFull || socket.state() != QTcpSocket::ConnectedState)
+            return;
+        m_endlessBytes += bytes.size();
+        socket.write(bytes);
+    });
+    timer->start(1);
+}
+
+QByteArray httpResponse(
+    const QByteArray& statusLine, const QByteArray& headers, const QByteArray& body)
+{
+    return "HTTP/1.1 " + statusLine + "\r\nContent-Length: " + QByteArray::number(body.size())
+        + "\r\n" + headers + "\r\n" + body;
+}
+
+} // namespace netvane::test
