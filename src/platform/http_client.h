@@ -15,7 +15,7 @@ namespace netvane::platform {
 struct HttpRequest {
     QUrl url; ///< http or https
     std::chrono::milliseconds timeLimit {5000}; ///< from the call to the answer, whatever comes
-    qint64 bodyLimit = 64 * 1024; ///< bytes; the transfer ends when there are more
+    qint64 bodyLimit = 65536; ///< bytes; the transfer ends when there are more
     int maximumRedirects = 10;
 };
 

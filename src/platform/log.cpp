@@ -6,16 +6,37 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <syslog.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <climits>
 #include <cstring>
 
 namespace netvane::platform {
 namespace {
 
+// Of UTF-16; in UTF-8 it then is what a pipe takes whole or not at all (pipe(7)), line feed
+// included.
+constexpr qsizetype kLongestLine = PIPE_BUF / 3 - 1;
+
 std::atomic<LogSink> g_sink = nullptr;
+
+/// A descriptor that is closed when the program starts would be given to the first thing that is
+/// opened, a connection say, and with it all that is written to standard error.
+bool openStandardDescriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) != descriptor)
+            return false;
+    }
+    return true;
+}
+
+// Before main, since libraries open things, too.
+[[maybe_unused]] const bool g_standardDescriptorsAreOpen = openStandardDescriptors();
 
 /// systemd.exec(5): JOURNAL_STREAM holds "device:inode" of the stream that is the journal.
 bool isJournal(int descriptor)
@@ -43,6 +64,10 @@ void sendToSystemLog(const QByteArray& line)
 
 void writeToStandardError(const QByteArray& line)
 {
+    // A reader that is stuck, or a terminal that was stopped, shall not stop the program.
+    pollfd writable {.fd = STDERR_FILENO, .events = POLLOUT};
+    if (::poll(&writable, 1, 0) != 1)
+        return;
     // One write, so that lines of different threads never mix. A standard error that is closed or
     // full is nothing to report anywhere.
     const QByteArray whole = line + '\n';
@@ -54,7 +79,7 @@ void writeToStandardError(const QByteArray& line)
 
 void log(const QString& line)
 {
-    const QString visible = withVisibleControls(line);
+    const QString visible = withVisibleControls(line).left(kLongestLine);
     if (const auto sink = g_sink.load()) {
         sink(visible);
         return;

@@ -38,7 +38,7 @@ private Q_SLOTS:
 
 private:
     void connectToBus();
-    void take(const QDBusConnection& connection);
+    void take(const std::optional<QDBusConnection>& connection);
     void drop();
     void setState(State state);
 

@@ -19,7 +19,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::platform {
 namespace {
 
-constexpr qint64 kFileLimit = 64 * 1024;
+constexpr qint64 kFileLimit = 65536;
 const QString kStubAddress = u"127.0.0.53"_s; // systemd-resolved(8)
 const QString kStubFile = u"stub-resolv.conf"_s;
 
@@ -36,24 +36,33 @@ std::optional<QByteArray> readLines(const QString& path)
     return text;
 }
 
-/// Asks for a dump and hands what follows the header of each message of type `wanted` to `take`.
-template <typename Header, typename Take>
-void dump(NetlinkSocket& socket, int request, const Header& header, int wanted, Take take,
-    const std::function<void()>& restart)
+template <typename Header>
+struct Question {
+    int request;
+    int answer; ///< what the messages of the answer are called
+    Header header;
+};
+
+/// Those records of a dump that are wanted. What came before a failure counts.
+template <typename Header, typename Record>
+std::vector<Record> dump(NetlinkSocket& socket, Question<Header> question,
+    std::optional<Record> (*parse)(AttributeBytes), bool (*isWanted)(const Record&))
 {
-    const NetlinkMessage message(nlmsg_alloc_simple(request, NLM_F_DUMP));
+    std::vector<Record> records;
+    const NetlinkMessage message(nlmsg_alloc_simple(question.request, NLM_F_DUMP));
     if (!message
-        || nlmsg_append(message.get(), const_cast<Header*>(&header), sizeof header, NLMSG_ALIGNTO)
-            < 0)
-        return;
-    (void)socket.request(
-        *message,
-        [&](const nlmsghdr& answer) {
-            if (answer.nlmsg_type == wanted)
-                take({static_cast<const std::byte*>(nlmsg_data(&answer)),
-                    size_t(nlmsg_datalen(&answer))});
-        },
-        restart);
+        || nlmsg_append(message.get(), &question.header, sizeof(Header), NLMSG_ALIGNTO) < 0)
+        return records;
+    const auto take = [&](const nlmsghdr& answer) {
+        if (answer.nlmsg_type != question.answer)
+            return;
+        auto record = parse(
+            {static_cast<const std::byte*>(nlmsg_data(&answer)), size_t(nlmsg_datalen(&answer))});
+        if (record && isWanted(*record))
+            records.push_back(std::move(*record));
+    };
+    (void)socket.request(*message, take, [&records] { records.clear(); });
+    return records;
 }
 
 /// Only the default routes are kept: a router may know a million others.
@@ -63,29 +72,16 @@ std::vector<RouteRecord> readDefaultRoutes(NetlinkSocket& socket)
     const int on = 1;
     (void)::setsockopt(
         nl_socket_get_fd(socket.handle()), SOL_NETLINK, NETLINK_GET_STRICT_CHK, &on, sizeof on);
-    std::vector<RouteRecord> routes;
-    dump(
-        socket, RTM_GETROUTE, rtmsg {.rtm_family = AF_INET, .rtm_table = RT_TABLE_MAIN},
-        RTM_NEWROUTE,
-        [&routes](AttributeBytes message) {
-            if (const auto route = parseRoute(message); route && isDefaultRoute(*route))
-                routes.push_back(*route);
-        },
-        [&routes] { routes.clear(); });
-    return routes;
+    const Question<rtmsg> question {
+        RTM_GETROUTE, RTM_NEWROUTE, {.rtm_family = AF_INET, .rtm_table = RT_TABLE_MAIN}};
+    return dump(socket, question, parseRoute, isDefaultRoute);
 }
 
 std::vector<NextHopRecord> readNextHops(NetlinkSocket& socket)
 {
-    std::vector<NextHopRecord> nextHops;
-    dump(
-        socket, RTM_GETNEXTHOP, nhmsg {}, RTM_NEWNEXTHOP,
-        [&nextHops](AttributeBytes message) {
-            if (auto hop = parseNextHop(message))
-                nextHops.push_back(std::move(*hop));
-        },
-        [&nextHops] { nextHops.clear(); });
-    return nextHops;
+    const auto all = [](const NextHopRecord&) { return true; };
+    return dump<nhmsg, NextHopRecord>(
+        socket, {RTM_GETNEXTHOP, RTM_NEWNEXTHOP, {}}, parseNextHop, all);
 }
 
 } // namespace
@@ -106,8 +102,7 @@ std::optional<QString> LinuxNetworkConfiguration::defaultRouter()
 /// does the list behind it count: a file that was written by hand holds.
 QStringList LinuxNetworkConfiguration::dnsServers()
 {
-    const QStringList servers
-        = parseNameservers(readLines(m_files.resolvConf).value_or(QByteArray()));
+    QStringList servers = parseNameservers(readLines(m_files.resolvConf).value_or(QByteArray()));
     const bool isStub = servers.contains(kStubAddress)
         || QFileInfo(m_files.resolvConf).symLinkTarget().endsWith(kStubFile);
     if (isStub) {

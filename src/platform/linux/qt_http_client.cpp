@@ -3,8 +3,6 @@
 #include "platform/background_work.h"
 
 #include <QNetworkAccessManager>
-#include <QNetworkCookie>
-#include <QNetworkCookieJar>
 #include <QNetworkProxy>
 #include <QNetworkReply>
 
@@ -13,21 +11,12 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::platform {
 namespace {
 
-/// Takes no cookie and gives none.
-class NoCookies : public QNetworkCookieJar {
-public:
-    QList<QNetworkCookie> cookiesForUrl(const QUrl&) const override { return {}; }
-    bool setCookiesFromUrl(const QList<QNetworkCookie>&, const QUrl&) override { return false; }
-    bool insertCookie(const QNetworkCookie&) override { return false; }
-};
-
 /// For one transfer, so that nothing at all is kept from one to the next: a connection that
 /// survived the last one may belong to the network before this one. It costs a fraction of a
 /// millisecond.
 QNetworkAccessManager* makeManager(QObject* parent)
 {
     auto* manager = new QNetworkAccessManager(parent);
-    manager->setCookieJar(new NoCookies);
     manager->setProxy(QNetworkProxy::NoProxy);
     return manager;
 }

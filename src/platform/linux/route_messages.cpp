@@ -42,7 +42,7 @@ std::optional<QString> ipv4Text(const std::optional<QByteArray>& address)
 /// RTA_GATEWAY, or RTA_VIA in its place, which may name a router of another family.
 std::optional<QString> gatewayOf(const Attributes<RTA_MAX>& attributes)
 {
-    if (const auto gateway = ipv4Text(attributes.bytes(RTA_GATEWAY)))
+    if (auto gateway = ipv4Text(attributes.bytes(RTA_GATEWAY)))
         return gateway;
     const auto via = attributes.bytes(RTA_VIA);
     if (!via || via->size() < qsizetype(sizeof(rtvia)))
@@ -62,7 +62,7 @@ std::optional<QString> firstGateway(AttributeBytes nextHops)
         const Attributes<RTA_MAX> attributes(
             attributesAfter<rtnexthop>(nextHops.first(hop->rtnh_len)));
         if ((hop->rtnh_flags & RTNH_F_DEAD) == 0) {
-            if (const auto gateway = gatewayOf(attributes))
+            if (auto gateway = gatewayOf(attributes))
                 return gateway;
         }
         nextHops = nextHops.subspan(std::min(nextHops.size(), size_t(RTNH_ALIGN(hop->rtnh_len))));

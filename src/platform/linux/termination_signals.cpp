@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 
 namespace netvane::platform {
@@ -13,6 +14,7 @@ constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
 // A signal handler may do little more than write a byte; the event loop reads it (pipe(7)).
 std::array<int, 2> g_pipe = {-1, -1};
+std::array<struct sigaction, kSignals.size()> g_previous {};
 
 void writeByte(int)
 {
@@ -30,8 +32,13 @@ int openPipe()
     struct sigaction action { };
     action.sa_handler = writeByte;
     action.sa_flags = SA_RESTART;
-    for (const int number : kSignals)
-        ::sigaction(number, &action, nullptr);
+    for (size_t i = 0; i < kSignals.size(); ++i) {
+        ::sigaction(kSignals[i], nullptr, &g_previous[i]);
+        // Whoever had one ignored wants us to survive it: nohup(1), a shell for its background
+        // jobs.
+        if (g_previous[i].sa_handler != SIG_IGN)
+            ::sigaction(kSignals[i], &action, nullptr);
+    }
     return g_pipe[0];
 }
 
@@ -45,8 +52,8 @@ TerminationSignals::TerminationSignals()
 
 TerminationSignals::~TerminationSignals()
 {
-    for (const int number : kSignals)
-        std::signal(number, SIG_DFL);
+    for (size_t i = 0; i < kSignals.size(); ++i)
+        ::sigaction(kSignals[i], &g_previous[i], nullptr);
     m_notifier.setEnabled(false);
     for (const int end : g_pipe)
         ::close(end);
