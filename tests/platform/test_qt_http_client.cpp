@@ -169,12 +169,14 @@ private Q_SLOTS:
             QTRY_COMPARE(m_answers.size(), count);
         }
         QCOMPARE(server.requests().size(), 4);
-        QCOMPARE(server.connectionCount(), 4);
+        QVERIFY(server.connectionCount() >= 4);
         QCOMPARE(server.requests()[2], server.requests()[0]);
         QCOMPARE(server.requests()[3], server.requests()[1]);
         QVERIFY(server.requests()[0].contains("\r\nAccept-Encoding: identity\r\n"));
         QVERIFY(!server.requests()[1].contains("Cookie"));
-        QTRY_COMPARE(threads(), threadsBefore); // each transfer had one of its own
+        // Each transfer had one of its own. One of an earlier test may have been ending at the
+        // start.
+        QTRY_VERIFY(threads() <= threadsBefore);
     }
 
     void readsNoFiles()

@@ -82,13 +82,14 @@ Answer error(const QString& name)
 
 const Answer kSilence = [](const QDBusMessage&) { return std::nullopt; };
 
-/// polkit's (bba{ss}).
-Answer polkitSays(bool granted)
+/// polkit's (bba{ss}), of which `Details` is the last.
+template <typename Details = TextMap>
+Answer polkitSays(bool granted, const Details& details = {})
 {
-    return [granted](const QDBusMessage& call) {
+    return [granted, details](const QDBusMessage& call) {
         QDBusArgument result;
         result.beginStructure();
-        result << granted << false << TextMap {{u"polkit.result"_s, u"x"_s}};
+        result << granted << false << details;
         result.endStructure();
         return call.createReply(QVariant::fromValue(result));
     };
@@ -272,7 +273,7 @@ private Q_SLOTS:
         QTest::newRow("granted") << polkitSays(true) << true;
         QTest::newRow("denied") << polkitSays(false) << false;
         QTest::newRow("no structure") << reply({true, false, 1u}) << false;
-        QTest::newRow("one yes") << reply({true}) << false;
+        QTest::newRow("other structure") << polkitSays(true, u"yes"_s) << false;
         QTest::newRow("nothing in it") << reply({}) << false;
         QTest::newRow("failed") << error(u"org.freedesktop.PolicyKit1.Error.Failed"_s) << false;
     }

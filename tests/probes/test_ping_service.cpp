@@ -159,6 +159,8 @@ private Q_SLOTS:
         QVERIFY(!m_service->isRunning());
         finish(State::Ready);
         QCOMPARE(last().ping, std::optional(10.0));
+        m_clock->advance(500ms);
+        QCOMPARE(m_clock->timerCount(), 0);
         m_clock->advance(10s);
         QCOMPARE(m_connections->made().size(), size_t(1));
         QCOMPARE(m_service->currentMetrics(), std::optional(last()));

@@ -24,12 +24,12 @@ constexpr std::chrono::milliseconds kRetryDelays[] = {1s, 2s, 5s, 15s, 60s};
 // A bus that is there answers within milliseconds, but not while a desktop session is starting.
 constexpr std::chrono::milliseconds kAnswerLimit = 2s;
 
-/// Where the bus listens ("Well-known message bus instances" of the D-Bus specification); empty
+/// Where the bus listens (D-Bus, "Well-known message bus instances"); empty
 /// when it would have to be started.
 QByteArray addressOf(QDBusConnection::BusType bus)
 {
     const bool isSystem = bus == QDBusConnection::SystemBus;
-    const QByteArray told
+    QByteArray told
         = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS");
     if (!told.isEmpty())
         return told;

@@ -11,7 +11,7 @@ namespace netvane::platform {
 namespace {
 
 constexpr std::chrono::milliseconds kDecisionLimit = 3s; // a start does not wait longer for a bus
-constexpr uint kDoNotQueue = 4; // flags and answers of RequestName, D-Bus specification
+constexpr uint kDoNotQueue = 4; // flags and answers of org.freedesktop.DBus.RequestName
 constexpr uint kNameExists = 3;
 
 QDBusMessage requestNameCall()

@@ -1,11 +1,11 @@
 #include "platform/linux/connection_watcher.h"
 
+#include "platform/linux/detached_thread.h"
+
 #include <sys/epoll.h>
 
 #include <array>
 #include <cerrno>
-#include <system_error>
-#include <thread>
 
 namespace netvane::platform {
 namespace {
@@ -21,17 +21,6 @@ bool addToEpoll(const FileDescriptor& epoll, int descriptor, std::uint32_t event
 {
     epoll_event event {.events = events, .data = {.u64 = id}};
     return ::epoll_ctl(epoll.get(), EPOLL_CTL_ADD, descriptor, &event) == 0;
-}
-
-/// Nobody waits for it: a call of the resolver can neither be bounded nor interrupted.
-bool startThread(std::function<void()> work)
-{
-    try {
-        std::thread(std::move(work)).detach();
-        return true;
-    } catch (const std::system_error&) {
-        return false; // the standard library has no other way to say that there are too many
-    }
 }
 
 } // namespace
@@ -92,7 +81,7 @@ void ConnectionWatcher::startLookUp(Connections::iterator place)
         mailbox->post([id, found = lookUp(host, port)](
                           ConnectionWatcher& watcher) { watcher.takeAddresses(id, found); });
     };
-    if (m_lookUps < kMostLookUps && startThread(work))
+    if (m_lookUps < kMostLookUps && startDetachedThread(work))
         ++m_lookUps;
     else
         end(place, ConnectionState::Failed, QString::fromStdString(tryAgainText()));

@@ -1,5 +1,6 @@
 #include "platform/detached_work.h"
 
+#include "platform/linux/detached_thread.h"
 #include "platform/linux/file_descriptor.h"
 
 #include <QSocketNotifier>
@@ -7,8 +8,6 @@
 #include <sys/eventfd.h>
 
 #include <atomic>
-#include <system_error>
-#include <thread>
 
 namespace netvane::platform {
 namespace {
@@ -32,22 +31,12 @@ private:
     std::atomic<bool> m_rang = false;
 };
 
-bool startThread(std::function<void()> run)
-{
-    try {
-        std::thread(std::move(run)).detach();
-        return true;
-    } catch (const std::system_error&) {
-        return false; // the standard library has no other way to say that there are too many
-    }
-}
-
 } // namespace
 
 bool startDetached(QObject* owner, std::function<void()> work, std::function<void()> done)
 {
     const auto bell = std::make_shared<Bell>();
-    if (!bell->isValid() || !startThread([bell, work = std::move(work)]() mutable {
+    if (!bell->isValid() || !startDetachedThread([bell, work = std::move(work)]() mutable {
             work();
             // What it holds goes here and not some time after the owner has the value.
             work = nullptr;
