@@ -9,6 +9,8 @@
 #include <QApplication>
 
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace netvane;
@@ -47,6 +49,22 @@ void drive(QApplication& application, app::AppDelegate& delegate,
     });
 }
 
+/// Everything but the application object lives and goes in here.
+int run(QApplication& application)
+{
+    const platform::TerminationSignals terminationSignals;
+    QObject::connect(&terminationSignals, &platform::TerminationSignals::received, &application,
+        &QCoreApplication::quit);
+    auto platform = platform::makePlatform();
+    platform.urlOpener = std::make_unique<app::DesktopUrlOpener>();
+    platform::ApplicationActivity activity;
+    app::NotificationCenter notifications;
+    app::AppDelegate delegate(platform, activity, notifications);
+    drive(application, delegate, activity, *platform.instanceClaim);
+    platform.instanceClaim->claim();
+    return QApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -62,16 +80,9 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName(u"org.netvane.Netvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);
-    const platform::TerminationSignals signals_;
-    QObject::connect(
-        &signals_, &platform::TerminationSignals::received, &application, &QCoreApplication::quit);
-
-    auto platform = platform::makePlatform();
-    platform.urlOpener = std::make_unique<app::DesktopUrlOpener>();
-    platform::ApplicationActivity activity;
-    app::NotificationCenter notifications;
-    app::AppDelegate delegate(platform, activity, notifications);
-    drive(application, delegate, activity, *platform.instanceClaim);
-    platform.instanceClaim->claim();
-    return QApplication::exec();
+    const int status = run(application);
+    // Not by way of the application's destructor: it waits for Qt's own look-ups of names, many
+    // seconds where no name server answers. There is nothing left to save.
+    std::fflush(nullptr);
+    std::_Exit(status);
 }
