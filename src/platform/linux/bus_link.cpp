@@ -29,8 +29,7 @@ constexpr std::chrono::milliseconds kAnswerLimit = 2s;
 QByteArray addressOf(QDBusConnection::BusType bus)
 {
     const bool isSystem = bus == QDBusConnection::SystemBus;
-    QByteArray told
-        = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS");
+    QByteArray told = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS");
     if (!told.isEmpty())
         return told;
     if (isSystem)

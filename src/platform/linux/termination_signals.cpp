@@ -14,7 +14,6 @@ constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
 // A signal handler may do little more than write a byte; the event loop reads it (pipe(7)).
 std::array<int, 2> g_pipe = {-1, -1};
-std::array<struct sigaction, kSignals.size()> g_previous {};
 
 void writeByte(int)
 {
@@ -32,12 +31,13 @@ int openPipe()
     struct sigaction action { };
     action.sa_handler = writeByte;
     action.sa_flags = SA_RESTART;
-    for (size_t i = 0; i < kSignals.size(); ++i) {
-        ::sigaction(kSignals[i], nullptr, &g_previous[i]);
+    for (const int number : kSignals) {
+        struct sigaction previous { };
+        ::sigaction(number, nullptr, &previous);
         // Whoever had one ignored wants us to survive it: nohup(1), a shell for its background
         // jobs.
-        if (g_previous[i].sa_handler != SIG_IGN)
-            ::sigaction(kSignals[i], &action, nullptr);
+        if (previous.sa_handler != SIG_IGN)
+            ::sigaction(number, &action, nullptr);
     }
     return g_pipe[0];
 }
@@ -52,8 +52,10 @@ TerminationSignals::TerminationSignals()
 
 TerminationSignals::~TerminationSignals()
 {
-    for (size_t i = 0; i < kSignals.size(); ++i)
-        ::sigaction(kSignals[i], &g_previous[i], nullptr);
+    // What is ending by itself shall not be ended by a second one, such as the hang-up of a session
+    // that sent the first.
+    for (const int number : kSignals)
+        std::signal(number, SIG_IGN);
     m_notifier.setEnabled(false);
     for (const int end : g_pipe)
         ::close(end);

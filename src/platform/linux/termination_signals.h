@@ -7,7 +7,8 @@ namespace netvane::platform {
 
 /// Turns SIGINT, SIGTERM and SIGHUP (the ways in which a terminal, a service manager and a desktop
 /// session end a program) into a signal of the event loop, but for those that the program was
-/// started with ignored. One for the process; main thread.
+/// started with ignored. It lasts to the end of the program: once it is gone they do nothing. One
+/// for the process; main thread.
 class TerminationSignals : public QObject {
     Q_OBJECT
 
