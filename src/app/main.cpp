@@ -24,6 +24,12 @@ bool hasDisplay()
         || qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 }
 
+/// What Qt itself has to say takes the way of all our lines: escaped, and never waiting.
+void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    platform::log(qFormatLogMessage(type, context, message));
+}
+
 /// Runs the delegate's life along that of the event loop.
 void drive(QApplication& application, app::AppDelegate& delegate,
     platform::ApplicationActivity& activity, platform::InstanceClaim& claim)
@@ -71,6 +77,7 @@ int main(int argc, char** argv)
 {
     // A reader of our standard error that goes away is no reason to end.
     std::signal(SIGPIPE, SIG_IGN);
+    qInstallMessageHandler(logOfQt);
     QCoreApplication::setApplicationName(u"netvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(NETVANE_VERSION));
     if (!hasDisplay()) {

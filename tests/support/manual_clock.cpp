@@ -32,7 +32,7 @@ std::unique_ptr<platform::Timer> ManualClock::add(std::chrono::milliseconds dela
     std::chrono::milliseconds interval, std::function<void()> action)
 {
     m_alarms.push_back(
-        std::make_shared<Alarm>(Alarm {m_monotonic + delay, interval, std::move(action)}));
+        std::make_shared<Alarm>(Alarm {m_monotonic.load() + delay, interval, std::move(action)}));
     return std::make_unique<Handle>(m_alarms.back());
 }
 
@@ -49,10 +49,11 @@ std::shared_ptr<ManualClock::Alarm> ManualClock::nextDue(
 
 void ManualClock::advance(std::chrono::milliseconds time)
 {
-    const auto end = m_monotonic + time;
+    const auto end = m_monotonic.load() + time;
     while (const auto alarm = nextDue(end)) {
-        m_wall += std::chrono::duration_cast<std::chrono::system_clock::duration>(
-            alarm->due - m_monotonic);
+        m_wall = m_wall.load()
+            + std::chrono::duration_cast<std::chrono::system_clock::duration>(
+                alarm->due - m_monotonic.load());
         m_monotonic = alarm->due;
         if (alarm->interval.count() > 0)
             alarm->due += alarm->interval;
@@ -62,7 +63,8 @@ void ManualClock::advance(std::chrono::milliseconds time)
         action();
         std::erase_if(m_alarms, [](const auto& each) { return !each->running; });
     }
-    m_wall += std::chrono::duration_cast<std::chrono::system_clock::duration>(end - m_monotonic);
+    m_wall = m_wall.load()
+        + std::chrono::duration_cast<std::chrono::system_clock::duration>(end - m_monotonic.load());
     m_monotonic = end;
 }
 

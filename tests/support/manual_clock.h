@@ -2,6 +2,7 @@
 
 #include "platform/clock.h"
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -35,8 +36,11 @@ private:
         std::chrono::milliseconds interval, std::function<void()> action);
     std::shared_ptr<Alarm> nextDue(std::chrono::steady_clock::time_point end) const;
 
-    std::chrono::system_clock::time_point m_wall {std::chrono::seconds(1'700'000'000)};
-    std::chrono::steady_clock::time_point m_monotonic {std::chrono::hours(1)};
+    // Read from any thread.
+    std::atomic<std::chrono::system_clock::time_point> m_wall {
+        std::chrono::system_clock::time_point(std::chrono::seconds(1'700'000'000))};
+    std::atomic<std::chrono::steady_clock::time_point> m_monotonic {
+        std::chrono::steady_clock::time_point(std::chrono::hours(1))};
     std::vector<std::shared_ptr<Alarm>> m_alarms;
 };
 
