@@ -2,6 +2,7 @@
 
 #include "platform/detached_work.h"
 #include "platform/log.h"
+#include "probes/bounded_history.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -78,15 +79,9 @@ void DNSService::finishLookup(const TimedResolution& lookup)
         return;
     }
     const std::chrono::duration<double, std::milli> milliseconds = lookup.duration;
-    appendToHistory(milliseconds.count());
+    const MetricDataPoint point {.timestamp = m_clock.now(), .value = milliseconds.count()};
+    appendBounded(m_history, point, maxHistorySize);
     m_lookupSubject.send(milliseconds.count());
-}
-
-void DNSService::appendToHistory(double milliseconds)
-{
-    m_history.push_back({.timestamp = m_clock.now(), .value = milliseconds});
-    if (m_history.size() > maxHistorySize)
-        m_history.erase(m_history.begin());
 }
 
 void DNSService::setLookupTime(double milliseconds)

@@ -61,7 +61,6 @@ Q_SIGNALS:
 private:
     void timeLookup();
     void finishLookup(const TimedResolution& lookup);
-    void appendToHistory(double milliseconds);
     void setLookupTime(double milliseconds);
     void setDnsServer(const QString& server);
 

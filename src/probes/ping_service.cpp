@@ -2,6 +2,7 @@
 
 #include "platform/log.h"
 #include "platform/main_thread.h"
+#include "probes/bounded_history.h"
 
 #include <QPointer>
 
@@ -21,14 +22,6 @@ constexpr quint16 kHttpsPort = 443;
 quint16 portOf(const QString& host)
 {
     return host.contains(u"google") || host.contains(u"cloudflare") ? kHttpsPort : kHttpPort;
-}
-
-template <typename Value>
-void appendBounded(std::vector<Value>& list, Value value, size_t bound)
-{
-    list.push_back(std::move(value));
-    if (list.size() > bound)
-        list.erase(list.begin());
 }
 
 } // namespace
