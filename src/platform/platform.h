@@ -8,6 +8,7 @@
 #include "platform/network_configuration.h"
 #include "platform/resolver.h"
 #include "platform/url_opener.h"
+#include "platform/user_defaults.h"
 #include "platform/wifi_client.h"
 #include "platform/work_queues.h"
 
@@ -32,6 +33,7 @@ struct Platform {
     std::unique_ptr<HttpClient> httpClient;
     std::unique_ptr<ConnectionFactory> connections;
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that outlive everything else
+    std::unique_ptr<UserDefaults> userDefaults;
 };
 
 /// The real one, but for `urlOpener`: only a program with windows can hand addresses to the
