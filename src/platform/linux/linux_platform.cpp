@@ -4,6 +4,7 @@
 #include "platform/linux/nl80211_wifi_client.h"
 #include "platform/linux/qt_http_client.h"
 #include "platform/linux/scan_permission.h"
+#include "platform/linux/settings_file.h"
 #include "platform/linux/socket_connections.h"
 #include "platform/linux/system_resolver.h"
 #include "platform/platform.h"
@@ -28,6 +29,7 @@ Platform makePlatform()
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
     platform.connections = std::make_unique<SocketConnections>(*platform.clock);
     platform.resolver = std::make_shared<SystemResolver>();
+    platform.userDefaults = std::make_unique<SettingsFile>(SettingsFile::defaultPath());
     platform.systemBus = std::move(systemBus);
     platform.sessionBus = std::move(sessionBus);
     return platform;
