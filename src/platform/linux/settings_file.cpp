@@ -2,13 +2,13 @@
 
 #include "platform/background_work.h"
 #include "platform/log.h"
+#include "platform/replace_file.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 using namespace Qt::Literals::StringLiterals;
@@ -43,17 +43,10 @@ SettingsContent readSettings(const QString& path)
 /// Returns what went wrong, or nothing.
 QString writeSettings(const QString& path, const QJsonObject& values)
 {
-    const QFileInfo info(path);
-    // The settings are nobody else's business: names of networks, times of tests.
-    if (!QDir().mkpath(info.absolutePath()))
+    if (!QDir().mkpath(QFileInfo(path).absolutePath()))
         return u"the folder cannot be made"_s;
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
-    if (!info.exists())
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-    file.write(QJsonDocument(values).toJson());
-    return file.commit() ? QString() : file.errorString();
+    // Names of networks and times of tests are nobody else's business.
+    return replaceFile(path, QJsonDocument(values).toJson(), FileAccess::OwnerOnly);
 }
 
 /// A copy that keeps what was in a broken file.

@@ -1,0 +1,30 @@
+#include "platform/replace_file.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::platform {
+
+QString replaceFile(const QString& path, const QByteArray& content, FileAccess access)
+{
+    const bool isNew = !QFileInfo::exists(path);
+    QSaveFile file(path);
+    // Unbuffered, since the buffer of Qt 6.4 takes a write that the disk cut short for a whole one,
+    // and a part of the file would take the place of all of it.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return file.errorString();
+    if (isNew && access == FileAccess::OwnerOnly)
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    qint64 written = 0;
+    while (written < content.size()) {
+        const qint64 part = file.write(content.constData() + written, content.size() - written);
+        if (part <= 0)
+            return file.errorString();
+        written += part;
+    }
+    return file.commit() ? QString() : file.errorString();
+}
+
+} // namespace netvane::platform
