@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/appearance.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/http_client.h"
@@ -28,6 +29,7 @@ struct Platform {
     std::unique_ptr<QObject> sessionBus; ///< likewise
     std::shared_ptr<WiFiClient> wifiClient; ///< null when the kernel offers no netlink to us
     std::unique_ptr<LocationManager> locationManager;
+    std::unique_ptr<Appearance> appearance;
     std::unique_ptr<InstanceClaim> instanceClaim;
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;

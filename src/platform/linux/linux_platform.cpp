@@ -2,6 +2,7 @@
 #include "platform/linux/bus_name_claim.h"
 #include "platform/linux/linux_network_configuration.h"
 #include "platform/linux/nl80211_wifi_client.h"
+#include "platform/linux/portal_appearance.h"
 #include "platform/linux/qt_http_client.h"
 #include "platform/linux/scan_permission.h"
 #include "platform/linux/settings_file.h"
@@ -24,6 +25,7 @@ Platform makePlatform()
     auto sessionBus = linkTo(QDBusConnection::SessionBus);
     platform.wifiClient = Nl80211WiFiClient::create();
     platform.locationManager = std::make_unique<ScanPermission>(*systemBus);
+    platform.appearance = std::make_unique<PortalAppearance>(*sessionBus);
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);

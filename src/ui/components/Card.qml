@@ -1,0 +1,33 @@
+import QtQuick
+import QtQuick.Layouts
+import Netvane
+
+// The frame that most of the dashboard lives in; its children stand below one another.
+Item {
+    id: root
+
+    default property alias content: column.data
+    property alias spacing: column.spacing
+    property alias radius: surface.radius
+    property alias hasShadow: surface.hasShadow
+    property real padding: 12
+    // What a screen reader calls the group.
+    property string title
+
+    Layout.fillWidth: true
+    implicitWidth: column.implicitWidth + 2 * padding
+    implicitHeight: column.implicitHeight + 2 * padding
+    Accessible.role: Accessible.Grouping
+    Accessible.name: title
+
+    CardBackground {
+        id: surface
+        anchors.fill: parent
+    }
+    ColumnLayout {
+        id: column
+        anchors.fill: parent
+        anchors.margins: root.padding
+        spacing: 12
+    }
+}

@@ -1,0 +1,23 @@
+import QtQuick
+import QtQuick.Layouts
+import Netvane
+
+// One line; what does not fit is left out in the middle, where names differ least, and shown whole
+// while the pointer rests on it.
+PlainText {
+    id: root
+
+    Layout.fillWidth: true
+    elide: Text.ElideMiddle
+    maximumLineCount: 1
+
+    HoverHandler {
+        id: hover
+        enabled: root.truncated
+    }
+
+    Tip {
+        shown: hover.hovered && root.truncated
+        text: root.text
+    }
+}

@@ -1,0 +1,33 @@
+import QtQuick
+import QtQuick.Templates as T
+import Netvane
+
+// What an element has to say while the pointer rests on it.
+T.ToolTip {
+    id: root
+
+    property bool shown: false
+
+    visible: shown
+    delay: 600
+    padding: 6
+    x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
+    y: parent ? parent.height + 4 : 0
+    margins: 8
+    implicitWidth: Math.min(label.implicitWidth, 300) + leftPadding + rightPadding
+    implicitHeight: label.implicitHeight + topPadding + bottomPadding
+    closePolicy: T.Popup.NoAutoClose
+
+    contentItem: PlainText {
+        id: label
+        text: root.text
+        font: Theme.footnote
+        wrapMode: Text.Wrap
+        Accessible.ignored: true
+    }
+    background: Rectangle {
+        color: Theme.cardBackground
+        border.color: Theme.separator
+        radius: 6
+    }
+}

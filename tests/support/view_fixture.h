@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/appearance.h"
+#include "ui/theme.h"
+#include "ui/view_engine.h"
+
+#include <QQuickItem>
+#include <QQuickView>
+
+namespace netvane::test {
+
+class FakeAppearance final : public platform::Appearance {
+public:
+    platform::ColorScheme colorScheme() const override { return m_scheme; }
+    void setColorScheme(platform::ColorScheme scheme)
+    {
+        m_scheme = scheme;
+        Q_EMIT colorSchemeChanged();
+    }
+
+private:
+    platform::ColorScheme m_scheme = platform::ColorScheme::Light;
+};
+
+/// One view in a window of its own, rendered in software without a display. What QML complains of
+/// fails the test that looks at `problems`.
+class ViewFixture {
+public:
+    /// `name` is that of a QML file of the module; `properties` its required ones.
+    explicit ViewFixture(const QString& name, const QVariantMap& properties = {}, int width = 420);
+
+    QQuickItem& root() { return *m_window.rootObject(); }
+    /// The outermost visible item that has the value in the property; null when there is none.
+    QQuickItem* find(const char* property, const QVariant& value);
+    /// The texts that can be seen, in the order of the item tree.
+    QStringList texts();
+    /// Presses and releases the middle of the item, with the left button.
+    void click(QQuickItem* item);
+    /// Renders the view in both schemes; writes both beside one another under the folder named by
+    /// NETVANE_PICTURES, when it is set, for people to look at.
+    void picture(const QString& name);
+    QStringList problems() const { return m_problems; }
+
+    FakeAppearance appearance;
+
+private:
+    ui::Theme m_theme {appearance};
+    ui::ViewEngine m_engine {m_theme};
+    QQuickView m_window {&m_engine, nullptr};
+    QStringList m_problems;
+};
+
+} // namespace netvane::test
