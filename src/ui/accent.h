@@ -3,8 +3,8 @@
 #include <QObject>
 #include <QtQmlIntegration>
 
-/// The colours that a value can get, by name: which one is decided in C++, what it looks like in the
-/// current scheme by `Theme.accents`, which has them in this order.
+/// The colours that a value can get, by name: which one is decided in C++, what it looks like in
+/// the current scheme by `Theme.accents`, which has them in this order.
 namespace netvane::ui::accent {
 Q_NAMESPACE
 QML_NAMED_ELEMENT(Accent)
