@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 BUILD = build
 
-.PHONY: help build run test check check-format check-layers check-tidy check-sanitizers test-radio bench clean
+.PHONY: help build run test check check-format check-layers check-qml check-tidy check-sanitizers test-radio bench clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
@@ -21,7 +21,7 @@ test: ## builds and runs every test that needs no virtual machine
 	@cmake --build $(BUILD) -j $(JOBS)
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
-check: check-format check-layers check-tidy check-sanitizers ## the other checks
+check: check-format check-layers check-qml check-tidy check-sanitizers ## the other checks
 
 check-format: ## clang-format would change nothing
 	@scripts/setup check
@@ -30,6 +30,13 @@ check-format: ## clang-format would change nothing
 
 check-layers: ## no module includes a higher one, no file or function is too long
 	@scripts/check-layers
+
+check-qml: ## qmllint has nothing to say about the views, and no text is drawn but as plain text
+	@scripts/setup build run check
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane_ui_qmllint
+	@! grep -nE '(^|[^a-zA-Z.])(Text|Label|TextEdit|TextArea) *\{' $$(git ls-files 'src/ui/*.qml' | grep -v /PlainText.qml)
+	@echo "qml: ok"
 
 check-tidy: ## clang-tidy over what differs from the main line, or over FILES
 	@scripts/setup build run check

@@ -7,14 +7,14 @@ import Netvane
 T.AbstractButton {
     id: root
 
-    implicitWidth: (contentItem ? contentItem.implicitWidth : 0) + leftPadding + rightPadding
-    implicitHeight: (contentItem ? contentItem.implicitHeight : 0) + topPadding + bottomPadding
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
     focusPolicy: Qt.StrongFocus
-    opacity: down ? 0.6 : 1
+    opacity: root.down ? 0.6 : 1
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: { if (root.checkable) root.toggle(); root.clicked() }
+    Keys.onEnterPressed: { if (root.checkable) root.toggle(); root.clicked() }
 
     background: Item {
         FocusRing { control: root }

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 import QtQuick.Templates as T
 import Netvane
 
@@ -15,42 +16,37 @@ T.AbstractButton {
 
     readonly property color foreground: prominent ? "white" : Theme.primaryText
 
-    implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
-    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: small ? 8 : 12
     verticalPadding: small ? 3 : 5
     focusPolicy: Qt.StrongFocus
     opacity: enabled ? 1 : 0.5
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: root.clicked()
+    Keys.onEnterPressed: root.clicked()
 
-    contentItem: Item {
-        implicitWidth: row.implicitWidth
-        implicitHeight: row.implicitHeight
+    contentItem: RowLayout {
+        spacing: 0
+        layoutDirection: root.symbolTrailing ? Qt.RightToLeft : Qt.LeftToRight
 
-        Row {
-            id: row
-            anchors.centerIn: parent
-            spacing: 4
-            layoutDirection: root.symbolTrailing ? Qt.RightToLeft : Qt.LeftToRight
-
-            Symbol {
-                visible: root.symbol !== ""
-                anchors.verticalCenter: parent.verticalCenter
-                name: root.symbol
-                color: root.foreground
-                size: 11
-            }
-            PlainText {
-                anchors.verticalCenter: parent.verticalCenter
-                text: root.text
-                color: root.foreground
-                font: root.labelFont
-                Accessible.ignored: true
-            }
+        Item { Layout.fillWidth: true }
+        Symbol {
+            visible: root.symbol !== ""
+            Layout.leftMargin: root.symbolTrailing ? 4 : 0
+            Layout.rightMargin: root.symbolTrailing ? 0 : 4
+            name: root.symbol
+            color: root.foreground
+            size: 11
         }
+        PlainText {
+            text: root.text
+            color: root.foreground
+            font: root.labelFont
+            Accessible.ignored: true
+        }
+        Item { Layout.fillWidth: true }
     }
     background: Rectangle {
         radius: 6

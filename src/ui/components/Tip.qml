@@ -14,12 +14,11 @@ T.ToolTip {
     x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0
     y: parent ? parent.height + 4 : 0
     margins: 8
-    implicitWidth: Math.min(label.implicitWidth, 300) + leftPadding + rightPadding
-    implicitHeight: label.implicitHeight + topPadding + bottomPadding
+    implicitWidth: Math.min(implicitContentWidth, 300) + leftPadding + rightPadding
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
     closePolicy: T.Popup.NoAutoClose
 
     contentItem: PlainText {
-        id: label
         text: root.text
         font: Theme.footnote
         wrapMode: Text.Wrap

@@ -1,4 +1,5 @@
 import QtQuick
+import QtQuick.Layouts
 import QtQuick.Templates as T
 import Netvane
 
@@ -7,29 +8,28 @@ T.AbstractButton {
     id: root
 
     checkable: true
-    implicitWidth: label.implicitWidth + 12 + 36
-    implicitHeight: Math.max(label.implicitHeight, 20)
+    implicitWidth: implicitContentWidth
+    implicitHeight: implicitContentHeight
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
     Accessible.checkable: true
     Accessible.checked: checked
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: { if (root.checkable) root.toggle(); root.clicked() }
+    Keys.onEnterPressed: { if (root.checkable) root.toggle(); root.clicked() }
 
-    contentItem: Item {
+    contentItem: RowLayout {
+        spacing: 12
+
         PlainText {
-            id: label
-            anchors.verticalCenter: parent.verticalCenter
+            Layout.fillWidth: true
             text: root.text
             font: Theme.calloutEmphasis
             Accessible.ignored: true
         }
         Rectangle {
-            anchors.right: parent.right
-            anchors.verticalCenter: parent.verticalCenter
-            width: 36
-            height: 20
+            implicitWidth: 36
+            implicitHeight: 20
             radius: 10
             color: root.checked ? Theme.blue : Theme.track
             FocusRing { control: root; radius: 12 }
