@@ -4,7 +4,8 @@
 
 namespace netvane::app {
 
-/// The desktop's own choice of browser (QDesktopServices: the OpenURI portal, xdg-open).
+/// The desktop's own choice of browser (QDesktopServices: the OpenURI portal, xdg-open), and its
+/// page of settings.
 class DesktopUrlOpener : public platform::UrlOpener {
 public:
     bool openUrl(const QUrl& url) override;
