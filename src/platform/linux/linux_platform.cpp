@@ -3,6 +3,7 @@
 #include "platform/linux/linux_network_configuration.h"
 #include "platform/linux/nl80211_wifi_client.h"
 #include "platform/linux/qt_http_client.h"
+#include "platform/linux/qt_http_transfers.h"
 #include "platform/linux/scan_permission.h"
 #include "platform/linux/socket_connections.h"
 #include "platform/linux/system_resolver.h"
@@ -26,6 +27,7 @@ Platform makePlatform()
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
+    platform.httpTransfers = std::make_unique<QtHttpTransfers>(*platform.clock);
     platform.connections = std::make_unique<SocketConnections>(*platform.clock);
     platform.resolver = std::make_shared<SystemResolver>();
     platform.systemBus = std::move(systemBus);
