@@ -9,6 +9,9 @@
 #include <memory>
 #include <optional>
 
+namespace netvane::diagnostics {
+class SpeedTestService;
+} // namespace netvane::diagnostics
 namespace netvane::platform {
 class ApplicationActivity;
 struct Platform;
@@ -59,6 +62,7 @@ public:
     probes::PingService* routerPingService() const { return m_routerPingService.get(); }
     probes::PingService* internetPingService() const { return m_internetPingService.get(); }
     probes::DNSService* dnsService() const { return m_dnsService.get(); }
+    diagnostics::SpeedTestService* speedTestService() const { return m_speedTestService.get(); }
     probes::CaptivePortalService* captivePortalService() const
     {
         return m_captivePortalService.get();
@@ -84,6 +88,7 @@ private:
     std::unique_ptr<probes::PingService> m_routerPingService;
     std::unique_ptr<probes::PingService> m_internetPingService;
     std::unique_ptr<probes::DNSService> m_dnsService;
+    std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
     std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<QMenu> m_mainMenu;
