@@ -2,6 +2,7 @@
 
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
+#include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
 #include "platform/application_activity.h"
 #include "platform/log.h"
@@ -82,6 +83,9 @@ void AppDelegate::makeServices()
         *m_platform.userDefaults, *m_platform.clock, diagnostics::kSpeedTestServer);
     m_captivePortalService = std::make_unique<probes::CaptivePortalService>(*m_platform.httpClient,
         *m_platform.urlOpener, *m_platform.clock, probes::kCaptivePortalProbe);
+    m_channelAnalysisService = std::make_unique<diagnostics::ChannelAnalysisService>(
+        *m_platform.networkScanner, *m_platform.clock);
+    m_channelAnalysisService->setLocationPermissionService(m_locationPermissionService.get());
 }
 
 void AppDelegate::setupStatusBar()

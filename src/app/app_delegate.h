@@ -11,6 +11,7 @@
 
 namespace netvane::diagnostics {
 class SpeedTestService;
+class ChannelAnalysisService;
 } // namespace netvane::diagnostics
 namespace netvane::platform {
 class ApplicationActivity;
@@ -67,6 +68,10 @@ public:
     {
         return m_captivePortalService.get();
     }
+    diagnostics::ChannelAnalysisService* channelAnalysisService() const
+    {
+        return m_channelAnalysisService.get();
+    }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 
 private:
@@ -90,6 +95,7 @@ private:
     std::unique_ptr<probes::DNSService> m_dnsService;
     std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
     std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
+    std::unique_ptr<diagnostics::ChannelAnalysisService> m_channelAnalysisService;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<QMenu> m_mainMenu;
     std::unique_ptr<platform::Timer> m_memoryTimer;
