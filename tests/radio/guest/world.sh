@@ -97,7 +97,8 @@ iwd_up() {
         >/etc/iwd/main.conf
     /usr/libexec/iwd >"$logs/iwd.log" 2>&1 &
     echo $! >$state/iwd.pid
-    wait_for 60 'gdbus call --system -d net.connman.iwd -o / \
+    # Asked sooner, the bus would start another one.
+    wait_for 60 'owns net.connman.iwd && gdbus call --system -d net.connman.iwd -o / \
         -m org.freedesktop.DBus.ObjectManager.GetManagedObjects | grep -q iwd.Station'
 }
 iwd_down() {
