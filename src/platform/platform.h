@@ -9,6 +9,7 @@
 #include "platform/resolver.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
+#include "platform/user_notifications.h"
 #include "platform/wifi_client.h"
 #include "platform/work_queues.h"
 
@@ -34,6 +35,7 @@ struct Platform {
     std::unique_ptr<ConnectionFactory> connections;
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that outlive everything else
     std::unique_ptr<UserDefaults> userDefaults;
+    std::unique_ptr<UserNotificationCenter> userNotifications;
 };
 
 /// The real one, but for `urlOpener`: only a program with windows can hand addresses to the
