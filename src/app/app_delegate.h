@@ -79,7 +79,9 @@ public:
         return m_channelAnalysisService.get();
     }
     insights::NetworkNotificationService* networkNotificationService() const
+    {
         return m_networkNotificationService.get();
+    }
     insights::ReportService* reportService() const { return m_reportService.get(); }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 

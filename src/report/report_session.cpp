@@ -45,9 +45,11 @@ void ReportSession::start()
     m_dnsService->performLookup();
     m_networkUtils->getDefaultGateway(
         this, [this](const std::optional<QString>& address) { beginProbes(address); });
-    const auto usual = probes::PingService::pingInterval * (kRounds - 1) + kSlack;
-    m_limit = clock.after(m_options.duration.value_or(0s) + (m_options.duration ? 0ms : usual),
-        [this] { sampled(); });
+    std::chrono::milliseconds limit
+        = probes::PingService::pingInterval * int(kRounds - 1) + kSlack;
+    if (m_options.duration)
+        limit = *m_options.duration;
+    m_limit = clock.after(limit, [this] { sampled(); });
 }
 
 void ReportSession::beginProbes(const std::optional<QString>& gateway)

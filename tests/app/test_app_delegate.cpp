@@ -52,7 +52,6 @@ struct World {
         platform.urlOpener = std::make_unique<test::FakeUrlOpener>();
         platform.httpClient.reset(http);
         platform.httpTransfers.reset(transfers);
-        platform.userDefaults = std::make_unique<test::FakeUserDefaults>();
         platform.connections.reset(connections);
         platform.resolver = std::make_shared<test::FakeResolver>();
         platform.userDefaults = std::make_unique<test::FakeUserDefaults>();
