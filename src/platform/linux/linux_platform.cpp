@@ -26,7 +26,9 @@ Platform makePlatform()
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
-    platform.connections = std::make_unique<SocketConnections>(*platform.clock);
+    const auto connections = std::make_shared<SocketConnections>(*platform.clock);
+    platform.connections = connections;
+    platform.hopProbes = connections;
     platform.resolver = std::make_shared<SystemResolver>();
     platform.systemBus = std::move(systemBus);
     platform.sessionBus = std::move(sessionBus);
