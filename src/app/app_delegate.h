@@ -9,6 +9,9 @@
 #include <memory>
 #include <optional>
 
+namespace netvane::diagnostics {
+class TracerouteService;
+} // namespace netvane::diagnostics
 namespace netvane::platform {
 class ApplicationActivity;
 struct Platform;
@@ -63,6 +66,7 @@ public:
     {
         return m_captivePortalService.get();
     }
+    diagnostics::TracerouteService* tracerouteService() const { return m_tracerouteService.get(); }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 
 private:
@@ -85,6 +89,7 @@ private:
     std::unique_ptr<probes::PingService> m_internetPingService;
     std::unique_ptr<probes::DNSService> m_dnsService;
     std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
+    std::unique_ptr<diagnostics::TracerouteService> m_tracerouteService;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<QMenu> m_mainMenu;
     std::unique_ptr<platform::Timer> m_memoryTimer;

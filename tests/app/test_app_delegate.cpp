@@ -42,6 +42,8 @@ struct World {
         platform.urlOpener = std::make_unique<test::FakeUrlOpener>();
         platform.httpClient.reset(http);
         platform.connections.reset(connections);
+        platform.hopProbes
+            = std::shared_ptr<test::FakeConnections>(platform.connections, connections);
         platform.resolver = std::make_shared<test::FakeResolver>();
         delegate = std::make_unique<app::AppDelegate>(platform, activity, notifications);
     }
@@ -117,6 +119,7 @@ private Q_SLOTS:
             from = found + 1;
         }
         QVERIFY(atOnce.contains(u"Netvane: Application launched successfully"_s));
+        QVERIFY(world.delegate->tracerouteService());
         QVERIFY(atOnce.filter(u"Default gateway"_s).isEmpty()); // nobody waited for it
     }
 
