@@ -4,6 +4,7 @@
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
+#include "diagnostics/traceroute_service.h"
 #include "insights/network_notification_service.h"
 #include "insights/onboarding_service.h"
 #include "insights/report_service.h"
@@ -115,6 +116,8 @@ std::optional<insights::ReportInputs> AppDelegate::currentReadings() const
         .dnsServer = m_dnsService->dnsServer(),
         .speedTest = m_speedTestService->result(),
     };
+    m_tracerouteService = std::make_unique<diagnostics::TracerouteService>(
+        *m_platform.clock, *m_platform.hopProbes);
 }
 
 void AppDelegate::setupStatusBar()

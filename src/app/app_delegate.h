@@ -10,8 +10,9 @@
 #include <optional>
 
 namespace netvane::diagnostics {
-class SpeedTestService;
 class ChannelAnalysisService;
+class SpeedTestService;
+class TracerouteService;
 } // namespace netvane::diagnostics
 namespace netvane::insights {
 class NetworkNotificationService;
@@ -83,6 +84,7 @@ public:
         return m_networkNotificationService.get();
     }
     insights::ReportService* reportService() const { return m_reportService.get(); }
+    diagnostics::TracerouteService* tracerouteService() const { return m_tracerouteService.get(); }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 
 private:
@@ -111,6 +113,7 @@ private:
     std::unique_ptr<diagnostics::ChannelAnalysisService> m_channelAnalysisService;
     std::unique_ptr<insights::OnboardingService> m_onboardingService;
     std::unique_ptr<insights::ReportService> m_reportService;
+    std::unique_ptr<diagnostics::TracerouteService> m_tracerouteService;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<QMenu> m_mainMenu;
     std::unique_ptr<platform::Timer> m_memoryTimer;
