@@ -2,6 +2,7 @@
 
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
+#include "diagnostics/channel_analysis_service.h"
 #include "platform/application_activity.h"
 #include "platform/log.h"
 #include "platform/platform.h"
@@ -79,6 +80,9 @@ void AppDelegate::makeServices()
         *m_networkUtils, m_platform.resolver, *m_platform.clock, probes::kDnsTestHost);
     m_captivePortalService = std::make_unique<probes::CaptivePortalService>(*m_platform.httpClient,
         *m_platform.urlOpener, *m_platform.clock, probes::kCaptivePortalProbe);
+    m_channelAnalysisService = std::make_unique<diagnostics::ChannelAnalysisService>(
+        *m_platform.networkScanner, *m_platform.clock);
+    m_channelAnalysisService->setLocationPermissionService(m_locationPermissionService.get());
 }
 
 void AppDelegate::setupStatusBar()

@@ -9,6 +9,9 @@
 #include <memory>
 #include <optional>
 
+namespace netvane::diagnostics {
+class ChannelAnalysisService;
+} // namespace netvane::diagnostics
 namespace netvane::platform {
 class ApplicationActivity;
 struct Platform;
@@ -63,6 +66,10 @@ public:
     {
         return m_captivePortalService.get();
     }
+    diagnostics::ChannelAnalysisService* channelAnalysisService() const
+    {
+        return m_channelAnalysisService.get();
+    }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 
 private:
@@ -85,6 +92,7 @@ private:
     std::unique_ptr<probes::PingService> m_internetPingService;
     std::unique_ptr<probes::DNSService> m_dnsService;
     std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
+    std::unique_ptr<diagnostics::ChannelAnalysisService> m_channelAnalysisService;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<QMenu> m_mainMenu;
     std::unique_ptr<platform::Timer> m_memoryTimer;

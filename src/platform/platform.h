@@ -7,6 +7,7 @@
 #include "platform/instance_claim.h"
 #include "platform/location_manager.h"
 #include "platform/network_configuration.h"
+#include "platform/network_scanner.h"
 #include "platform/resolver.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
@@ -28,6 +29,7 @@ struct Platform {
     std::unique_ptr<QObject> systemBus; ///< only kept here, for those below that speak on it
     std::unique_ptr<QObject> sessionBus; ///< likewise
     std::shared_ptr<WiFiClient> wifiClient; ///< null when the kernel offers no netlink to us
+    std::unique_ptr<NetworkScanner> networkScanner;
     std::unique_ptr<LocationManager> locationManager;
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<InstanceClaim> instanceClaim;

@@ -15,6 +15,15 @@ enum class ChannelBand {
     SixGHz,
 };
 
+/// A channel, told apart by its band: 2.4, 5 and 6 GHz share some numbers (IEEE 802.11-2020, Annex
+/// E).
+struct WiFiChannel {
+    int number = 0;
+    ChannelBand band = ChannelBand::Unknown;
+
+    bool operator==(const WiFiChannel&) const = default;
+};
+
 /// One reading of a Wi-Fi link. Each field is absent when the driver does not tell it or the
 /// interface is not associated; none of them depends on another.
 struct LinkReading {
@@ -23,6 +32,7 @@ struct LinkReading {
     std::optional<int> noiseDbm;
     std::optional<double> transmitRateMbps;
     std::optional<ChannelBand> band; ///< absent without a current channel
+    std::optional<WiFiChannel> channel; ///< absent, too, where the bands have no such channel
     std::optional<QString> interfaceName;
 
     bool operator==(const LinkReading&) const = default;

@@ -1,6 +1,7 @@
 #include "app/app_delegate.h"
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
+#include "diagnostics/channel_analysis_service.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
 #include "probes/dns_service.h"
@@ -11,6 +12,7 @@
 #include "support/fake_http_client.h"
 #include "support/fake_location_manager.h"
 #include "support/fake_network_configuration.h"
+#include "support/fake_network_scanner.h"
 #include "support/fake_resolver.h"
 #include "support/fake_wifi_client.h"
 #include "support/manual_clock.h"
@@ -38,6 +40,7 @@ struct World {
         platform.networkConfiguration.reset(network);
         platform.queues = std::make_unique<platform::WorkQueues>();
         platform.wifiClient = std::make_shared<test::FakeWiFiClient>();
+        platform.networkScanner.reset(scanner);
         platform.locationManager.reset(location);
         platform.urlOpener = std::make_unique<test::FakeUrlOpener>();
         platform.httpClient.reset(http);
@@ -62,6 +65,7 @@ struct World {
     test::ManualClock* clock = new test::ManualClock; // owned by the platform, as the rest
     test::FakeNetworkConfiguration* network = new test::FakeNetworkConfiguration;
     test::FakeLocationManager* location = new test::FakeLocationManager;
+    test::FakeNetworkScanner* scanner = new test::FakeNetworkScanner;
     test::FakeHttpClient* http = new test::FakeHttpClient;
     test::FakeConnections* connections = new test::FakeConnections(*clock);
     platform::Platform platform;
@@ -212,6 +216,21 @@ private Q_SLOTS:
         world.delegate->wifiService()->startMonitoring();
         world.delegate->applicationWillTerminate(); // only the first time counts
         QCOMPARE(world.clock->timerCount(), 2);
+    }
+
+    /// Only the user's click scans, and only with permission.
+    void scanningNearbyNetworks()
+    {
+        World world;
+        world.launchAll();
+        world.clock->advance(60s);
+        QCOMPARE(world.scanner->scans, 0);
+        world.delegate->channelAnalysisService()->scanNetworks();
+        QCOMPARE(world.scanner->scans, 0);
+        world.location->change(Status::AuthorizedAlways);
+        world.settle();
+        world.delegate->channelAnalysisService()->scanNetworks();
+        QCOMPARE(world.scanner->scans, 1);
     }
 
     void terminatingBeforeTheLaunch()

@@ -180,6 +180,7 @@ private Q_SLOTS:
         const auto reading = linkReading({}, {StationRecord {}}, {}, networks);
         QCOMPARE(reading.ssid, u"Mine"_s);
         QCOMPARE(reading.band, ChannelBand::FiveGHz);
+        QCOMPARE(reading.channel, (WiFiChannel {36, ChannelBand::FiveGHz}));
         QVERIFY(needsScanTable({.ssid = "x"_ba}, {StationRecord {}}));
         QVERIFY(!needsScanTable({}, {}));
     }
@@ -211,6 +212,36 @@ private Q_SLOTS:
         QCOMPARE(bandOf(5935), ChannelBand::SixGHz);
         QCOMPARE(bandOf(7115), ChannelBand::SixGHz);
         QCOMPARE(bandOf(60480), ChannelBand::Unknown);
+    }
+
+    void channels_data()
+    {
+        QTest::addColumn<quint32>("mhz");
+        QTest::addColumn<int>("number"); // 0: absent
+        QTest::addColumn<ChannelBand>("band");
+        const auto row = [](quint32 mhz, int number, ChannelBand band) {
+            QTest::addRow("%u", mhz) << mhz << number << band;
+        };
+        for (const auto& [mhz, number] : {std::pair(2412U, 1), {2437U, 6}, {2472U, 13}, {2484U, 14},
+                 {2407U, 0}, {2478U, 0}, {2489U, 0}})
+            row(mhz, number, ChannelBand::TwoGHz);
+        for (const auto& [mhz, number] : {std::pair(4920U, 184), {4980U, 196}, {5180U, 36},
+                 {5885U, 177}, {4905U, 0}, {5000U, 0}})
+            row(mhz, number, ChannelBand::FiveGHz);
+        for (const auto& [mhz, number] : {std::pair(5935U, 2), {5955U, 1}, {5975U, 5}, {7115U, 233},
+                 {5950U, 0}, {5930U, 0}, {7125U, 0}})
+            row(mhz, number, ChannelBand::SixGHz);
+        for (const quint32 mhz : {0U, 920U, 60480U, 4294967295U})
+            row(mhz, 0, ChannelBand::Unknown);
+    }
+
+    void channels()
+    {
+        QFETCH(quint32, mhz);
+        QFETCH(ChannelBand, band);
+        const auto channel = channelOf(mhz);
+        QTEST(channel ? channel->number : 0, "number");
+        QVERIFY(!channel || channel->band == band);
     }
 };
 

@@ -1,9 +1,9 @@
 #include "platform/linux/scan_permission.h"
+#include "support/fake_bus_service.h"
 #include "support/manual_clock.h"
 #include "support/private_bus.h"
 
 #include <QDBusMetaType>
-#include <QDBusVirtualObject>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -14,8 +14,8 @@ using namespace std::chrono_literals;
 
 using Status = AuthorizationStatus;
 using TextMap = QMap<QString, QString>;
-/// What a service says to a call; absent when it says nothing.
-using Answer = std::function<std::optional<QDBusMessage>(const QDBusMessage&)>;
+using test::Answer;
+using test::FakeBusService;
 
 namespace {
 
@@ -24,39 +24,6 @@ const QString kNetworkManager = u"org.freedesktop.NetworkManager"_s;
 const QString kNetworkManagerPath = u"/org/freedesktop/NetworkManager"_s;
 const QString kPolkit = u"org.freedesktop.PolicyKit1"_s;
 const QString kPolkitPath = u"/org/freedesktop/PolicyKit1/Authority"_s;
-
-/// A service with one object, on a connection of its own. It lives on the test's thread: an answer
-/// that somebody waits for there would never come.
-class FakeService : public QDBusVirtualObject {
-public:
-    FakeService(const QString& address, const QString& name, const QString& path, Answer says)
-        : answer(std::move(says))
-        , m_name(name)
-        , m_connection(QDBusConnection::connectToBus(address, name))
-    {
-        m_connection.registerVirtualObject(path, this);
-        m_connection.registerService(name);
-    }
-    ~FakeService() override { QDBusConnection::disconnectFromBus(m_name); }
-
-    QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& call, const QDBusConnection&) override
-    {
-        calls.append(call);
-        call.setDelayedReply(true);
-        if (const auto reply = answer(call))
-            send(*reply);
-        return true;
-    }
-    void send(const QDBusMessage& message) { m_connection.send(message); }
-
-    Answer answer;
-    QList<QDBusMessage> calls;
-
-private:
-    const QString m_name;
-    QDBusConnection m_connection;
-};
 
 Answer permissions(const TextMap& words)
 {
@@ -215,7 +182,7 @@ private Q_SLOTS:
         startNetworkManager(scanning(u"no"_s));
         start();
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::Denied);
-        FakeService stranger(m_bus.address(), u"org.example.Stranger"_s, u"/"_s, kSilence);
+        FakeBusService stranger(m_bus.address(), u"org.example.Stranger"_s, u"/"_s, kSilence);
         stranger.send(checkPermissions());
         QTRY_COMPARE(m_networkManager->calls.size(), 2);
         QCOMPARE(m_permission->authorizationStatus(), Status::Denied);
@@ -366,13 +333,13 @@ private:
 
     void startNetworkManager(const Answer& answer)
     {
-        m_networkManager = std::make_unique<FakeService>(
+        m_networkManager = std::make_unique<FakeBusService>(
             m_bus.address(), kNetworkManager, kNetworkManagerPath, answer);
     }
 
     void startPolkit(const Answer& answer)
     {
-        m_polkit = std::make_unique<FakeService>(m_bus.address(), kPolkit, kPolkitPath, answer);
+        m_polkit = std::make_unique<FakeBusService>(m_bus.address(), kPolkit, kPolkitPath, answer);
     }
 
     static QDBusMessage checkPermissions()
@@ -386,8 +353,8 @@ private:
     std::unique_ptr<test::ManualClock> m_clock;
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<ScanPermission> m_permission;
-    std::unique_ptr<FakeService> m_networkManager;
-    std::unique_ptr<FakeService> m_polkit;
+    std::unique_ptr<FakeBusService> m_networkManager;
+    std::unique_ptr<FakeBusService> m_polkit;
 };
 
 QTEST_GUILESS_MAIN(TestScanPermission)

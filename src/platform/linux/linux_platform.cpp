@@ -1,6 +1,7 @@
 #include "platform/linux/bus_link.h"
 #include "platform/linux/bus_name_claim.h"
 #include "platform/linux/linux_network_configuration.h"
+#include "platform/linux/linux_network_scanner.h"
 #include "platform/linux/nl80211_wifi_client.h"
 #include "platform/linux/portal_appearance.h"
 #include "platform/linux/qt_http_client.h"
@@ -24,6 +25,10 @@ Platform makePlatform()
     auto systemBus = linkTo(QDBusConnection::SystemBus);
     auto sessionBus = linkTo(QDBusConnection::SessionBus);
     platform.wifiClient = Nl80211WiFiClient::create();
+    platform.networkScanner = std::make_unique<LinuxNetworkScanner>(
+        ScanMeans {*systemBus, *platform.clock, platform.queues->userInitiated,
+            std::make_shared<Nl80211ScanKernel>()},
+        platform.wifiClient);
     platform.locationManager = std::make_unique<ScanPermission>(*systemBus);
     platform.appearance = std::make_unique<PortalAppearance>(*sessionBus);
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);

@@ -10,6 +10,8 @@
 namespace netvane::platform {
 namespace {
 
+constexpr int kBssidSize = 6;
+constexpr double kMbmPerDbm = 100.0;
 constexpr double kMbpsPerRateUnit = 0.1; // rates count in 100 kbit/s
 
 /// BITRATE32 first: the 16 bits of BITRATE end at 6.5 Gbit/s, and drivers leave it out above that.
@@ -120,6 +122,11 @@ BssRecord parseBss(AttributeBytes bytes)
     const Attributes<NL80211_ATTR_MAX> attributes(bytes);
     const Attributes<NL80211_BSS_MAX> bss(attributes.nested(NL80211_ATTR_BSS));
     BssRecord record {.frequencyMhz = bss.number<std::uint32_t>(NL80211_BSS_FREQUENCY)};
+    record.seenMsAgo = bss.number<std::uint32_t>(NL80211_BSS_SEEN_MS_AGO);
+    if (auto bssid = bss.bytes(NL80211_BSS_BSSID); bssid && bssid->size() == kBssidSize)
+        record.bssid = std::move(bssid);
+    if (const auto signal = bss.number<std::int32_t>(NL80211_BSS_SIGNAL_MBM))
+        record.signalDbm = qRound(*signal / kMbmPerDbm);
     record.associated
         = bss.number<std::uint32_t>(NL80211_BSS_STATUS) == NL80211_BSS_STATUS_ASSOCIATED;
     // Probe responses name a hidden network that its beacons do not.
@@ -155,6 +162,34 @@ ChannelBand bandOf(std::uint32_t frequencyMhz)
     return ChannelBand::Unknown;
 }
 
+std::optional<WiFiChannel> channelOf(std::uint32_t frequencyMhz)
+{
+    const int mhz = int(std::min(frequencyMhz, 100'000U));
+    const ChannelBand band = bandOf(frequencyMhz);
+    const auto counted = [mhz, band](int base, int last) -> std::optional<WiFiChannel> {
+        const int number = (mhz - base) / 5;
+        if (number < 1 || number > last)
+            return {};
+        return WiFiChannel {number, band};
+    };
+    switch (band) {
+    case ChannelBand::TwoGHz: // 14 stands apart
+        return mhz == 2484 ? WiFiChannel {14, band} : counted(2407, 13);
+    case ChannelBand::FiveGHz:
+        return mhz >= 4910 && mhz <= 4980 ? counted(4000, 196) : counted(5000, 196);
+    case ChannelBand::SixGHz: // 2 lies below 1
+        return mhz == 5935 ? WiFiChannel {2, band} : counted(5950, 233);
+    case ChannelBand::Unknown:
+        break;
+    }
+    return {};
+}
+
+bool isStation(const InterfaceRecord& interface)
+{
+    return interface.type == NL80211_IFTYPE_STATION && interface.index && interface.name;
+}
+
 bool needsScanTable(const InterfaceRecord& interface, const std::vector<StationRecord>& stations)
 {
     return std::ranges::any_of(stations, isAccessPoint)
@@ -178,8 +213,10 @@ LinkReading linkReading(const InterfaceRecord& interface,
         .noiseDbm = noiseOf(survey, frequency),
         .transmitRateMbps = firstPresent(stations, isAccessPoint, &StationRecord::transmitRateMbps),
     };
-    if (frequency)
+    if (frequency) {
         reading.band = bandOf(*frequency);
+        reading.channel = channelOf(*frequency);
+    }
     if (interface.name)
         reading.interfaceName = withVisibleControls(QString::fromUtf8(*interface.name));
     return reading;

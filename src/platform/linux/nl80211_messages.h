@@ -52,6 +52,9 @@ SurveyRecord parseSurvey(AttributeBytes attributes);
 struct BssRecord {
     std::optional<std::uint32_t> frequencyMhz;
     std::optional<QByteArray> ssid; ///< raw bytes of element 0; present and empty when hidden
+    std::optional<QByteArray> bssid; ///< six bytes
+    std::optional<int> signalDbm; ///< of the frame heard last; some drivers know no dBm
+    std::optional<std::uint32_t> seenMsAgo;
     bool associated = false;
 
     bool operator==(const BssRecord&) const = default;
@@ -64,6 +67,13 @@ std::optional<QByteArray> ssidElement(const QByteArray& elements);
 
 /// The band of a channel by its centre. 6 GHz begins at 5925 MHz, 5 GHz above 4900 MHz.
 ChannelBand bandOf(std::uint32_t frequencyMhz);
+
+/// The channel with this centre (IEEE 802.11-2020, Annex E); absent where the three bands have
+/// none.
+std::optional<WiFiChannel> channelOf(std::uint32_t frequencyMhz);
+
+/// Whether it is an interface that joins networks, and has a name.
+bool isStation(const InterfaceRecord& interface);
 
 /// Puts the answers about one interface together.
 LinkReading linkReading(const InterfaceRecord& interface,

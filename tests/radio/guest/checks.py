@@ -7,15 +7,17 @@ import cost_scenarios
 import link_scenarios
 import permission_scenarios
 import program_scenarios
+import scan_scenarios
 from report import Report
 from world import World
 
 
 def chosen(names):
     """The scenarios whose names hold one of these, or all of them if there is none."""
-    modules = (link_scenarios, adapter_scenarios, cost_scenarios, permission_scenarios,
-               program_scenarios)
+    modules = (link_scenarios, adapter_scenarios, cost_scenarios, scan_scenarios,
+               permission_scenarios, program_scenarios)
     every = [scenario for module in modules for scenario in module.SCENARIOS]
+    every += scan_scenarios.MANAGED_SCENARIOS
     for name in names:
         if not any(name in scenario.__name__ for scenario in every):
             known = ', '.join(scenario.__name__ for scenario in every)
@@ -28,8 +30,8 @@ def main():
     scenarios = chosen(pathlib.Path('only').read_text('utf-8').split())
     report = Report(verbose=pathlib.Path('verbose').read_text('utf-8').strip())
 
-    def play(module, *arguments):
-        for scenario in module.SCENARIOS:
+    def play(module, *arguments, of='SCENARIOS'):
+        for scenario in getattr(module, of):
             if scenario in scenarios:
                 report.run(scenario.__name__, scenario, report, *arguments)
 
@@ -42,7 +44,9 @@ def main():
     for watcher in watchers:
         report.check(f'ends at the end of its input ({watcher.user})', watcher.end(), 0)
     play(cost_scenarios, world)
+    play(scan_scenarios, world)
     play(permission_scenarios, world)
+    play(scan_scenarios, world, of='MANAGED_SCENARIOS')
     play(program_scenarios, world)
     report.step('done')
     return report.close()

@@ -34,6 +34,28 @@ def read_iw(interface='wlan0'):
         noise=_noise(interface, frequency[1]) if frequency else None)
 
 
+@dataclasses.dataclass(frozen=True)
+class IwNetwork:
+    """One of the kernel's table."""
+    ssid: bytes
+    frequency: int
+    signal: float
+    seen_ms_ago: int
+
+
+def read_iw_scan(interface='wlan0'):
+    """The networks of the kernel's table by their BSSID; makes no scan."""
+    networks = {}
+    for text in re.split(r'^BSS ', iw('dev', interface, 'scan', 'dump'), flags=re.M)[1:]:
+        name = re.search(r'^\tSSID: (.*)$', text, re.M)
+        networks[text[:17]] = IwNetwork(
+            ssid=_unescaped(name[1]) if name else b'',
+            frequency=int(re.search(r'^\tfreq: (\d+)', text, re.M)[1]),
+            signal=float(re.search(r'^\tsignal: (-?[\d.]+) dBm', text, re.M)[1]),
+            seen_ms_ago=int(re.search(r'^\tlast seen: (\d+) ms ago', text, re.M)[1]))
+    return networks
+
+
 def _noise(interface, frequency):
     channels = iw('dev', interface, 'survey', 'dump').split('Survey data')
     for channel in channels:

@@ -18,11 +18,6 @@ def _published(status):
     }
 
 
-def _grant(world, answer, word):
-    world.do('scan_permission', answer)
-    world.wait_for(30, f'manager_permission | grep -q "\'{word}\'$"')
-
-
 def permissions(report, world):
     world.do('supplicant_down')
     world.do('bus_up')
@@ -30,7 +25,7 @@ def permissions(report, world):
     becomes(report, 'a system bus without NetworkManager', [running], AUTHORIZED)
     world.start_manager()
     for answer, word, status in ANSWERS:
-        _grant(world, answer, word)
+        world.grant_scans(answer, word)
         want = _published(status)
         becomes(report, f'permission changes to "{word}" while running', [running], want)
         fresh = Watcher('unprivileged', f'link_watch_{word}.log')
@@ -42,7 +37,7 @@ def permissions(report, world):
 def managed_link(report, world):
     """A readable name proves that it may be read, whatever NetworkManager says of scans."""
     world.start_manager()
-    _grant(world, 'NO', 'no')
+    world.grant_scans('NO', 'no')
     watcher = Watcher('unprivileged', 'link_watch_managed.log')
     becomes(report, 'refused before NetworkManager associates', [watcher], _published(2))
     world.join(HOME)

@@ -1,4 +1,4 @@
-"""The program link_watch, as one user, asked for passes of the Wi-Fi sampler."""
+"""The programs link_watch and scan_watch, as one user, asked for sampling passes and scans."""
 import json
 import os
 import select
@@ -23,9 +23,10 @@ AUTHORIZED = {'needsPermission': False, 'authorization': 3, 'isAuthorized': True
 
 
 class Watcher:
-    def __init__(self, user, log):
+    def __init__(self, user, log, program='link_watch'):
         self.user = user
-        command = ['/run/radio/link_watch']
+        self._program = program
+        command = [f'/run/radio/{program}']
         if user != 'root':
             command = [*UNPRIVILEGED, *command]
         # What it publishes is logged beside what it writes to standard error itself.
@@ -40,21 +41,21 @@ class Watcher:
         end = time.monotonic() + seconds
         while b'\n' not in self._unread:
             if not select.select([output], [], [], max(0, end - time.monotonic()))[0]:
-                raise WorldError(f'link_watch as {self.user} said nothing for {seconds} s')
+                raise WorldError(f'{self._program} as {self.user} said nothing for {seconds} s')
             piece = os.read(output, 65536)
             if not piece:
                 status = self._process.wait(10)
-                raise WorldError(f'link_watch as {self.user} ended with status {status}')
+                raise WorldError(f'{self._program} as {self.user} ended with status {status}')
             self._unread += piece
         line, _, self._unread = self._unread.partition(b'\n')
         self._log.write(line + b'\n')
         return json.loads(line)
 
-    def sample(self):
+    def sample(self, seconds=30):
         """The state that is published after one more pass."""
         self._process.stdin.write(b'\n')
         self._process.stdin.flush()
-        return self._line(30)
+        return self._line(seconds)
 
     def settle(self, want, seconds=8):
         """Samples until the fields of want have those values, and returns what they are at last."""

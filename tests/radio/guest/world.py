@@ -25,6 +25,8 @@ HOME = Network(1, b'NetvaneHome', 2437, 'twoPointFourGHz', -48, PASSPHRASE)
 HOME_5_GHZ = Network(2, b'NetvaneHome5', 5180, 'fiveGHz', -61, PASSPHRASE)
 HOME_6_GHZ = Network(3, b'NetvaneHome6', 5975, 'sixGHz', -55, PASSPHRASE)
 AWKWARD = Network(4, b'<b>ne\xffv\xf0\x9f\x98\x80', 2412, 'twoPointFourGHz', -70)
+# Only for scans: nobody joins it, and it comes on the air when it is wanted.
+ELEVEN = Network(5, b'NetvaneEleven', 2462, 'twoPointFourGHz', -66)
 NETWORKS = (HOME, HOME_5_GHZ, HOME_6_GHZ, AWKWARD)
 
 
@@ -51,6 +53,7 @@ class World:
         self._asked = 0
         self._chosen = None
         self._managed = False
+        self._has_eleven = False
 
     def do(self, *command, seconds=120):
         """Runs a command of world.sh, which must succeed."""
@@ -74,7 +77,7 @@ class World:
         self.do('wait_for', seconds, condition, seconds=seconds + 120)
 
     def build(self):
-        self.do('radios_up', len(NETWORKS) + 1)
+        self.do('radios_up', len(NETWORKS) + 2)  # the station, and ELEVEN
         for network in NETWORKS:
             self.start(network)
             self.do('supplicant_network', network.ssid.hex(), network.frequency,
@@ -85,6 +88,16 @@ class World:
         self.do('access_point', network.phy, network.ssid.hex(), network.frequency,
                 network.passphrase)
         self.do('heard_at', network.phy, network.dbm)
+
+    def start_eleven(self):
+        if not self._has_eleven:
+            self.start(ELEVEN)
+            self._has_eleven = True
+
+    def grant_scans(self, answer, word):
+        """polkit's answer to the unprivileged user, and NetworkManager's word for it."""
+        self.do('scan_permission', answer)
+        self.wait_for(30, f'manager_permission | grep -q "\'{word}\'$"')
 
     def start_manager(self):
         """Hands the station from wpa_supplicant alone to NetworkManager, if that is still due."""

@@ -87,6 +87,23 @@ supplicant_up() { # wpa_supplicant alone, without D-Bus
     wpa_supplicant -B -t -i wlan0 -D nl80211 -c $state/supplicant.conf -P $state/supplicant.pid \
         -f "$logs/wpa_supplicant.log" && wait_for 60 'cli status'
 }
+supplicant_on_bus() { # wpa_supplicant that other programs reach by D-Bus
+    wpa_supplicant -B -u -i wlan0 -D nl80211 -c $state/supplicant.conf -P $state/supplicant.pid \
+        -f "$logs/wpa_supplicant_alone.log" && wait_for 60 'owns fi.w1.wpa_supplicant1'
+}
+iwd_up() {
+    # It shall neither replace the interface nor scan by itself.
+    printf '%s\n' '[General]' UseDefaultInterface=true '[Scan]' DisablePeriodicScan=true \
+        >/etc/iwd/main.conf
+    /usr/libexec/iwd >"$logs/iwd.log" 2>&1 &
+    echo $! >$state/iwd.pid
+    wait_for 60 'gdbus call --system -d net.connman.iwd -o / \
+        -m org.freedesktop.DBus.ObjectManager.GetManagedObjects | grep -q iwd.Station'
+}
+iwd_down() {
+    kill "$(<$state/iwd.pid)"
+    wait_for 30 '! owns net.connman.iwd'
+}
 cli() { wpa_cli -p $state/control -i wlan0 "$@"; }
 supplicant_down() {
     [ -s $state/supplicant.pid ] || return 0
@@ -128,8 +145,11 @@ bus_up() { # the system bus and polkit
     mkdir -p /run/dbus && dbus-daemon --system --fork --nopidfile || return 1
     # Started by the bus on demand, its first answer takes many seconds.
     /usr/lib/polkit-1/polkitd --no-debug >"$logs/polkitd.log" 2>&1 &
-    wait_for 60 "gdbus call --system -d org.freedesktop.DBus -o / \
-        -m org.freedesktop.DBus.NameHasOwner org.freedesktop.PolicyKit1 | grep -q true"
+    wait_for 60 'owns org.freedesktop.PolicyKit1'
+}
+owns() { # owns NAME: somebody has it on the system bus
+    gdbus call --system -d org.freedesktop.DBus -o / -m org.freedesktop.DBus.NameHasOwner "$1" |
+        grep -q true
 }
 manager_up() {
     /lib/systemd/systemd-udevd --daemon

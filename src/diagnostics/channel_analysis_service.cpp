@@ -1,0 +1,89 @@
+#include "diagnostics/channel_analysis_service.h"
+
+#include "platform/log.h"
+#include "wifi/location_permission_service.h"
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::diagnostics {
+
+ChannelAnalysisService::ChannelAnalysisService(
+    platform::NetworkScanner& scanner, platform::Clock& clock)
+    : m_scanner(scanner)
+    , m_clock(clock)
+{
+}
+
+void ChannelAnalysisService::scanNetworks()
+{
+    if (!m_locationPermissionService || !m_locationPermissionService->isAuthorized()) {
+        platform::log(u"ChannelAnalysisService: Location permission required for scanning"_s);
+        return;
+    }
+    if (isTooSoon() || m_isScanning)
+        return;
+    publish(m_isScanning, true, &ChannelAnalysisService::isScanningChanged);
+    performScan();
+}
+
+bool ChannelAnalysisService::isTooSoon() const
+{
+    return m_lastSuccess && m_clock.monotonicNow() - *m_lastSuccess < maxScanInterval;
+}
+
+void ChannelAnalysisService::performScan()
+{
+    using Networks = platform::Result<std::vector<platform::NearbyNetwork>>;
+    m_scanner.scan(this, [this](const Networks& networks) {
+        if (networks) {
+            processScanResults(networks.value());
+            return;
+        }
+        if (networks.failure().kind != platform::FailureKind::NotFound) // there is an interface
+            platform::log(u"ChannelAnalysisService: Scan failed: "_s + networks.failure().text);
+        publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
+    });
+}
+
+void ChannelAnalysisService::processScanResults(
+    const std::vector<platform::NearbyNetwork>& networks)
+{
+    publish(m_nearbyNetworks, networks, &ChannelAnalysisService::nearbyNetworksChanged);
+    updateChannelUtilization();
+    m_lastSuccess = m_clock.monotonicNow();
+    publish(
+        m_lastScanTime, std::optional(m_clock.now()), &ChannelAnalysisService::lastScanTimeChanged);
+    publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
+}
+
+void ChannelAnalysisService::updateChannelUtilization()
+{
+    ChannelUtilization counts;
+    for (const auto& network : m_nearbyNetworks) {
+        if (network.channel)
+            ++counts[network.channel->number];
+    }
+    publish(m_channelUtilization, std::move(counts),
+        &ChannelAnalysisService::channelUtilizationChanged);
+}
+
+std::optional<int> ChannelAnalysisService::recommendedChannel() const
+{
+    const auto least = std::ranges::min_element(
+        m_channelUtilization, {}, &ChannelUtilization::value_type::second); // the first of equals
+    return least == m_channelUtilization.end() ? std::nullopt : std::optional(least->first);
+}
+
+template <typename Value>
+void ChannelAnalysisService::publish(
+    Value& field, Value value, void (ChannelAnalysisService::*changed)())
+{
+    if (field == value)
+        return;
+    field = std::move(value);
+    Q_EMIT(this->*changed)();
+}
+
+} // namespace netvane::diagnostics

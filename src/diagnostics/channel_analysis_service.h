@@ -1,0 +1,90 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "platform/network_scanner.h"
+
+#include <QObject>
+
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace netvane::wifi {
+class LocationPermissionService;
+} // namespace netvane::wifi
+
+namespace netvane::diagnostics {
+
+/// Scans for nearby networks when the user asks for it, counts them by channel and names the
+/// channel that fewest of them use. Main thread.
+class ChannelAnalysisService : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(std::vector<netvane::platform::NearbyNetwork> nearbyNetworks READ nearbyNetworks
+            NOTIFY nearbyNetworksChanged)
+    Q_PROPERTY(netvane::diagnostics::ChannelAnalysisService::ChannelUtilization channelUtilization
+            READ channelUtilization NOTIFY channelUtilizationChanged)
+    Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
+    Q_PROPERTY(std::optional<std::chrono::system_clock::time_point> lastScanTime READ lastScanTime
+            NOTIFY lastScanTimeChanged)
+
+public:
+    /// Networks by channel number, in ascending order. A number that two bands share has one count.
+    using ChannelUtilization = std::map<int, int>;
+
+    /// The shortest time between the end of a successful scan and the next one.
+    static constexpr std::chrono::milliseconds maxScanInterval {30'000};
+
+    /// Both outlive this. Nothing is scanned before `scanNetworks`.
+    ChannelAnalysisService(platform::NetworkScanner& scanner, platform::Clock& clock);
+
+    /// The networks of the last successful scan, in the scanner's order.
+    const std::vector<platform::NearbyNetwork>& nearbyNetworks() const { return m_nearbyNetworks; }
+    /// What tells no channel is not counted.
+    const ChannelUtilization& channelUtilization() const { return m_channelUtilization; }
+    bool isScanning() const { return m_isScanning; }
+    /// When the last successful scan's results were stored.
+    const std::optional<std::chrono::system_clock::time_point>& lastScanTime() const
+    {
+        return m_lastScanTime;
+    }
+    /// The channel with the fewest networks among those that have any, the lowest of several such;
+    /// absent when nothing was counted.
+    std::optional<int> recommendedChannel() const;
+
+    /// Guards every scan; without it nothing is scanned. Outlives this service.
+    void setLocationPermissionService(const wifi::LocationPermissionService* service)
+    {
+        m_locationPermissionService = service;
+    }
+
+    /// Begins a scan, unless permission is missing, the last success is too recent, or one is under
+    /// way. Its results arrive by the published properties; a failed one changes none of them but
+    /// `isScanning`, and may be repeated at once.
+    void scanNetworks();
+
+Q_SIGNALS:
+    void nearbyNetworksChanged();
+    void channelUtilizationChanged();
+    void isScanningChanged();
+    void lastScanTimeChanged();
+
+private:
+    void performScan();
+    void processScanResults(const std::vector<platform::NearbyNetwork>& networks);
+    void updateChannelUtilization();
+    bool isTooSoon() const;
+    template <typename Value>
+    void publish(Value& field, Value value, void (ChannelAnalysisService::*changed)());
+
+    platform::NetworkScanner& m_scanner;
+    platform::Clock& m_clock;
+    std::vector<platform::NearbyNetwork> m_nearbyNetworks;
+    ChannelUtilization m_channelUtilization;
+    bool m_isScanning = false;
+    std::optional<std::chrono::system_clock::time_point> m_lastScanTime;
+    const wifi::LocationPermissionService* m_locationPermissionService = nullptr;
+    /// Together with `m_lastScanTime`, which a clock that is set may move.
+    std::optional<std::chrono::steady_clock::time_point> m_lastSuccess;
+};
+
+} // namespace netvane::diagnostics

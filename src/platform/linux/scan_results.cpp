@@ -1,0 +1,72 @@
+#include "platform/linux/scan_results.h"
+
+#include "platform/visible_text.h"
+
+#include <limits>
+#include <map>
+
+namespace netvane::platform {
+namespace {
+
+NearbyNetwork networkOf(const BssRecord& record)
+{
+    NearbyNetwork network {.signalDbm = record.signalDbm};
+    if (record.ssid)
+        network.ssid = ssidText(*record.ssid);
+    if (record.bssid)
+        network.bssid = QString::fromLatin1(record.bssid->toHex(':'));
+    if (record.frequencyMhz)
+        network.channel = channelOf(*record.frequencyMhz);
+    return network;
+}
+
+/// Entries without an age are taken for old.
+std::uint32_t ageOf(const BssRecord& record)
+{
+    return record.seenMsAgo.value_or(std::numeric_limits<std::uint32_t>::max());
+}
+
+} // namespace
+
+std::vector<NearbyNetwork> nearbyNetworks(const std::vector<BssRecord>& table)
+{
+    struct Place {
+        size_t at;
+        std::uint32_t age;
+    };
+    std::vector<NearbyNetwork> networks;
+    std::map<QByteArray, Place> places;
+    for (const BssRecord& record : table) {
+        NearbyNetwork network = networkOf(record);
+        if (record.bssid) {
+            const auto [place, isNew]
+                = places.try_emplace(*record.bssid, Place {networks.size(), ageOf(record)});
+            if (!isNew) {
+                NearbyNetwork& known = networks[place->second.at];
+                if (ageOf(record) < place->second.age) {
+                    place->second.age = ageOf(record);
+                    std::swap(known, network);
+                }
+                if (!known.ssid)
+                    known.ssid = network.ssid;
+                continue;
+            }
+        }
+        networks.push_back(std::move(network));
+    }
+    return networks;
+}
+
+void addLater(std::vector<BssRecord>& table, const std::vector<BssRecord>& later,
+    std::chrono::milliseconds passed)
+{
+    // What has no name to know it by is told again, or is gone.
+    std::erase_if(table, [](const BssRecord& record) { return !record.bssid; });
+    for (BssRecord& record : table) {
+        if (record.seenMsAgo)
+            *record.seenMsAgo += std::uint32_t(passed.count());
+    }
+    table.insert(table.end(), later.begin(), later.end());
+}
+
+} // namespace netvane::platform

@@ -1,0 +1,212 @@
+#include "diagnostics/channel_analysis_service.h"
+#include "platform/application_activity.h"
+#include "support/captured_log.h"
+#include "support/fake_location_manager.h"
+#include "support/fake_network_scanner.h"
+#include "support/manual_clock.h"
+#include "wifi/location_permission_service.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace netvane;
+using namespace netvane::diagnostics;
+using namespace std::chrono_literals;
+using namespace Qt::Literals::StringLiterals;
+
+using platform::ChannelBand;
+using Status = platform::AuthorizationStatus;
+using Table = ChannelAnalysisService::ChannelUtilization;
+
+namespace {
+
+/// One network for each number; 0: its channel is not told.
+std::vector<platform::NearbyNetwork> onChannels(const std::vector<int>& numbers)
+{
+    std::vector<platform::NearbyNetwork> networks;
+    for (const int number : numbers) {
+        platform::NearbyNetwork network {.ssid = QString::number(networks.size())};
+        if (number != 0)
+            network.channel = platform::WiFiChannel {number, ChannelBand::TwoGHz};
+        networks.push_back(network);
+    }
+    return networks;
+}
+
+} // namespace
+
+class TestChannelAnalysisService : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_clock = std::make_unique<test::ManualClock>();
+        m_scanner = std::make_unique<test::FakeNetworkScanner>();
+        m_manager.status = Status::AuthorizedAlways;
+        m_permission = std::make_unique<wifi::LocationPermissionService>(m_manager, m_activity);
+        m_service = std::make_unique<ChannelAnalysisService>(*m_scanner, *m_clock);
+        m_service->setLocationPermissionService(m_permission.get());
+        m_log.take();
+    }
+
+    void counting_data()
+    {
+        QTest::addColumn<std::vector<int>>("channels");
+        QTest::addColumn<Table>("table");
+        QTest::addColumn<int>("recommended"); // 0: absent
+        QTest::newRow("nothing found") << std::vector<int> {} << Table {} << 0;
+        QTest::newRow("some") << std::vector {1, 1, 6, 6, 6, 11} << Table {{1, 2}, {6, 3}, {11, 1}}
+                              << 11;
+        QTest::newRow("equals: the lowest, and never an unused one")
+            << std::vector {11, 1} << Table {{1, 1}, {11, 1}} << 1;
+        QTest::newRow("without channel") << std::vector {0, 0, 36} << Table {{36, 1}} << 36;
+        QTest::newRow("none with channel") << std::vector {0} << Table {} << 0;
+    }
+
+    void counting()
+    {
+        QFETCH(std::vector<int>, channels);
+        QFETCH(Table, table);
+        const auto networks = onChannels(channels);
+        m_service->scanNetworks();
+        QVERIFY(m_service->isScanning() && !m_service->lastScanTime());
+        m_scanner->finish(networks);
+        QCOMPARE(m_service->nearbyNetworks(), networks);
+        QCOMPARE(m_service->channelUtilization(), table);
+        QTEST(m_service->recommendedChannel().value_or(0), "recommended");
+        QCOMPARE(m_service->lastScanTime(), m_clock->now());
+        QVERIFY(!m_service->isScanning());
+        QCOMPARE(m_log.take(), QStringList());
+    }
+
+    void oneNumberInTwoBandsIsOneChannel()
+    {
+        m_service->scanNetworks();
+        auto networks = onChannels({5, 5});
+        networks[1].channel->band = ChannelBand::SixGHz;
+        m_scanner->finish(networks);
+        QCOMPARE(m_service->channelUtilization(), (Table {{5, 2}}));
+    }
+
+    void aThousandNetworks()
+    {
+        m_service->scanNetworks();
+        m_scanner->finish(onChannels(std::vector<int>(1000, 6)));
+        QCOMPARE(m_service->channelUtilization(), (Table {{6, 1000}}));
+    }
+
+    void withoutPermission()
+    {
+        const QStringList line {
+            u"ChannelAnalysisService: Location permission required for scanning"_s};
+        m_manager.status = Status::Denied;
+        m_permission->checkAuthorizationStatus();
+        m_log.take();
+        const QSignalSpy changes(m_service.get(), &ChannelAnalysisService::isScanningChanged);
+        m_service->scanNetworks();
+        QCOMPARE(m_log.take(), line);
+        m_service->setLocationPermissionService(nullptr);
+        m_service->scanNetworks();
+        QCOMPARE(m_log.take(), line);
+        QCOMPARE(m_scanner->scans, 0);
+        QCOMPARE(changes.count(), 0);
+    }
+
+    /// From the end of a success, and whatever is done to the wall clock.
+    void throttle()
+    {
+        m_service->scanNetworks();
+        m_clock->advance(20s);
+        m_scanner->finish(onChannels({1}));
+        m_clock->setWall(m_clock->now() + 24h);
+        m_clock->advance(29'999ms);
+        m_service->scanNetworks();
+        QCOMPARE(m_scanner->scans, 1);
+        m_clock->setWall(m_clock->now() - 48h);
+        m_clock->advance(1ms);
+        m_service->scanNetworks();
+        QCOMPARE(m_scanner->scans, 2);
+        QCOMPARE(m_log.take(), QStringList());
+    }
+
+    void oneScanAtATime()
+    {
+        m_service->scanNetworks();
+        m_clock->advance(60s);
+        m_service->scanNetworks();
+        QCOMPARE(m_scanner->scans, 1);
+        m_scanner->finish(onChannels({1}));
+        QCOMPARE(m_service->nearbyNetworks().size(), 1U);
+    }
+
+    void failures_data()
+    {
+        QTest::addColumn<platform::FailureKind>("kind");
+        QTest::addColumn<QStringList>("lines");
+        QTest::newRow("refused") << platform::FailureKind::NotAllowed
+                                 << QStringList {u"ChannelAnalysisService: Scan failed: not now"_s};
+        QTest::newRow("no interface") << platform::FailureKind::NotFound << QStringList();
+    }
+
+    void failures()
+    {
+        QFETCH(platform::FailureKind, kind);
+        const auto networks = onChannels({1, 6});
+        m_service->scanNetworks();
+        m_scanner->finish(networks);
+        const auto scanned = m_service->lastScanTime();
+        m_clock->advance(30s);
+        m_service->scanNetworks();
+        m_scanner->finish(platform::Failure {kind, u"not now"_s});
+        QTEST(m_log.take(), "lines");
+        QVERIFY(!m_service->isScanning());
+        QCOMPARE(m_service->nearbyNetworks(), networks);
+        QCOMPARE(m_service->channelUtilization(), (Table {{1, 1}, {6, 1}}));
+        QCOMPARE(m_service->lastScanTime(), scanned);
+        m_service->scanNetworks(); // at once
+        QCOMPARE(m_scanner->scans, 3);
+    }
+
+    /// An observer of one property finds those before it in place.
+    void orderOfPublication()
+    {
+        QStringList order;
+        const auto note = [&](const QString& name) {
+            return [&order, name, this] {
+                order.append(name + (m_service->isScanning() ? u" scanning"_s : QString()));
+            };
+        };
+        using Service = ChannelAnalysisService;
+        const auto* service = m_service.get();
+        connect(service, &Service::nearbyNetworksChanged, this, note(u"networks"_s));
+        connect(service, &Service::channelUtilizationChanged, this, note(u"table"_s));
+        connect(service, &Service::lastScanTimeChanged, this, note(u"time"_s));
+        connect(service, &Service::isScanningChanged, this, note(u"flag"_s));
+        m_service->scanNetworks();
+        m_scanner->finish(onChannels({1}));
+        QCOMPARE(order,
+            (QStringList {u"flag scanning"_s, u"networks scanning"_s, u"table scanning"_s,
+                u"time scanning"_s, u"flag"_s}));
+    }
+
+    void theServiceGoesDuringAScan()
+    {
+        m_service->scanNetworks();
+        m_service.reset();
+        m_scanner->finish(onChannels({1}));
+        QCOMPARE(m_log.take(), QStringList());
+    }
+
+private:
+    test::CapturedLog m_log;
+    platform::ApplicationActivity m_activity;
+    test::FakeLocationManager m_manager;
+    std::unique_ptr<test::ManualClock> m_clock;
+    std::unique_ptr<test::FakeNetworkScanner> m_scanner;
+    std::unique_ptr<wifi::LocationPermissionService> m_permission;
+    std::unique_ptr<ChannelAnalysisService> m_service;
+};
+
+QTEST_GUILESS_MAIN(TestChannelAnalysisService)
+#include "test_channel_analysis_service.moc"

@@ -1,0 +1,112 @@
+"""Scans through each that can own the radio, compared with the kernel's table as iw reads it."""
+import time
+
+from iw_reading import read_iw_scan
+from watcher import Watcher
+from world import ELEVEN, HOME, NETWORKS, shown
+
+CHANNELS = {2412: [1, 'twoPointFourGHz'], 2437: [6, 'twoPointFourGHz'],
+            2462: [11, 'twoPointFourGHz'], 5180: [36, 'fiveGHz'], 5975: [5, 'sixGHz']}
+# Whether 6 GHz is scanned is up to whoever scans.
+ALWAYS_HEARD = {(shown(network.ssid), *CHANNELS[network.frequency], network.dbm)
+                for network in (*NETWORKS, ELEVEN) if network.frequency < 5950}
+SCAN_SECONDS = 60
+NO_RIGHTS = 'Scanning takes NetworkManager, iwd or wpa_supplicant, or more rights'
+
+
+def _watcher(user):
+    return Watcher(user, f'scan_watch_{user}.log', 'scan_watch')
+
+
+def _scans(report, name, watcher, keeps_table=True):
+    """Checks one scan: the networks that are in the air, heard by this very scan, and nothing else
+    than iw lists. iwd has the kernel forget in each go what it heard in the one before."""
+    begin = time.monotonic()
+    state = watcher.sample(SCAN_SECONDS)
+    table = read_iw_scan()
+    took_ms = 1000 * (time.monotonic() - begin)
+    report.check(f'{name}: no error', state['error'], None)
+    got = {network['bssid']: (network['ssid'], *network['channel'], network['signal'])
+           for network in state['networks']}
+    listed = {bssid: (shown(network.ssid) or None, *CHANNELS[network.frequency],
+                      round(network.signal)) for bssid, network in table.items()}
+    report.check(f'{name}: each once', len(state['networks']), len(got))
+    report.check(f'{name}: all that is in the air', ALWAYS_HEARD - set(got.values()), set())
+    want = listed if keeps_table else got | listed
+    report.check(f'{name}: as iw lists them', got, want)
+    if keeps_table:
+        old = {bssid for bssid, network in table.items()
+               if network.seen_ms_ago > took_ms and network.frequency < 5950}
+        report.check(f'{name}: heard by this scan', old, set())
+    return state
+
+
+def _refused(report, name, watcher, error):
+    state = watcher.sample(SCAN_SECONDS)
+    report.check(name, (state['error'], state['networks']), (error, []))
+
+
+def _end(report, name, *watchers):
+    for watcher in watchers:
+        report.check(f'{name}: ends at the end of its input ({watcher.user})', watcher.end(), 0)
+
+
+def scan_by_kernel(report, world):
+    world.do('supplicant_down')
+    world.start_eleven()
+    world.do('ip', 'link', 'set', 'wlan0', 'up')
+    root, nobody = _watcher('root'), _watcher('unprivileged')
+    state = _scans(report, 'scan by the kernel', root)
+    report.check('scan by the kernel: no current channel', state['channel'], None)
+    _refused(report, 'scan by the kernel: not by just anybody', nobody, NO_RIGHTS)
+    world.do('radio_switch', 'block')
+    _refused(report, 'scan without a radio', root, 'Wi-Fi is turned off')
+    world.do('radio_switch', 'unblock')
+    world.do('ip', 'link', 'set', 'wlan0', 'up')
+    _scans(report, 'scan with the radio on again', root)
+    _end(report, 'scan by the kernel', root, nobody)
+
+
+def scan_by_supplicant(report, world):
+    world.do('supplicant_down')
+    world.start_eleven()
+    world.do('bus_up')
+    world.do('supplicant_on_bus', seconds=240)
+    root, nobody = _watcher('root'), _watcher('unprivileged')
+    _scans(report, 'scan by wpa_supplicant', root)
+    _refused(report, 'scan by wpa_supplicant: policy', nobody,
+             'wpa_supplicant does not allow this user to scan')
+    _end(report, 'scan by wpa_supplicant', root, nobody)
+    world.do('supplicant_down')
+
+
+def scan_by_iwd(report, world):
+    world.do('supplicant_down')
+    world.start_eleven()
+    world.do('bus_up')
+    world.do('iwd_up', seconds=240)
+    root, nobody = _watcher('root'), _watcher('unprivileged')
+    _scans(report, 'scan by iwd', root, keeps_table=False)
+    _refused(report, 'scan by iwd: policy', nobody, 'iwd does not allow this user to scan')
+    _end(report, 'scan by iwd', root, nobody)
+    world.do('iwd_down')
+
+
+def scan_by_manager(report, world):
+    world.start_manager()
+    world.start_eleven()
+    nobody = _watcher('unprivileged')
+    world.grant_scans('YES', 'yes')
+    _scans(report, 'scan by NetworkManager', nobody)
+    world.grant_scans('NO', 'no')
+    _refused(report, 'scan by NetworkManager: permission', nobody,
+             'NetworkManager does not allow this user to scan')
+    world.grant_scans('YES', 'yes')
+    world.join(HOME)
+    state = _scans(report, 'scan while associated', nobody)
+    report.check('scan while associated: current channel', state['channel'], CHANNELS[2437])
+    _end(report, 'scan by NetworkManager', nobody)
+
+
+SCENARIOS = (scan_by_kernel, scan_by_supplicant, scan_by_iwd)
+MANAGED_SCENARIOS = (scan_by_manager,)

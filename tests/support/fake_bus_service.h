@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+
+#include <functional>
+#include <optional>
+
+namespace netvane::test {
+
+/// What a service says to a call; absent when it says nothing.
+using Answer = std::function<std::optional<QDBusMessage>(const QDBusMessage&)>;
+
+/// A service that answers for an object and all those below it, on a connection of its own. It
+/// lives on the test's thread: an answer that somebody waits for there would never come.
+class FakeBusService : public QDBusVirtualObject {
+public:
+    FakeBusService(const QString& address, const QString& name, const QString& path, Answer says)
+        : answer(std::move(says))
+        , m_name(name)
+        , m_connection(QDBusConnection::connectToBus(address, name))
+    {
+        m_connection.registerVirtualObject(path, this, QDBusConnection::SubPath);
+        m_connection.registerService(name);
+    }
+    ~FakeBusService() override { QDBusConnection::disconnectFromBus(m_name); }
+
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& call, const QDBusConnection&) override
+    {
+        calls.append(call);
+        call.setDelayedReply(true);
+        if (const auto reply = answer(call))
+            send(*reply);
+        return true;
+    }
+    void send(const QDBusMessage& message) { m_connection.send(message); }
+    /// Returns when the bus has passed on everything that was sent.
+    void flush()
+    {
+        m_connection.call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+            QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
+            QStringLiteral("GetId")));
+    }
+
+    Answer answer;
+    QList<QDBusMessage> calls;
+
+private:
+    const QString m_name;
+    QDBusConnection m_connection;
+};
+
+} // namespace netvane::test

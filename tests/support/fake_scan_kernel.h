@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/linux/scan_kernel.h"
+
+#include <sys/socket.h>
+
+#include <array>
+#include <atomic>
+
+namespace netvane::test {
+
+/// A kernel with one interface, "wlan0", whose events are datagrams that the test sends. The
+/// answers are set before a scan begins.
+class FakeScanKernel : public platform::ScanKernel {
+public:
+    /// `family` is the number of nl80211 in the events, which are about the interface 3.
+    explicit FakeScanKernel(int family)
+        : m_family(family)
+    {
+        ::socketpair(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0, m_ends.data());
+    }
+    ~FakeScanKernel() override
+    {
+        for (const int end : m_ends)
+            ::close(end);
+    }
+
+    platform::Result<platform::ScanGround> prepare() override
+    {
+        if (absence)
+            return *absence;
+        return platform::ScanGround {{3, QStringLiteral("wlan0")},
+            std::make_shared<platform::ScanEvents>(
+                platform::FileDescriptor(::dup(m_ends[0])), m_family)};
+    }
+    platform::Result<std::monostate> trigger(const platform::ScanInterface&) override
+    {
+        ++triggers;
+        if (refusal)
+            return *refusal;
+        return std::monostate {};
+    }
+    platform::Result<std::vector<platform::BssRecord>> readTable(
+        const platform::ScanInterface&) override
+    {
+        ++reads;
+        if (unreadable)
+            return *unreadable;
+        return table;
+    }
+
+    void tell(const QByteArray& datagram)
+    {
+        [[maybe_unused]] const auto sent
+            = ::send(m_ends[1], datagram.constData(), size_t(datagram.size()), 0);
+    }
+
+    std::optional<platform::Failure> absence;
+    std::optional<platform::Failure> refusal;
+    std::optional<platform::Failure> unreadable;
+    std::vector<platform::BssRecord> table {{.frequencyMhz = 2437, .bssid = "\2\0\0\0\0"}};
+    std::atomic<int> triggers = 0;
+    std::atomic<int> reads = 0;
+
+private:
+    const int m_family;
+    std::array<int, 2> m_ends {-1, -1};
+};
+
+} // namespace netvane::test
