@@ -3,6 +3,7 @@
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
+#include "diagnostics/speed_test_service.h"
 #include "platform/application_activity.h"
 #include "platform/log.h"
 #include "platform/platform.h"
@@ -78,6 +79,8 @@ void AppDelegate::makeServices()
         *m_platform.networkConfiguration, m_platform.queues->userInitiated);
     m_dnsService = std::make_unique<probes::DNSService>(
         *m_networkUtils, m_platform.resolver, *m_platform.clock, probes::kDnsTestHost);
+    m_speedTestService = std::make_unique<diagnostics::SpeedTestService>(*m_platform.httpTransfers,
+        *m_platform.userDefaults, *m_platform.clock, diagnostics::kSpeedTestServer);
     m_captivePortalService = std::make_unique<probes::CaptivePortalService>(*m_platform.httpClient,
         *m_platform.urlOpener, *m_platform.clock, probes::kCaptivePortalProbe);
     m_channelAnalysisService = std::make_unique<diagnostics::ChannelAnalysisService>(
@@ -154,6 +157,8 @@ void AppDelegate::applicationWillTerminate()
         m_dnsService->stop();
     if (m_captivePortalService)
         m_captivePortalService->stop();
+    if (m_speedTestService)
+        m_speedTestService->cancelTest();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool)

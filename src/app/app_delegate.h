@@ -11,6 +11,7 @@
 
 namespace netvane::diagnostics {
 class ChannelAnalysisService;
+class SpeedTestService;
 } // namespace netvane::diagnostics
 namespace netvane::platform {
 class ApplicationActivity;
@@ -62,6 +63,7 @@ public:
     probes::PingService* routerPingService() const { return m_routerPingService.get(); }
     probes::PingService* internetPingService() const { return m_internetPingService.get(); }
     probes::DNSService* dnsService() const { return m_dnsService.get(); }
+    diagnostics::SpeedTestService* speedTestService() const { return m_speedTestService.get(); }
     probes::CaptivePortalService* captivePortalService() const
     {
         return m_captivePortalService.get();
@@ -91,6 +93,7 @@ private:
     std::unique_ptr<probes::PingService> m_routerPingService;
     std::unique_ptr<probes::PingService> m_internetPingService;
     std::unique_ptr<probes::DNSService> m_dnsService;
+    std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
     std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
     std::unique_ptr<diagnostics::ChannelAnalysisService> m_channelAnalysisService;
     std::unique_ptr<StatusBarManager> m_statusBarManager;

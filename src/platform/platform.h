@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/http_client.h"
+#include "platform/http_transfer.h"
 #include "platform/instance_claim.h"
 #include "platform/location_manager.h"
 #include "platform/network_configuration.h"
@@ -35,6 +36,7 @@ struct Platform {
     std::unique_ptr<InstanceClaim> instanceClaim;
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;
+    std::unique_ptr<HttpTransfers> httpTransfers;
     std::unique_ptr<ConnectionFactory> connections;
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that outlive everything else
     std::unique_ptr<UserDefaults> userDefaults;

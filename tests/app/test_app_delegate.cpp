@@ -2,6 +2,7 @@
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
+#include "diagnostics/speed_test_service.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
 #include "probes/dns_service.h"
@@ -10,10 +11,12 @@
 #include "support/captured_log.h"
 #include "support/fake_connections.h"
 #include "support/fake_http_client.h"
+#include "support/fake_http_transfers.h"
 #include "support/fake_location_manager.h"
 #include "support/fake_network_configuration.h"
 #include "support/fake_network_scanner.h"
 #include "support/fake_resolver.h"
+#include "support/fake_user_defaults.h"
 #include "support/fake_wifi_client.h"
 #include "support/manual_clock.h"
 #include "support/settle.h"
@@ -44,6 +47,8 @@ struct World {
         platform.locationManager.reset(location);
         platform.urlOpener = std::make_unique<test::FakeUrlOpener>();
         platform.httpClient.reset(http);
+        platform.httpTransfers.reset(transfers);
+        platform.userDefaults = std::make_unique<test::FakeUserDefaults>();
         platform.connections.reset(connections);
         platform.resolver = std::make_shared<test::FakeResolver>();
         delegate = std::make_unique<app::AppDelegate>(platform, activity, notifications);
@@ -67,6 +72,7 @@ struct World {
     test::FakeLocationManager* location = new test::FakeLocationManager;
     test::FakeNetworkScanner* scanner = new test::FakeNetworkScanner;
     test::FakeHttpClient* http = new test::FakeHttpClient;
+    test::FakeHttpTransfers* transfers = new test::FakeHttpTransfers;
     test::FakeConnections* connections = new test::FakeConnections(*clock);
     platform::Platform platform;
     platform::ApplicationActivity activity;
@@ -207,7 +213,10 @@ private Q_SLOTS:
         for (size_t i = 0; i < running.size(); ++i)
             QVERIFY2(running[i] > atStart[i], qPrintable(QString::number(i)));
 
+        world.delegate->speedTestService()->runSpeedTest(nullptr);
         world.delegate->applicationWillTerminate();
+        QVERIFY(world.transfers->started.front()->isGone);
+        QVERIFY(!world.delegate->speedTestService()->isRunning());
         world.clock->advance(60s);
         world.settle();
         QCOMPARE(workDone(world), running);

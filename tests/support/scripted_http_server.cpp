@@ -23,6 +23,13 @@ QByteArray pem()
     return file.readAll();
 }
 
+qsizetype announcedBody(const QByteArray& head)
+{
+    const QByteArray name = "\r\nContent-Length: ";
+    const auto at = head.indexOf(name);
+    return at < 0 ? 0 : head.mid(at + name.size()).split('\r').first().toLongLong();
+}
+
 } // namespace
 
 ScriptedHttpServer::ScriptedHttpServer(Transport transport, const QHostAddress& address)
@@ -53,8 +60,9 @@ void ScriptedHttpServer::incomingConnection(qintptr descriptor)
     auto* socket = new QSslSocket(this);
     socket->setSocketDescriptor(descriptor);
     connect(socket, &QTcpSocket::disconnected, this, [this] { --m_openConnections; });
-    const auto head = std::make_shared<QByteArray>();
-    connect(socket, &QTcpSocket::readyRead, this, [this, socket, head] { answer(*socket, *head); });
+    const auto received = std::make_shared<QByteArray>();
+    connect(socket, &QTcpSocket::readyRead, this,
+        [this, socket, received] { answer(*socket, *received); });
     if (m_transport == Transport::Clear)
         return;
     auto configuration = QSslConfiguration::defaultConfiguration();
@@ -64,12 +72,17 @@ void ScriptedHttpServer::incomingConnection(qintptr descriptor)
     socket->startServerEncryption();
 }
 
-void ScriptedHttpServer::answer(QSslSocket& socket, QByteArray& head)
+void ScriptedHttpServer::answer(QSslSocket& socket, QByteArray& received)
 {
-    head += socket.readAll();
-    if (!head.contains("\r\n\r\n"))
+    received += socket.readAll();
+    const auto headEnd = received.indexOf("\r\n\r\n") + 4;
+    const QByteArray head = received.first(std::max<qsizetype>(headEnd, 4) - 4);
+    const auto body = announcedBody(head);
+    if (headEnd < 4 || received.size() < headEnd + body)
         return;
-    m_requests.append(std::exchange(head, {}));
+    m_uploadedBytes += body;
+    m_requests.append(received.first(headEnd));
+    received.clear();
     const Script script = m_scripts.value(m_requests.last().split(' ').value(1));
     socket.write(script.bytes);
     switch (script.then) {

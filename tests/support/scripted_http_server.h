@@ -9,7 +9,7 @@ class QSslSocket;
 
 namespace netvane::test {
 
-/// What the server sends once it has seen the head of a request, and how.
+/// What the server sends once it has seen a request, its body included, and how.
 struct Script {
     enum class Then {
         Close,
@@ -37,6 +37,8 @@ public:
 
     /// The heads of the requests so far.
     const QByteArrayList& requests() const { return m_requests; }
+    /// The bytes of the requests' bodies so far.
+    qint64 uploadedBytes() const { return m_uploadedBytes; }
     /// What was sent of the answers that do not end, beyond their scripts.
     qint64 endlessBytes() const { return m_endlessBytes; }
     int connectionCount() const { return m_connectionCount; }
@@ -46,12 +48,13 @@ protected:
     void incomingConnection(qintptr descriptor) override;
 
 private:
-    void answer(QSslSocket& socket, QByteArray& head);
+    void answer(QSslSocket& socket, QByteArray& received);
     void keepSending(QSslSocket& socket, const QByteArray& bytes);
 
     const Transport m_transport;
     QHash<QByteArray, Script> m_scripts;
     QByteArrayList m_requests;
+    qint64 m_uploadedBytes = 0;
     qint64 m_endlessBytes = 0;
     int m_connectionCount = 0;
     int m_openConnections = 0;

@@ -5,6 +5,7 @@
 #include "platform/linux/nl80211_wifi_client.h"
 #include "platform/linux/portal_appearance.h"
 #include "platform/linux/qt_http_client.h"
+#include "platform/linux/qt_http_transfers.h"
 #include "platform/linux/scan_permission.h"
 #include "platform/linux/settings_file.h"
 #include "platform/linux/socket_connections.h"
@@ -34,6 +35,7 @@ Platform makePlatform()
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
+    platform.httpTransfers = std::make_unique<QtHttpTransfers>(*platform.clock);
     platform.connections = std::make_unique<SocketConnections>(*platform.clock);
     platform.resolver = std::make_shared<SystemResolver>();
     platform.userDefaults = std::make_unique<SettingsFile>(SettingsFile::defaultPath());

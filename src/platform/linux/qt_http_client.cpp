@@ -1,6 +1,7 @@
 #include "platform/linux/qt_http_client.h"
 
 #include "platform/background_work.h"
+#include "platform/linux/qt_http_request.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
@@ -107,31 +108,6 @@ private:
     bool m_isLate = false;
 };
 
-QNetworkRequest makeRequest(const HttpRequest& request)
-{
-    QNetworkRequest made(request.url);
-    made.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    made.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    for (const auto attribute :
-        {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
-            QNetworkRequest::AuthenticationReuseAttribute})
-        made.setAttribute(attribute, QNetworkRequest::Manual);
-    // Qt 6.4 has faults in it that nobody mends any more, and a page of this size gains nothing.
-    made.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
-    made.setAttribute(
-        QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
-    made.setMaximumRedirectsAllowed(request.maximumRedirects);
-    // Nothing is unpacked: a small body cannot become a large one.
-    made.setRawHeader("Accept-Encoding", "identity");
-    made.setRawHeader("Connection", "close");
-    return made;
-}
-
-bool isWebAddress(const QUrl& url)
-{
-    return url.isValid() && (url.scheme() == u"https"_s || url.scheme() == u"http"_s);
-}
-
 } // namespace
 
 QtHttpClient::QtHttpClient(Clock& clock, QThreadPool& queue, std::optional<QSslConfiguration> tls)
@@ -167,7 +143,7 @@ void QtHttpClient::get(
 void QtHttpClient::start(
     const HttpRequest& request, QObject* owner, std::function<void(const HttpAnswer&)> deliver)
 {
-    QNetworkRequest made = makeRequest(request);
+    auto made = makeStrangersRequest(request.url, request.maximumRedirects);
     made.setSslConfiguration(*m_tls);
     new Exchange(makeManager(&m_managers)->get(made), request, m_clock, std::move(deliver), owner);
 }

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "diagnostics/speed_test_result.h"
+#include "platform/result.h"
+
+#include <vector>
+
+namespace netvane::diagnostics {
+
+// The stored form of speed tests: an array of objects with the names of the fields of
+// `SpeedTestResult`. Identifiers are canonical upper-case text, times are seconds since 1 January
+// 2001 (UTC), and what is absent is left out.
+
+/// Fails when a number is none that JSON can hold.
+platform::Result<QString> encodeSpeedTests(const std::vector<SpeedTestResult>& results);
+
+/// The first `maxCount` of them; what comes after is not looked at. Fails when the text is no such
+/// array, when one of those taken lacks something or holds something of the wrong kind, and when
+/// the text is far longer than any that is ever stored.
+platform::Result<std::vector<SpeedTestResult>> decodeSpeedTests(
+    const QString& text, size_t maxCount);
+
+} // namespace netvane::diagnostics

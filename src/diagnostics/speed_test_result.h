@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QUuid>
+
+#include <chrono>
+#include <optional>
+
+namespace netvane::diagnostics {
+
+/// What one speed test found. The round trips are those that the router's latency probe had
+/// published last at three moments of the test.
+struct SpeedTestResult {
+    QUuid id;
+    /// When the upload had ended, in whole microseconds, so that it survives being stored.
+    std::chrono::system_clock::time_point timestamp;
+    std::optional<double> downloadSpeed; ///< Mbps (10^6 bit/s); absent when the download failed
+    std::optional<double> uploadSpeed; ///< Mbps; absent when the upload failed
+    std::optional<double> pingBefore; ///< ms, before the test
+    std::optional<double> pingDuring; ///< ms, after the download; lacking that, `pingAfter`
+    std::optional<double> pingAfter; ///< ms, after the upload
+    bool isRunning = false; ///< never true in a result of ours
+
+    /// A sentence for the user when the router took more than twice as long under the load.
+    std::optional<QString> lagUnderLoadMessage() const;
+
+    bool operator==(const SpeedTestResult&) const = default;
+};
+
+} // namespace netvane::diagnostics

@@ -1,0 +1,171 @@
+#include "diagnostics/speed_test_service.h"
+
+#include "diagnostics/speed_test_json.h"
+#include "platform/log.h"
+
+#include <QUrlQuery>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::diagnostics {
+namespace {
+
+QUrl withPath(QUrl server, const QString& path)
+{
+    server.setPath(path);
+    return server;
+}
+
+} // namespace
+
+std::optional<double> megabitsPerSecond(qint64 bytes, std::chrono::steady_clock::duration elapsed)
+{
+    const double seconds = std::chrono::duration<double>(elapsed).count();
+    if (!(seconds > 0))
+        return {};
+    return double(bytes) * 8 / (seconds * 1'000'000);
+}
+
+SpeedTestService::SpeedTestService(platform::HttpTransfers& transfers,
+    platform::UserDefaults& defaults, platform::Clock& clock, const QUrl& server)
+    : m_transfers(transfers)
+    , m_defaults(defaults)
+    , m_clock(clock)
+    , m_downloadURL(withPath(server, kSpeedTestDownloadPath))
+    , m_uploadURL(withPath(server, kSpeedTestUploadPath))
+{
+    loadHistory();
+}
+
+SpeedTestService::~SpeedTestService() = default;
+
+void SpeedTestService::runSpeedTest(probes::PingService* routerPingService)
+{
+    if (m_isRunning)
+        return;
+    m_routerPingService = routerPingService;
+    m_underWay = {.pingBefore = routerPing()};
+    setRunning(true);
+    runDownloadTest();
+}
+
+void SpeedTestService::cancelTest()
+{
+    m_downloadTask.reset();
+    m_uploadTask.reset();
+    setRunning(false);
+}
+
+void SpeedTestService::runDownloadTest()
+{
+    QUrl url = m_downloadURL;
+    url.setQuery(QUrlQuery {{u"bytes"_s, QString::number(testSizeBytes)}});
+    m_downloadTask = m_transfers.start(
+        {.url = url, .answerLimit = patience * testSizeBytes, .silenceLimit = requestTimeout},
+        [this, start = m_clock.monotonicNow()](
+            const platform::TransferOutcome& outcome) { downloadEnded(start, outcome); });
+}
+
+void SpeedTestService::downloadEnded(Start start, const platform::TransferOutcome& outcome)
+{
+    m_downloadTask.reset();
+    if (outcome.errorText)
+        platform::log(u"SpeedTestService: Download test error: "_s + *outcome.errorText);
+    else if (outcome.receivedBytes > 0)
+        m_underWay.downloadSpeed
+            = megabitsPerSecond(outcome.receivedBytes, outcome.endedAt - start);
+    m_underWay.pingDuring = routerPing();
+    runUploadTest();
+}
+
+void SpeedTestService::runUploadTest()
+{
+    m_uploadTask = m_transfers.start({.url = m_uploadURL,
+                                         .uploadSize = testSizeBytes,
+                                         .answerLimit = patience * testSizeBytes,
+                                         .silenceLimit = requestTimeout},
+        [this, start = m_clock.monotonicNow()](
+            const platform::TransferOutcome& outcome) { uploadEnded(start, outcome); });
+}
+
+void SpeedTestService::uploadEnded(Start start, const platform::TransferOutcome& outcome)
+{
+    m_uploadTask.reset();
+    if (outcome.errorText)
+        platform::log(u"SpeedTestService: Upload test error: "_s + *outcome.errorText);
+    else
+        m_underWay.uploadSpeed = megabitsPerSecond(testSizeBytes, outcome.endedAt - start);
+    m_underWay.pingAfter = routerPing();
+    if (!m_underWay.pingDuring)
+        m_underWay.pingDuring = m_underWay.pingAfter;
+    publish();
+}
+
+void SpeedTestService::publish()
+{
+    m_underWay.id = QUuid::createUuid();
+    m_underWay.timestamp = std::chrono::floor<std::chrono::microseconds>(m_clock.now());
+    const SpeedTestResult result = m_underWay;
+    m_result = result;
+    Q_EMIT resultChanged();
+    setRunning(false);
+    addToHistory(result);
+}
+
+std::optional<double> SpeedTestService::routerPing() const
+{
+    if (!m_routerPingService || !m_routerPingService->currentMetrics())
+        return {};
+    return m_routerPingService->currentMetrics()->ping;
+}
+
+void SpeedTestService::addToHistory(const SpeedTestResult& result)
+{
+    std::vector<SpeedTestResult> history {result};
+    history.insert(history.end(), m_history.begin(), m_history.end());
+    if (history.size() > maxHistoryCount)
+        history.resize(maxHistoryCount);
+    setHistory(std::move(history));
+    saveHistory();
+}
+
+void SpeedTestService::saveHistory()
+{
+    const auto text = encodeSpeedTests(m_history);
+    if (text)
+        m_defaults.setText(historyKey, text.value());
+    else
+        platform::log(u"SpeedTestService: Failed to save history: "_s + text.failure().text);
+}
+
+void SpeedTestService::loadHistory()
+{
+    const auto text = m_defaults.text(historyKey);
+    if (!text)
+        return;
+    auto history = decodeSpeedTests(*text, maxHistoryCount);
+    if (history) {
+        m_history = std::move(history.value());
+        return;
+    }
+    platform::log(u"SpeedTestService: Failed to load history: "_s + history.failure().text);
+    m_defaults.remove(historyKey);
+}
+
+void SpeedTestService::setHistory(std::vector<SpeedTestResult> history)
+{
+    if (m_history == history)
+        return;
+    m_history = std::move(history);
+    Q_EMIT historyChanged();
+}
+
+void SpeedTestService::setRunning(bool isRunning)
+{
+    if (m_isRunning == isRunning)
+        return;
+    m_isRunning = isRunning;
+    Q_EMIT isRunningChanged();
+}
+
+} // namespace netvane::diagnostics

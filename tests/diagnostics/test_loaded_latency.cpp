@@ -1,0 +1,128 @@
+// The whole way of a lag message: real transfers and the real probe of the router share a link that
+// is slow and has far too large a buffer (tc-tbf(8) on the loopback device of a network of our
+// own).
+
+#include "diagnostics/speed_test_service.h"
+#include "platform/linux/qt_http_transfers.h"
+#include "platform/linux/socket_connections.h"
+#include "platform/system_clock.h"
+#include "support/captured_log.h"
+#include "support/fake_user_defaults.h"
+#include "support/own_network.h"
+#include "support/scripted_http_server.h"
+
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace netvane;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// A download takes four seconds, in which a probe begins for certain, and the buffer a quarter of
+// one.
+constexpr int kDownloadBytes = 5'000'000;
+constexpr auto kPacketSize = "link set dev lo mtu 1500";
+constexpr auto kQueue = "qdisc add dev lo root tbf rate 10mbit burst 16k limit 300000";
+constexpr int kIdleBytes = 3'500; // one in a millisecond
+constexpr double kClearlyLoadedMs = 20;
+constexpr int kTimeLimitMs = 15'000;
+
+bool run(const QString& program, const char* arguments)
+{
+    return QProcess::execute(program, QString::fromLatin1(arguments).split(u' ')) == 0;
+}
+
+} // namespace
+
+class TestLoadedLatency : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (::geteuid() != 0)
+            QSKIP("only root can shape a link");
+        if (!run(u"ip"_s, kPacketSize) || !run(u"tc"_s, kQueue))
+            QSKIP("the system cannot shape a link");
+        QVERIFY(m_routersPort.listen(QHostAddress::LocalHost, 80));
+        m_router.start();
+        QTRY_VERIFY(m_router.currentMetrics()->ping);
+    }
+
+    void aLinkAtRestHasNone()
+    {
+        const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: %1\r\n\r\nx";
+        const test::Script oneByteAMillisecond {
+            QByteArray(head).replace("%1", QByteArray::number(kIdleBytes)),
+            test::Script::Then::Drip};
+        auto result = runTest(oneByteAMillisecond);
+        // Between fractions of a millisecond, chance alone makes twice as much now and then.
+        for (int left = 2; left > 0 && result.lagUnderLoadMessage(); --left)
+            result = runTest(oneByteAMillisecond);
+        QVERIFY2(result.pingBefore && result.pingDuring, figures(result).constData());
+        QVERIFY2(!result.lagUnderLoadMessage(), figures(result).constData());
+    }
+
+    void aFullLinkHasOne()
+    {
+        const auto result
+            = runTest({test::httpResponse("200 OK", "", QByteArray(kDownloadBytes, 'x'))});
+        QVERIFY2(result.lagUnderLoadMessage(), figures(result).constData());
+        QVERIFY2(result.pingDuring > kClearlyLoadedMs, figures(result).constData());
+        QVERIFY2(
+            result.downloadSpeed > 8 && result.downloadSpeed < 10, figures(result).constData());
+    }
+
+private:
+    diagnostics::SpeedTestResult runTest(const test::Script& download)
+    {
+        // The next probe begins within three seconds of this one.
+        QSignalSpy probed(&m_router, &probes::PingService::currentMetricsChanged);
+        probed.wait(kTimeLimitMs);
+        test::ScriptedHttpServer server(test::ScriptedHttpServer::Transport::Clear);
+        server.script("/__down?bytes=5000000", download);
+        diagnostics::SpeedTestService service(m_transfers, m_defaults, m_clock, server.url(""));
+        service.runSpeedTest(&m_router);
+        // What the message speaks of is measured by the end of the download; the upload is refused.
+        const auto begun = [&server] { return server.requests().size() == 1; };
+        if (QTest::qWaitFor(begun))
+            server.close();
+        QSignalSpy ends(&service, &diagnostics::SpeedTestService::isRunningChanged);
+        ends.wait(kTimeLimitMs);
+        return service.result().value_or(diagnostics::SpeedTestResult {});
+    }
+    static QByteArray figures(const diagnostics::SpeedTestResult& result)
+    {
+        return u"%1, %2 ms; %3 Mbps"_s
+            .arg(QString::number(result.pingBefore.value_or(-1)),
+                QString::number(result.pingDuring.value_or(-1)),
+                QString::number(result.downloadSpeed.value_or(-1)))
+            .toUtf8();
+    }
+
+    test::CapturedLog m_log;
+    platform::SystemClock m_clock;
+    QTcpServer m_routersPort;
+    platform::SocketConnections m_connections {m_clock};
+    probes::PingService m_router {u"127.0.0.1"_s, u"router"_s, m_clock, m_connections};
+    platform::QtHttpTransfers m_transfers {m_clock};
+    test::FakeUserDefaults m_defaults;
+};
+
+int main(int argc, char** argv)
+{
+    // Before any thread begins, and before anything listens.
+    if (!test::enterOwnNetwork()) {
+        qInfo("SKIP: the system gives no network of our own");
+        return 0;
+    }
+    QCoreApplication application(argc, argv);
+    TestLoadedLatency test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_loaded_latency.moc"
