@@ -4,6 +4,9 @@
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
+#include "insights/network_notification_service.h"
+#include "insights/onboarding_service.h"
+#include "insights/report_service.h"
 #include "platform/application_activity.h"
 #include "platform/log.h"
 #include "platform/platform.h"
@@ -72,9 +75,12 @@ void AppDelegate::makeServices()
         *m_platform.locationManager, m_activity);
     platform::log(u"Netvane: Location permission status: "_s
         + QString::number(int(m_locationPermissionService->authorizationStatus())));
+    m_networkNotificationService = std::make_unique<insights::NetworkNotificationService>(
+        *m_platform.userNotifications, *m_platform.userDefaults, *m_platform.clock);
     m_wifiService = std::make_unique<wifi::WiFiService>(
         m_platform.wifiClient, *m_platform.clock, m_platform.queues->userInitiated);
     m_wifiService->setLocationPermissionService(*m_locationPermissionService);
+    m_wifiService->setNetworkNotificationService(m_networkNotificationService.get());
     m_networkUtils = std::make_unique<probes::NetworkUtils>(
         *m_platform.networkConfiguration, m_platform.queues->userInitiated);
     m_dnsService = std::make_unique<probes::DNSService>(
@@ -86,6 +92,29 @@ void AppDelegate::makeServices()
     m_channelAnalysisService = std::make_unique<diagnostics::ChannelAnalysisService>(
         *m_platform.networkScanner, *m_platform.clock);
     m_channelAnalysisService->setLocationPermissionService(m_locationPermissionService.get());
+    m_onboardingService = std::make_unique<insights::OnboardingService>(*m_platform.userDefaults);
+    m_reportService = std::make_unique<insights::ReportService>(
+        [this] { return currentReadings(); }, *m_platform.clock, m_platform.queues->utility,
+        insights::ReportExits {
+            *m_platform.clipboard, *m_platform.savePanel, *m_platform.sharePicker});
+}
+
+/// For a report. Whatever has not measured yet is absent.
+std::optional<insights::ReportInputs> AppDelegate::currentReadings() const
+{
+    if (!m_dnsService)
+        return {};
+    const auto latestOf = [](const probes::PingService* probe) {
+        return probe ? probe->currentMetrics() : std::nullopt;
+    };
+    return insights::ReportInputs {
+        .wifi = m_wifiService ? m_wifiService->currentWiFi() : std::nullopt,
+        .router = latestOf(m_routerPingService.get()),
+        .internet = latestOf(m_internetPingService.get()),
+        .dnsLookupTime = m_dnsService->lookupTime(),
+        .dnsServer = m_dnsService->dnsServer(),
+        .speedTest = {},
+    };
 }
 
 void AppDelegate::setupStatusBar()

@@ -13,6 +13,12 @@ namespace netvane::diagnostics {
 class ChannelAnalysisService;
 class SpeedTestService;
 } // namespace netvane::diagnostics
+namespace netvane::insights {
+class NetworkNotificationService;
+class OnboardingService;
+class ReportService;
+struct ReportInputs;
+} // namespace netvane::insights
 namespace netvane::platform {
 class ApplicationActivity;
 struct Platform;
@@ -72,10 +78,16 @@ public:
     {
         return m_channelAnalysisService.get();
     }
+    insights::NetworkNotificationService* networkNotificationService() const
+    {
+        return m_networkNotificationService.get();
+    }
+    insights::ReportService* reportService() const { return m_reportService.get(); }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 
 private:
     void makeServices();
+    std::optional<insights::ReportInputs> currentReadings() const;
     void setupStatusBar();
     void setupMainMenu();
     void handleOpenInWindow();
@@ -89,6 +101,7 @@ private:
     UpdaterController m_updaterController;
     std::unique_ptr<probes::NetworkUtils> m_networkUtils;
     std::unique_ptr<wifi::LocationPermissionService> m_locationPermissionService;
+    std::unique_ptr<insights::NetworkNotificationService> m_networkNotificationService;
     std::unique_ptr<wifi::WiFiService> m_wifiService;
     std::unique_ptr<probes::PingService> m_routerPingService;
     std::unique_ptr<probes::PingService> m_internetPingService;
@@ -96,6 +109,8 @@ private:
     std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
     std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
     std::unique_ptr<diagnostics::ChannelAnalysisService> m_channelAnalysisService;
+    std::unique_ptr<insights::OnboardingService> m_onboardingService;
+    std::unique_ptr<insights::ReportService> m_reportService;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<QMenu> m_mainMenu;
     std::unique_ptr<platform::Timer> m_memoryTimer;

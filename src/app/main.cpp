@@ -1,4 +1,7 @@
 #include "app/app_delegate.h"
+#include "app/desktop_clipboard.h"
+#include "app/desktop_save_panel.h"
+#include "app/desktop_share_picker.h"
 #include "app/desktop_url_opener.h"
 #include "app/notification_center.h"
 #include "platform/application_activity.h"
@@ -63,6 +66,10 @@ int run(QApplication& application)
         &QCoreApplication::quit);
     auto platform = platform::makePlatform();
     platform.urlOpener = std::make_unique<app::DesktopUrlOpener>();
+    platform.clipboard = std::make_unique<app::DesktopClipboard>();
+    platform.savePanel = std::make_unique<app::DesktopSavePanel>();
+    platform.sharePicker
+        = std::make_unique<app::DesktopSharePicker>(*platform.clipboard, platform.queues->utility);
     platform::ApplicationActivity activity;
     app::NotificationCenter notifications;
     app::AppDelegate delegate(platform, activity, notifications);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/appearance.h"
+#include "platform/clipboard.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/http_client.h"
@@ -10,8 +11,11 @@
 #include "platform/network_configuration.h"
 #include "platform/network_scanner.h"
 #include "platform/resolver.h"
+#include "platform/save_panel.h"
+#include "platform/share_picker.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
+#include "platform/user_notifications.h"
 #include "platform/wifi_client.h"
 #include "platform/work_queues.h"
 
@@ -40,10 +44,14 @@ struct Platform {
     std::unique_ptr<ConnectionFactory> connections;
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that outlive everything else
     std::unique_ptr<UserDefaults> userDefaults;
+    std::unique_ptr<UserNotificationCenter> userNotifications;
+    std::unique_ptr<Clipboard> clipboard;
+    std::unique_ptr<SavePanel> savePanel;
+    std::unique_ptr<SharePicker> sharePicker;
 };
 
-/// The real one, but for `urlOpener`: only a program with windows can hand addresses to the
-/// desktop, so its shell sets that one.
+/// The real one, but for `urlOpener`, `clipboard`, `savePanel` and `sharePicker`: these take a
+/// program with windows, so its shell sets them.
 Platform makePlatform();
 
 } // namespace netvane::platform

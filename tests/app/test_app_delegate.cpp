@@ -3,6 +3,8 @@
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
+#include "insights/onboarding_service.h"
+#include "insights/report_service.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
 #include "probes/dns_service.h"
@@ -15,8 +17,10 @@
 #include "support/fake_location_manager.h"
 #include "support/fake_network_configuration.h"
 #include "support/fake_network_scanner.h"
+#include "support/fake_report_exits.h"
 #include "support/fake_resolver.h"
 #include "support/fake_user_defaults.h"
+#include "support/fake_user_notifications.h"
 #include "support/fake_wifi_client.h"
 #include "support/manual_clock.h"
 #include "support/settle.h"
@@ -48,9 +52,13 @@ struct World {
         platform.urlOpener = std::make_unique<test::FakeUrlOpener>();
         platform.httpClient.reset(http);
         platform.httpTransfers.reset(transfers);
-        platform.userDefaults = std::make_unique<test::FakeUserDefaults>();
         platform.connections.reset(connections);
         platform.resolver = std::make_shared<test::FakeResolver>();
+        platform.userDefaults = std::make_unique<test::FakeUserDefaults>();
+        platform.userNotifications.reset(userNotifications);
+        platform.clipboard = std::make_unique<test::FakeClipboard>();
+        platform.savePanel = std::make_unique<test::FakeSavePanel>();
+        platform.sharePicker = std::make_unique<test::FakeSharePicker>();
         delegate = std::make_unique<app::AppDelegate>(platform, activity, notifications);
     }
 
@@ -74,6 +82,7 @@ struct World {
     test::FakeHttpClient* http = new test::FakeHttpClient;
     test::FakeHttpTransfers* transfers = new test::FakeHttpTransfers;
     test::FakeConnections* connections = new test::FakeConnections(*clock);
+    test::FakeUserNotifications* userNotifications = new test::FakeUserNotifications;
     platform::Platform platform;
     platform::ApplicationActivity activity;
     app::NotificationCenter notifications;
@@ -247,6 +256,46 @@ private Q_SLOTS:
         World world;
         world.delegate->applicationWillTerminate();
         QCOMPARE(world.clock->timerCount(), 0);
+    }
+
+    void reportOfTheRunningServices()
+    {
+        World world;
+        world.launch();
+        auto& service = *world.delegate->reportService();
+        QCOMPARE(service.currentReport()->count(u"- No data available"_s), 2);
+        world.settle();
+        world.clock->advance(7ms);
+        world.connections->tell(platform::ConnectionState::Ready, {}, 1); // the router
+        world.clock->advance(13ms);
+        world.connections->tell(platform::ConnectionState::Ready);
+        world.settle();
+        world.clock->advance(500ms);
+        const QString report = *service.currentReport();
+        QVERIFY2(report.contains(u"## Router Performance\n- Ping: 7.0 ms"_s), qPrintable(report));
+        QVERIFY(report.contains(u"## Internet Performance\n- Ping: 20.0 ms"_s));
+        QVERIFY(report.contains(u"\n- DNS Server: Unknown"_s));
+    }
+
+    void snapshotsReachTheNotifications()
+    {
+        auto* interface = new test::FakeWiFiInterface;
+        World world;
+        world.platform.userDefaults->setBoolean(u"networkNotificationsEnabled"_s, true);
+        auto client = std::make_shared<test::FakeWiFiClient>();
+        client->list.emplace_back(interface);
+        world.platform.wifiClient = client;
+        interface->reading->ssid = u"Home"_s;
+        world.launchAll();
+        world.userNotifications->tellSettings(test::FakeUserNotifications::Status::Authorized);
+        world.clock->advance(5s);
+        world.settle();
+        interface->reading->ssid = u"Office"_s;
+        world.clock->advance(5s);
+        world.settle();
+        QCOMPARE(world.userNotifications->added.size(), 1u);
+        QCOMPARE(world.userNotifications->added[0].body, u"Connected to Office"_s);
+        QVERIFY(insights::OnboardingService::shared());
     }
 
     void quittingByTheMenu()

@@ -17,6 +17,7 @@ const QString kConfiguration = uR"(<busconfig>
   <type>session</type>
   <listen>%1</listen>
   <auth>EXTERNAL</auth>
+  <servicedir>%2</servicedir>
   <policy context="default">
     <allow own="*"/>
     <allow send_destination="*"/>
@@ -32,7 +33,7 @@ PrivateBus::PrivateBus()
     QFile file(m_folder.filePath(u"bus.conf"_s));
     if (!file.open(QIODevice::WriteOnly))
         qFatal("cannot write %s", qUtf8Printable(file.fileName()));
-    file.write(kConfiguration.arg(address()).toUtf8());
+    file.write(kConfiguration.arg(address(), m_folder.path()).toUtf8());
     m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // A test that is ended from outside leaves nothing behind.
     m_daemon.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
@@ -46,6 +47,18 @@ PrivateBus::~PrivateBus()
 QString PrivateBus::address() const
 {
     return u"unix:path="_s + m_folder.filePath(u"bus"_s);
+}
+
+void PrivateBus::setActivatable(const QString& name, const QString& command)
+{
+    QFile file(m_folder.filePath(name + u".service"_s));
+    if (command.isEmpty()) {
+        file.remove();
+        return;
+    }
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("cannot write %s", qUtf8Printable(file.fileName()));
+    file.write(u"[D-BUS Service]\nName=%1\nExec=%2\n"_s.arg(name, command).toUtf8());
 }
 
 bool PrivateBus::start()

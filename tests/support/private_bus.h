@@ -14,6 +14,10 @@ public:
 
     QString address() const;
 
+    /// Once it is started again, runs `command` for who calls `name` while nobody owns it; nothing
+    /// any more when that is empty.
+    void setActivatable(const QString& name, const QString& command);
+
     /// True once it takes connections.
     bool start();
     /// Ends it at once, without a word to those connected.

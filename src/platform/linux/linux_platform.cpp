@@ -1,5 +1,6 @@
 #include "platform/linux/bus_link.h"
 #include "platform/linux/bus_name_claim.h"
+#include "platform/linux/freedesktop_notifications.h"
 #include "platform/linux/linux_network_configuration.h"
 #include "platform/linux/linux_network_scanner.h"
 #include "platform/linux/nl80211_wifi_client.h"
@@ -33,6 +34,7 @@ Platform makePlatform()
     platform.locationManager = std::make_unique<ScanPermission>(*systemBus);
     platform.appearance = std::make_unique<PortalAppearance>(*sessionBus);
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
+    platform.userNotifications = std::make_unique<FreedesktopNotifications>(*sessionBus);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
     platform.httpTransfers = std::make_unique<QtHttpTransfers>(*platform.clock);

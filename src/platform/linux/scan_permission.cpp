@@ -1,8 +1,9 @@
 #include "platform/linux/scan_permission.h"
 
+#include "platform/linux/bus_answer.h"
+
 #include <QDBusArgument>
 #include <QDBusMetaType>
-#include <QDBusPendingCallWatcher>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -73,19 +74,6 @@ bool isGranted(const QDBusMessage& answer)
     return granted;
 }
 
-bool isNobodyThere(const QDBusMessage& answer)
-{
-    return answer.errorName() == "org.freedesktop.DBus.Error.ServiceUnknown"_L1
-        || answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1;
-}
-
-bool isLate(const QDBusMessage& answer)
-{
-    return answer.errorName() == "org.freedesktop.DBus.Error.NoReply"_L1
-        || answer.errorName() == "org.freedesktop.DBus.Error.Timeout"_L1
-        || answer.errorName() == "org.freedesktop.DBus.Error.Disconnected"_L1;
-}
-
 } // namespace
 
 std::optional<AuthorizationStatus> scanAuthorization(const QDBusMessage& answer)
@@ -135,22 +123,11 @@ void ScanPermission::watchSystemBus()
     readPermission();
 }
 
-void ScanPermission::ask(
-    const QDBusMessage& call, int limitMs, std::function<void(const QDBusMessage&)> take)
-{
-    auto* watcher
-        = new QDBusPendingCallWatcher(m_systemBus.connection().asyncCall(call, limitMs), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, take = std::move(take)] {
-        watcher->deleteLater();
-        take(watcher->reply());
-    });
-}
-
 void ScanPermission::readPermission()
 {
     if (m_systemBus.state() != BusLink::State::Connected)
         return;
-    ask(networkManagerCall(u"GetPermissions"_s), kAnswerLimitMs,
+    askBus(m_systemBus.connection(), networkManagerCall(u"GetPermissions"_s), kAnswerLimitMs, this,
         [this, question = ++m_questions](const auto& answer) {
             if (const auto status = scanAuthorization(answer); status && question == m_questions)
                 setStatus(*status);
@@ -162,8 +139,8 @@ void ScanPermission::requestAlwaysAuthorization()
     if (m_systemBus.state() != BusLink::State::Connected || m_isAskingUser)
         return;
     m_isAskingUser = true;
-    ask(polkitCall(m_systemBus.connection().baseService()), kUserLimitMs,
-        [this](const auto& answer) {
+    askBus(m_systemBus.connection(), polkitCall(m_systemBus.connection().baseService()),
+        kUserLimitMs, this, [this](const auto& answer) {
             m_isAskingUser = false;
             // A grant for this once is not among the permissions that NetworkManager lists.
             if (isGranted(answer))

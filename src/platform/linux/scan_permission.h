@@ -5,7 +5,6 @@
 
 #include <QDBusMessage>
 
-#include <functional>
 #include <optional>
 
 namespace netvane::platform {
@@ -29,7 +28,6 @@ private Q_SLOTS:
 
 private:
     void watchSystemBus();
-    void ask(const QDBusMessage& call, int limitMs, std::function<void(const QDBusMessage&)> take);
     void setStatus(AuthorizationStatus status);
 
     BusLink& m_systemBus;

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "insights/report_text.h"
+#include "platform/clipboard.h"
+#include "platform/clock.h"
+#include "platform/save_panel.h"
+#include "platform/share_picker.h"
+
+#include <QObject>
+
+#include <functional>
+#include <optional>
+
+class QThreadPool;
+
+namespace netvane::insights {
+
+/// The ways out of the program that a report can take.
+struct ReportExits {
+    platform::Clipboard& clipboard;
+    platform::SavePanel& savePanel;
+    platform::SharePicker& sharePicker;
+};
+
+/// Makes the diagnostic report of the moment and exports it. Keeps nothing. Main thread; files are
+/// written on `queue`.
+class ReportService : public QObject {
+    Q_OBJECT
+
+public:
+    /// Reads the running services; absent when there are none.
+    using Readings = std::function<std::optional<ReportInputs>()>;
+    /// True when the file was written.
+    using Completion = std::function<void(bool written)>;
+
+    ReportService(Readings readings, const platform::Clock& clock, QThreadPool& queue,
+        const ReportExits& exits);
+
+    /// In the language of the user's dates (LC_TIME, locale(7)).
+    QString generateReport(const ReportInputs& inputs) const;
+    /// Absent when there is nothing to report on.
+    std::optional<QString> currentReport() const;
+
+    void copyReport(const QString& report);
+    /// Asks where to and writes the file wholly or not at all. `completion` may be empty.
+    void saveReport(const QString& report, const Completion& completion = {});
+    void shareReport(const QString& report);
+
+private:
+    void write(const QString& path, const QString& report, const Completion& completion);
+
+    const Readings m_readings;
+    const platform::Clock& m_clock;
+    QThreadPool& m_queue;
+    const ReportExits m_exits;
+};
+
+} // namespace netvane::insights

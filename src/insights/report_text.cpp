@@ -1,0 +1,146 @@
+#include "insights/report_text.h"
+
+#include "platform/decimal_text.h"
+#include "platform/visible_text.h"
+
+#include <QDateTime>
+#include <QLocale>
+#include <QRegularExpression>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::insights {
+namespace {
+
+constexpr double kNoticeableRise = 2.0; // of the round trip under load
+
+const QString kNoData = u"\n- No data available"_s;
+
+QString oneDecimal(double value)
+{
+    return platform::fixedDecimal(value, 1);
+}
+
+QString valueOr(std::optional<double> value, const QString& unit, const QString& absent)
+{
+    return value ? oneDecimal(*value) + unit : absent;
+}
+
+QString dbmOrUnknown(std::optional<int> dbm)
+{
+    return dbm ? QString::number(*dbm) + u" dBm"_s : u"Unknown"_s;
+}
+
+/// A line that is there only when its value is.
+QString line(const QString& label, std::optional<int> value, const QString& unit = {})
+{
+    return value ? u"\n- "_s + label + u": "_s + QString::number(*value) + unit : QString();
+}
+
+QString line(const QString& label, std::optional<double> value, const QString& unit)
+{
+    return value ? u"\n- "_s + label + u": "_s + oneDecimal(*value) + unit : QString();
+}
+
+QString networkSection(const std::optional<wifi::WiFiInfo>& info)
+{
+    if (!info)
+        return u"\n- Status: Not Connected"_s;
+    return u"\n- SSID: "_s + info->ssid.value_or(u"Unknown (Location permission needed)"_s)
+        + u"\n- Frequency: "_s + displayName(info->frequency) //
+        + u"\n- Signal Strength: "_s + dbmOrUnknown(info->signalStrength) //
+        + u"\n- Signal Quality: "_s + caseName(info->signalQuality()) //
+        + u"\n- Noise Level: "_s + dbmOrUnknown(info->noise)
+        + line(u"Link Rate"_s, info->linkRate, u" Mbps"_s) //
+        + line(u"MCS Index"_s, info->mcsIndex)
+        + line(u"Channel Width"_s, info->channelWidth, u" MHz"_s) //
+        + u"\n- PHY Mode: "_s + info->phyMode();
+}
+
+QString latencySection(const std::optional<probes::NetworkMetrics>& metrics)
+{
+    if (!metrics)
+        return kNoData;
+    return u"\n- Ping: "_s + valueOr(metrics->ping, u" ms"_s, u"N/A"_s) //
+        + u"\n- Jitter: "_s + valueOr(metrics->jitter, u" ms"_s, u"N/A"_s) + u"\n- Packet Loss: "_s
+        + valueOr(metrics->packetLoss, u"%"_s, u"N/A"_s);
+}
+
+QString mosLine(const std::optional<probes::NetworkMetrics>& metrics)
+{
+    const auto score = metrics ? metrics->mosScore() : std::nullopt;
+    if (!score)
+        return {};
+    return u"\n- MOS Score: "_s + oneDecimal(*score) + u" / 5.0 ("_s + metrics->mosQuality() + u')';
+}
+
+QString dnsSection(const ReportInputs& inputs)
+{
+    QString text = u"\n- Lookup Time: "_s + valueOr(inputs.dnsLookupTime, u" ms"_s, u"N/A"_s);
+    // From a file that a network may have had a hand in; names are made safe where they are read.
+    if (inputs.dnsServer)
+        text += u"\n- DNS Server: "_s + platform::withVisibleControls(*inputs.dnsServer);
+    return text;
+}
+
+QString lagLine(const diagnostics::SpeedTestResult& test)
+{
+    if (!test.pingBefore || !test.pingDuring)
+        return {};
+    const double ratio = *test.pingDuring / *test.pingBefore;
+    if (!(ratio > kNoticeableRise))
+        return {};
+    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(ratio) + u"x)"_s;
+}
+
+QString speedSection(const std::optional<diagnostics::SpeedTestResult>& test)
+{
+    if (!test)
+        return {};
+    return u"\n\n## Speed Test"_s + line(u"Download"_s, test->downloadSpeed, u" Mbps"_s)
+        + line(u"Upload"_s, test->uploadSpeed, u" Mbps"_s)
+        + line(u"Ping Before"_s, test->pingBefore, u" ms"_s)
+        + line(u"Ping During"_s, test->pingDuring, u" ms"_s) + lagLine(*test);
+}
+
+/// A format of QLocale without one of its fields. What stands in quotes there is text.
+QString without(const QRegularExpression& field, const QString& format)
+{
+    QStringList parts = format.split(u'\'');
+    for (qsizetype i = 0; i < parts.size(); i += 2)
+        parts[i].replace(field, u" "_s);
+    return parts.join(u'\'').trimmed();
+}
+
+/// What stands between a date and a time. Qt does not know the word for it in other languages, and
+/// a space is right in all of them.
+QString dateTimeSeparator(const QLocale& locale)
+{
+    const auto language = locale.language();
+    return language == QLocale::English || language == QLocale::C ? u" at "_s : u" "_s;
+}
+
+} // namespace
+
+QString longDateMediumTime(const QDateTime& time, const QLocale& locale)
+{
+    static const QRegularExpression s_weekday(u"[\\s,،、]*dddd?(?!d)[\\s,،、]*"_s);
+    static const QRegularExpression s_timeZone(u"\\s*[(（]?t+[)）]?\\s*"_s);
+    const QString date = without(s_weekday, locale.dateFormat(QLocale::LongFormat));
+    const QString clock = without(s_timeZone, locale.timeFormat(QLocale::LongFormat));
+    return locale.toString(time.date(), date) + dateTimeSeparator(locale)
+        + locale.toString(time.time(), clock);
+}
+
+QString reportText(const ReportInputs& inputs, const QDateTime& now, const QLocale& locale)
+{
+    return u"# Netvane Diagnostic Report\nGenerated: "_s + longDateMediumTime(now, locale)
+        + u"\n\n## Network Information"_s + networkSection(inputs.wifi)
+        + u"\n\n## Router Performance"_s + latencySection(inputs.router)
+        + u"\n\n## Internet Performance"_s + latencySection(inputs.internet)
+        + mosLine(inputs.internet) + u"\n\n## DNS Performance"_s + dnsSection(inputs)
+        + speedSection(inputs.speedTest) + u"\n\n---\n"_s + u"Report generated by Netvane\n"_s
+        + u"For support, visit: "_s + kSupportAddress;
+}
+
+} // namespace netvane::insights

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/linux/bus_link.h"
+#include "platform/user_notifications.h"
+
+#include <QDBusMessage>
+
+#include <optional>
+#include <vector>
+
+namespace netvane::platform {
+
+/// The desktop's notification service (org.freedesktop.Notifications, Desktop Notifications
+/// Specification 1.2) on the session bus. There is nobody to ask for permission: a service that
+/// answers means authorised, and so does one that the bus would start for the first notification;
+/// none means denied, and one that was asked but has not answered yet leaves what was known.
+class FreedesktopNotifications : public UserNotificationCenter {
+    Q_OBJECT
+
+public:
+    explicit FreedesktopNotifications(BusLink& sessionBus);
+
+    void getNotificationSettings(QObject* owner, SettingsHandler done) override;
+    /// The desktop's own settings decide about both options.
+    void requestAuthorization(
+        NotificationOptions options, QObject* owner, PermissionHandler done) override;
+    void add(const NotificationRequest& request, QObject* owner, AddHandler done) override;
+
+private Q_SLOTS:
+    void handleOwnerChanged();
+
+private:
+    /// The one that told what it can do.
+    struct Service {
+        QString owner; ///< its unique name; another process that takes its place has another
+        bool hasBodyMarkup = false;
+    };
+
+    void followSessionBus();
+    void readCapabilities();
+    void takeCapabilities(const QDBusMessage& answer);
+    void readActivatableNames();
+    void settle(NotificationAuthorization status, std::optional<QString> failure = {});
+    void refresh();
+    void whenKnown(std::function<void()> action);
+    void whenRunning(std::function<void()> action);
+    void notify(const NotificationRequest& request, const AddHandler& done);
+    void ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> take);
+    bool isConnected() const { return m_sessionBus.state() == BusLink::State::Connected; }
+
+    BusLink& m_sessionBus;
+    NotificationAuthorization m_status = NotificationAuthorization::NotDetermined;
+    std::optional<Service> m_service;
+    std::optional<QString> m_failure; ///< why there is no service, when it is not plainly absent
+    std::vector<std::function<void()>> m_waiting; ///< for the answer to the question in flight
+    bool m_isAsking = true;
+    int m_questions = 0; ///< only the answer to the last one counts
+};
+
+} // namespace netvane::platform
