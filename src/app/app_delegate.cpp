@@ -4,6 +4,7 @@
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
+#include "diagnostics/traceroute_service.h"
 #include "insights/network_notification_service.h"
 #include "insights/onboarding_service.h"
 #include "insights/report_service.h"
@@ -89,6 +90,8 @@ void AppDelegate::makeServices()
         *m_platform.userDefaults, *m_platform.clock, diagnostics::kSpeedTestServer);
     m_captivePortalService = std::make_unique<probes::CaptivePortalService>(*m_platform.httpClient,
         *m_platform.urlOpener, *m_platform.clock, probes::kCaptivePortalProbe);
+    m_tracerouteService = std::make_unique<diagnostics::TracerouteService>(
+        *m_platform.clock, *m_platform.hopProbes);
     m_channelAnalysisService = std::make_unique<diagnostics::ChannelAnalysisService>(
         *m_platform.networkScanner, *m_platform.clock);
     m_channelAnalysisService->setLocationPermissionService(m_locationPermissionService.get());

@@ -12,6 +12,7 @@
 namespace netvane::diagnostics {
 class ChannelAnalysisService;
 class SpeedTestService;
+class TracerouteService;
 } // namespace netvane::diagnostics
 namespace netvane::insights {
 class NetworkNotificationService;
@@ -83,6 +84,7 @@ public:
         return m_networkNotificationService.get();
     }
     insights::ReportService* reportService() const { return m_reportService.get(); }
+    diagnostics::TracerouteService* tracerouteService() const { return m_tracerouteService.get(); }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 
 private:
@@ -108,6 +110,7 @@ private:
     std::unique_ptr<probes::DNSService> m_dnsService;
     std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
     std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
+    std::unique_ptr<diagnostics::TracerouteService> m_tracerouteService;
     std::unique_ptr<diagnostics::ChannelAnalysisService> m_channelAnalysisService;
     std::unique_ptr<insights::OnboardingService> m_onboardingService;
     std::unique_ptr<insights::ReportService> m_reportService;

@@ -23,6 +23,9 @@ struct ConnectionEvent {
     /// peer's answer, however long the handler had to wait for its turn.
     std::chrono::steady_clock::time_point at;
     QString error; ///< only when failed: the system's own words in the user's language
+    /// Only when ready: the host as it was given, or the address of the router that answered for
+    /// it (see `HopProbeFactory`).
+    QString answeredBy;
 };
 
 /// Is told each change of state once, on the factory's network thread and never inside a call of

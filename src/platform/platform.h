@@ -4,6 +4,7 @@
 #include "platform/clipboard.h"
 #include "platform/clock.h"
 #include "platform/connection.h"
+#include "platform/hop_probe.h"
 #include "platform/http_client.h"
 #include "platform/http_transfer.h"
 #include "platform/instance_claim.h"
@@ -41,7 +42,8 @@ struct Platform {
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;
     std::unique_ptr<HttpTransfers> httpTransfers;
-    std::unique_ptr<ConnectionFactory> connections;
+    std::shared_ptr<ConnectionFactory> connections; ///< may be one object with the next
+    std::shared_ptr<HopProbeFactory> hopProbes;
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that outlive everything else
     std::unique_ptr<UserDefaults> userDefaults;
     std::unique_ptr<UserNotificationCenter> userNotifications;

@@ -53,6 +53,8 @@ struct World {
         platform.httpClient.reset(http);
         platform.httpTransfers.reset(transfers);
         platform.connections.reset(connections);
+        platform.hopProbes
+            = std::shared_ptr<test::FakeConnections>(platform.connections, connections);
         platform.resolver = std::make_shared<test::FakeResolver>();
         platform.userDefaults = std::make_unique<test::FakeUserDefaults>();
         platform.userNotifications.reset(userNotifications);
@@ -136,6 +138,7 @@ private Q_SLOTS:
             from = found + 1;
         }
         QVERIFY(atOnce.contains(u"Netvane: Application launched successfully"_s));
+        QVERIFY(world.delegate->tracerouteService());
         QVERIFY(atOnce.filter(u"Default gateway"_s).isEmpty()); // nobody waited for it
     }
 

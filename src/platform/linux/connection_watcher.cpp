@@ -20,7 +20,9 @@ constexpr int kMostLookUps = 32;
 bool addToEpoll(const FileDescriptor& epoll, int descriptor, std::uint32_t events, quint64 id)
 {
     epoll_event event {.events = events, .data = {.u64 = id}};
-    return ::epoll_ctl(epoll.get(), EPOLL_CTL_ADD, descriptor, &event) == 0;
+    return ::epoll_ctl(epoll.get(), EPOLL_CTL_ADD, descriptor, &event) == 0
+        // One that has reported already and is to do so again.
+        || (errno == EEXIST && ::epoll_ctl(epoll.get(), EPOLL_CTL_MOD, descriptor, &event) == 0);
 }
 
 } // namespace
@@ -57,9 +59,9 @@ void ConnectionWatcher::run()
 void ConnectionWatcher::adopt(quint64 id, OpenConnection connection)
 {
     const auto place = m_connections.emplace(id, std::move(connection)).first;
-    auto& handshake = place->second.handshake;
-    if (handshake.isUnderWay() || handshake.error() != 0)
-        proceed(place, handshake.answeredAt());
+    const auto& attempt = *place->second.attempt;
+    if (attempt.isUnderWay() || attempt.error() != 0)
+        proceed(place, attempt.answeredAt());
     else
         startLookUp(place);
 }
@@ -97,39 +99,54 @@ void ConnectionWatcher::takeAddresses(quint64 id, HostAddresses found)
         end(place, ConnectionState::Failed, QString::fromLocal8Bit(found.errorText));
         return;
     }
-    auto& handshake = place->second.handshake;
-    handshake.setAddresses(std::move(found.addresses));
-    handshake.askNext(m_clock);
-    proceed(place, handshake.answeredAt());
+    auto& attempt = *place->second.attempt;
+    attempt.setAddresses(std::move(found.addresses));
+    attempt.askNext(m_clock);
+    proceed(place, attempt.answeredAt());
 }
 
-/// Takes a handshake from what is known of it now to where only the kernel can go on.
+/// Takes an attempt from what is known of it now to where only the kernel can go on.
 void ConnectionWatcher::proceed(
     Connections::iterator place, std::optional<std::chrono::steady_clock::time_point> answeredAt)
 {
     auto& connection = place->second;
-    auto& handshake = connection.handshake;
-    while (handshake.isUnderWay()) {
+    auto& attempt = *connection.attempt;
+    while (attempt.isUnderWay()) {
         tell(connection, {.state = ConnectionState::Waiting, .at = m_clock.monotonicNow()});
         if (!answeredAt) {
             if (watch(*place))
                 return;
-            handshake.fail(errno);
-        } else if (handshake.wasAccepted()) {
-            tell(connection, {.state = ConnectionState::Ready, .at = *answeredAt});
+            attempt.fail(errno);
+        } else if (const auto answer = attempt.takeAnswer(); answer == Attempt::Answer::Good) {
+            tellReady(connection, *answeredAt);
             return;
+        } else if (answer == Attempt::Answer::None) {
+            answeredAt.reset();
+            continue;
         }
-        handshake.askNext(m_clock);
-        answeredAt = handshake.answeredAt();
+        attempt.askNext(m_clock);
+        answeredAt = attempt.answeredAt();
     }
-    end(place, ConnectionState::Failed, qt_error_string(handshake.error()));
+    end(place, ConnectionState::Failed, qt_error_string(attempt.error()));
 }
 
 /// One report is enough: what happens to a connection that is ready is of no interest.
 bool ConnectionWatcher::watch(const Connections::value_type& entry)
 {
-    return addToEpoll(
-        m_epoll, entry.second.handshake.descriptor(), EPOLLOUT | EPOLLONESHOT, entry.first);
+    const auto& attempt = *entry.second.attempt;
+    // The events of poll(2) are those of epoll(7).
+    return addToEpoll(m_epoll, attempt.descriptor(),
+        std::uint32_t(attempt.awaited()) | EPOLLONESHOT, entry.first);
+}
+
+void ConnectionWatcher::tellReady(
+    OpenConnection& connection, std::chrono::steady_clock::time_point at)
+{
+    tell(connection,
+        {.state = ConnectionState::Ready,
+            .at = at,
+            .answeredBy
+            = QString::fromStdString(connection.attempt->router().value_or(connection.host))});
 }
 
 void ConnectionWatcher::tell(OpenConnection& connection, const ConnectionEvent& event)
@@ -144,7 +161,7 @@ void ConnectionWatcher::end(
     Connections::iterator place, ConnectionState state, const QString& error)
 {
     auto connection = std::move(m_connections.extract(place).mapped());
-    connection.handshake = {};
+    connection.attempt.reset();
     connection.handler({.state = state, .at = m_clock.monotonicNow(), .error = error});
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/connection.h"
+#include "platform/linux/attempt.h"
 #include "platform/linux/mailbox.h"
-#include "platform/linux/tcp_handshake.h"
 #include "platform/result.h"
 
 #include <map>
@@ -14,7 +14,7 @@ struct OpenConnection {
     std::string host;
     std::uint16_t port = 0;
     ConnectionHandler handler;
-    TcpHandshake handshake;
+    std::unique_ptr<Attempt> attempt;
     ConnectionState state = ConnectionState::Setup;
 };
 
@@ -28,7 +28,7 @@ public:
     void run();
     void stop() { m_isStopped = true; }
 
-    /// `id` is not used twice. The handshake is under way, or failed, or has no address yet.
+    /// `id` is not used twice. The attempt is under way, or failed, or has no address yet.
     void adopt(quint64 id, OpenConnection connection);
     void cancel(quint64 id);
 
@@ -40,6 +40,7 @@ private:
     void proceed(Connections::iterator place,
         std::optional<std::chrono::steady_clock::time_point> answeredAt);
     bool watch(const Connections::value_type& entry);
+    void tellReady(OpenConnection& connection, std::chrono::steady_clock::time_point at);
     void tell(OpenConnection& connection, const ConnectionEvent& event);
     void end(Connections::iterator place, ConnectionState state, const QString& error = {});
 

@@ -14,6 +14,13 @@ struct SocketAddress {
     socklen_t length = 0;
 };
 
+/// Whether both are addresses of one host, whatever the ports and scopes.
+bool isSameHost(const SocketAddress& first, const SocketAddress& second);
+/// Whether the ports are the same, too.
+bool isSamePeer(const SocketAddress& first, const SocketAddress& second);
+/// As people write it, without the port; a link-local one with its scope.
+std::string addressText(const SocketAddress& address);
+
 /// What became of a host name. Holds nothing of Qt: it is made on a thread that may outlive the
 /// application object.
 struct HostAddresses {

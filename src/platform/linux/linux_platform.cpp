@@ -38,7 +38,9 @@ Platform makePlatform()
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
     platform.httpTransfers = std::make_unique<QtHttpTransfers>(*platform.clock);
-    platform.connections = std::make_unique<SocketConnections>(*platform.clock);
+    const auto connections = std::make_shared<SocketConnections>(*platform.clock);
+    platform.connections = connections;
+    platform.hopProbes = connections;
     platform.resolver = std::make_shared<SystemResolver>();
     platform.userDefaults = std::make_unique<SettingsFile>(SettingsFile::defaultPath());
     platform.systemBus = std::move(systemBus);

@@ -1,6 +1,8 @@
 #include "platform/linux/socket_connections.h"
 
 #include "platform/linux/connection_watcher.h"
+#include "platform/linux/tcp_handshake.h"
+#include "platform/linux/udp_hop_probe.h"
 
 namespace netvane::platform {
 namespace {
@@ -22,9 +24,9 @@ public:
     {
         if (m_isCancelled.test() || !m_connection)
             return;
-        auto& handshake = m_connection->handshake;
-        handshake.setAddresses(addressesOfLiteral(m_connection->host, m_connection->port));
-        handshake.askNext(m_clock);
+        auto& attempt = *m_connection->attempt;
+        attempt.setAddresses(addressesOfLiteral(m_connection->host, m_connection->port));
+        attempt.askNext(m_clock);
         m_mailbox->post(
             [id = m_id, connection = std::move(m_connection)](
                 ConnectionWatcher& watcher) { watcher.adopt(id, std::move(*connection)); });
@@ -70,8 +72,23 @@ SocketConnections::~SocketConnections()
 std::unique_ptr<Connection> SocketConnections::connectTcp(
     const QString& host, quint16 port, ConnectionHandler handler)
 {
+    return make(host, port, std::make_unique<TcpHandshake>(), std::move(handler));
+}
+
+std::unique_ptr<Connection> SocketConnections::probeHop(
+    const QString& host, quint16 port, int hopLimit, ConnectionHandler handler)
+{
+    return make(host, port, std::make_unique<UdpHopProbe>(hopLimit), std::move(handler));
+}
+
+std::unique_ptr<Connection> SocketConnections::make(
+    const QString& host, quint16 port, std::unique_ptr<Attempt> attempt, ConnectionHandler handler)
+{
     return std::make_unique<SocketConnection>(m_clock, m_mailbox, ++m_lastId,
-        OpenConnection {.host = host.toStdString(), .port = port, .handler = std::move(handler)});
+        OpenConnection {.host = host.toStdString(),
+            .port = port,
+            .handler = std::move(handler),
+            .attempt = std::move(attempt)});
 }
 
 } // namespace netvane::platform

@@ -1,6 +1,5 @@
 #include "platform/linux/tcp_handshake.h"
 
-#include <netinet/in.h>
 #include <sys/socket.h>
 
 #include <poll.h>
@@ -8,60 +7,32 @@
 #include <cerrno>
 
 namespace netvane::platform {
-namespace {
 
-bool isAnswered(int descriptor)
+TcpHandshake::TcpHandshake()
+    : Attempt(SOCK_STREAM)
 {
-    pollfd watched {.fd = descriptor, .events = POLLOUT};
-    return ::poll(&watched, 1, 0) > 0;
 }
 
-} // namespace
-
-void TcpHandshake::askNext(const Clock& clock)
+short TcpHandshake::awaited() const
 {
-    m_socket = {};
-    m_answeredAt.reset();
-    while (m_next < m_addresses.size()) {
-        if (!ask(m_addresses[m_next++]))
-            continue;
-        // Looked at here because whoever watches the socket from now on may first have to wait for
-        // a processor.
-        if (isAnswered(m_socket.get()))
-            m_answeredAt = clock.monotonicNow();
-        return;
-    }
+    return POLLOUT;
 }
 
 bool TcpHandshake::ask(const SocketAddress& address)
 {
-    FileDescriptor socket(::socket(
-        address.storage.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, IPPROTO_TCP));
+    const auto* peer = reinterpret_cast<const sockaddr*>(&address.storage);
     // An interrupted connect goes on by itself.
-    if (!socket.isOpen()
-        || (::connect(
-                socket.get(), reinterpret_cast<const sockaddr*>(&address.storage), address.length)
-                != 0
-            && errno != EINPROGRESS && errno != EINTR)) {
-        m_error = errno;
-        return false;
-    }
-    m_socket = std::move(socket);
-    return true;
+    return ::connect(descriptor(), peer, address.length) == 0 || errno == EINPROGRESS
+        || errno == EINTR;
 }
 
-bool TcpHandshake::wasAccepted()
+Attempt::Answer TcpHandshake::takeAnswer()
 {
-    socklen_t length = sizeof m_error;
-    if (::getsockopt(m_socket.get(), SOL_SOCKET, SO_ERROR, &m_error, &length) != 0)
-        m_error = errno;
-    return m_error == 0;
-}
-
-void TcpHandshake::fail(int error)
-{
-    m_socket = {};
-    m_error = error;
+    int error = 0;
+    socklen_t length = sizeof error;
+    if (::getsockopt(descriptor(), SOL_SOCKET, SO_ERROR, &error, &length) != 0)
+        error = errno;
+    return error == 0 ? Answer::Good : badAnswer(error);
 }
 
 } // namespace netvane::platform

@@ -1,40 +1,19 @@
 #pragma once
 
-#include "platform/clock.h"
-#include "platform/linux/file_descriptor.h"
-#include "platform/linux/host_addresses.h"
-
-#include <optional>
+#include "platform/linux/attempt.h"
 
 namespace netvane::platform {
 
-/// A non-blocking socket on its way to the first of several addresses that answers. One thread at a
-/// time, but not always the same.
-class TcpHandshake {
+/// Sets up a TCP connection.
+class TcpHandshake : public Attempt {
 public:
-    void setAddresses(std::vector<SocketAddress> addresses) { m_addresses = std::move(addresses); }
+    TcpHandshake();
 
-    /// Asks the next address that can be asked; when there is none left `isUnderWay` is false.
-    void askNext(const Clock& clock);
-    bool isUnderWay() const { return m_socket.isOpen(); }
-    /// When the answer was there as soon as the question was sent: the peer is on this machine.
-    std::optional<std::chrono::steady_clock::time_point> answeredAt() const { return m_answeredAt; }
-    /// Once the kernel reports an answer: whether it was a good one.
-    bool wasAccepted();
-    /// Ends the try under way.
-    void fail(int error);
-    /// errno of the last address that could not be had.
-    int error() const { return m_error; }
-    int descriptor() const { return m_socket.get(); }
+    Answer takeAnswer() override;
+    short awaited() const override;
 
 private:
-    bool ask(const SocketAddress& address);
-
-    std::vector<SocketAddress> m_addresses;
-    size_t m_next = 0;
-    FileDescriptor m_socket;
-    std::optional<std::chrono::steady_clock::time_point> m_answeredAt;
-    int m_error = 0;
+    bool ask(const SocketAddress& address) override;
 };
 
 } // namespace netvane::platform
