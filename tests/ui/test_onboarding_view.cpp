@@ -126,7 +126,7 @@ private Q_SLOTS:
         ViewFixture view(
             u"OnboardingView"_s, {{u"viewState"_s, QVariant::fromValue(&world.state)}});
         QCOMPARE(buttons(view), QStringList({u"Continue"_s}));
-        world.state.goOn();
+        QTest::keyClick(view.root().window(), Qt::Key_Return);
         QTRY_VERIFY(!view.texts().contains(u"Welcome to Netvane"_s));
         QVERIFY(view.texts().contains(u"Permission Granted"_s));
         QVERIFY(!view.find("text", u"Open System Settings"_s));
