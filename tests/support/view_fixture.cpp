@@ -78,6 +78,8 @@ void ViewFixture::picture(const QString& name)
     for (const auto scheme : {platform::ColorScheme::Light, platform::ColorScheme::Dark}) {
         appearance.setColorScheme(scheme);
         m_window.setColor(m_theme.controlBackground());
+        // Layouts settle when they are rendered.
+        (void)m_window.grabWindow();
         m_window.resize(m_window.width(), std::max(1, int(root().implicitHeight())));
         QCoreApplication::processEvents();
         images.append(m_window.grabWindow());

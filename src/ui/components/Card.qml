@@ -10,6 +10,7 @@ Item {
     property alias spacing: column.spacing
     property alias radius: surface.radius
     property alias hasShadow: surface.hasShadow
+    property alias color: surface.color
     property real padding: 12
     // What a screen reader calls the group.
     property string title

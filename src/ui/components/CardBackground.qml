@@ -8,6 +8,7 @@ Item {
 
     property real radius: 10
     property bool hasShadow: true
+    property color color: Theme.cardBackground
 
     Rectangle {
         visible: root.hasShadow
@@ -30,6 +31,6 @@ Item {
     Rectangle {
         anchors.fill: parent
         radius: root.radius
-        color: Theme.cardBackground
+        color: root.color
     }
 }

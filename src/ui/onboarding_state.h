@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QObject>
+#include <QtQmlIntegration>
+
+namespace netvane::insights {
+class OnboardingService;
+} // namespace netvane::insights
+namespace netvane::platform {
+class UrlOpener;
+} // namespace netvane::platform
+namespace netvane::wifi {
+class LocationPermissionService;
+} // namespace netvane::wifi
+
+namespace netvane::ui {
+
+/// The introduction for newcomers, three pages that one can go through in both directions; leaving
+/// the last one ends it. Main thread.
+class OnboardingState : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by the popover")
+    /// A `Step`.
+    Q_PROPERTY(int currentStep READ currentStep NOTIFY currentStepChanged)
+    Q_PROPERTY(bool canGoBack READ canGoBack NOTIFY currentStepChanged)
+    Q_PROPERTY(bool canSkip READ canSkip NOTIFY currentStepChanged)
+    Q_PROPERTY(QString mainLabel READ mainLabel NOTIFY currentStepChanged)
+    Q_PROPERTY(bool isAuthorized READ isAuthorized NOTIFY isAuthorizedChanged)
+
+public:
+    enum Step { Welcome, Permission, Ready };
+    Q_ENUM(Step)
+
+    /// All of it outlives this.
+    OnboardingState(insights::OnboardingService& onboarding,
+        const wifi::LocationPermissionService& permission, platform::UrlOpener& opener);
+
+    int currentStep() const { return m_currentStep; }
+    bool canGoBack() const { return m_currentStep > Welcome; }
+    bool canSkip() const { return m_currentStep == Permission; }
+    QString mainLabel() const;
+    bool isAuthorized() const;
+
+    Q_INVOKABLE void goBack();
+    /// Leaves the permission undecided.
+    Q_INVOKABLE void skip();
+    /// What the main button does: the next page, or the end of the introduction.
+    Q_INVOKABLE void goOn();
+    Q_INVOKABLE void openSystemSettings();
+
+Q_SIGNALS:
+    void currentStepChanged();
+    void isAuthorizedChanged();
+
+private:
+    void setCurrentStep(int step);
+    void permissionChanged();
+    void completionChanged();
+
+    insights::OnboardingService& m_onboarding;
+    const wifi::LocationPermissionService& m_permission;
+    platform::UrlOpener& m_opener;
+    int m_currentStep = Welcome;
+};
+
+} // namespace netvane::ui

@@ -1,0 +1,156 @@
+import QtQuick
+import QtQuick.Layouts
+import Netvane
+
+// Runs the speed test; its result, and those before it.
+Card {
+    id: root
+
+    required property SpeedTestState viewState
+
+    title: "Speed Test"
+
+    Binding {
+        target: root.viewState
+        property: "isShown"
+        value: root.visible && root.Window.visibility !== Window.Hidden
+    }
+    RowLayout {
+        Layout.minimumHeight: retest.implicitHeight
+
+        SectionTitle { text: "Speed Test (Cloudflare)" }
+        Spinner {
+            visible: root.viewState.isRunning
+            scale: 0.7
+        }
+        PushButton {
+            id: retest
+            visible: !root.viewState.isRunning
+            text: "Retest"
+            onClicked: root.viewState.runTest()
+        }
+    }
+    SpeedRow {
+        label: "Download Speed"
+        speed: root.viewState.downloadSpeed
+    }
+    SpeedRow {
+        label: "Upload Speed"
+        speed: root.viewState.uploadSpeed
+    }
+    WrappedText {
+        visible: root.viewState.lagMessage !== undefined
+        Layout.topMargin: 4
+        text: root.viewState.lagMessage ?? ""
+        color: Theme.orange
+    }
+    PushButton {
+        visible: !root.viewState.hasResult
+        text: "↑↓ Run Speed Test"
+        Accessible.name: "Run Speed Test"
+        onClicked: root.viewState.runTest()
+    }
+    ColumnLayout {
+        visible: root.viewState.recentTests.length > 0
+        spacing: 6
+
+        Divider { Layout.bottomMargin: 6 }
+        RowLayout {
+            WrappedText { text: "Recent Tests" }
+            PlainButton {
+                id: clear
+                text: "Clear"
+                horizontalPadding: 4
+                verticalPadding: 2
+                Accessible.name: "Clear recent tests"
+                onClicked: root.viewState.clearHistory()
+
+                contentItem: PlainText {
+                    text: clear.text
+                    font: Theme.caption
+                    color: Theme.blue
+                    Accessible.ignored: true
+                }
+            }
+        }
+        Repeater {
+            model: root.viewState.recentTests
+            RecentTest { }
+        }
+    }
+
+    component SpeedRow: RowLayout {
+        id: speedRow
+
+        required property string label
+        // Undefined: there is no such row.
+        required property var speed
+
+        visible: speed !== undefined
+
+        PlainText {
+            Layout.fillWidth: true
+            text: speedRow.label
+            font: Theme.subheadline
+            color: Theme.secondaryText
+        }
+        PlainText {
+            text: speedRow.speed ?? ""
+            font: Theme.subheadlineEmphasis
+        }
+    }
+    component RecentTest: RowLayout {
+        id: test
+
+        required property recentSpeedTest modelData
+
+        spacing: 12
+        Accessible.role: Accessible.StaticText
+        Accessible.name: modelData.summary
+
+        PlainText {
+            Layout.preferredWidth: 80
+            text: test.modelData.elapsed
+            font: Theme.caption
+            color: Theme.secondaryText
+            elide: Text.ElideRight
+            Accessible.ignored: true
+        }
+        ArrowSpeed {
+            symbol: "arrow.down"
+            speed: test.modelData.download
+            tint: Theme.green
+        }
+        ArrowSpeed {
+            symbol: "arrow.up"
+            speed: test.modelData.upload
+            tint: Theme.lightBlue
+        }
+        Item { Layout.fillWidth: true }
+    }
+    component ArrowSpeed: RowLayout {
+        id: arrow
+
+        required property string symbol
+        required property var speed
+        required property color tint
+
+        visible: speed !== undefined
+        spacing: 4
+        Layout.fillWidth: false
+        Layout.minimumWidth: 72
+
+        Symbol {
+            name: arrow.symbol
+            size: 10
+            color: arrow.tint
+        }
+        PlainText {
+            Layout.fillWidth: true
+            text: arrow.speed ?? ""
+            font: Theme.caption
+            color: arrow.tint
+            Accessible.ignored: true
+        }
+    }
+}
