@@ -93,6 +93,8 @@ void AppDelegate::makeServices()
     m_channelAnalysisService = std::make_unique<diagnostics::ChannelAnalysisService>(
         *m_platform.networkScanner, *m_platform.clock);
     m_channelAnalysisService->setLocationPermissionService(m_locationPermissionService.get());
+    m_tracerouteService = std::make_unique<diagnostics::TracerouteService>(
+        *m_platform.clock, *m_platform.hopProbes);
     m_onboardingService = std::make_unique<insights::OnboardingService>(*m_platform.userDefaults);
     m_reportService = std::make_unique<insights::ReportService>(
         [this] { return currentReadings(); }, *m_platform.clock, m_platform.queues->utility,
@@ -116,8 +118,6 @@ std::optional<insights::ReportInputs> AppDelegate::currentReadings() const
         .dnsServer = m_dnsService->dnsServer(),
         .speedTest = m_speedTestService->result(),
     };
-    m_tracerouteService = std::make_unique<diagnostics::TracerouteService>(
-        *m_platform.clock, *m_platform.hopProbes);
 }
 
 void AppDelegate::setupStatusBar()
