@@ -4,6 +4,8 @@
 #include "support/private_bus.h"
 
 #include <QDBusArgument>
+#include <QDBusConnectionInterface>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
@@ -159,6 +161,17 @@ private Q_SLOTS:
         QCOMPARE(m_daemon->calls[1].member(), u"Notify"_s);
     }
 
+    void replacedWhileSilent()
+    {
+        startDaemon(daemon(kSilence));
+        start();
+        askSettings();
+        QTRY_COMPARE(m_daemon->calls.size(), 1);
+        m_daemon.reset();
+        startDaemon(daemonThatCan({}));
+        QTRY_COMPARE(m_told.settings, std::vector {Status::Authorized});
+    }
+
     void notify_data()
     {
         QTest::addColumn<QStringList>("capabilities");
@@ -265,6 +278,15 @@ private Q_SLOTS:
         QTRY_COMPARE(m_told.adds, std::vector {std::optional<QString>()});
         QVERIFY(m_daemon->calls.last().arguments()[4].toString().contains(u"&lt;b&gt;"_s));
         QCOMPARE(m_daemon->calls.size(), 2); // it is asked once, too
+        // Some end by themselves when there is nothing to show. We have not heard of it yet.
+        QFile::remove(mark);
+        m_daemon.reset();
+        waitUntilNobodyServes();
+        add(kRequest);
+        QTRY_VERIFY(QFile::exists(mark));
+        startDaemon(daemonThatCan({}));
+        QTRY_COMPARE(m_told.adds, std::vector<std::optional<QString>>(2));
+        QCOMPARE(m_daemon->calls.last().arguments()[4], kRequest.body);
     }
 
     void longTexts()
@@ -302,6 +324,16 @@ private:
     void startDaemon(const Answer& answer)
     {
         m_daemon = std::make_unique<test::FakeBusService>(m_bus.address(), kName, kPath, answer);
+    }
+
+    /// Runs no event loop, so that what we are told about it stays in the queue.
+    void waitUntilNobodyServes()
+    {
+        const QString observer = u"observer"_s;
+        const QDeadlineTimer limit(5s);
+        auto* bus = QDBusConnection::connectToBus(m_bus.address(), observer).interface();
+        while (bus->isServiceRegistered(kName) && !limit.hasExpired()) { }
+        QDBusConnection::disconnectFromBus(observer);
     }
 
     void askSettings()

@@ -201,7 +201,11 @@ void FreedesktopNotifications::whenRunning(std::function<void()> action)
         m_waiting.push_back([this, action = std::move(action)] { whenRunning(action); });
         return;
     }
-    if (m_service || !isConnected()) {
+    if (m_service) {
+        action(); // at once, since it may be gone later
+        return;
+    }
+    if (!isConnected()) {
         whenKnown(std::move(action));
         return;
     }
@@ -236,23 +240,36 @@ void FreedesktopNotifications::requestAuthorization(
 void FreedesktopNotifications::add(
     const NotificationRequest& request, QObject* owner, AddHandler done)
 {
-    whenRunning([this, request, done = whileAlive(owner, std::move(done))] {
+    send(request, whileAlive(owner, std::move(done)), Attempt::First);
+}
+
+void FreedesktopNotifications::send(
+    const NotificationRequest& request, const AddHandler& done, Attempt attempt)
+{
+    whenRunning([this, request, done, attempt] {
         if (m_service)
-            notify(request, done);
+            notify(request, done, attempt);
         else
             done(m_failure.value_or(kNoService));
     });
 }
 
 /// To the very process whose capabilities are known, so that a markup-less successor never gets
-/// text with escapes in it.
-void FreedesktopNotifications::notify(const NotificationRequest& request, const AddHandler& done)
+/// text with escapes in it. One that is gone did not show it, so its successor may.
+void FreedesktopNotifications::notify(
+    const NotificationRequest& request, const AddHandler& done, Attempt attempt)
 {
     auto call = serviceCall(m_service->owner, u"Notify"_s);
     call.setArguments(notifyArguments(request, m_service->hasBodyMarkup));
-    askBus(m_sessionBus.connection(), call, kAnswerLimitMs, this, [done](const auto& answer) {
-        done(isReply(answer, u"u"_s) ? std::nullopt : std::optional(failureText(answer)));
-    });
+    askBus(m_sessionBus.connection(), call, kAnswerLimitMs, this,
+        [this, request, done, attempt](const QDBusMessage& answer) {
+            if (isNobodyThere(answer) && attempt == Attempt::First) {
+                handleOwnerChanged();
+                send(request, done, Attempt::Second);
+                return;
+            }
+            done(isReply(answer, u"u"_s) ? std::nullopt : std::optional(failureText(answer)));
+        });
 }
 
 } // namespace netvane::platform

@@ -36,6 +36,8 @@ private:
         bool hasBodyMarkup = false;
     };
 
+    enum class Attempt { First, Second };
+
     void followSessionBus();
     void readCapabilities();
     void takeCapabilities(const QDBusMessage& answer);
@@ -44,7 +46,8 @@ private:
     void refresh();
     void whenKnown(std::function<void()> action);
     void whenRunning(std::function<void()> action);
-    void notify(const NotificationRequest& request, const AddHandler& done);
+    void send(const NotificationRequest& request, const AddHandler& done, Attempt attempt);
+    void notify(const NotificationRequest& request, const AddHandler& done, Attempt attempt);
     void ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> take);
     bool isConnected() const { return m_sessionBus.state() == BusLink::State::Connected; }
 
