@@ -22,25 +22,11 @@ Rectangle {
         anchors.fill: parent
         spacing: 0
 
-        Row {
+        PageDots {
             Layout.alignment: Qt.AlignHCenter
             Layout.margins: 16
             Layout.bottomMargin: 8
-            spacing: 8
-            Accessible.role: Accessible.StaticText
-            Accessible.name: "Page " + (root.currentStep + 1) + " of 3"
-
-            Repeater {
-                model: [root.currentStep >= 0, root.currentStep >= 1, root.currentStep >= 2]
-                Rectangle {
-                    required property bool modelData
-
-                    width: 8
-                    height: 8
-                    radius: 4
-                    color: modelData ? Theme.blue : Theme.separator
-                }
-            }
+            currentStep: root.currentStep
         }
         ScrollArea {
             id: scroller
@@ -146,24 +132,6 @@ Rectangle {
         OnboardingButtons {
             Layout.margins: 16
             viewState: root.viewState
-        }
-    }
-
-    component FeatureList: ColumnLayout {
-        id: list
-
-        required property var rows
-
-        spacing: 8
-
-        Repeater {
-            model: list.rows
-            FeatureRow {
-                required property var modelData
-
-                icon: modelData[0]
-                text: modelData[1]
-            }
         }
     }
 }

@@ -75,7 +75,7 @@ Card {
         }
         Repeater {
             model: root.viewState.recentTests
-            RecentTest { }
+            RecentTestRow { }
         }
     }
 
@@ -97,60 +97,6 @@ Card {
         PlainText {
             text: speedRow.speed ?? ""
             font: Theme.subheadlineEmphasis
-        }
-    }
-    component RecentTest: RowLayout {
-        id: test
-
-        required property recentSpeedTest modelData
-
-        spacing: 12
-        Accessible.role: Accessible.StaticText
-        Accessible.name: modelData.summary
-
-        PlainText {
-            Layout.preferredWidth: 80
-            text: test.modelData.elapsed
-            font: Theme.caption
-            color: Theme.secondaryText
-            elide: Text.ElideRight
-            Accessible.ignored: true
-        }
-        ArrowSpeed {
-            symbol: "arrow.down"
-            speed: test.modelData.download
-            tint: Theme.green
-        }
-        ArrowSpeed {
-            symbol: "arrow.up"
-            speed: test.modelData.upload
-            tint: Theme.lightBlue
-        }
-        Item { Layout.fillWidth: true }
-    }
-    component ArrowSpeed: RowLayout {
-        id: arrow
-
-        required property string symbol
-        required property var speed
-        required property color tint
-
-        visible: speed !== undefined
-        spacing: 4
-        Layout.fillWidth: false
-        Layout.minimumWidth: 72
-
-        Symbol {
-            name: arrow.symbol
-            size: 10
-            color: arrow.tint
-        }
-        PlainText {
-            Layout.fillWidth: true
-            text: arrow.speed ?? ""
-            font: Theme.caption
-            color: arrow.tint
-            Accessible.ignored: true
         }
     }
 }
