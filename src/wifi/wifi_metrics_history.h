@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/clock.h"
+#include "probes/metric_data_point.h"
+
+#include <QObject>
+
+#include <optional>
+#include <vector>
+
+namespace netvane::wifi {
+
+/// Three short series of the link for the graphs on its cards, oldest first. Main thread.
+class WiFiMetricsHistory : public QObject {
+    Q_OBJECT
+
+public:
+    using Series = std::vector<probes::MetricDataPoint>;
+    static constexpr size_t maxHistory = 10; ///< points in each series
+
+    /// `clock` outlives this.
+    explicit WiFiMetricsHistory(const platform::Clock& clock);
+
+    /// Mbps.
+    const Series& linkRateHistory() const { return m_linkRateHistory; }
+    /// Magnitudes: 58 stands for -58 dBm.
+    const Series& signalHistory() const { return m_signalHistory; }
+    const Series& noiseHistory() const { return m_noiseHistory; }
+
+    /// What one snapshot tells, in Mbps and dBm. A series without news, or with the same again,
+    /// stays as it is, but two equal points may begin it.
+    void addDataPoint(
+        std::optional<int> linkRate, std::optional<int> signal, std::optional<int> noise);
+
+Q_SIGNALS:
+    void linkRateHistoryChanged();
+    void signalHistoryChanged();
+    void noiseHistoryChanged();
+
+private:
+    const platform::Clock& m_clock;
+    Series m_linkRateHistory;
+    Series m_signalHistory;
+    Series m_noiseHistory;
+};
+
+} // namespace netvane::wifi
