@@ -6,6 +6,8 @@
 #include <QQmlError>
 #include <QTest>
 
+#include <cmath>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::test {
@@ -72,15 +74,25 @@ void ViewFixture::click(QQuickItem* item)
     QCoreApplication::processEvents();
 }
 
+void ViewFixture::layOut()
+{
+    int height = 0;
+    // A frame lays out what changed, which may change what is around it.
+    for (int frame = 0; frame < 8 && height != m_window.height(); ++frame) {
+        (void)m_window.grabWindow();
+        height = m_window.height();
+        m_window.resize(m_window.width(), std::max(1, int(std::ceil(root().implicitHeight()))));
+        QCoreApplication::processEvents();
+    }
+}
+
 void ViewFixture::picture(const QString& name)
 {
+    layOut();
     QList<QImage> images;
     for (const auto scheme : {platform::ColorScheme::Light, platform::ColorScheme::Dark}) {
         appearance.setColorScheme(scheme);
         m_window.setColor(m_theme.controlBackground());
-        // Layouts settle when they are rendered.
-        (void)m_window.grabWindow();
-        m_window.resize(m_window.width(), std::max(1, int(root().implicitHeight())));
         QCoreApplication::processEvents();
         images.append(m_window.grabWindow());
     }

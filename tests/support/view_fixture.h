@@ -44,6 +44,9 @@ public:
     FakeAppearance appearance;
 
 private:
+    /// Makes the window as high as its content.
+    void layOut();
+
     ui::Theme m_theme {appearance};
     ui::ViewEngine m_engine {m_theme};
     QQuickView m_window {&m_engine, nullptr};

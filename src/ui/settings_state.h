@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QObject>
+#include <QtQmlIntegration>
+
+#include <functional>
+
+namespace netvane::insights {
+class NetworkNotificationService;
+class OnboardingService;
+class ReportService;
+} // namespace netvane::insights
+namespace netvane::platform {
+class UrlOpener;
+class UserDefaults;
+} // namespace netvane::platform
+namespace netvane::wifi {
+class LocationPermissionService;
+} // namespace netvane::wifi
+
+namespace netvane::ui {
+
+/// What the settings screen shows and acts on. All of it outlives the views.
+struct SettingsServices {
+    wifi::LocationPermissionService& locationPermissionService;
+    insights::NetworkNotificationService& networkNotificationService;
+    insights::OnboardingService& onboardingService;
+    insights::ReportService& reportService;
+    platform::UserDefaults& userDefaults;
+    platform::UrlOpener& urlOpener;
+    /// One sentence about how this copy of the program is updated.
+    std::function<QString()> checkForUpdates;
+    std::function<void()> quit;
+};
+
+/// The settings screen. Every control acts at once; nothing is kept here. Main thread.
+class SettingsState : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("Made by its window")
+    Q_PROPERTY(QString version READ version CONSTANT)
+    /// What came of the last "Check for Updates"; empty before the first and when the screen is
+    /// opened again.
+    Q_PROPERTY(QString updateAnswer READ updateAnswer NOTIFY updateAnswerChanged)
+    /// As it was when the screen was opened.
+    Q_PROPERTY(bool needsPermission READ needsPermission NOTIFY needsPermissionChanged)
+    Q_PROPERTY(bool notificationsEnabled READ notificationsEnabled WRITE setNotificationsEnabled
+            NOTIFY notificationsChanged)
+    Q_PROPERTY(bool mayNotify READ mayNotify NOTIFY notificationsChanged)
+
+public:
+    explicit SettingsState(const SettingsServices& services);
+
+    QString version() const;
+    QString updateAnswer() const { return m_updateAnswer; }
+    bool needsPermission() const { return m_needsPermission; }
+    bool notificationsEnabled() const;
+    void setNotificationsEnabled(bool enabled);
+    bool mayNotify() const;
+
+    /// The screen was opened.
+    Q_INVOKABLE void appear();
+    Q_INVOKABLE void goBack() { Q_EMIT backRequested(); }
+    Q_INVOKABLE void checkForUpdates();
+    Q_INVOKABLE void openLocationSettings();
+    Q_INVOKABLE void requestNotificationPermission();
+    Q_INVOKABLE void copyReport();
+    Q_INVOKABLE void shareReport();
+    Q_INVOKABLE void saveReport();
+    Q_INVOKABLE void resetOnboarding();
+    Q_INVOKABLE void quit();
+
+Q_SIGNALS:
+    void updateAnswerChanged();
+    void needsPermissionChanged();
+    void notificationsChanged();
+    void backRequested();
+
+private:
+    const SettingsServices m_services;
+    QString m_updateAnswer;
+    bool m_needsPermission = false;
+};
+
+} // namespace netvane::ui

@@ -1,0 +1,26 @@
+import Netvane
+
+BannerCard {
+    id: root
+
+    required property LocationPermissionState viewState
+
+    visible: viewState.isNeeded
+    symbol: "location.fill"
+    tint: Theme.lightBlue
+    title: "Location Permission Required"
+    message: "Netvane needs Location Services permission to display your Wi-Fi network name (SSID). This is required by macOS for security reasons. Your location is not tracked - only Wi-Fi network information is accessed."
+
+    PushButton {
+        text: "Open System Settings"
+        labelFont: Theme.caption
+        prominent: true
+        onClicked: root.viewState.openSystemSettings()
+    }
+    PushButton {
+        visible: root.viewState.canRequest
+        text: "Request Permission"
+        labelFont: Theme.caption
+        onClicked: root.viewState.requestPermission()
+    }
+}

@@ -1,0 +1,63 @@
+import QtQuick
+import QtQuick.Layouts
+import Netvane
+
+// A value with its name, its recent past and, on demand, what it means.
+Card {
+    id: root
+
+    required property metricCardContent metric
+    readonly property color tint: Theme.accents[metric.accent]
+    readonly property bool isPresent: metric.isPresent
+
+    title: metric.label
+    visible: isPresent
+    spacing: 0
+    // A card that was away comes back as a new one.
+    onIsPresentChanged: info.checked = false
+
+    RowLayout {
+        spacing: 12
+
+        IconTile {
+            symbol: root.metric.icon
+            tint: root.tint
+        }
+        ColumnLayout {
+            spacing: 4
+
+            RowLayout {
+                spacing: 4
+
+                PlainText {
+                    text: root.metric.label
+                    font: Theme.callout
+                    color: Theme.secondaryText
+                }
+                InfoButton {
+                    id: info
+                    visible: root.metric.helpText !== undefined
+                    text: "About " + root.metric.label
+                }
+                Item { Layout.fillWidth: true }
+            }
+            PlainText {
+                Layout.fillWidth: true
+                text: root.metric.value
+                font: Theme.bodyEmphasis
+                elide: Text.ElideRight
+            }
+        }
+        MetricGraphView {
+            label: root.metric.label
+            values: root.metric.series
+            tint: root.tint
+        }
+    }
+    WrappedText {
+        visible: info.checked
+        Layout.topMargin: 4
+        text: root.metric.helpText ?? ""
+        font: Theme.footnote
+    }
+}

@@ -1,0 +1,77 @@
+import QtQuick
+import Netvane
+
+// What the popover shows: the introduction, the settings, or the dashboard.
+Rectangle {
+    id: root
+
+    required property PopoverState viewState
+
+    readonly property real wantedHeight: {
+        switch (viewState.content) {
+        case PopoverState.Onboarding:
+            return 500
+        case PopoverState.Settings:
+            return Math.min(500, settings.implicitHeight)
+        default:
+            return Math.min(650, column.implicitHeight + 16)
+        }
+    }
+
+    implicitWidth: 420
+    implicitHeight: wantedHeight
+    color: Theme.controlBackground
+    focus: true
+    // What is not taken here closes the window.
+    Keys.onEscapePressed: event => event.accepted = viewState.goBack()
+
+    Binding {
+        target: root.viewState
+        property: "isOnScreen"
+        value: root.Window.visibility !== Window.Hidden
+    }
+
+    ScrollArea {
+        objectName: "main-content"
+        anchors.fill: parent
+        visible: opacity > 0
+        enabled: root.viewState.content === PopoverState.Dashboard
+        opacity: root.viewState.content === PopoverState.Onboarding ? 0 : enabled ? 1 : 0
+        focus: enabled
+        Behavior on opacity {
+            enabled: !root.viewState.showSettings
+            NumberAnimation { duration: 200; easing.type: Easing.InOutQuad }
+        }
+
+        DashboardColumn {
+            id: column
+            objectName: "dashboard"
+            y: 16
+            width: parent.width
+            dashboard: root.viewState.dashboard
+        }
+    }
+    Loader {
+        id: settings
+        objectName: "settings"
+        anchors.fill: parent
+        active: root.viewState.content === PopoverState.Settings
+        focus: active
+        sourceComponent: settingsView
+    }
+    Loader {
+        objectName: "onboarding"
+        anchors.fill: parent
+        active: root.viewState.content === PopoverState.Onboarding
+        focus: active
+        sourceComponent: onboardingView
+    }
+    Component {
+        id: settingsView
+        SettingsView { viewState: root.viewState.settings }
+    }
+    Component {
+        id: onboardingView
+        OnboardingView { viewState: root.viewState.onboarding }
+    }
+}

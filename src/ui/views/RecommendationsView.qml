@@ -1,0 +1,38 @@
+import QtQuick
+import QtQuick.Layouts
+import Netvane
+
+// Advice, as long as there is any.
+ColumnLayout {
+    id: root
+
+    required property RecommendationsState viewState
+
+    visible: viewState.recommendations.length > 0
+
+    Card {
+        Layout.leftMargin: 16
+        Layout.rightMargin: 16
+        title: "Recommendations"
+
+        SectionTitle { text: "Recommendations" }
+        ColumnLayout {
+            spacing: 8
+
+            Repeater {
+                model: root.viewState.recommendations
+
+                SymbolText {
+                    required property string modelData
+
+                    spacing: 8
+                    symbol: "lightbulb.fill"
+                    symbolBox: 20
+                    tint: Theme.orange
+                    text: modelData
+                    textColor: Theme.secondaryText
+                }
+            }
+        }
+    }
+}

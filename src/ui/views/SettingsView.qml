@@ -1,0 +1,72 @@
+import QtQuick
+import QtQuick.Layouts
+import Netvane
+
+Rectangle {
+    id: root
+
+    required property SettingsState viewState
+
+    implicitWidth: 420
+    implicitHeight: Math.min(500, column.implicitHeight)
+    color: Theme.controlBackground
+    focus: true
+    Component.onCompleted: viewState.appear()
+
+    ScrollArea {
+        anchors.fill: parent
+        focus: true
+
+        ColumnLayout {
+            id: column
+            width: parent.width
+            spacing: 20
+
+            SettingsHeader {
+                Layout.fillWidth: true
+                onBack: root.viewState.goBack()
+            }
+            ColumnLayout {
+                Layout.leftMargin: 20
+                Layout.rightMargin: 20
+                Layout.bottomMargin: 20
+                spacing: 16
+
+                AboutCard { viewState: root.viewState }
+                PrivacyCard { }
+                SettingsCard {
+                    visible: root.viewState.needsPermission
+                    symbol: "hand.raised.fill"
+                    tint: Theme.orange
+                    title: "Permissions"
+
+                    PlainText {
+                        text: "Location Services"
+                        font: Theme.calloutEmphasis
+                    }
+                    WrappedText {
+                        text: "Required to display Wi‑Fi network name (SSID) on macOS Sonoma+"
+                    }
+                    PushButton {
+                        text: "Open Settings"
+                        onClicked: root.viewState.openLocationSettings()
+                    }
+                }
+                NotificationsSectionView { viewState: root.viewState }
+                DiagnosticsCard { viewState: root.viewState }
+                WideButton {
+                    symbol: "arrow.counterclockwise"
+                    tint: Theme.orange
+                    text: "Reset Onboarding"
+                    onClicked: root.viewState.resetOnboarding()
+                }
+                WideButton {
+                    symbol: "power"
+                    tint: Theme.red
+                    text: "Quit Netvane"
+                    onClicked: root.viewState.quit()
+                }
+            }
+        }
+    }
+}

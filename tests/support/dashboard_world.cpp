@@ -1,0 +1,74 @@
+#include "support/dashboard_world.h"
+
+#include "support/settle.h"
+
+#include <QTest>
+
+namespace netvane::test {
+namespace {
+
+std::shared_ptr<platform::WiFiClient> clientOf(std::shared_ptr<FakeWiFiInterface> interface)
+{
+    auto client = std::make_shared<FakeWiFiClient>();
+    client->list = {std::move(interface)};
+    return client;
+}
+
+} // namespace
+
+DashboardWorld::DashboardWorld()
+    : wifi(clientOf(interface), clock, queue)
+{
+    settle(queue);
+}
+
+/// Work that is left over still reads the clock.
+DashboardWorld::~DashboardWorld()
+{
+    queue.waitForDone();
+}
+
+void DashboardWorld::link(const std::optional<platform::LinkReading>& reading)
+{
+    settle(queue);
+    interface->reading = reading;
+    clock.advance(wifi::WiFiService::minUpdateInterval);
+    wifi.updateWiFiInfo();
+    settle(queue);
+    readings.refresh();
+}
+
+void DashboardWorld::lookUp()
+{
+    const auto count = dns.history().size();
+    dns.performLookup();
+    QTRY_COMPARE(dns.history().size(), count + 1);
+    clock.advance(probes::DNSService::publicationInterval);
+}
+
+void DashboardWorld::ping(std::optional<std::chrono::milliseconds> routerTime,
+    std::optional<std::chrono::milliseconds> internetTime)
+{
+    std::chrono::milliseconds passed {0};
+    const auto end = [&](const probes::PingService& service, FakeConnections& connections,
+                         std::optional<std::chrono::milliseconds> time) {
+        if (!service.isRunning())
+            return;
+        clock.advance(time.value_or(passed) - passed);
+        passed = time.value_or(passed);
+        connections.tell(
+            time ? platform::ConnectionState::Ready : platform::ConnectionState::Failed);
+    };
+    const bool isRouterFirst = routerTime < internetTime;
+    if (isRouterFirst)
+        end(router, routerConnections, routerTime);
+    end(internet, internetConnections, internetTime);
+    if (!isRouterFirst)
+        end(router, routerConnections, routerTime);
+    QCoreApplication::processEvents();
+    clock.advance(probes::PingService::pingInterval - passed);
+    settle(queue);
+    readings.refresh();
+}
+
+} // namespace netvane::test
