@@ -8,6 +8,7 @@
 #include "platform/location_manager.h"
 #include "platform/network_configuration.h"
 #include "platform/resolver.h"
+#include "platform/status_notifier_host.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
 #include "platform/wifi_client.h"
@@ -30,6 +31,7 @@ struct Platform {
     std::shared_ptr<WiFiClient> wifiClient; ///< null when the kernel offers no netlink to us
     std::unique_ptr<LocationManager> locationManager;
     std::unique_ptr<Appearance> appearance;
+    std::unique_ptr<StatusNotifierHost> statusNotifierHost;
     std::unique_ptr<InstanceClaim> instanceClaim;
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;

@@ -5,6 +5,7 @@
 #include "platform/linux/portal_appearance.h"
 #include "platform/linux/qt_http_client.h"
 #include "platform/linux/scan_permission.h"
+#include "platform/linux/session_status_notifier_host.h"
 #include "platform/linux/settings_file.h"
 #include "platform/linux/socket_connections.h"
 #include "platform/linux/system_resolver.h"
@@ -26,6 +27,7 @@ Platform makePlatform()
     platform.wifiClient = Nl80211WiFiClient::create();
     platform.locationManager = std::make_unique<ScanPermission>(*systemBus);
     platform.appearance = std::make_unique<PortalAppearance>(*sessionBus);
+    platform.statusNotifierHost = std::make_unique<SessionStatusNotifierHost>(*sessionBus);
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
