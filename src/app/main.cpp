@@ -1,10 +1,12 @@
 #include "app/app_delegate.h"
+#include "app/dashboard_views.h"
 #include "app/desktop_url_opener.h"
 #include "app/notification_center.h"
 #include "platform/application_activity.h"
 #include "platform/linux/termination_signals.h"
 #include "platform/log.h"
 #include "platform/platform.h"
+#include "ui/view_engine.h"
 
 #include <QApplication>
 
@@ -30,6 +32,12 @@ void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& m
     platform::log(qFormatLogMessage(type, context, message));
 }
 
+/// The windows of the program, without anything in them.
+class EmptyViews final : public app::DashboardViews {
+    app::HostedView popoverView(const app::AppDelegate&) override { return {}; }
+    app::HostedView detailedWindowView(const app::AppDelegate&) override { return {}; }
+};
+
 /// Runs the delegate's life along that of the event loop.
 void drive(QApplication& application, app::AppDelegate& delegate,
     platform::ApplicationActivity& activity, platform::InstanceClaim& claim)
@@ -43,6 +51,10 @@ void drive(QApplication& application, app::AppDelegate& delegate,
         });
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
         &app::AppDelegate::applicationWillTerminate);
+    QObject::connect(&claim, &platform::InstanceClaim::startedAgain, &delegate, [&delegate] {
+        delegate.applicationShouldHandleReopen(false);
+        delegate.applicationStartedAgain();
+    });
     QObject::connect(&claim, &platform::InstanceClaim::decided, &delegate, [&delegate](bool isFirst) {
         if (!isFirst) {
             platform::log(
@@ -65,7 +77,8 @@ int run(QApplication& application)
     platform.urlOpener = std::make_unique<app::DesktopUrlOpener>();
     platform::ApplicationActivity activity;
     app::NotificationCenter notifications;
-    app::AppDelegate delegate(platform, activity, notifications);
+    EmptyViews views;
+    app::AppDelegate delegate(platform, activity, notifications, views);
     drive(application, delegate, activity, *platform.instanceClaim);
     platform.instanceClaim->claim();
     return QApplication::exec();
@@ -84,6 +97,7 @@ int main(int argc, char** argv)
         platform::log(u"Netvane: There is no display to run on; start it from a desktop session"_s);
         return 1;
     }
+    ui::ViewEngine::prepareRendering();
     QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName(u"org.netvane.Netvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);
