@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 BUILD = build
 
-.PHONY: help build run test check check-format check-layers check-qml check-tidy check-sanitizers test-radio bench clean
+.PHONY: help build run test check check-format check-layers check-qml check-tidy check-sanitizers test-desktop test-radio bench clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
@@ -46,6 +46,12 @@ check-sanitizers: ## the tests under ASan with UBSan, and under TSan
 	@scripts/setup build run test
 	@scripts/check-sanitizers dev
 	@scripts/check-sanitizers tsan
+
+test-desktop: ## the status item, the popover and the window on desktops with a virtual display
+	@scripts/setup build run test desktop
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane
+	@tests/desktop/run $(BUILD)/netvane
 
 test-radio: ## end to end on simulated radios in a virtual machine
 	@scripts/setup build run test radio

@@ -9,15 +9,13 @@ namespace {
 
 constexpr int kSizes[] = {16, 18, 22, 24, 32, 48, 64};
 
-/// A mast with a dot, and two waves to either side, on an 18 by 18 grid.
-QPixmap drawAntenna(int size, const QColor& colour)
+constexpr double kSeamOpacity = 0.75;
+constexpr double kGrid = 18; // the drawing's own units
+
+/// A mast with a dot, and two waves to either side.
+void paintAntenna(QPainter& painter, const QColor& colour, double width)
 {
-    QPixmap pixmap(size, size);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(size / 18.0, size / 18.0);
-    painter.setPen(QPen(colour, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     const QPointF centre(9, 7.5);
     for (const double radius : {4.0, 7.0}) {
         const QRectF circle(centre.x() - radius, centre.y() - radius, 2 * radius, 2 * radius);
@@ -27,16 +25,44 @@ QPixmap drawAntenna(int size, const QColor& colour)
     painter.drawLine(centre, {9, 16});
     painter.setBrush(colour);
     painter.drawEllipse(centre, 1.0, 1.0);
+}
+
+/// One stroke wider all around than the antenna itself.
+QPixmap seam(int size, const QColor& colour)
+{
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(size / kGrid, size / kGrid);
+    paintAntenna(painter, colour, 2.8);
+    return pixmap;
+}
+
+QPixmap drawAntenna(int size, bool isDark)
+{
+    const QColor colour(isDark ? 0xf4f4f4 : 0x2a2a2a);
+    const QColor opposite(isDark ? 0x000000 : 0xffffff);
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    // At once, or its strokes would show where they cross.
+    painter.setOpacity(kSeamOpacity);
+    painter.drawPixmap(0, 0, seam(size, opposite));
+    painter.setOpacity(1);
+    painter.scale(size / kGrid, size / kGrid);
+    paintAntenna(painter, colour, 1.4);
     return pixmap;
 }
 
 } // namespace
 
-QIcon antennaIcon(const QColor& colour)
+QIcon antennaIcon(bool isDark)
 {
     QIcon drawn;
     for (const int size : kSizes)
-        drawn.addPixmap(drawAntenna(size, colour));
+        drawn.addPixmap(drawAntenna(size, isDark));
     return QIcon::fromTheme(u"org.netvane.Netvane-symbolic"_s, drawn);
 }
 

@@ -1,6 +1,9 @@
 #include "app/app_delegate.h"
 
+#include "app/dashboard_views.h"
+#include "app/detailed_window_controller.h"
 #include "app/notification_center.h"
+#include "app/popover_window.h"
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
@@ -21,7 +24,7 @@
 #include "wifi/wifi_service.h"
 
 #include <QAction>
-#include <QCoreApplication>
+#include <QGuiApplication>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -30,20 +33,27 @@ namespace netvane::app {
 namespace {
 
 constexpr std::chrono::milliseconds kMemoryLogInterval = 30s;
+/// A session that begins starts its panel and us in any order.
+constexpr std::chrono::milliseconds kStatusAreaLimit = 3s;
 constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
 
 } // namespace
 
 AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActivity& activity,
-    NotificationCenter& notifications)
+    NotificationCenter& notifications, DashboardViews& views)
     : m_platform(platform)
     , m_activity(activity)
     , m_notifications(notifications)
+    , m_views(views)
     , m_updaterController(QCoreApplication::applicationFilePath())
+    , m_statusArea(*platform.statusNotifierHost)
+    , m_viewHost(*platform.appearance)
 {
     platform::log(u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
     connect(&m_notifications, &NotificationCenter::openInWindow, this,
         &AppDelegate::handleOpenInWindow);
+    connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
+        &AppDelegate::popoverDidOpenNotification);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -122,7 +132,8 @@ std::optional<insights::ReportInputs> AppDelegate::currentReadings() const
 
 void AppDelegate::setupStatusBar()
 {
-    m_statusBarManager = std::make_unique<StatusBarManager>(m_notifications);
+    m_statusBarManager = std::make_unique<StatusBarManager>(
+        m_notifications, m_statusArea, *m_platform.appearance, *m_platform.clock);
     m_statusBarManager->setup(m_wifiService.get());
     platform::log(u"Netvane: Status bar setup complete"_s);
 }
@@ -133,8 +144,8 @@ void AppDelegate::setupMainMenu()
     m_mainMenu = std::make_unique<QMenu>(u"Window"_s);
     auto* open = m_mainMenu->addAction(u"Open in Window"_s);
     open->setShortcut(QKeySequence(u"Ctrl+D"_s));
-    open->setShortcutContext(Qt::ApplicationShortcut);
     connect(open, &QAction::triggered, this, &AppDelegate::handleOpenInWindow);
+    m_viewHost.setMenu(*m_mainMenu);
     platform::log(u"Netvane: Global keyboard shortcut ⌘D configured"_s);
 }
 
@@ -160,11 +171,93 @@ void AppDelegate::startServices()
     m_internetPingService->start();
     m_dnsService->start();
     m_captivePortalService->start();
+    setupPopover();
     platform::log(u"Netvane: All services started"_s);
+    m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
+}
+
+void AppDelegate::setupPopover()
+{
+    m_popover = std::make_unique<PopoverWindow>(
+        m_viewHost, [this] { return m_views.popoverView(*this); });
+    connect(m_popover.get(), &PopoverWindow::didClose, this, &AppDelegate::popoverDidClose);
+    m_statusBarManager->setPopover(m_popover.get());
+}
+
+void AppDelegate::popoverDidOpenNotification()
+{
+    removePopoverMonitor();
+    m_popoverMonitor = OutsideClickMonitor::create(*m_popover->window(),
+        [this](const std::optional<QPoint>& position) { handlePress(position); });
+}
+
+/// Presses on the status item are its own business, those beside a dialog of ours are the dialog's.
+void AppDelegate::handlePress(const std::optional<QPoint>& position)
+{
+    if (!m_popover->isShown() || QGuiApplication::modalWindow())
+        return;
+    if (position
+        && (m_popover->window()->frameGeometry().contains(*position)
+            || m_statusBarManager->isOnItem(*position)))
+        return;
+    m_statusBarManager->ignoreThisClick();
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            removePopoverMonitor();
+            m_popover->performClose();
+        },
+        Qt::QueuedConnection);
+}
+
+void AppDelegate::popoverDidClose()
+{
+    removePopoverMonitor();
+}
+
+void AppDelegate::removePopoverMonitor()
+{
+    m_popoverMonitor.reset();
+}
+
+void AppDelegate::handleOpenInWindow()
+{
+    openDetailedWindow();
 }
 
 /// A request that comes before the services exist which the window shows is dropped.
-void AppDelegate::handleOpenInWindow() { }
+void AppDelegate::openDetailedWindow()
+{
+    if (!m_popover)
+        return;
+    m_popover->performClose();
+    if (m_windowController && m_windowController->isWindowVisible()) {
+        m_windowController->bringToFront();
+        return;
+    }
+    m_windowController = std::make_unique<DetailedWindowController>(
+        m_viewHost.makeWindow(m_views.detailedWindowView(*this)), *m_platform.userDefaults,
+        *m_platform.clock);
+    m_windowController->showWindow();
+}
+
+/// Without a status area the window is the only way to the program. An item appears in any that
+/// comes later.
+void AppDelegate::followStatusArea()
+{
+    m_statusAreaTimer.reset();
+    if (m_statusArea.state() == StatusArea::State::Present)
+        return;
+    platform::log(u"Netvane: This desktop has no status area, so the window opens instead; "
+                  "start Netvane again to open it again"_s);
+    openDetailedWindow();
+}
+
+void AppDelegate::applicationStartedAgain()
+{
+    if (!m_isTerminated && m_statusArea.state() != StatusArea::State::Present)
+        openDetailedWindow();
+}
 
 void AppDelegate::applicationDidBecomeActive()
 {
@@ -179,6 +272,7 @@ void AppDelegate::applicationWillTerminate()
 {
     if (std::exchange(m_isTerminated, true))
         return;
+    m_statusAreaTimer.reset();
     if (m_wifiService)
         m_wifiService->stopMonitoring();
     for (auto* probe : {m_routerPingService.get(), m_internetPingService.get()}) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "app/outside_click_monitor.h"
+#include "app/status_area.h"
 #include "app/updater_controller.h"
+#include "app/view_host.h"
 #include "platform/clock.h"
 
 #include <QMenu>
@@ -37,7 +40,10 @@ class WiFiService;
 
 namespace netvane::app {
 
+class DashboardViews;
+class DetailedWindowController;
 class NotificationCenter;
+class PopoverWindow;
 class StatusBarManager;
 
 /// The program's one long-lived controller: makes every service once and in a fixed order, wires
@@ -46,9 +52,9 @@ class AppDelegate : public QObject {
     Q_OBJECT
 
 public:
-    /// All three outlive the delegate.
+    /// All four outlive the delegate.
     AppDelegate(platform::Platform& platform, platform::ApplicationActivity& activity,
-        NotificationCenter& notifications);
+        NotificationCenter& notifications, DashboardViews& views);
     ~AppDelegate() override;
 
     void applicationWillFinishLaunching();
@@ -58,9 +64,18 @@ public:
     void applicationWillTerminate();
     /// What a second start of the program asks of this one: nothing.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
+    /// The program was started once more. Where there is no status area to find it in, that is a
+    /// request for its window.
+    void applicationStartedAgain();
 
-    UpdaterController& updaterController() { return m_updaterController; }
+    const UpdaterController& updaterController() const { return m_updaterController; }
     StatusBarManager* statusBarManager() { return m_statusBarManager.get(); }
+    /// Null until the services run.
+    PopoverWindow* popover() { return m_popover.get(); }
+    /// That of the last detailed window; null before the first.
+    DetailedWindowController* windowController() { return m_windowController.get(); }
+    /// There exactly while the popover is open.
+    OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
     // The services: null until their place in the launch sequence, then there to the end.
     wifi::LocationPermissionService* locationPermissionService() const
     {
@@ -84,6 +99,7 @@ public:
         return m_networkNotificationService.get();
     }
     insights::ReportService* reportService() const { return m_reportService.get(); }
+    insights::OnboardingService* onboardingService() const { return m_onboardingService.get(); }
     diagnostics::TracerouteService* tracerouteService() const { return m_tracerouteService.get(); }
     QMenu* mainMenu() { return m_mainMenu.get(); }
 
@@ -92,7 +108,14 @@ private:
     std::optional<insights::ReportInputs> currentReadings() const;
     void setupStatusBar();
     void setupMainMenu();
+    void setupPopover();
+    void popoverDidOpenNotification();
+    void popoverDidClose();
+    void removePopoverMonitor();
+    void handlePress(const std::optional<QPoint>& position);
     void handleOpenInWindow();
+    void openDetailedWindow();
+    void followStatusArea();
     void gatewayAnswered(const std::optional<QString>& address);
     void startServices();
     void logMemoryUsage() const;
@@ -100,6 +123,7 @@ private:
     platform::Platform& m_platform;
     platform::ApplicationActivity& m_activity;
     NotificationCenter& m_notifications;
+    DashboardViews& m_views;
     UpdaterController m_updaterController;
     std::unique_ptr<probes::NetworkUtils> m_networkUtils;
     std::unique_ptr<wifi::LocationPermissionService> m_locationPermissionService;
@@ -111,12 +135,18 @@ private:
     std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
     std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
     std::unique_ptr<diagnostics::ChannelAnalysisService> m_channelAnalysisService;
+    std::unique_ptr<diagnostics::TracerouteService> m_tracerouteService;
     std::unique_ptr<insights::OnboardingService> m_onboardingService;
     std::unique_ptr<insights::ReportService> m_reportService;
-    std::unique_ptr<diagnostics::TracerouteService> m_tracerouteService;
-    std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<QMenu> m_mainMenu;
+    StatusArea m_statusArea;
+    ViewHost m_viewHost;
+    std::unique_ptr<PopoverWindow> m_popover;
+    std::unique_ptr<DetailedWindowController> m_windowController;
+    std::unique_ptr<OutsideClickMonitor> m_popoverMonitor;
+    std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<platform::Timer> m_memoryTimer;
+    std::unique_ptr<platform::Timer> m_statusAreaTimer; ///< runs while one is waited for
     bool m_isTerminated = false;
 };
 

@@ -4,10 +4,12 @@
 #include "app/desktop_share_picker.h"
 #include "app/desktop_url_opener.h"
 #include "app/notification_center.h"
+#include "app/program_views.h"
 #include "platform/application_activity.h"
 #include "platform/linux/termination_signals.h"
 #include "platform/log.h"
 #include "platform/platform.h"
+#include "ui/view_engine.h"
 
 #include <QApplication>
 
@@ -46,6 +48,10 @@ void drive(QApplication& application, app::AppDelegate& delegate,
         });
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &delegate,
         &app::AppDelegate::applicationWillTerminate);
+    QObject::connect(&claim, &platform::InstanceClaim::startedAgain, &delegate, [&delegate] {
+        delegate.applicationShouldHandleReopen(false);
+        delegate.applicationStartedAgain();
+    });
     QObject::connect(&claim, &platform::InstanceClaim::decided, &delegate, [&delegate](bool isFirst) {
         if (!isFirst) {
             platform::log(
@@ -72,7 +78,8 @@ int run(QApplication& application)
         = std::make_unique<app::DesktopSharePicker>(*platform.clipboard, platform.queues->utility);
     platform::ApplicationActivity activity;
     app::NotificationCenter notifications;
-    app::AppDelegate delegate(platform, activity, notifications);
+    app::ProgramViews views(platform);
+    app::AppDelegate delegate(platform, activity, notifications, views);
     drive(application, delegate, activity, *platform.instanceClaim);
     platform.instanceClaim->claim();
     return QApplication::exec();
@@ -91,6 +98,7 @@ int main(int argc, char** argv)
         platform::log(u"Netvane: There is no display to run on; start it from a desktop session"_s);
         return 1;
     }
+    ui::ViewEngine::prepareRendering();
     QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName(u"org.netvane.Netvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);

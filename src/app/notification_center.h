@@ -12,6 +12,8 @@ class NotificationCenter : public QObject {
 Q_SIGNALS:
     /// The user asked for the detailed window.
     void openInWindow();
+    /// The status item has shown the popover.
+    void popoverDidOpen();
 };
 
 } // namespace netvane::app

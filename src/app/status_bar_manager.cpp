@@ -2,18 +2,24 @@
 
 #include "app/antenna_icon.h"
 #include "app/notification_center.h"
+#include "app/popover_window.h"
+#include "app/status_area.h"
+#include "app/x11_selection.h"
 #include "platform/log.h"
 
 #include <QApplication>
 #include <QEvent>
-#include <QPalette>
+#include <QScreen>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace netvane::app {
 namespace {
 
 constexpr int kItemHeight = 22;
+constexpr int kItemReach = 24; ///< from a click on an item to its furthest point, about
+constexpr std::chrono::milliseconds kClickDuration = 250ms;
 
 QString frameText(const QRect& frame)
 {
@@ -24,15 +30,28 @@ QString frameText(const QRect& frame)
 
 } // namespace
 
-StatusBarManager::StatusBarManager(NotificationCenter& notifications)
+StatusBarManager::StatusBarManager(NotificationCenter& notifications, const StatusArea& statusArea,
+    const platform::Appearance& appearance, platform::Clock& clock)
     : m_notifications(notifications)
+    , m_statusArea(statusArea)
+    , m_appearance(appearance)
+    , m_clock(clock)
 {
+    makeMenu();
+}
+
+StatusBarManager::~StatusBarManager() = default;
+
+void StatusBarManager::makeMenu()
+{
+    auto* open = m_menu.addAction(u"Open in Window"_s);
+    open->setShortcut(QKeySequence(u"Ctrl+D"_s));
+    connect(open, &QAction::triggered, this, &StatusBarManager::openInWindow);
+    m_menu.addSeparator();
     auto* quit = m_menu.addAction(u"Quit Netvane"_s);
     quit->setShortcut(QKeySequence(u"Ctrl+Q"_s));
     connect(quit, &QAction::triggered, this, &StatusBarManager::quitApp);
 }
-
-StatusBarManager::~StatusBarManager() = default;
 
 void StatusBarManager::setup(wifi::WiFiService* wifiService)
 {
@@ -43,17 +62,31 @@ void StatusBarManager::setup(wifi::WiFiService* wifiService)
 
 void StatusBarManager::setupStatusItem()
 {
-    m_statusItem = std::make_unique<QSystemTrayIcon>();
     platform::log(u"StatusBarManager: Status bar button created"_s);
+    connect(&m_statusArea, &StatusArea::changed, this, &StatusBarManager::showStatusItem);
+    showStatusItem();
+    // Panels decide about size and place; many tell neither.
+    const int width = m_statusItem ? m_statusItem->geometry().width() : 0;
+    const QRect frame(0, 0, std::max(width, kItemHeight), kItemHeight);
+    platform::log(u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
+    qApp->installEventFilter(this);
+    connect(&m_appearance, &platform::Appearance::colorSchemeChanged, this,
+        &StatusBarManager::applyIcon);
+    platform::log(u"StatusBarManager: Status bar item setup complete - should be visible"_s);
+}
+
+/// Once there is a place for it. From then on it comes back by itself with every panel.
+void StatusBarManager::showStatusItem()
+{
+    if (m_statusItem || m_statusArea.state() != StatusArea::State::Present)
+        return;
+    m_statusItem = std::make_unique<QSystemTrayIcon>();
     applyIcon();
     m_statusItem->setToolTip(u"Netvane"_s);
     m_statusItem->setContextMenu(&m_menu);
+    connect(
+        m_statusItem.get(), &QSystemTrayIcon::activated, this, &StatusBarManager::handleActivated);
     m_statusItem->show();
-    // Panels decide about size and place; many tell neither.
-    const QRect frame(0, 0, std::max(m_statusItem->geometry().width(), kItemHeight), kItemHeight);
-    platform::log(u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
-    qApp->installEventFilter(this);
-    platform::log(u"StatusBarManager: Status bar item setup complete - should be visible"_s);
 }
 
 bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)
@@ -65,7 +98,60 @@ bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)
 
 void StatusBarManager::applyIcon()
 {
-    m_statusItem->setIcon(antennaIcon(QApplication::palette().color(QPalette::WindowText)));
+    if (m_statusItem)
+        m_statusItem->setIcon(antennaIcon(ui::isDarkWanted(m_appearance)));
+}
+
+/// A system tray calls the second of two fast clicks a double one. The context menu comes by
+/// itself: from us in a tray, from the panel elsewhere.
+void StatusBarManager::handleActivated(QSystemTrayIcon::ActivationReason reason)
+{
+    if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+        togglePopover();
+}
+
+void StatusBarManager::togglePopover()
+{
+    if (!m_statusItem || !m_popover || m_ignoring)
+        return;
+    m_lastClick = QCursor::pos();
+    if (m_popover->isShown()) {
+        m_popover->performClose();
+        return;
+    }
+    m_popover->show(popoverAnchor());
+    Q_EMIT m_notifications.popoverDidOpen();
+}
+
+/// The item, else the pointer that clicked on it. Wayland tells neither.
+std::optional<QRect> StatusBarManager::popoverAnchor() const
+{
+    const QRect item = m_statusItem->geometry();
+    if (!item.isEmpty() && QGuiApplication::screenAt(item.center()))
+        return item;
+    if (isX11() && QGuiApplication::screenAt(QCursor::pos()))
+        return QRect(QCursor::pos(), QSize(0, 0));
+    return std::nullopt;
+}
+
+bool StatusBarManager::isOnItem(const QPoint& position) const
+{
+    if (!m_statusItem)
+        return false;
+    const QRect item = m_statusItem->geometry();
+    if (!item.isEmpty())
+        return item.contains(position);
+    return m_lastClick && (position - *m_lastClick).manhattanLength() <= kItemReach;
+}
+
+void StatusBarManager::ignoreThisClick()
+{
+    m_ignoring = m_clock.after(kClickDuration, [this] { m_ignoring.reset(); });
+}
+
+void StatusBarManager::openInWindow()
+{
+    Q_EMIT m_notifications.openInWindow();
 }
 
 void StatusBarManager::quitApp()

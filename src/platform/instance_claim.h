@@ -13,8 +13,11 @@ public:
     virtual void claim() = 0;
 
 Q_SIGNALS:
-    /// Once. False when another copy is running; true also where nobody can tell.
+    /// Once. False when another copy is running, which was told of this start; true also where
+    /// nobody can tell.
     void decided(bool isFirst);
+    /// In the running copy: the program was started once more.
+    void startedAgain();
 };
 
 } // namespace netvane::platform

@@ -14,6 +14,7 @@
 #include "platform/resolver.h"
 #include "platform/save_panel.h"
 #include "platform/share_picker.h"
+#include "platform/status_notifier_host.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
 #include "platform/user_notifications.h"
@@ -38,6 +39,7 @@ struct Platform {
     std::unique_ptr<NetworkScanner> networkScanner;
     std::unique_ptr<LocationManager> locationManager;
     std::unique_ptr<Appearance> appearance;
+    std::unique_ptr<StatusNotifierHost> statusNotifierHost;
     std::unique_ptr<InstanceClaim> instanceClaim;
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;

@@ -45,8 +45,7 @@ void ReportSession::start()
     m_dnsService->performLookup();
     m_networkUtils->getDefaultGateway(
         this, [this](const std::optional<QString>& address) { beginProbes(address); });
-    std::chrono::milliseconds limit
-        = probes::PingService::pingInterval * int(kRounds - 1) + kSlack;
+    std::chrono::milliseconds limit = probes::PingService::pingInterval * int(kRounds - 1) + kSlack;
     if (m_options.duration)
         limit = *m_options.duration;
     m_limit = clock.after(limit, [this] { sampled(); });

@@ -36,6 +36,13 @@ QString systemFamily()
 
 } // namespace
 
+bool isDarkWanted(const platform::Appearance& appearance)
+{
+    using platform::ColorScheme;
+    const ColorScheme scheme = appearance.colorScheme();
+    return scheme == ColorScheme::NoPreference ? isPaletteDark() : scheme == ColorScheme::Dark;
+}
+
 Theme::Theme(const platform::Appearance& appearance)
     : m_appearance(appearance)
     , m_family(systemFamily())
@@ -61,10 +68,7 @@ bool Theme::eventFilter(QObject* watched, QEvent* event)
 
 void Theme::update()
 {
-    using platform::ColorScheme;
-    const ColorScheme scheme = m_appearance.colorScheme();
-    const bool isDark
-        = scheme == ColorScheme::NoPreference ? isPaletteDark() : scheme == ColorScheme::Dark;
+    const bool isDark = isDarkWanted(m_appearance);
     if (std::exchange(m_isDark, isDark) != isDark)
         Q_EMIT schemeChanged();
 }

@@ -1,29 +1,14 @@
-#include "app/app_delegate.h"
-#include "app/notification_center.h"
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
+#include "insights/network_notification_service.h"
 #include "insights/onboarding_service.h"
 #include "insights/report_service.h"
-#include "platform/application_activity.h"
-#include "platform/platform.h"
+#include "launched_world.h"
 #include "probes/dns_service.h"
 #include "probes/ping_service.h"
 #include "probes/probe_targets.h"
 #include "support/captured_log.h"
-#include "support/fake_connections.h"
-#include "support/fake_http_client.h"
-#include "support/fake_http_transfers.h"
-#include "support/fake_location_manager.h"
-#include "support/fake_network_configuration.h"
-#include "support/fake_network_scanner.h"
-#include "support/fake_report_exits.h"
-#include "support/fake_resolver.h"
-#include "support/fake_user_defaults.h"
-#include "support/fake_user_notifications.h"
-#include "support/fake_wifi_client.h"
-#include "support/manual_clock.h"
-#include "support/settle.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
@@ -39,57 +24,7 @@ using Status = platform::AuthorizationStatus;
 
 namespace {
 
-/// What the platform is made of, with the fakes at hand.
-struct World {
-    World()
-    {
-        platform.clock.reset(clock);
-        platform.networkConfiguration.reset(network);
-        platform.queues = std::make_unique<platform::WorkQueues>();
-        platform.wifiClient = std::make_shared<test::FakeWiFiClient>();
-        platform.networkScanner.reset(scanner);
-        platform.locationManager.reset(location);
-        platform.urlOpener = std::make_unique<test::FakeUrlOpener>();
-        platform.httpClient.reset(http);
-        platform.httpTransfers.reset(transfers);
-        platform.connections.reset(connections);
-        platform.hopProbes
-            = std::shared_ptr<test::FakeConnections>(platform.connections, connections);
-        platform.resolver = std::make_shared<test::FakeResolver>();
-        platform.userDefaults = std::make_unique<test::FakeUserDefaults>();
-        platform.userNotifications.reset(userNotifications);
-        platform.clipboard = std::make_unique<test::FakeClipboard>();
-        platform.savePanel = std::make_unique<test::FakeSavePanel>();
-        platform.sharePicker = std::make_unique<test::FakeSharePicker>();
-        delegate = std::make_unique<app::AppDelegate>(platform, activity, notifications);
-    }
-
-    void launch()
-    {
-        delegate->applicationWillFinishLaunching();
-        delegate->applicationDidFinishLaunching();
-    }
-    /// Until the services run.
-    void launchAll()
-    {
-        launch();
-        settle();
-    }
-    void settle() { test::settle(platform.queues->userInitiated); }
-
-    test::ManualClock* clock = new test::ManualClock; // owned by the platform, as the rest
-    test::FakeNetworkConfiguration* network = new test::FakeNetworkConfiguration;
-    test::FakeLocationManager* location = new test::FakeLocationManager;
-    test::FakeNetworkScanner* scanner = new test::FakeNetworkScanner;
-    test::FakeHttpClient* http = new test::FakeHttpClient;
-    test::FakeHttpTransfers* transfers = new test::FakeHttpTransfers;
-    test::FakeConnections* connections = new test::FakeConnections(*clock);
-    test::FakeUserNotifications* userNotifications = new test::FakeUserNotifications;
-    platform::Platform platform;
-    platform::ApplicationActivity activity;
-    app::NotificationCenter notifications;
-    std::unique_ptr<app::AppDelegate> delegate;
-};
+using World = test::LaunchedWorld;
 
 /// How much each service that works by itself has done so far.
 std::vector<qsizetype> workDone(const World& world)

@@ -52,6 +52,7 @@ private Q_SLOTS:
         QTRY_COMPARE(first->decided.count(), 1);
         QVERIFY(first->isFirst());
         QCOMPARE(clock.timerCount(), 0);
+        const QSignalSpy startedAgain(&first->claim, &InstanceClaim::startedAgain);
 
         Copy second(clock);
         QTRY_COMPARE(second.link.state(), BusLink::State::Connected); // claims only when asked to
@@ -59,6 +60,7 @@ private Q_SLOTS:
         second.claim.claim();
         QTRY_COMPARE(second.decided.count(), 1);
         QVERIFY(!second.isFirst());
+        QCOMPARE(startedAgain.count(), 1);
 
         // No queueing: when the first one ends the name is free again.
         first.reset();

@@ -14,11 +14,14 @@ constexpr std::chrono::milliseconds kDecisionLimit = 3s; // a start does not wai
 constexpr uint kDoNotQueue = 4; // flags and answers of org.freedesktop.DBus.RequestName
 constexpr uint kNameExists = 3;
 
+const QString kName = u"org.netvane.Netvane"_s;
+const QString kPath = u"/org/netvane/Netvane"_s;
+
 QDBusMessage requestNameCall()
 {
     auto call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
         u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"RequestName"_s);
-    call << u"org.netvane.Netvane"_s << kDoNotQueue;
+    call << kName << kDoNotQueue;
     return call;
 }
 
@@ -29,6 +32,7 @@ BusNameClaim::BusNameClaim(BusLink& sessionBus, Clock& clock)
     , m_clock(clock)
 {
     connect(&m_sessionBus, &BusLink::stateChanged, this, &BusNameClaim::followSessionBus);
+    connect(&m_object, &ApplicationObject::activated, this, &InstanceClaim::startedAgain);
 }
 
 void BusNameClaim::claim()
@@ -50,12 +54,34 @@ void BusNameClaim::followSessionBus()
 
 void BusNameClaim::requestName()
 {
-    auto* watcher
-        = new QDBusPendingCallWatcher(m_sessionBus.connection().asyncCall(requestNameCall()), this);
+    QDBusConnection bus = m_sessionBus.connection();
+    // There before the name, since whoever sees the name may call at once.
+    bus.registerObject(kPath, &m_object, QDBusConnection::ExportScriptableSlots);
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(requestNameCall()), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         watcher->deleteLater();
         const QDBusPendingReply<uint> answer = *watcher;
-        decide(answer.isError() || answer.value() != kNameExists);
+        if (!answer.isError() && answer.value() == kNameExists)
+            activateOther();
+        else
+            decide(true);
+    });
+}
+
+/// The answer is waited for: a program that ends at once may take its last message along.
+void BusNameClaim::activateOther()
+{
+    if (m_isDecided) // the bus went away and came back, and now somebody else has the name
+        return;
+    m_limit = m_clock.after(kDecisionLimit, [this] { decide(false); });
+    auto call = QDBusMessage::createMethodCall(
+        kName, kPath, u"org.freedesktop.Application"_s, u"Activate"_s);
+    call << QVariantMap();
+    call.setAutoStartService(false);
+    auto* watcher = new QDBusPendingCallWatcher(m_sessionBus.connection().asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        watcher->deleteLater();
+        decide(false);
     });
 }
 

@@ -4,11 +4,27 @@
 #include "platform/instance_claim.h"
 #include "platform/linux/bus_link.h"
 
+#include <QVariantMap>
+
 namespace netvane::platform {
+
+/// What other programs see of the running copy.
+class ApplicationObject final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public Q_SLOTS:
+    Q_SCRIPTABLE void Activate(const QVariantMap&) { Q_EMIT activated(); }
+
+Q_SIGNALS:
+    void activated();
+};
 
 /// The running copy owns `org.netvane.Netvane` on the session bus
 /// (org.freedesktop.DBus.RequestName, without queueing for it). Without a session bus every copy
-/// counts as the first. The name is claimed again when a bus that went away is back.
+/// counts as the first. The name is claimed again when a bus that went away is back. A later copy
+/// calls Activate of the first one's `org.freedesktop.Application` at /org/netvane/Netvane (Desktop
+/// Entry Specification, "D-Bus Activation") before it is told that it is not the first.
 class BusNameClaim : public InstanceClaim {
     Q_OBJECT
 
@@ -20,10 +36,12 @@ public:
 private:
     void followSessionBus();
     void requestName();
+    void activateOther();
     void decide(bool isFirst);
 
     BusLink& m_sessionBus;
     Clock& m_clock;
+    ApplicationObject m_object;
     std::unique_ptr<Timer> m_limit;
     bool m_isClaiming = false;
     bool m_isDecided = false;

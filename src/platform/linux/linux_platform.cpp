@@ -8,6 +8,7 @@
 #include "platform/linux/qt_http_client.h"
 #include "platform/linux/qt_http_transfers.h"
 #include "platform/linux/scan_permission.h"
+#include "platform/linux/session_status_notifier_host.h"
 #include "platform/linux/settings_file.h"
 #include "platform/linux/socket_connections.h"
 #include "platform/linux/system_resolver.h"
@@ -33,6 +34,7 @@ Platform makePlatform()
         platform.wifiClient);
     platform.locationManager = std::make_unique<ScanPermission>(*systemBus);
     platform.appearance = std::make_unique<PortalAppearance>(*sessionBus);
+    platform.statusNotifierHost = std::make_unique<SessionStatusNotifierHost>(*sessionBus);
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
     platform.userNotifications = std::make_unique<FreedesktopNotifications>(*sessionBus);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();

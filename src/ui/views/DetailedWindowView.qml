@@ -2,14 +2,13 @@ import QtQuick
 import Netvane
 
 // Everything at once, in a window of its own.
-Rectangle {
+Item {
     id: root
 
     required property DetailedWindowState viewState
 
     implicitWidth: 600
     implicitHeight: 800
-    color: Theme.controlBackground
     focus: true
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
     Component.onCompleted: viewState.appear()
@@ -29,13 +28,11 @@ Rectangle {
             dashboard: root.viewState.dashboard
         }
     }
-    Loader {
+    SettingsView {
         objectName: "settings"
         anchors.fill: parent
-        active: root.viewState.showSettings
-        focus: active
-        sourceComponent: SettingsView {
-            viewState: root.viewState.settings
-        }
+        visible: root.viewState.showSettings
+        focus: visible
+        viewState: root.viewState.settings
     }
 }

@@ -3,7 +3,7 @@ import QtQuick.Layouts
 import Netvane
 
 // The introduction for newcomers.
-Rectangle {
+FocusScope {
     id: root
 
     required property OnboardingState viewState
@@ -12,7 +12,6 @@ Rectangle {
 
     implicitWidth: 420
     implicitHeight: 500
-    color: Theme.controlBackground
     focus: true
     onCurrentStepChanged: scroller.contentY = 0
     Keys.onReturnPressed: viewState.goOn()

@@ -1,8 +1,9 @@
 import QtQuick
 import Netvane
 
-// What the popover shows: the introduction, the settings, or the dashboard.
-Rectangle {
+// What the popover shows: the introduction, the settings, or the dashboard. The ground is its
+// window's.
+Item {
     id: root
 
     required property PopoverState viewState
@@ -20,7 +21,6 @@ Rectangle {
 
     implicitWidth: 420
     implicitHeight: wantedHeight
-    color: Theme.controlBackground
     focus: true
     // What is not taken here closes the window.
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
@@ -38,6 +38,7 @@ Rectangle {
         enabled: root.viewState.content === PopoverState.Dashboard
         opacity: root.viewState.content === PopoverState.Onboarding ? 0 : enabled ? 1 : 0
         focus: enabled
+
         Behavior on opacity {
             enabled: !root.viewState.showSettings
             NumberAnimation { duration: 200; easing.type: Easing.InOutQuad }
@@ -51,27 +52,19 @@ Rectangle {
             dashboard: root.viewState.dashboard
         }
     }
-    Loader {
+    SettingsView {
         id: settings
         objectName: "settings"
         anchors.fill: parent
-        active: root.viewState.content === PopoverState.Settings
-        focus: active
-        sourceComponent: settingsView
+        visible: root.viewState.content === PopoverState.Settings
+        focus: visible
+        viewState: root.viewState.settings
     }
-    Loader {
+    OnboardingView {
         objectName: "onboarding"
         anchors.fill: parent
-        active: root.viewState.content === PopoverState.Onboarding
-        focus: active
-        sourceComponent: onboardingView
-    }
-    Component {
-        id: settingsView
-        SettingsView { viewState: root.viewState.settings }
-    }
-    Component {
-        id: onboardingView
-        OnboardingView { viewState: root.viewState.onboarding }
+        visible: root.viewState.content === PopoverState.Onboarding
+        focus: visible
+        viewState: root.viewState.onboarding
     }
 }

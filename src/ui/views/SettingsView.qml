@@ -2,16 +2,15 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-Rectangle {
+FocusScope {
     id: root
 
     required property SettingsState viewState
 
     implicitWidth: 420
     implicitHeight: Math.min(500, column.implicitHeight)
-    color: Theme.controlBackground
-    focus: true
-    Component.onCompleted: viewState.appear()
+    onVisibleChanged: if (visible) viewState.appear()
+    Component.onCompleted: if (visible) viewState.appear()
 
     ScrollArea {
         anchors.fill: parent

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "app/host_window.h"
+#include "platform/clock.h"
+#include "platform/user_defaults.h"
+
+namespace netvane::app {
+
+/// The detailed window over its one life, from being shown to being closed. Its frame is remembered
+/// under "NetvaneWindow". Main thread.
+class DetailedWindowController final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `defaults` and `clock` outlive the controller.
+    DetailedWindowController(std::unique_ptr<HostWindow> window, platform::UserDefaults& defaults,
+        platform::Clock& clock);
+    ~DetailedWindowController() override;
+
+    HostWindow& window() { return *m_window; }
+    /// False once it was closed; it is empty from then on.
+    bool isWindowVisible() const { return m_window->isVisible(); }
+    /// At the remembered frame, else in the middle of the screen.
+    void showWindow();
+    /// And takes the keyboard.
+    void bringToFront();
+
+private:
+    void restoreFrame();
+    void noteFrame();
+    void storeFrame();
+    void handleVisible(bool isVisible);
+
+    platform::UserDefaults& m_defaults;
+    platform::Clock& m_clock;
+    std::unique_ptr<HostWindow> m_window;
+    QRect m_frame; ///< the last one seen on the screen; null before
+    std::unique_ptr<platform::Timer> m_storing;
+};
+
+} // namespace netvane::app

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QUrl>
+#include <QVariantMap>
+
+#include <memory>
+
+namespace netvane::app {
+
+/// What fills a window: a QML file, and the objects that it shows.
+struct HostedView {
+    QUrl source;
+    QVariantMap properties; ///< the required ones of its root
+    std::shared_ptr<void> state; ///< whatever has to live as long as the view; goes after it
+};
+
+} // namespace netvane::app
