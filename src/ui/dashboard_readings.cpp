@@ -62,6 +62,7 @@ QStringList DashboardReadings::refresh()
         &DashboardReadings::isCaptiveChanged);
     takeValue(m_vpnActive, probes::isVPNActive(m_sources.networkConfiguration), u"vpn"_s,
         &DashboardReadings::vpnActiveChanged);
+    Q_EMIT refreshed();
     return changes;
 }
 

@@ -64,6 +64,8 @@ Q_SIGNALS:
     void errorMessageChanged();
     void isCaptiveChanged();
     void vpnActiveChanged();
+    /// After all of the above, also when there were none.
+    void refreshed();
 
 private:
     ReadingSources m_sources;

@@ -2,7 +2,8 @@
 
 namespace netvane::ui {
 
-DashboardState::DashboardState(const DashboardServices& services)
+DashboardState::DashboardState(
+    const DashboardServices& services, probes::PingService* loadProbe)
     : m_readings({services.wifiService, services.routerPingService, services.internetPingService,
         services.captivePortalService, services.networkConfiguration})
     , m_networkInfo(m_readings)
@@ -15,7 +16,7 @@ DashboardState::DashboardState(const DashboardServices& services)
     , m_dns(services.dnsService)
     , m_channelAnalysis(services.channelAnalysisService, services.locationPermissionService,
           services.networkScanner, services.urlOpener, services.clock)
-    , m_speedTest(services.speedTestService, &services.routerPingService, services.clock)
+    , m_speedTest(services.speedTestService, loadProbe, services.clock)
     , m_traceroute(services.tracerouteService)
     , m_recommendations(m_readings)
 {

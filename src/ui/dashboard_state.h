@@ -41,7 +41,9 @@ class DashboardState : public QObject {
     Q_PROPERTY(netvane::ui::RecommendationsState* recommendations READ recommendations CONSTANT)
 
 public:
-    explicit DashboardState(const DashboardServices& services);
+    /// `loadProbe` tells the speed test how the link lags while it is busy; null for one that is not
+    /// to be told.
+    DashboardState(const DashboardServices& services, probes::PingService* loadProbe);
 
     DashboardReadings& readings() { return m_readings; }
 

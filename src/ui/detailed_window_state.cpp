@@ -7,7 +7,7 @@ namespace netvane::ui {
 DetailedWindowState::DetailedWindowState(
     const DashboardServices& services, const SettingsServices& settingsServices)
     : m_permission(services.locationPermissionService)
-    , m_dashboard(services)
+    , m_dashboard(services, nullptr)
     , m_settings(settingsServices)
     , m_updateTimer(
           services.clock.repeat(updateInterval, [this] { m_dashboard.readings().refresh(); }))

@@ -16,8 +16,8 @@ LocationPermissionState::LocationPermissionState(const DashboardReadings& readin
     , m_service(service)
     , m_opener(opener)
 {
-    connect(&m_readings, &DashboardReadings::needsLocationPermissionChanged, this,
-        &LocationPermissionState::refresh);
+    connect(
+        &m_readings, &DashboardReadings::refreshed, this, &LocationPermissionState::refresh);
     connect(&m_service, &LocationPermissionService::isAuthorizedChanged, this,
         &LocationPermissionState::followAuthorization);
     connect(&m_service, &LocationPermissionService::authorizationStatusChanged, this,
@@ -47,8 +47,8 @@ void LocationPermissionState::refresh()
         Q_EMIT isNeededChanged();
 }
 
-/// A permission that was granted takes the card away with the next readings, as it brings the name
-/// with them. One that was lost may find the readings as they were.
+/// A permission that was granted takes the card away with the next readings, which bring the name.
+/// One that was lost may find the readings as they were.
 void LocationPermissionState::followAuthorization()
 {
     if (!m_service.isAuthorized())

@@ -26,7 +26,7 @@ std::optional<QString> updateLine(int updateCount, double milliseconds, const QS
 PopoverState::PopoverState(
     const DashboardServices& services, const SettingsServices& settingsServices)
     : m_services(services)
-    , m_dashboard(services)
+    , m_dashboard(services, &services.routerPingService)
     , m_settings(settingsServices)
     , m_onboarding(
           services.onboardingService, services.locationPermissionService, services.urlOpener)

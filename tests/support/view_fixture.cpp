@@ -1,5 +1,7 @@
 #include "support/view_fixture.h"
 
+#include "support/view_audit.h"
+
 #include <QDir>
 #include <QImage>
 #include <QPainter>
@@ -72,6 +74,12 @@ void ViewFixture::click(QQuickItem* item)
     const QPointF middle = item->mapToScene({item->width() / 2, item->height() / 2});
     QTest::mouseClick(&m_window, Qt::LeftButton, {}, middle.toPoint());
     QCoreApplication::processEvents();
+}
+
+QStringList ViewFixture::problems()
+{
+    layOut();
+    return m_problems + auditView(root());
 }
 
 void ViewFixture::layOut()

@@ -39,7 +39,8 @@ public:
     /// Renders the view in both schemes; writes both beside one another under the folder named by
     /// NETVANE_PICTURES, when it is set, for people to look at.
     void picture(const QString& name);
-    QStringList problems() const { return m_problems; }
+    /// What QML complained of, and what `auditView` finds now.
+    QStringList problems();
 
     FakeAppearance appearance;
 

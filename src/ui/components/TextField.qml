@@ -16,6 +16,7 @@ T.TextField {
     selectionColor: Theme.prominentFill
     selectedTextColor: "white"
     selectByMouse: true
+    activeFocusOnTab: true
     Accessible.role: Accessible.EditableText
     Accessible.name: placeholderText
 
