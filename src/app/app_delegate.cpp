@@ -112,6 +112,20 @@ void AppDelegate::makeServices()
             *m_platform.clipboard, *m_platform.savePanel, *m_platform.sharePicker});
 }
 
+/// What was read before is old. A probe that was under way when the machine fell asleep tells
+/// nothing, which the services see to themselves.
+void AppDelegate::sampleAfterSleep()
+{
+    if (m_isTerminated || !m_popover) // not all of them run
+        return;
+    platform::log(u"Netvane: Awake after a sleep, reading everything anew"_s);
+    m_wifiService->updateWiFiInfo();
+    m_routerPingService->probeAtOnce();
+    m_internetPingService->probeAtOnce();
+    m_dnsService->performLookup();
+    m_captivePortalService->checkForCaptivePortal();
+}
+
 /// For a report. Whatever has not measured yet is absent.
 std::optional<insights::ReportInputs> AppDelegate::currentReadings() const
 {
@@ -172,6 +186,8 @@ void AppDelegate::startServices()
     m_dnsService->start();
     m_captivePortalService->start();
     setupPopover();
+    connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake, this,
+        &AppDelegate::sampleAfterSleep);
     platform::log(u"Netvane: All services started"_s);
     m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
 }

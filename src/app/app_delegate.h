@@ -118,6 +118,7 @@ private:
     void followStatusArea();
     void gatewayAnswered(const std::optional<QString>& address);
     void startServices();
+    void sampleAfterSleep();
     void logMemoryUsage() const;
 
     platform::Platform& m_platform;

@@ -12,8 +12,8 @@ public:
     virtual ~Timer() = default;
 };
 
-/// Time, and everything that happens after some of it. Main thread, except the two readings, which
-/// any thread may take.
+/// Time, and everything that happens after some of it. Main thread, except the readings, which any
+/// thread may take.
 class Clock {
 public:
     virtual ~Clock() = default;
@@ -22,6 +22,9 @@ public:
     virtual std::chrono::system_clock::time_point now() const = 0;
     /// For durations and throttles. Never goes back; stands still while the machine sleeps.
     virtual std::chrono::steady_clock::time_point monotonicNow() const = 0;
+    /// How long the machine has slept since it was started: what `monotonicNow` missed. Right to a
+    /// few milliseconds.
+    virtual std::chrono::milliseconds timeAsleep() const = 0;
 
     /// Runs `action` every `interval`, the first time one interval from now. The system may shift a
     /// tick by up to a twentieth of the interval so that wake-ups coincide.
@@ -33,5 +36,12 @@ public:
         std::chrono::milliseconds delay, std::function<void()> action)
         = 0;
 };
+
+/// Whether the machine slept between two readings of `timeAsleep`.
+inline bool hasSlept(std::chrono::milliseconds before, std::chrono::milliseconds after)
+{
+    constexpr std::chrono::milliseconds kShortestSleep {500}; // far above what the readings differ
+    return after - before >= kShortestSleep;
+}
 
 } // namespace netvane::platform

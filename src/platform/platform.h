@@ -14,6 +14,7 @@
 #include "platform/resolver.h"
 #include "platform/save_panel.h"
 #include "platform/share_picker.h"
+#include "platform/sleep_monitor.h"
 #include "platform/status_notifier_host.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
@@ -41,6 +42,7 @@ struct Platform {
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<StatusNotifierHost> statusNotifierHost;
     std::unique_ptr<InstanceClaim> instanceClaim;
+    std::unique_ptr<SleepMonitor> sleepMonitor;
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;
     std::unique_ptr<HttpTransfers> httpTransfers;

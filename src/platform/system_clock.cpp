@@ -2,6 +2,8 @@
 
 #include <QTimer>
 
+#include <ctime>
+
 namespace netvane::platform {
 namespace {
 
@@ -34,6 +36,17 @@ std::chrono::system_clock::time_point SystemClock::now() const
 std::chrono::steady_clock::time_point SystemClock::monotonicNow() const
 {
     return std::chrono::steady_clock::now();
+}
+
+std::chrono::milliseconds SystemClock::timeAsleep() const
+{
+    timespec withSleep {};
+    timespec without {};
+    ::clock_gettime(CLOCK_BOOTTIME, &withSleep);
+    ::clock_gettime(CLOCK_MONOTONIC, &without);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::seconds(withSleep.tv_sec - without.tv_sec)
+        + std::chrono::nanoseconds(withSleep.tv_nsec - without.tv_nsec));
 }
 
 std::unique_ptr<Timer> SystemClock::repeat(

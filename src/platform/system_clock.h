@@ -9,6 +9,8 @@ class SystemClock : public Clock {
 public:
     std::chrono::system_clock::time_point now() const override;
     std::chrono::steady_clock::time_point monotonicNow() const override;
+    /// CLOCK_BOOTTIME less CLOCK_MONOTONIC.
+    std::chrono::milliseconds timeAsleep() const override;
     std::unique_ptr<Timer> repeat(
         std::chrono::milliseconds interval, std::function<void()> action) override;
     std::unique_ptr<Timer> after(

@@ -61,9 +61,10 @@ void DNSService::timeLookup()
         [resolver = m_resolver, host = m_testHost.toStdString()] {
             return timedResolve(*resolver, host);
         },
-        [this](const TimedResolution& lookup) {
+        [this, asleepBefore = m_clock.timeAsleep()](const TimedResolution& lookup) {
             --m_lookupsInFlight;
-            finishLookup(lookup);
+            if (!platform::hasSlept(asleepBefore, m_clock.timeAsleep()))
+                finishLookup(lookup);
         });
     if (started)
         ++m_lookupsInFlight;

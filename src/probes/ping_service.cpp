@@ -36,14 +36,16 @@ struct PingService::Outcome {
 /// One connection being timed. Its events on the network thread and the timeout on the main thread
 /// share the flag and nothing else: who sets it delivers.
 struct PingService::Probe {
-    Probe(PingService* owner, std::chrono::steady_clock::time_point start)
+    explicit Probe(PingService* owner)
         : service(owner)
-        , startedAt(start)
+        , startedAt(owner->m_clock.monotonicNow())
+        , asleepBefore(owner->m_clock.timeAsleep())
     {
     }
 
     const QPointer<PingService> service; ///< asked for on the main thread only
     const std::chrono::steady_clock::time_point startedAt;
+    const std::chrono::milliseconds asleepBefore;
     std::unique_ptr<platform::Connection> connection;
     std::atomic_flag hasCompleted;
 
@@ -120,6 +122,13 @@ void PingService::start()
         .timestamp = m_clock.now(), .packetLoss = 0, .target = m_targetName};
     m_metrics = {initial};
     m_metricsSubject.send(initial);
+    probeAtOnce();
+}
+
+void PingService::probeAtOnce()
+{
+    if (!m_isRunning)
+        return;
     performPing();
     m_pingTimer = m_clock.repeat(pingInterval, [this] { performPing(); });
 }
@@ -143,8 +152,7 @@ void PingService::performPing()
 
 void PingService::measureLatency()
 {
-    const auto startedAt = m_clock.monotonicNow();
-    const auto probe = std::make_shared<Probe>(this, startedAt);
+    const auto probe = std::make_shared<Probe>(this);
     // Weakly: when the service goes its probes go with it, and the connections with them.
     probe->connection = m_connections.connectTcp(m_targetHost, portOf(m_targetHost),
         [weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
@@ -164,8 +172,10 @@ void PingService::probeTimedOut(Probe& probe)
 /// Also cancels the timeout, which found nothing to do since the probe completed.
 void PingService::finishProbe(const Probe* probe, std::optional<double> latencyMs)
 {
+    const bool hasSlept = platform::hasSlept(probe->asleepBefore, m_clock.timeAsleep());
     std::erase_if(m_inFlight, [probe](const InFlight& each) { return each.probe.get() == probe; });
-    recordResult(latencyMs);
+    if (!hasSlept)
+        recordResult(latencyMs);
 }
 
 void PingService::recordResult(std::optional<double> latencyMs)

@@ -14,7 +14,8 @@
 namespace netvane::probes {
 
 /// Measures latency, jitter and loss towards one target every 3 seconds by the time that a TCP
-/// connection takes to become ready; one that does not within `probeTimeout` is a lost packet.
+/// connection takes to become ready; one that does not within `probeTimeout` is a lost packet. One
+/// across which the machine slept tells nothing and counts as nothing.
 /// Main thread; connections report on the factory's network thread, which never touches this.
 class PingService : public QObject {
     Q_OBJECT
@@ -36,6 +37,8 @@ public:
     void start();
     /// Probes in flight still count.
     void stop();
+    /// Probes now and then every interval from now, when it is running: the machine woke up.
+    void probeAtOnce();
 
     const QString& targetHost() const { return m_targetHost; }
     const QString& targetName() const { return m_targetName; }

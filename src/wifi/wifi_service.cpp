@@ -116,7 +116,8 @@ void WiFiService::followPermission()
 
 void WiFiService::updateWiFiInfo()
 {
-    const auto now = m_clock.monotonicNow();
+    // Time asleep counts: what was read before it is old.
+    const auto now = m_clock.monotonicNow() + m_clock.timeAsleep();
     if (m_lastUpdateTime && now - *m_lastUpdateTime < minUpdateInterval)
         return;
     if (m_isUpdating)

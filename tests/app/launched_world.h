@@ -69,6 +69,7 @@ struct LaunchedWorld {
         platform.resolver = std::make_shared<FakeResolver>();
         platform.appearance = std::make_unique<FakeAppearance>();
         platform.userDefaults.reset(defaults);
+        platform.sleepMonitor = std::make_unique<platform::SleepMonitor>();
         platform.statusNotifierHost.reset(host);
         delegate = std::make_unique<app::AppDelegate>(platform, activity, notifications, views);
     }

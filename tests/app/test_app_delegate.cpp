@@ -149,6 +149,20 @@ private Q_SLOTS:
         QCOMPARE(world.delegate->wifiService()->updateCount(), passes + 1);
     }
 
+    void awakeAfterASleep()
+    {
+        World world;
+        Q_EMIT world.platform.sleepMonitor->didWake(); // sooner than anything exists
+        world.launchAll();
+        world.settle();
+        const auto before = workDone(world);
+        world.clock->sleep(1h);
+        Q_EMIT world.platform.sleepMonitor->didWake();
+        const auto after = workDone(world);
+        for (size_t i = 0; i < before.size(); ++i)
+            QCOMPARE(after[i], before[i] + 1);
+    }
+
     void terminating()
     {
         World world;

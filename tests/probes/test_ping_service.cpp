@@ -212,6 +212,35 @@ private Q_SLOTS:
                 u"PingService[router]: Ping #20, metrics count: 10"_s}));
     }
 
+    /// What a connection does after a sleep, or how long it took, says nothing about the network.
+    void sleepCountsAsNothing_data()
+    {
+        QTest::addColumn<State>("end");
+        QTest::newRow("failed") << State::Failed;
+        QTest::newRow("ready") << State::Ready;
+    }
+    void sleepCountsAsNothing()
+    {
+        QFETCH(State, end);
+        m_service->start();
+        m_clock->advance(10ms);
+        m_clock->sleep(8h);
+        m_service->probeAtOnce();
+        QCOMPARE(m_connections->made().size(), size_t(2));
+        m_connections->tell(end, {}, 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_service->metrics().size(), size_t(1)); // the one of the start
+        m_clock->advance(20ms);
+        m_connections->tell(State::Ready);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_service->metrics().back().packetLoss, 0.0);
+        QCOMPARE(m_service->pingHistory(), std::vector {20.0});
+        m_clock->advance(PingService::pingInterval - 21ms);
+        QCOMPARE(m_connections->made().size(), size_t(2)); // the interval began anew
+        m_clock->advance(1ms);
+        QCOMPARE(m_connections->made().size(), size_t(3));
+    }
+
     void wallClockOnlyStamps()
     {
         m_service->start();

@@ -36,6 +36,12 @@ std::unique_ptr<platform::Timer> ManualClock::add(std::chrono::milliseconds dela
     return std::make_unique<Handle>(m_alarms.back());
 }
 
+void ManualClock::sleep(std::chrono::milliseconds time)
+{
+    m_asleep = m_asleep.load() + time;
+    m_wall = m_wall.load() + time;
+}
+
 std::shared_ptr<ManualClock::Alarm> ManualClock::nextDue(
     std::chrono::steady_clock::time_point end) const
 {

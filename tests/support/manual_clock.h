@@ -13,6 +13,7 @@ class ManualClock : public platform::Clock {
 public:
     std::chrono::system_clock::time_point now() const override { return m_wall; }
     std::chrono::steady_clock::time_point monotonicNow() const override { return m_monotonic; }
+    std::chrono::milliseconds timeAsleep() const override { return m_asleep; }
     std::unique_ptr<platform::Timer> repeat(
         std::chrono::milliseconds interval, std::function<void()> action) override;
     std::unique_ptr<platform::Timer> after(
@@ -21,6 +22,8 @@ public:
     void advance(std::chrono::milliseconds time);
     /// Sets the wall clock as a user or a time server would, without time passing.
     void setWall(std::chrono::system_clock::time_point wall) { m_wall = wall; }
+    /// The machine sleeps: the wall clock goes on, nothing else does.
+    void sleep(std::chrono::milliseconds time);
     /// How many timers are running.
     int timerCount() const;
 
@@ -41,6 +44,7 @@ private:
         std::chrono::system_clock::time_point(std::chrono::seconds(1'700'000'000))};
     std::atomic<std::chrono::steady_clock::time_point> m_monotonic {
         std::chrono::steady_clock::time_point(std::chrono::hours(1))};
+    std::atomic<std::chrono::milliseconds> m_asleep {std::chrono::milliseconds::zero()};
     std::vector<std::shared_ptr<Alarm>> m_alarms;
 };
 

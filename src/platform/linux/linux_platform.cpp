@@ -11,6 +11,7 @@
 #include "platform/linux/session_status_notifier_host.h"
 #include "platform/linux/settings_file.h"
 #include "platform/linux/socket_connections.h"
+#include "platform/linux/suspend_watch.h"
 #include "platform/linux/system_resolver.h"
 #include "platform/platform.h"
 #include "platform/system_clock.h"
@@ -36,6 +37,7 @@ Platform makePlatform()
     platform.appearance = std::make_unique<PortalAppearance>(*sessionBus);
     platform.statusNotifierHost = std::make_unique<SessionStatusNotifierHost>(*sessionBus);
     platform.instanceClaim = std::make_unique<BusNameClaim>(*sessionBus, *platform.clock);
+    platform.sleepMonitor = std::make_unique<SuspendWatch>(*platform.clock);
     platform.userNotifications = std::make_unique<FreedesktopNotifications>(*sessionBus);
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
