@@ -1,19 +1,32 @@
 # Everything a newcomer needs, from a fresh Debian 12 on. `make help` lists the targets.
 JOBS ?= $(shell nproc)
 BUILD = build
+PREFIX ?= /usr/local
+export DESTDIR
 
-.PHONY: help build run test check check-format check-layers check-qml check-tidy check-sanitizers test-desktop test-radio bench clean
+.PHONY: help build run install uninstall deb test check check-format check-layers check-qml check-packaging check-tidy \
+    check-sanitizers test-desktop test-radio bench clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
 
-build: ## the program, at build/netvane
+build: ## the programs, at build/netvane and build/netvane-report
 	@scripts/setup build run
 	@cmake --preset release >/dev/null
-	@cmake --build $(BUILD) -j $(JOBS) --target netvane
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane netvane-report
 
 run: build ## builds and starts the program; without a display on a virtual one
 	@scripts/start $(BUILD)/netvane
+
+install: build ## below PREFIX (/usr/local), and DESTDIR before that
+	@scripts/install $(BUILD) "$(PREFIX)"
+
+uninstall: ## removes what `make install` with the same PREFIX and DESTDIR installed, and nothing else
+	@scripts/uninstall "$(PREFIX)"
+
+deb: ## a Debian package, in build/deb
+	@scripts/setup build run package
+	@scripts/build-deb $(BUILD)/deb
 
 test: ## builds and runs every test that needs no virtual machine
 	@scripts/setup build run test
@@ -21,7 +34,7 @@ test: ## builds and runs every test that needs no virtual machine
 	@cmake --build $(BUILD) -j $(JOBS)
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
-check: check-format check-layers check-qml check-tidy check-sanitizers ## the other checks
+check: check-format check-layers check-qml check-packaging check-tidy check-sanitizers ## the other checks
 
 check-format: ## clang-format would change nothing
 	@scripts/setup check
@@ -37,6 +50,10 @@ check-qml: ## qmllint has nothing to say about the views, and no text is drawn b
 	@cmake --build $(BUILD) -j $(JOBS) --target netvane_ui_qmllint
 	@! grep -nE '(^|[^a-zA-Z.])(Text|Label|TextEdit|TextArea) *\{' $$(git ls-files 'src/ui/*.qml' | grep -v /PlainText.qml)
 	@echo "qml: ok"
+
+check-packaging: ## desktop entry, metadata, manual pages, icons and versions are in order
+	@scripts/setup check
+	@scripts/check-packaging
 
 check-tidy: ## clang-tidy over what differs from the main line, or over FILES
 	@scripts/setup build run check

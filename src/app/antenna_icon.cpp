@@ -1,5 +1,6 @@
 #include "app/antenna_icon.h"
 
+#include <QIconEngine>
 #include <QPainter>
 
 using namespace Qt::Literals::StringLiterals;
@@ -56,6 +57,37 @@ QPixmap drawAntenna(int size, bool isDark)
     return pixmap;
 }
 
+/// Our drawing under a name: panels that look icons up by their name take the theme's and recolour
+/// it; where the pixels are asked for (a system tray of X11), they are those that suit the desktop.
+class NamedDrawing : public QIconEngine {
+public:
+    NamedDrawing(const QString& name, const QIcon& drawn)
+        : m_name(name)
+        , m_drawn(drawn)
+    {
+    }
+
+    void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State state) override
+    {
+        m_drawn.paint(painter, place, Qt::AlignCenter, mode, state);
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
+    {
+        return m_drawn.pixmap(size, mode, state);
+    }
+    QList<QSize> availableSizes(QIcon::Mode mode, QIcon::State state) override
+    {
+        return m_drawn.availableSizes(mode, state);
+    }
+    QString iconName() override { return m_name; }
+    bool isNull() override { return false; }
+    QIconEngine* clone() const override { return new NamedDrawing(*this); }
+
+private:
+    QString m_name;
+    QIcon m_drawn;
+};
+
 } // namespace
 
 QIcon antennaIcon(bool isDark)
@@ -63,7 +95,9 @@ QIcon antennaIcon(bool isDark)
     QIcon drawn;
     for (const int size : kSizes)
         drawn.addPixmap(drawAntenna(size, isDark));
-    return QIcon::fromTheme(u"org.netvane.Netvane-symbolic"_s, drawn);
+    const QString name = u"org.netvane.Netvane-symbolic"_s;
+    // A name that no theme knows has some panels show nothing at all.
+    return QIcon::hasThemeIcon(name) ? QIcon(new NamedDrawing(name, drawn)) : drawn;
 }
 
 } // namespace netvane::app

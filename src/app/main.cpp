@@ -4,6 +4,7 @@
 #include "app/desktop_share_picker.h"
 #include "app/desktop_url_opener.h"
 #include "app/notification_center.h"
+#include "app/program_options.h"
 #include "app/program_views.h"
 #include "platform/application_activity.h"
 #include "platform/linux/termination_signals.h"
@@ -21,6 +22,14 @@ using namespace Qt::Literals::StringLiterals;
 using namespace netvane;
 
 namespace {
+
+QStringList wordsOf(int argc, char** argv)
+{
+    QStringList words;
+    for (int i = 0; i < argc; ++i)
+        words += QString::fromLocal8Bit(argv[i]);
+    return words;
+}
 
 /// Qt ends a program without a display by an abort; a sentence is kinder.
 bool hasDisplay()
@@ -94,6 +103,10 @@ int main(int argc, char** argv)
     qInstallMessageHandler(logOfQt);
     QCoreApplication::setApplicationName(u"netvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(NETVANE_VERSION));
+    if (const auto answer = app::answerTo(wordsOf(argc, argv))) {
+        std::fputs(qPrintable(answer->text), answer->status == 0 ? stdout : stderr);
+        return answer->status;
+    }
     if (!hasDisplay()) {
         platform::log(u"Netvane: There is no display to run on; start it from a desktop session"_s);
         return 1;

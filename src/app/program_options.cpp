@@ -1,0 +1,52 @@
+#include "app/program_options.h"
+
+#include <QCommandLineParser>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::app {
+namespace {
+
+const QString kHelp
+    = u"Usage: netvane [--help | --version]\n"
+      "Says in plain words what is wrong with the Wi-Fi, from the status area of the desktop.\n"
+      "Starting it again shows the window of the copy that runs.\n\n"
+      "Options:\n"
+      "  --help     Show this text.\n"
+      "  --version  Show the version.\n"_s;
+
+// What Qt takes out of the command line later. Desktops that restore a session start the program
+// with -session.
+const QStringList kQtOptionsWithValue {u"session"_s, u"platform"_s, u"platformpluginpath"_s,
+    u"platformtheme"_s, u"plugin"_s, u"display"_s, u"name"_s, u"style"_s, u"stylesheet"_s,
+    u"qwindowgeometry"_s, u"qwindowicon"_s, u"qwindowtitle"_s, u"qmljsdebugger"_s};
+const QString kQtOption = u"reverse"_s;
+
+Answer misuse(const QString& problem)
+{
+    return {problem + u"\nTry 'netvane --help'.\n"_s, 2};
+}
+
+} // namespace
+
+std::optional<Answer> answerTo(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    const QCommandLineOption help(u"help"_s);
+    const QCommandLineOption version(u"version"_s);
+    parser.addOptions({help, version, QCommandLineOption(kQtOption)});
+    for (const QString& name : kQtOptionsWithValue)
+        parser.addOption(QCommandLineOption(name, {}, u"value"_s));
+    if (!parser.parse(arguments))
+        return misuse(parser.errorText());
+    if (parser.isSet(help))
+        return Answer {kHelp};
+    if (parser.isSet(version))
+        return Answer {u"netvane "_s + QStringLiteral(NETVANE_VERSION) + u'\n'};
+    if (!parser.positionalArguments().isEmpty())
+        return misuse(u"Unexpected argument '%1'."_s.arg(parser.positionalArguments().first()));
+    return std::nullopt;
+}
+
+} // namespace netvane::app
