@@ -2,8 +2,7 @@
 
 namespace netvane::ui {
 
-DashboardState::DashboardState(
-    const DashboardServices& services, probes::PingService* loadProbe)
+DashboardState::DashboardState(const DashboardServices& services, probes::PingService* loadProbe)
     : m_readings({services.wifiService, services.routerPingService, services.internetPingService,
         services.captivePortalService, services.networkConfiguration})
     , m_networkInfo(m_readings)

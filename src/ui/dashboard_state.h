@@ -41,8 +41,8 @@ class DashboardState : public QObject {
     Q_PROPERTY(netvane::ui::RecommendationsState* recommendations READ recommendations CONSTANT)
 
 public:
-    /// `loadProbe` tells the speed test how the link lags while it is busy; null for one that is not
-    /// to be told.
+    /// `loadProbe` tells the speed test how the link lags while it is busy; null for one that is
+    /// not to be told.
     DashboardState(const DashboardServices& services, probes::PingService* loadProbe);
 
     DashboardReadings& readings() { return m_readings; }

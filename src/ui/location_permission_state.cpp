@@ -16,8 +16,7 @@ LocationPermissionState::LocationPermissionState(const DashboardReadings& readin
     , m_service(service)
     , m_opener(opener)
 {
-    connect(
-        &m_readings, &DashboardReadings::refreshed, this, &LocationPermissionState::refresh);
+    connect(&m_readings, &DashboardReadings::refreshed, this, &LocationPermissionState::refresh);
     connect(&m_service, &LocationPermissionService::isAuthorizedChanged, this,
         &LocationPermissionState::followAuthorization);
     connect(&m_service, &LocationPermissionService::authorizationStatusChanged, this,
