@@ -1,0 +1,126 @@
+// How long the popover takes from the call to its first painted frame, the first time and later;
+// what a look for news costs while there are none; and whether 1,000 openings leave anything
+// behind.
+
+#include "app/program_world.h"
+#include "platform/log.h"
+#include "ui/dashboard_state.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace netvane;
+
+namespace {
+
+constexpr int kLaterOpenings = 10;
+constexpr int kLooks = 10'000;
+constexpr int kCyclesBefore = 200; // until every pool has its size
+constexpr int kCycles = 1'000;
+constexpr double kFirstBoundMs = 200;
+constexpr double kLaterBoundMs = 25;
+constexpr double kLookBoundMs = 0.1;
+constexpr double kGrowthBoundKiB = 256;
+
+double median(std::vector<double> values)
+{
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
+void clickItem(test::LaunchedWorld& world)
+{
+    Q_EMIT world.delegate->statusBarManager()->statusItem()->activated(QSystemTrayIcon::Trigger);
+}
+
+/// Opens it and waits for a frame; ms.
+double open(test::LaunchedWorld& world)
+{
+    bool isPainted = false;
+    QElapsedTimer timer;
+    timer.start();
+    clickItem(world);
+    QMetaObject::Connection connection = QObject::connect(world.delegate->popover()->window(),
+        &QQuickWindow::frameSwapped, qApp, [&isPainted] { isPainted = true; });
+    while (!isPainted && timer.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 100);
+    QObject::disconnect(connection);
+    return double(timer.nsecsElapsed()) / 1e6;
+}
+
+void close(test::LaunchedWorld& world)
+{
+    world.delegate->popover()->performClose();
+    QCoreApplication::processEvents();
+    // A click right after a press outside would belong to it.
+    world.clock->advance(std::chrono::seconds(1));
+    world.settle();
+}
+
+qsizetype objects(const test::LaunchedWorld& world)
+{
+    return world.delegate->popover()->window()->findChildren<QObject*>().size()
+        + world.delegate->popover()->window()->rootObject()->findChildren<QObject*>().size();
+}
+
+double heapKiB()
+{
+    return double(::mallinfo2().uordblks) / 1024;
+}
+
+bool figure(const char* name, double value, double bound)
+{
+    std::printf("  %-34s %8.3f   at most %g\n", name, value, bound);
+    return value <= bound;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    ui::ViewEngine::prepareRendering();
+    const QApplication application(argc, argv);
+    platform::setLogSink([](const QString&) {});
+    test::Program program(true, false);
+    const double first = open(program);
+    program.link(test::kHome);
+    std::vector<double> later;
+    for (int i = 0; i < kLaterOpenings; ++i) {
+        close(program);
+        later.push_back(open(program));
+    }
+    auto& readings = program.state().dashboard()->readings();
+    readings.refresh();
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < kLooks; ++i)
+        readings.refresh();
+    const double look = double(timer.nsecsElapsed()) / 1e6 / kLooks;
+
+    const auto cycle = [&program](int times) {
+        for (int i = 0; i < times; ++i) {
+            close(program);
+            clickItem(program);
+            QCoreApplication::processEvents();
+        }
+    };
+    cycle(kCyclesBefore);
+    const auto objectsBefore = objects(program);
+    const double before = heapKiB();
+    cycle(kCycles);
+    const double growth = heapKiB() - before;
+    const auto newObjects = double(objects(program) - objectsBefore);
+
+    std::printf("popover, %s\n", qPrintable(QGuiApplication::platformName()));
+    bool good = figure("first opening, ms", first, kFirstBoundMs);
+    good = figure("later openings, median, ms", median(later), kLaterBoundMs) && good;
+    good = figure("a look with nothing new, ms", look, kLookBoundMs) && good;
+    good = figure("heap after 1,000 openings, KiB", growth, kGrowthBoundKiB) && good;
+    good = figure("objects after 1,000 openings", newObjects, 0) && good;
+    return good ? 0 : 1;
+}
