@@ -1,0 +1,134 @@
+#include "demo/screenshots.h"
+
+#include "app/detailed_window_controller.h"
+#include "app/popover_window.h"
+#include "demo/script.h"
+#include "demo/staged_program.h"
+#include "ui/detailed_window_state.h"
+#include "ui/popover_state.h"
+
+#include <QDir>
+#include <QQuickItem>
+
+#include <functional>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace netvane::demo {
+namespace {
+
+/// Until each history holds as much as it can.
+constexpr std::chrono::milliseconds kFullHistory = 115s;
+constexpr std::chrono::milliseconds kTraceTime = 45s;
+
+struct Picture {
+    QString name;
+    QString scene;
+    /// Brings up what is to be seen; returns its window.
+    std::function<app::HostWindow*(StagedProgram&)> show;
+};
+
+template <typename State>
+State& stateOf(const app::HostWindow& window)
+{
+    return *window.rootObject()->property("viewState").value<State*>();
+}
+
+app::HostWindow* popover(StagedProgram& program)
+{
+    auto* popover = program.delegate().popover();
+    popover->show({});
+    program.pass(kFullHistory);
+    return popover->window();
+}
+
+app::HostWindow* settings(StagedProgram& program)
+{
+    auto* window = popover(program);
+    stateOf<ui::PopoverState>(*window).setShowSettings(true);
+    program.pass(1s);
+    return window;
+}
+
+std::function<app::HostWindow*(StagedProgram&)> introduction(int page)
+{
+    return [page](StagedProgram& program) {
+        auto* window = popover(program);
+        for (int passed = 0; passed < page; ++passed)
+            stateOf<ui::PopoverState>(*window).onboarding()->goOn();
+        program.pass(1s);
+        return window;
+    };
+}
+
+app::HostWindow* detailedWindow(StagedProgram& program)
+{
+    program.delegate().mainMenu()->actions().constFirst()->trigger();
+    program.pass(kFullHistory);
+    return &program.delegate().windowController()->window();
+}
+
+/// What the user starts, after it was started.
+app::HostWindow* diagnostics(StagedProgram& program)
+{
+    auto* window = detailedWindow(program);
+    auto& dashboard = *stateOf<ui::DetailedWindowState>(*window).dashboard();
+    dashboard.channelAnalysis()->scan();
+    dashboard.speedTest()->runTest();
+    dashboard.traceroute()->run();
+    program.pass(kTraceTime);
+    auto* root = window->rootObject();
+    auto* scroller = root->findChild<QQuickItem*>(u"main-content"_s);
+    auto* first = root->findChild<QQuickItem*>(u"channel-analysis"_s);
+    auto* last = root->findChild<QQuickItem*>(u"traceroute"_s);
+    window->resize(window->width(), int(last->y() + last->height() - first->y()) + 32);
+    program.pass(1s);
+    QMetaObject::invokeMethod(scroller, "scrollTo", Q_ARG(qreal, first->y()));
+    return window;
+}
+
+std::vector<Picture> pictures()
+{
+    return {{u"dashboard"_s, u"home"_s, popover}, {u"weak-link"_s, u"weak"_s, popover},
+        {u"captive-portal"_s, u"cafe"_s, popover}, {u"wifi-off"_s, u"off"_s, popover},
+        {u"permission"_s, u"permission"_s, popover}, {u"settings"_s, u"home"_s, settings},
+        {u"introduction-1"_s, u"first-start"_s, introduction(0)},
+        {u"introduction-2"_s, u"first-start"_s, introduction(1)},
+        {u"introduction-3"_s, u"first-start"_s, introduction(2)},
+        {u"window"_s, u"office"_s, detailedWindow}, {u"diagnostics"_s, u"home"_s, diagnostics}};
+}
+
+bool draw(QApplication& application, const Picture& picture, const QDir& folder)
+{
+    StagedProgram program(
+        application, {.scenes = scenes(), .held = picture.scene, .hasStatusArea = true});
+    auto* window = picture.show(program);
+    bool isWritten = true;
+    const auto write = [&](platform::ColorScheme scheme, const QString& suffix) {
+        program.setColorScheme(scheme);
+        program.pass(1s);
+        constexpr int kSmallest = 0; // as QImage counts
+        isWritten
+            &= window->grabWindow().save(folder.filePath(picture.name + suffix), "PNG", kSmallest);
+    };
+    write(platform::ColorScheme::Light, u"-light.png"_s);
+    write(platform::ColorScheme::Dark, u"-dark.png"_s);
+    return isWritten;
+}
+
+} // namespace
+
+bool drawScreenshots(QApplication& application, const QString& folder)
+{
+    const QDir place(folder);
+    if (!place.mkpath(u"."_s))
+        return false;
+    for (const auto& picture : pictures()) {
+        if (!draw(application, picture, place))
+            return false;
+    }
+    return true;
+}
+
+} // namespace netvane::demo
