@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 BUILD = build
 
-.PHONY: help build run test check check-format check-layers check-qml check-tidy check-sanitizers test-desktop test-radio bench clean
+.PHONY: help build run demo screenshots test check check-format check-layers check-qml check-tidy check-sanitizers test-desktop test-radio bench clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
@@ -14,6 +14,18 @@ build: ## the program, at build/netvane
 
 run: build ## builds and starts the program; without a display on a virtual one
 	@scripts/start $(BUILD)/netvane
+
+demo: ## the program on made-up networks, one after another; SCENE=weak stays with one
+	@scripts/setup build run
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane-demo
+	@scripts/start $(BUILD)/netvane-demo $(if $(SCENE),--scene $(SCENE))
+
+screenshots: ## draws docs/screenshots from the demonstration, without a display
+	@scripts/setup build run
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane-demo
+	@QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=1 $(BUILD)/netvane-demo --screenshots docs/screenshots
 
 test: ## builds and runs every test that needs no virtual machine
 	@scripts/setup build run test

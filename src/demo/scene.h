@@ -18,8 +18,9 @@ struct Scene {
     std::chrono::seconds duration {40}; ///< zero: shown only when asked for
 
     bool hasRadio = true;
-    platform::LinkReading link; ///< but for what the two lists say
+    platform::LinkReading link; ///< but for what the three lists say
     std::vector<int> signalDbm;
+    std::vector<int> noiseDbm;
     std::vector<double> rateMbps;
 
     // Round trips in ms; absent is a lost probe. An empty list loses all.

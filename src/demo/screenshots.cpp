@@ -7,6 +7,7 @@
 #include "ui/detailed_window_state.h"
 #include "ui/popover_state.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QQuickItem>
 
@@ -21,6 +22,8 @@ namespace {
 /// Until each history holds as much as it can.
 constexpr std::chrono::milliseconds kFullHistory = 115s;
 constexpr std::chrono::milliseconds kTraceTime = 45s;
+constexpr std::chrono::milliseconds kAnimationTime = 400ms; ///< real time
+constexpr int kMargin = 16;
 
 struct Picture {
     QString name;
@@ -69,6 +72,25 @@ app::HostWindow* detailedWindow(StagedProgram& program)
     return &program.delegate().windowController()->window();
 }
 
+/// Makes the window as high as these sections of its dashboard and shows nothing else.
+void frameSections(app::HostWindow& window, const QString& from, const QString& to)
+{
+    auto* root = window.rootObject();
+    const auto* first = root->findChild<QQuickItem*>(from);
+    const auto* last = root->findChild<QQuickItem*>(to);
+    window.resize(window.width(), int(last->y() + last->height() - first->y()) + 2 * kMargin);
+    QCoreApplication::processEvents();
+    QMetaObject::invokeMethod(
+        root->findChild<QQuickItem*>(u"main-content"_s), "scrollTo", Q_ARG(qreal, first->y()));
+}
+
+app::HostWindow* performance(StagedProgram& program)
+{
+    auto* window = detailedWindow(program);
+    frameSections(*window, u"performance"_s, u"dns"_s);
+    return window;
+}
+
 /// What the user starts, after it was started.
 app::HostWindow* diagnostics(StagedProgram& program)
 {
@@ -78,13 +100,7 @@ app::HostWindow* diagnostics(StagedProgram& program)
     dashboard.speedTest()->runTest();
     dashboard.traceroute()->run();
     program.pass(kTraceTime);
-    auto* root = window->rootObject();
-    auto* scroller = root->findChild<QQuickItem*>(u"main-content"_s);
-    auto* first = root->findChild<QQuickItem*>(u"channel-analysis"_s);
-    auto* last = root->findChild<QQuickItem*>(u"traceroute"_s);
-    window->resize(window->width(), int(last->y() + last->height() - first->y()) + 32);
-    program.pass(1s);
-    QMetaObject::invokeMethod(scroller, "scrollTo", Q_ARG(qreal, first->y()));
+    frameSections(*window, u"channel-analysis"_s, u"traceroute"_s);
     return window;
 }
 
@@ -96,7 +112,8 @@ std::vector<Picture> pictures()
         {u"introduction-1"_s, u"first-start"_s, introduction(0)},
         {u"introduction-2"_s, u"first-start"_s, introduction(1)},
         {u"introduction-3"_s, u"first-start"_s, introduction(2)},
-        {u"window"_s, u"office"_s, detailedWindow}, {u"diagnostics"_s, u"home"_s, diagnostics}};
+        {u"window"_s, u"office"_s, detailedWindow}, {u"performance"_s, u"home"_s, performance},
+        {u"diagnostics"_s, u"home"_s, diagnostics}};
 }
 
 bool draw(QApplication& application, const Picture& picture, const QDir& folder)
@@ -104,6 +121,9 @@ bool draw(QApplication& application, const Picture& picture, const QDir& folder)
     StagedProgram program(
         application, {.scenes = scenes(), .held = picture.scene, .hasStatusArea = true});
     auto* window = picture.show(program);
+    const QDeadlineTimer animated(kAnimationTime);
+    while (!animated.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     bool isWritten = true;
     const auto write = [&](platform::ColorScheme scheme, const QString& suffix) {
         program.setColorScheme(scheme);

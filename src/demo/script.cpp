@@ -10,10 +10,9 @@ using platform::ChannelBand;
 
 const QString kHomeName = u"Harbour Lane"_s;
 
-platform::LinkReading link(const QString& name, ChannelBand band, int channel, int noiseDbm)
+platform::LinkReading link(const QString& name, ChannelBand band, int channel)
 {
     return {.ssid = name,
-        .noiseDbm = noiseDbm,
         .band = band,
         .channel = platform::WiFiChannel {channel, band},
         .interfaceName = u"wlan0"_s};
@@ -24,9 +23,12 @@ Scene home()
 {
     return {.name = u"home"_s,
         .title = u"at home, all is well"_s,
-        .link = link(kHomeName, ChannelBand::FiveGHz, 36, -94),
-        .signalDbm = {-51, -52, -50, -49, -51, -53, -52, -50, -48},
-        .rateMbps = {866, 866, 780, 866, 866, 780, 866, 866, 866},
+        .link = link(kHomeName, ChannelBand::FiveGHz, 36),
+        .signalDbm = {-51, -52, -50, -49, -51, -53, -52, -50, -48, -49, -51, -54, -52, -50, -51,
+            -49, -47, -50, -52, -53, -51, -50, -49},
+        .noiseDbm = {-94, -95, -94, -93, -94, -95, -95, -94, -93, -94, -94},
+        .rateMbps = {866, 866, 866, 780, 866, 866, 866, 866, 780, 650, 780, 866, 866, 866, 866, 780,
+            866, 866, 866},
         .routerTimes = {2.1, 2.4, 1.9, 2.2, 3.0, 2.3, 2.0, 2.6, 2.2, 2.1, 2.5},
         .internetTimes = {13.8, 14.6, 13.2, 15.9, 14.1, 13.6, 14.9, 16.8, 14.3, 13.9, 14.4},
         .timeUnderLoad = 3.5,
@@ -60,8 +62,9 @@ Scene upstairs()
     Scene scene = home();
     scene.name = u"upstairs"_s;
     scene.title = u"taken over by the access point upstairs"_s;
-    scene.link = link(kHomeName, ChannelBand::TwoGHz, 6, -88);
+    scene.link = link(kHomeName, ChannelBand::TwoGHz, 6);
     scene.signalDbm = {-58, -56, -57, -55, -56, -58, -57};
+    scene.noiseDbm = {-88, -89, -88, -87, -88};
     scene.rateMbps = {130, 144, 130, 144, 117, 130, 144};
     scene.routerTimes = {4.9, 5.6, 4.4, 7.8, 5.1, 6.3, 4.7, 9.2, 5.5};
     scene.internetTimes = {18.2, 17.6, 21.4, 18.9, 17.1, 24.6, 19.3, 18.0, 22.7};
@@ -77,9 +80,10 @@ Scene weak()
     Scene scene = home();
     scene.name = u"weak"_s;
     scene.title = u"a weak link"_s;
-    scene.link = link(kHomeName, ChannelBand::TwoGHz, 6, -87);
+    scene.link = link(kHomeName, ChannelBand::TwoGHz, 6);
     scene.signalDbm = {-81, -83, -80, -84, -82, -85, -83, -81, -84};
-    scene.rateMbps = {13, 6.5, 19.5, 6.5, 13, 6.5, 13, 19.5, 6.5};
+    scene.noiseDbm = {-87, -86, -88, -87, -85, -86, -87, -88, -87};
+    scene.rateMbps = {13, 6.5, 19.5, 6.5, 13, 6.5, 13, 19.5, 6.5, 26, 13, 19.5, 13};
     scene.routerTimes = {38.4, 71.2, 45.9, {}, 112.6, 64.3, 52.8, 141.7, {}, 88.1, 57.4};
     scene.internetTimes = {62.5, 97.8, {}, 74.1, 158.3, 91.6, 80.2, {}, 171.9, 116.4, 83.7};
     scene.timeUnderLoad = 180;
@@ -94,9 +98,10 @@ Scene cafe()
 {
     return {.name = u"cafe"_s,
         .title = u"a café that wants a log-in"_s,
-        .link = link(u"Café Meridian Guest"_s, ChannelBand::FiveGHz, 44, -91),
+        .link = link(u"Café Meridian Guest"_s, ChannelBand::FiveGHz, 44),
         .signalDbm = {-62, -63, -61, -64, -63, -62, -65},
-        .rateMbps = {260, 234, 260, 195, 234, 260, 234},
+        .noiseDbm = {-91, -90, -91, -92, -91, -90, -91, -92, -93},
+        .rateMbps = {260, 234, 260, 195, 234, 260, 234, 175, 195, 234, 260},
         .routerTimes = {6.4, 8.1, 7.2, 9.6, 6.9, 7.8, 12.3, 8.4, 7.1},
         .internetTimes = {},
         .timeUnderLoad = 60,
@@ -114,9 +119,10 @@ Scene office()
 {
     return {.name = u"office"_s,
         .title = u"an office on 6 GHz, through a tunnel"_s,
-        .link = link(u"Northwind Office"_s, ChannelBand::SixGHz, 37, -95),
+        .link = link(u"Northwind Office"_s, ChannelBand::SixGHz, 37),
         .signalDbm = {-55, -54, -56, -55, -57, -54, -55},
-        .rateMbps = {1921, 2161, 1921, 2161, 1729, 2161, 1921},
+        .noiseDbm = {-95, -95, -96, -95, -94, -95, -96, -96, -95, -95, -94},
+        .rateMbps = {1921, 2161, 2161, 2161, 1921, 1729, 1921, 2161, 2161, 2402, 2161, 2161, 1921},
         .routerTimes = {1.4, 1.6, 1.3, 1.9, 1.5, 1.4, 2.2, 1.5, 1.3},
         .internetTimes = {26.3, 27.1, 25.9, 29.4, 26.8, 26.1, 31.2, 27.6, 26.4},
         .timeUnderLoad = 2,

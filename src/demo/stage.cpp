@@ -68,10 +68,15 @@ platform::LinkReading Stage::link() const
 {
     const Scene& now = scene();
     platform::LinkReading reading = now.link;
-    if (!now.signalDbm.empty() && now.hasRadio)
-        reading.signalDbm = now.signalDbm[entry(kReadingInterval, now.signalDbm.size())];
-    if (!now.rateMbps.empty() && now.hasRadio)
-        reading.transmitRateMbps = now.rateMbps[entry(kReadingInterval, now.rateMbps.size())];
+    const auto tell = [this](auto& value, const auto& list) {
+        if (!list.empty())
+            value = list[entry(kReadingInterval, list.size())];
+    };
+    if (now.hasRadio) {
+        tell(reading.signalDbm, now.signalDbm);
+        tell(reading.noiseDbm, now.noiseDbm);
+        tell(reading.transmitRateMbps, now.rateMbps);
+    }
     return reading;
 }
 
