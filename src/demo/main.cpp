@@ -76,7 +76,8 @@ int run(QApplication& application, const Options& options)
             {.scenes = demo::scenes(),
                 .held = options.scene,
                 .colorScheme = options.colorScheme,
-                .hasStatusArea = QSystemTrayIcon::isSystemTrayAvailable()});
+                // Without one the window would take the popover's place.
+                .hasStatusArea = options.showsPopover || QSystemTrayIcon::isSystemTrayAvailable()});
         auto& clock = *scripted.platform.clock;
         mark = std::make_unique<demo::WindowMark>(application, *scripted.stage);
         auto program = std::make_unique<app::Program>(application, std::move(scripted.platform));

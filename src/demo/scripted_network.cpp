@@ -83,17 +83,6 @@ std::chrono::microseconds swayed(int microseconds, int number)
         microseconds / 100 * kPercent[size_t(number) % kPercent.size()]);
 }
 
-/// A thread that sleeps is late by as much as the machine is busy. The last bit is waited for
-/// awake, so that graphs of look-ups look the same each time.
-void takeTime(std::chrono::microseconds time)
-{
-    constexpr std::chrono::microseconds kAwake = 1ms;
-    const auto end = std::chrono::steady_clock::now() + time;
-    std::this_thread::sleep_until(end - kAwake);
-    while (std::chrono::steady_clock::now() < end)
-        std::this_thread::yield();
-}
-
 } // namespace
 
 std::unique_ptr<platform::Connection> ScriptedConnections::connectTcp(
@@ -122,7 +111,7 @@ platform::Resolution ScriptedResolver::resolve(const std::string&)
     const int number = m_lookups->begun++;
     const int microseconds = m_lookups->microseconds;
     if (microseconds >= 0)
-        takeTime(swayed(microseconds, number));
+        std::this_thread::sleep_for(swayed(microseconds, number));
     ++m_lookups->ended;
     if (microseconds >= 0)
         return {};
