@@ -9,6 +9,7 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QPainter>
 #include <QQuickItem>
 
 #include <functional>
@@ -24,6 +25,7 @@ constexpr std::chrono::milliseconds kFullHistory = 115s;
 constexpr std::chrono::milliseconds kTraceTime = 45s;
 constexpr std::chrono::milliseconds kAnimationTime = 400ms; ///< real time
 constexpr int kMargin = 16;
+constexpr double kCornerRadius = 10; ///< of the popover
 
 struct Picture {
     QString name;
@@ -117,11 +119,28 @@ std::vector<Picture> pictures()
         {u"diagnostics"_s, u"home"_s, diagnostics}};
 }
 
-bool draw(QApplication& application, const Picture& picture, const QDir& folder)
+/// What a window without a ground of its own leaves free comes out black, where it is to be clear.
+QImage pictureOf(app::HostWindow& window)
+{
+    const QImage whole = window.grabWindow();
+    if (window.color().alpha() > 0)
+        return whole;
+    QImage rounded(whole.size(), QImage::Format_ARGB32);
+    rounded.fill(Qt::transparent);
+    QPainter painter(&rounded);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(whole);
+    const double radius = kCornerRadius * whole.devicePixelRatio();
+    painter.drawRoundedRect(whole.rect(), radius, radius);
+    return rounded;
+}
+
+bool draw(QApplication& application, const Picture& wanted, const QDir& folder)
 {
     StagedProgram program(
-        application, {.scenes = scenes(), .held = picture.scene, .hasStatusArea = true});
-    auto* window = picture.show(program);
+        application, {.scenes = scenes(), .held = wanted.scene, .hasStatusArea = true});
+    auto* window = wanted.show(program);
     const QDeadlineTimer animated(kAnimationTime);
     while (!animated.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
@@ -131,7 +150,7 @@ bool draw(QApplication& application, const Picture& picture, const QDir& folder)
         program.pass(1s);
         constexpr int kSmallest = 0; // as QImage counts
         isWritten
-            &= window->grabWindow().save(folder.filePath(picture.name + suffix), "PNG", kSmallest);
+            &= pictureOf(*window).save(folder.filePath(wanted.name + suffix), "PNG", kSmallest);
     };
     write(platform::ColorScheme::Light, u"-light.png"_s);
     write(platform::ColorScheme::Dark, u"-dark.png"_s);
