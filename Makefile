@@ -4,8 +4,8 @@ BUILD = build
 PREFIX ?= /usr/local
 export DESTDIR
 
-.PHONY: help build run install uninstall deb test check check-format check-layers check-qml check-packaging check-tidy \
-    check-sanitizers test-desktop test-radio bench clean
+.PHONY: help build run demo screenshots install uninstall deb test check check-format check-layers check-qml \
+    check-packaging check-tidy check-sanitizers test-desktop test-radio bench clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
@@ -17,6 +17,18 @@ build: ## the programs, at build/netvane and build/netvane-report
 
 run: build ## builds and starts the program; without a display on a virtual one
 	@scripts/start $(BUILD)/netvane
+
+demo: ## the program on made-up networks, one after another; SCENE=weak stays with one
+	@scripts/setup build run
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane-demo
+	@scripts/start $(BUILD)/netvane-demo $(if $(SCENE),--scene $(SCENE))
+
+screenshots: ## draws docs/screenshots from the demonstration, without a display
+	@scripts/setup build run
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane-demo
+	@QT_QPA_PLATFORM=offscreen QT_SCALE_FACTOR=1 $(BUILD)/netvane-demo --screenshots docs/screenshots
 
 install: build ## below PREFIX (/usr/local), and DESTDIR before that
 	@scripts/install $(BUILD) "$(PREFIX)"

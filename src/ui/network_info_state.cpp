@@ -20,6 +20,11 @@ bool NetworkInfoState::isConnected() const
     return m_readings.currentWiFi() && m_readings.currentWiFi()->signalStrength;
 }
 
+bool NetworkInfoState::hasName() const
+{
+    return isConnected() && m_readings.currentWiFi()->ssid;
+}
+
 QString NetworkInfoState::networkName() const
 {
     if (!isConnected())

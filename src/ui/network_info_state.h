@@ -17,6 +17,9 @@ class NetworkInfoState : public QObject {
     QML_UNCREATABLE("Made by the dashboard")
     /// A link that has a signal; what follows is only of use while there is one.
     Q_PROPERTY(bool isConnected READ isConnected NOTIFY linkChanged)
+    /// Whether the network's own name is known, which is then `networkName`; else that is a
+    /// sentence.
+    Q_PROPERTY(bool hasName READ hasName NOTIFY linkChanged)
     Q_PROPERTY(QString networkName READ networkName NOTIFY linkChanged)
     Q_PROPERTY(QString band READ band NOTIFY linkChanged)
     Q_PROPERTY(QString signalText READ signalText NOTIFY linkChanged)
@@ -30,6 +33,7 @@ public:
     explicit NetworkInfoState(const DashboardReadings& readings);
 
     bool isConnected() const;
+    bool hasName() const;
     QString networkName() const;
     QString band() const;
     QString signalText() const;

@@ -9,6 +9,8 @@ PlainText {
 
     Layout.fillWidth: true
     elide: Text.ElideMiddle
+    // Beside what it belongs to, whichever way it is read.
+    horizontalAlignment: Text.AlignLeft
     maximumLineCount: 1
 
     HoverHandler {

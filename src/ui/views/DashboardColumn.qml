@@ -80,9 +80,12 @@ ColumnLayout {
         Layout.topMargin: 16
         Layout.leftMargin: 16
         Layout.rightMargin: 16
+        // What would stand below the last section stays there when that has nothing to say.
+        Layout.bottomMargin: advice.visible ? 0 : 20
         viewState: root.dashboard.traceroute
     }
     RecommendationsView {
+        id: advice
         objectName: "recommendations"
         Layout.fillWidth: true
         Layout.topMargin: 16

@@ -61,6 +61,9 @@ ColumnLayout {
                 ElidedText {
                     text: root.viewState.networkName
                     font: Theme.headline
+                    elide: root.viewState.hasName ? Text.ElideMiddle : Text.ElideNone
+                    wrapMode: root.viewState.hasName ? Text.NoWrap : Text.Wrap
+                    maximumLineCount: root.viewState.hasName ? 1 : 3
                 }
                 RowLayout {
                     spacing: 8

@@ -34,13 +34,13 @@ Item {
     ScrollArea {
         objectName: "main-content"
         anchors.fill: parent
-        visible: opacity > 0
+        // Only the end of the introduction is animated; the settings come and go at once.
+        visible: opacity > 0 && root.viewState.content !== PopoverState.Settings
         enabled: root.viewState.content === PopoverState.Dashboard
-        opacity: root.viewState.content === PopoverState.Onboarding ? 0 : enabled ? 1 : 0
+        opacity: root.viewState.content === PopoverState.Onboarding ? 0 : 1
         focus: enabled
 
         Behavior on opacity {
-            enabled: !root.viewState.showSettings
             NumberAnimation { duration: 200; easing.type: Easing.InOutQuad }
         }
 

@@ -1,10 +1,10 @@
-#include "manual_clock.h"
+#include "platform/manual_clock.h"
 
 #include <algorithm>
 
-namespace netvane::test {
+namespace netvane::platform {
 
-class ManualClock::Handle : public platform::Timer {
+class ManualClock::Handle : public Timer {
 public:
     explicit Handle(std::shared_ptr<Alarm> alarm)
         : m_alarm(std::move(alarm))
@@ -16,19 +16,19 @@ private:
     std::shared_ptr<Alarm> m_alarm;
 };
 
-std::unique_ptr<platform::Timer> ManualClock::repeat(
+std::unique_ptr<Timer> ManualClock::repeat(
     std::chrono::milliseconds interval, std::function<void()> action)
 {
     return add(interval, interval, std::move(action));
 }
 
-std::unique_ptr<platform::Timer> ManualClock::after(
+std::unique_ptr<Timer> ManualClock::after(
     std::chrono::milliseconds delay, std::function<void()> action)
 {
     return add(delay, std::chrono::milliseconds::zero(), std::move(action));
 }
 
-std::unique_ptr<platform::Timer> ManualClock::add(std::chrono::milliseconds delay,
+std::unique_ptr<Timer> ManualClock::add(std::chrono::milliseconds delay,
     std::chrono::milliseconds interval, std::function<void()> action)
 {
     m_alarms.push_back(
@@ -79,4 +79,4 @@ int ManualClock::timerCount() const
     return int(std::ranges::count_if(m_alarms, [](const auto& alarm) { return alarm->running; }));
 }
 
-} // namespace netvane::test
+} // namespace netvane::platform

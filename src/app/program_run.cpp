@@ -1,0 +1,84 @@
+#include "app/program_run.h"
+
+#include "app/desktop_clipboard.h"
+#include "app/desktop_save_panel.h"
+#include "app/desktop_share_picker.h"
+#include "app/desktop_url_opener.h"
+#include "platform/linux/termination_signals.h"
+#include "platform/log.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::app {
+namespace {
+
+platform::Platform withDesktop(platform::Platform platform)
+{
+    if (!platform.urlOpener)
+        platform.urlOpener = std::make_unique<DesktopUrlOpener>();
+    platform.clipboard = std::make_unique<DesktopClipboard>();
+    platform.savePanel = std::make_unique<DesktopSavePanel>();
+    platform.sharePicker
+        = std::make_unique<DesktopSharePicker>(*platform.clipboard, platform.queues->utility);
+    return platform;
+}
+
+} // namespace
+
+bool hasDisplay()
+{
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY")
+        || qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    platform::log(qFormatLogMessage(type, context, message));
+}
+
+Program::Program(QApplication& application, platform::Platform platform)
+    : m_platform(withDesktop(std::move(platform)))
+{
+    follow(application);
+}
+
+void Program::follow(QApplication& application)
+{
+    QObject::connect(&application, &QGuiApplication::applicationStateChanged, &m_delegate,
+        [this](Qt::ApplicationState state) {
+            if (state != Qt::ApplicationActive)
+                return;
+            m_delegate.applicationDidBecomeActive();
+            Q_EMIT m_activity.didBecomeActive();
+        });
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &m_delegate,
+        &AppDelegate::applicationWillTerminate);
+    auto* claim = m_platform.instanceClaim.get();
+    QObject::connect(claim, &platform::InstanceClaim::startedAgain, &m_delegate, [this] {
+        m_delegate.applicationShouldHandleReopen(false);
+        m_delegate.applicationStartedAgain();
+    });
+    QObject::connect(claim, &platform::InstanceClaim::decided, &m_delegate, [this](bool isFirst) {
+        if (!isFirst) {
+            platform::log(
+                u"Netvane: Already running in this session; look for its icon in the status area"_s);
+            QCoreApplication::quit();
+            return;
+        }
+        m_delegate.applicationWillFinishLaunching();
+        m_delegate.applicationDidFinishLaunching();
+    });
+}
+
+int runProgram(
+    QApplication& application, const std::function<std::unique_ptr<Program>()>& makeProgram)
+{
+    const platform::TerminationSignals terminationSignals;
+    QObject::connect(&terminationSignals, &platform::TerminationSignals::received, &application,
+        &QCoreApplication::quit);
+    const auto program = makeProgram();
+    program->start();
+    return QApplication::exec();
+}
+
+} // namespace netvane::app

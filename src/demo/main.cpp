@@ -1,0 +1,122 @@
+#include "app/popover_window.h"
+#include "app/program_run.h"
+#include "demo/screenshots.h"
+#include "demo/script.h"
+#include "demo/scripted_platform.h"
+#include "demo/window_mark.h"
+#include "platform/log.h"
+#include "platform/system_clock.h"
+#include "ui/view_engine.h"
+
+#include <QCommandLineParser>
+#include <QSystemTrayIcon>
+
+#include <csignal>
+#include <cstdio>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using namespace netvane;
+
+namespace {
+
+constexpr std::chrono::milliseconds kStartTime = 1s;
+
+struct Options {
+    std::optional<QString> scene;
+    platform::ColorScheme colorScheme = platform::ColorScheme::NoPreference;
+    bool showsPopover = false;
+    std::optional<QString> screenshots;
+};
+
+QString sceneNames()
+{
+    QStringList names;
+    for (const auto& scene : demo::scenes())
+        names.append(scene.name);
+    return names.join(u", "_s);
+}
+
+/// Absent when there is no scene of the name. Ends the program when it is asked for help.
+std::optional<Options> parse(const QApplication& application)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        u"Netvane on made-up networks. Nothing is measured, sent or stored."_s);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({{u"scene"_s, u"Stay with one scene: "_s + sceneNames() + u"."_s, u"name"_s},
+        {u"popover"_s, u"Open the popover at the start."_s}, {u"light"_s, u"Light colours."_s},
+        {u"dark"_s, u"Dark colours."_s},
+        {u"screenshots"_s, u"Draw the views into a folder and end."_s, u"folder"_s}});
+    parser.process(application);
+    Options options;
+    options.showsPopover = parser.isSet(u"popover"_s);
+    if (parser.isSet(u"screenshots"_s))
+        options.screenshots = parser.value(u"screenshots"_s);
+    if (parser.isSet(u"light"_s))
+        options.colorScheme = platform::ColorScheme::Light;
+    if (parser.isSet(u"dark"_s))
+        options.colorScheme = platform::ColorScheme::Dark;
+    if (!parser.isSet(u"scene"_s))
+        return options;
+    options.scene = parser.value(u"scene"_s);
+    const auto all = demo::scenes();
+    if (std::ranges::find(all, *options.scene, &demo::Scene::name) == all.end())
+        return {};
+    return options;
+}
+
+int run(QApplication& application, const Options& options)
+{
+    std::unique_ptr<demo::WindowMark> mark;
+    std::unique_ptr<platform::Timer> opening;
+    return app::runProgram(application, [&] {
+        auto scripted = demo::makeScriptedPlatform(std::make_unique<platform::SystemClock>(),
+            {.scenes = demo::scenes(),
+                .held = options.scene,
+                .colorScheme = options.colorScheme,
+                // Without one the window would take the popover's place.
+                .hasStatusArea = options.showsPopover || QSystemTrayIcon::isSystemTrayAvailable()});
+        auto& clock = *scripted.platform.clock;
+        mark = std::make_unique<demo::WindowMark>(application, *scripted.stage);
+        auto program = std::make_unique<app::Program>(application, std::move(scripted.platform));
+        if (options.showsPopover)
+            opening = clock.after(kStartTime, [&delegate = program->delegate()] {
+                if (delegate.popover())
+                    delegate.popover()->show({});
+            });
+        return program;
+    });
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    QCoreApplication::setApplicationName(u"netvane-demo"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(NETVANE_VERSION));
+    if (!app::hasDisplay()) {
+        std::fputs("netvane-demo: There is no display to run on\n", stderr);
+        return 1;
+    }
+    ui::ViewEngine::prepareRendering();
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    const auto options = parse(application);
+    if (!options) {
+        std::fputs(qPrintable(u"netvane-demo: There is no such scene. There are: "_s + sceneNames()
+                       + u"\n"_s),
+            stderr);
+        return 2;
+    }
+    if (options->screenshots) {
+        platform::setLogSink([](const QString&) {});
+        return demo::drawScreenshots(application, *options->screenshots) ? 0 : 1;
+    }
+    qInstallMessageHandler(app::logOfQt);
+    platform::log(u"Netvane: This is a demonstration. Everything that it shows is made up, and "
+                  "nothing is sent"_s);
+    return run(application, *options);
+}

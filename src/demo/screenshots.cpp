@@ -1,0 +1,174 @@
+#include "demo/screenshots.h"
+
+#include "app/detailed_window_controller.h"
+#include "app/popover_window.h"
+#include "demo/script.h"
+#include "demo/staged_program.h"
+#include "ui/detailed_window_state.h"
+#include "ui/popover_state.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QPainter>
+#include <QQuickItem>
+
+#include <functional>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace netvane::demo {
+namespace {
+
+/// Until each history holds as much as it can.
+constexpr std::chrono::milliseconds kFullHistory = 115s;
+constexpr std::chrono::milliseconds kTraceTime = 45s;
+constexpr std::chrono::milliseconds kAnimationTime = 400ms; ///< real time
+constexpr int kMargin = 16;
+constexpr double kCornerRadius = 10; ///< of the popover
+
+struct Picture {
+    QString name;
+    QString scene;
+    /// Brings up what is to be seen; returns its window.
+    std::function<app::HostWindow*(StagedProgram&)> show;
+};
+
+template <typename State>
+State& stateOf(const app::HostWindow& window)
+{
+    return *window.rootObject()->property("viewState").value<State*>();
+}
+
+app::HostWindow* popover(StagedProgram& program)
+{
+    auto* popover = program.delegate().popover();
+    popover->show({});
+    program.pass(kFullHistory);
+    return popover->window();
+}
+
+app::HostWindow* settings(StagedProgram& program)
+{
+    auto* window = popover(program);
+    stateOf<ui::PopoverState>(*window).setShowSettings(true);
+    program.pass(1s);
+    return window;
+}
+
+std::function<app::HostWindow*(StagedProgram&)> introduction(int page)
+{
+    return [page](StagedProgram& program) {
+        auto* window = popover(program);
+        for (int passed = 0; passed < page; ++passed)
+            stateOf<ui::PopoverState>(*window).onboarding()->goOn();
+        program.pass(1s);
+        return window;
+    };
+}
+
+app::HostWindow* detailedWindow(StagedProgram& program)
+{
+    program.delegate().mainMenu()->actions().constFirst()->trigger();
+    program.pass(kFullHistory);
+    return &program.delegate().windowController()->window();
+}
+
+/// Makes the window as high as these sections of its dashboard and shows nothing else.
+void frameSections(app::HostWindow& window, const QString& from, const QString& to)
+{
+    auto* root = window.rootObject();
+    const auto* first = root->findChild<QQuickItem*>(from);
+    const auto* last = root->findChild<QQuickItem*>(to);
+    window.resize(window.width(), int(last->y() + last->height() - first->y()) + 2 * kMargin);
+    QCoreApplication::processEvents();
+    QMetaObject::invokeMethod(
+        root->findChild<QQuickItem*>(u"main-content"_s), "scrollTo", Q_ARG(qreal, first->y()));
+}
+
+/// Without the look-ups: they take real time, so their graph is another one each time.
+app::HostWindow* performance(StagedProgram& program)
+{
+    auto* window = detailedWindow(program);
+    frameSections(*window, u"performance"_s, u"connection-summary"_s);
+    return window;
+}
+
+/// What the user starts, after it was started.
+app::HostWindow* diagnostics(StagedProgram& program)
+{
+    auto* window = detailedWindow(program);
+    auto& dashboard = *stateOf<ui::DetailedWindowState>(*window).dashboard();
+    dashboard.channelAnalysis()->scan();
+    dashboard.speedTest()->runTest();
+    dashboard.traceroute()->run();
+    program.pass(kTraceTime);
+    frameSections(*window, u"channel-analysis"_s, u"traceroute"_s);
+    return window;
+}
+
+std::vector<Picture> pictures()
+{
+    return {{u"dashboard"_s, u"home"_s, popover}, {u"weak-link"_s, u"weak"_s, popover},
+        {u"captive-portal"_s, u"cafe"_s, popover}, {u"wifi-off"_s, u"off"_s, popover},
+        {u"permission"_s, u"permission"_s, popover}, {u"settings"_s, u"home"_s, settings},
+        {u"introduction-1"_s, u"first-start"_s, introduction(0)},
+        {u"introduction-2"_s, u"first-start"_s, introduction(1)},
+        {u"introduction-3"_s, u"first-start"_s, introduction(2)},
+        {u"window"_s, u"office"_s, detailedWindow}, {u"performance"_s, u"home"_s, performance},
+        {u"diagnostics"_s, u"home"_s, diagnostics}};
+}
+
+/// What a window without a ground of its own leaves free comes out black, where it is to be clear.
+QImage pictureOf(app::HostWindow& window)
+{
+    const QImage whole = window.grabWindow();
+    if (window.color().alpha() > 0)
+        return whole;
+    QImage rounded(whole.size(), QImage::Format_ARGB32);
+    rounded.fill(Qt::transparent);
+    QPainter painter(&rounded);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(whole);
+    const double radius = kCornerRadius * whole.devicePixelRatio();
+    painter.drawRoundedRect(whole.rect(), radius, radius);
+    return rounded;
+}
+
+bool draw(QApplication& application, const Picture& wanted, const QDir& folder)
+{
+    StagedProgram program(
+        application, {.scenes = scenes(), .held = wanted.scene, .hasStatusArea = true});
+    auto* window = wanted.show(program);
+    const QDeadlineTimer animated(kAnimationTime);
+    while (!animated.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    bool isWritten = true;
+    const auto write = [&](platform::ColorScheme scheme, const QString& suffix) {
+        program.setColorScheme(scheme);
+        program.pass(1s);
+        constexpr int kSmallest = 0; // as QImage counts
+        isWritten
+            &= pictureOf(*window).save(folder.filePath(wanted.name + suffix), "PNG", kSmallest);
+    };
+    write(platform::ColorScheme::Light, u"-light.png"_s);
+    write(platform::ColorScheme::Dark, u"-dark.png"_s);
+    return isWritten;
+}
+
+} // namespace
+
+bool drawScreenshots(QApplication& application, const QString& folder)
+{
+    const QDir place(folder);
+    if (!place.mkpath(u"."_s))
+        return false;
+    for (const auto& picture : pictures()) {
+        if (!draw(application, picture, place))
+            return false;
+    }
+    return true;
+}
+
+} // namespace netvane::demo

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "app/program_run.h"
+#include "demo/scripted_platform.h"
+#include "platform/manual_clock.h"
+
+namespace netvane::demo {
+
+/// The whole program on the scripted platform with a clock that is moved by hand, so that minutes
+/// pass in no time. Its services run. Main thread.
+class StagedProgram {
+public:
+    StagedProgram(QApplication& application, Wishes wishes);
+
+    app::AppDelegate& delegate() { return m_program.delegate(); }
+    Stage& stage() { return *m_scripted.stage; }
+    void setColorScheme(platform::ColorScheme scheme)
+    {
+        m_scripted.appearance->setColorScheme(scheme);
+    }
+
+    /// Lets time pass with all that it brings about.
+    void pass(std::chrono::milliseconds time);
+
+private:
+    StagedProgram(
+        QApplication& application, std::unique_ptr<platform::ManualClock> clock, Wishes wishes);
+    void settle();
+    void waitForLookup();
+
+    platform::ManualClock& m_clock;
+    ScriptedPlatform m_scripted; ///< its platform went to the program
+    QThreadPool& m_queue;
+    int m_deliveredLookups = 0;
+    app::Program m_program;
+};
+
+} // namespace netvane::demo

@@ -1,0 +1,247 @@
+#include "app/detailed_window_controller.h"
+#include "app/popover_window.h"
+#include "demo/script.h"
+#include "demo/staged_program.h"
+#include "demo/window_mark.h"
+#include "ui/detailed_window_state.h"
+#include "ui/popover_state.h"
+
+#include <QDir>
+#include <QQuickItem>
+#include <QTest>
+
+#include <sys/socket.h>
+
+using namespace netvane;
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Longer than any interval at which something is looked at.
+constexpr std::chrono::milliseconds kUntilSeen = 35s;
+
+void collectTexts(const QQuickItem& item, QStringList& texts)
+{
+    if (!item.isVisible())
+        return;
+    if (item.inherits("QQuickText"))
+        texts.append(item.property("text").toString());
+    for (const auto* child : item.childItems())
+        collectTexts(*child, texts);
+}
+
+QStringList textsOf(const app::HostWindow& window)
+{
+    QStringList texts;
+    collectTexts(*window.rootObject(), texts);
+    return texts;
+}
+
+QList<int> networkSockets()
+{
+    QList<int> found;
+    for (const QString& name : QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries)) {
+        sockaddr_storage address {};
+        socklen_t size = sizeof(address);
+        const int descriptor = name.toInt();
+        if (::getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) == 0
+            && address.ss_family != AF_UNIX)
+            found.append(descriptor);
+    }
+    return found;
+}
+
+demo::Wishes held(const QString& scene, std::vector<demo::Scene> scenes = demo::scenes())
+{
+    return {.scenes = std::move(scenes), .held = scene, .hasStatusArea = true};
+}
+
+app::HostWindow& opened(demo::StagedProgram& program)
+{
+    program.delegate().popover()->show({});
+    program.pass(kUntilSeen);
+    return *program.delegate().popover()->window();
+}
+
+app::HostWindow& openedWindow(demo::StagedProgram& program)
+{
+    program.delegate().mainMenu()->actions().constFirst()->trigger();
+    program.pass(kUntilSeen);
+    return program.delegate().windowController()->window();
+}
+
+/// Keeps what the program and Qt say.
+QStringList g_warnings;
+
+void keepWarning(QtMsgType, const QMessageLogContext&, const QString& text)
+{
+    if (text.contains(u"qml"_s))
+        g_warnings.append(text);
+}
+
+} // namespace
+
+class TestDemo : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    /// Each scene in turn, in one run of the program, as it is seen in the popover.
+    void scenesAreSeen_data()
+    {
+        QTest::addColumn<QStringList>("present");
+        QTest::addColumn<QStringList>("absent");
+
+        const QString portal = u"Captive Portal Detected"_s;
+        QTest::newRow("home") << QStringList {u"Harbour Lane"_s, u"5 GHz"_s, u"No VPN"_s, u"4.4"_s}
+                              << QStringList {portal, u"Not Connected"_s, u"Recommendations"_s};
+        QTest::newRow("upstairs") << QStringList {u"Harbour Lane"_s, u"2.4 GHz"_s}
+                                  << QStringList {u"5 GHz"_s, portal};
+        QTest::newRow("weak") << QStringList {u"Harbour Lane"_s, u"Recommendations"_s}
+                              << QStringList {portal, u"0%"_s};
+        QTest::newRow("cafe") << QStringList {u"Café Meridian Guest"_s, portal, u"High loss"_s}
+                              << QStringList {u"Harbour Lane"_s};
+        QTest::newRow("office") << QStringList {u"6 GHz (WiFi 6E)"_s, u"VPN active"_s}
+                                << QStringList {portal};
+        QTest::newRow("off") << QStringList {u"Not Connected"_s, u"Wi-Fi is turned off"_s}
+                             << QStringList {u"Wi‑Fi Metrics"_s};
+        QTest::newRow("permission") << QStringList {u"Location Permission Required"_s,
+            u"Connected (Location permission needed for network name)"_s}
+                                    << QStringList {u"Harbour Lane"_s};
+    }
+    void scenesAreSeen()
+    {
+        QFETCH(QStringList, present);
+        QFETCH(QStringList, absent);
+        if (!m_program)
+            m_program.emplace(*qApp, held(u"first-start"_s));
+        auto& popover = opened(*m_program);
+        if (m_program->stage().scene().name == u"first-start"_s) {
+            QVERIFY(textsOf(popover).contains(u"Welcome to Netvane"_s));
+            for (int page = 0; page < 3; ++page)
+                stateOf(popover).onboarding()->goOn();
+        }
+        QVERIFY(m_program->stage().hold(QString::fromUtf8(QTest::currentDataTag())));
+        m_program->pass(kUntilSeen);
+        const QStringList texts = textsOf(popover);
+        for (const auto& text : present)
+            QVERIFY2(texts.contains(text), qPrintable(text + u" is not in "_s + texts.join(u'|')));
+        for (const auto& text : absent)
+            QVERIFY2(!texts.contains(text), qPrintable(text + u" is in "_s + texts.join(u'|')));
+    }
+
+    /// Without being asked for, in the order of the script, and over again.
+    void scenesFollowEachOther()
+    {
+        m_program.reset();
+        demo::StagedProgram program(*qApp, {.scenes = demo::scenes(), .hasStatusArea = true});
+        QStringList seen;
+        connect(&program.stage(), &demo::Stage::sceneChanged, this,
+            [&] { seen.append(program.stage().scene().name); });
+        program.pass(265s);
+        QCOMPARE(seen,
+            (QStringList {u"leaving"_s, u"upstairs"_s, u"weak"_s, u"cafe"_s, u"office"_s, u"off"_s,
+                u"home"_s}));
+    }
+
+    /// What the user starts comes to its end, and nothing of all that reaches the network.
+    void diagnosticsWithoutNetwork()
+    {
+        demo::StagedProgram program(*qApp, held(u"weak"_s));
+        const demo::WindowMark mark(*qApp, program.stage());
+        auto& window = openedWindow(program);
+        QVERIFY2(window.title().contains(u"Demonstration"_s), qPrintable(window.title()));
+        auto& dashboard = *window.rootObject()
+                               ->property("viewState")
+                               .value<ui::DetailedWindowState*>()
+                               ->dashboard();
+        dashboard.channelAnalysis()->scan();
+        dashboard.speedTest()->runTest();
+        dashboard.traceroute()->run();
+        program.pass(3s);
+        QCOMPARE(networkSockets(), QList<int>());
+        QVERIFY(dashboard.speedTest()->isRunning());
+        program.pass(57s);
+        QCOMPARE(dashboard.channelAnalysis()->bars().size(), 12);
+        QCOMPARE(dashboard.speedTest()->downloadSpeed(), QVariant(u"4.7 Mbps"_s));
+        QCOMPARE(dashboard.speedTest()->uploadSpeed(), QVariant(u"1.9 Mbps"_s));
+        QVERIFY(dashboard.speedTest()->lagMessage().isValid());
+        const auto hops = dashboard.traceroute()->hops();
+        QCOMPARE(hops.size(), 7);
+        QVERIFY(!hops[2].isAnswered);
+        QCOMPARE(hops[6].name, u"1.1.1.1"_s);
+        QVERIFY(!dashboard.traceroute()->isRunning());
+    }
+
+    /// Names and addresses that nobody chose with a narrow window in mind.
+    void hostileScene_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("emoji") << u"👩‍👩‍👧‍👦"_s.repeated(32);
+        QTest::newRow("right to left") << u"שלום עולם رحلة الشبكة الطويلة جدا جدا"_s;
+        QTest::newRow("markup") << u"<img src='http://192.0.2.1/x'><b>"_s.repeated(12);
+    }
+    void hostileScene()
+    {
+        QFETCH(QString, name);
+        auto scene = demo::scenes().front();
+        scene.link.ssid = name;
+        scene.dnsServers = {u"a-very-long-label."_s.repeated(17)};
+        scene.portal = QUrl(u"https://"_s + u"portal."_s.repeated(30) + u"example/"_s);
+        g_warnings.clear();
+        const auto before = qInstallMessageHandler(keepWarning);
+        demo::StagedProgram program(*qApp, held(u"home"_s, {scene}));
+        auto& window = openedWindow(program);
+        auto& dashboard = *window.rootObject()
+                               ->property("viewState")
+                               .value<ui::DetailedWindowState*>()
+                               ->dashboard();
+        dashboard.traceroute()->setTargetInput(u"hop."_s.repeated(75));
+        dashboard.traceroute()->run();
+        program.pass(60s);
+        qInstallMessageHandler(before);
+        QVERIFY(textsOf(window).contains(name));
+        QCOMPARE(dashboard.traceroute()->hops().size(), 7);
+        QCOMPARE(g_warnings, QStringList());
+        verifyInside(*window.rootObject(), window.width());
+        if (const auto folder = qEnvironmentVariable("NETVANE_PICTURES"); !folder.isEmpty()) {
+            window.resize(window.width(), 2400);
+            program.pass(1s);
+            QVERIFY(window.grabWindow().save(
+                folder + u'/' + QString::fromUtf8(QTest::currentDataTag()) + u".png"_s));
+        }
+    }
+
+    void cleanupTestCase() { m_program.reset(); }
+
+private:
+    static ui::PopoverState& stateOf(const app::HostWindow& popover)
+    {
+        return *popover.rootObject()->property("viewState").value<ui::PopoverState*>();
+    }
+    /// No text begins or ends beside the window.
+    static void verifyInside(const QQuickItem& item, int width)
+    {
+        if (!item.isVisible())
+            return;
+        const auto frame = item.mapRectToScene(item.boundingRect());
+        if (item.inherits("QQuickText"))
+            QVERIFY2(frame.left() >= 0 && frame.right() <= width,
+                qPrintable(item.property("text").toString().left(40)));
+        for (const auto* child : item.childItems())
+            verifyInside(*child, width);
+    }
+
+    std::optional<demo::StagedProgram> m_program;
+};
+
+int main(int argc, char** argv)
+{
+    ui::ViewEngine::prepareRendering();
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    TestDemo test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_demo.moc"
