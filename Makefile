@@ -79,7 +79,7 @@ check-sanitizers: ## the tests under ASan with UBSan, and under TSan
 test-desktop: ## the status item, the popover and the window on desktops with a virtual display
 	@scripts/setup build run test desktop
 	@cmake --preset release >/dev/null
-	@cmake --build $(BUILD) -j $(JOBS) --target netvane
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane netvane-demo
 	@tests/desktop/run $(BUILD)/netvane
 
 test-radio: ## end to end on simulated radios in a virtual machine

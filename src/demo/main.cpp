@@ -11,8 +11,10 @@
 #include <QCommandLineParser>
 #include <QSystemTrayIcon>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <string_view>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -67,6 +69,14 @@ std::optional<Options> parse(const QApplication& application)
     return options;
 }
 
+/// What is answered by a text needs no display.
+bool asksForText(int argc, char** argv)
+{
+    return std::any_of(argv + std::min(argc, 1), argv + argc, [](std::string_view word) {
+        return word == "--help" || word == "-h" || word == "--version" || word == "-v";
+    });
+}
+
 int run(QApplication& application, const Options& options)
 {
     std::unique_ptr<demo::WindowMark> mark;
@@ -97,6 +107,8 @@ int main(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);
     QCoreApplication::setApplicationName(u"netvane-demo"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(NETVANE_VERSION));
+    if (asksForText(argc, argv))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     if (!app::hasDisplay()) {
         std::fputs("netvane-demo: There is no display to run on\n", stderr);
         return 1;

@@ -46,3 +46,13 @@ timeout 20 "$program" >/dev/null 2>&1
 settled; check "a second start now opens nothing" popover_shown
 kill "$netvane"
 check "the program ends on SIGTERM" ended_well "$netvane"
+
+# What a screen reader finds, by the accessibility bus.
+desktop accessibility
+start registry /usr/libexec/at-spi-bus-launcher --launch-immediately
+QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 start demo "${program}-demo" --scene home --popover
+check "the upper part of the popover" "$here/accessible_tree" netvane-demo "heading: Netvane" "push button: Settings" \
+    "panel: Connection" "label: -5" "panel: Signal Strength" "image: Signal Strength history: Last " "panel: Router"
+xdotool key End
+check "the lower part" "$here/accessible_tree" netvane-demo "panel: Speed Test" "push button: Run Speed Test" \
+    "panel: Traceroute" "text: " "push button: Run"
