@@ -4,6 +4,9 @@
 
 #include "app/program_world.h"
 #include "platform/log.h"
+#include "probes/captive_portal_service.h"
+#include "probes/dns_service.h"
+#include "probes/ping_service.h"
 #include "ui/dashboard_state.h"
 
 #include <QApplication>
@@ -109,6 +112,12 @@ int main(int argc, char** argv)
             QCoreApplication::processEvents();
         }
     };
+    // The fakes keep every connection and page that was asked of them.
+    for (auto* probe :
+        {program.delegate->routerPingService(), program.delegate->internetPingService()})
+        probe->stop();
+    program.delegate->dnsService()->stop();
+    program.delegate->captivePortalService()->stop();
     cycle(kCyclesBefore);
     const auto objectsBefore = objects(program);
     const double before = heapKiB();
