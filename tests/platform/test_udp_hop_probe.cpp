@@ -2,12 +2,13 @@
 #include "platform/linux/udp_hop_probe.h"
 #include "platform/system_clock.h"
 
-#include <QSemaphore>
 #include <QTest>
 
 #include <netinet/icmp6.h>
 #include <netinet/in.h>
 #include <netinet/ip_icmp.h>
+
+#include <semaphore>
 
 using namespace netvane::platform;
 using namespace Qt::Literals::StringLiterals;
@@ -16,7 +17,7 @@ using Answer = Attempt::Answer;
 
 namespace {
 
-constexpr int kWaitMs = 20'000;
+constexpr std::chrono::seconds kWait {20};
 
 SocketAddress address(const char* text, std::uint16_t port = 33435)
 {
@@ -36,11 +37,11 @@ public:
             m_told.release();
         };
     }
-    ConnectionEvent take() { return m_told.tryAcquire(1, kWaitMs) ? m_event : ConnectionEvent {}; }
+    ConnectionEvent take() { return m_told.try_acquire_for(kWait) ? m_event : ConnectionEvent {}; }
 
 private:
     ConnectionEvent m_event;
-    QSemaphore m_told;
+    std::counting_semaphore<> m_told {0}; // one that the thread sanitizer sees
 };
 
 } // namespace
