@@ -122,7 +122,7 @@ std::vector<Picture> pictures()
 /// What a window without a ground of its own leaves free comes out black, where it is to be clear.
 QImage pictureOf(app::HostWindow& window)
 {
-    const QImage whole = window.grabWindow();
+    QImage whole = window.grabWindow();
     if (window.color().alpha() > 0)
         return whole;
     QImage rounded(whole.size(), QImage::Format_ARGB32);

@@ -101,7 +101,7 @@ std::unique_ptr<platform::Connection> ScriptedConnections::probeHop(
     const Hop hop = isTarget ? Hop {host, kTargetTime} : way[size_t(hopLimit) - 1];
     std::optional<std::chrono::microseconds> time;
     if (!hop.address.isEmpty())
-        time = std::chrono::microseconds(std::llround(hop.milliseconds * 1000) + port % 7 * 90);
+        time = std::chrono::microseconds(std::llround(hop.milliseconds * 1000) + port % 7 * 90LL);
     return std::make_unique<ScriptedConnection>(
         m_stage->clock(), time, hop.address, std::move(handler));
 }

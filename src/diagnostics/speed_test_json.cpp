@@ -29,7 +29,8 @@ constexpr NamedField kFields[] = {
 
 constexpr auto kReferenceDate = std::chrono::sys_days(std::chrono::January / 1 / 2001);
 constexpr double kFarthestSeconds = 8e9; // what system_clock holds on either side of the date
-constexpr qsizetype kLongestText = 4 * 1024 * 1024; // twenty results are some 5,000 characters
+constexpr qsizetype kLongestText
+    = qsizetype(4) * 1024 * 1024; // twenty results are some 5,000 characters
 
 /// In whole microseconds: finer than that, a double this far from the date only makes things up.
 double toSeconds(system_clock::time_point time)

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kMaximumRedirects = 10;
 /// What may lie between the network and the count: some milliseconds of a fast link.
-constexpr qint64 kReadBuffer = 1024 * 1024;
+constexpr qint64 kReadBuffer = qint64(1024) * 1024;
 
 class Transfer;
 

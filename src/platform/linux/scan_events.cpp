@@ -15,7 +15,7 @@ namespace netvane::platform {
 namespace {
 
 // A message lists the channels, some hundred times eight bytes, and comes alone in its datagram.
-constexpr size_t kDatagramSize = 16 * 1024;
+constexpr size_t kDatagramSize = size_t(16) * 1024;
 constexpr int kDatagramsAtOnce = 64;
 
 std::optional<ScanEvent> eventOf(int command)

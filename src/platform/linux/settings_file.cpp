@@ -17,7 +17,7 @@ namespace netvane::platform {
 namespace {
 
 /// Twenty speed tests are some 5 KB; what is larger was not written by us.
-constexpr qint64 kMaximumBytes = 1024 * 1024;
+constexpr qint64 kMaximumBytes = qint64(1024) * 1024;
 
 SettingsContent unreachable(const QString& problem)
 {
