@@ -14,6 +14,8 @@ class ApplicationObject final : public QObject {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
 public Q_SLOTS:
+    // The interface's own spelling.
+    // NOLINTNEXTLINE(readability-identifier-naming)
     Q_SCRIPTABLE void Activate(const QVariantMap&) { Q_EMIT activated(); }
 
 Q_SIGNALS:

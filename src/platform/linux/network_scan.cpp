@@ -81,15 +81,17 @@ void NetworkScan::takeEvent(ScanEvent event)
     if (event == ScanEvent::Started) {
         m_isUnderWay = true;
         m_settled.reset();
-    } else if (std::exchange(m_isUnderWay, false)) {
-        if (event == ScanEvent::Aborted)
-            fail(FailureKind::Interrupted, u"The scan was aborted"_s);
-        else if (isLastAsked())
-            finish();
-        else {
-            readTable(); // iwd has it emptied at the end of the next go
-            m_settled = m_means.clock.after(kSettleTime, [this] { finish(); });
-        }
+        return;
+    }
+    if (!std::exchange(m_isUnderWay, false))
+        return;
+    if (event == ScanEvent::Aborted) {
+        fail(FailureKind::Interrupted, u"The scan was aborted"_s);
+    } else if (isLastAsked()) {
+        finish();
+    } else {
+        readTable(); // iwd has it emptied at the end of the next go
+        m_settled = m_means.clock.after(kSettleTime, [this] { finish(); });
     }
 }
 

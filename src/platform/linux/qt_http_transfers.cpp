@@ -99,7 +99,7 @@ private:
     void takeBody()
     {
         while (m_reply->isOpen()) {
-            const qint64 count = m_reply->read(m_scratch.data(), m_scratch.size());
+            const qint64 count = m_reply->read(m_scratch.data(), qint64(m_scratch.size()));
             if (count <= 0)
                 return;
             m_received += count;

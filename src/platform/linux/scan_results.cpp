@@ -26,14 +26,27 @@ std::uint32_t ageOf(const BssRecord& record)
     return record.seenMsAgo.value_or(std::numeric_limits<std::uint32_t>::max());
 }
 
+/// Where a network stands in the list, and how old what is known of it is.
+struct Place {
+    size_t at;
+    std::uint32_t age;
+};
+
+/// The younger word counts, but a name that only the older one has is kept.
+void merge(NearbyNetwork& known, Place& place, NearbyNetwork network, std::uint32_t age)
+{
+    if (age < place.age) {
+        place.age = age;
+        std::swap(known, network);
+    }
+    if (!known.ssid)
+        known.ssid = network.ssid;
+}
+
 } // namespace
 
 std::vector<NearbyNetwork> nearbyNetworks(const std::vector<BssRecord>& table)
 {
-    struct Place {
-        size_t at;
-        std::uint32_t age;
-    };
     std::vector<NearbyNetwork> networks;
     std::map<QByteArray, Place> places;
     for (const BssRecord& record : table) {
@@ -42,13 +55,7 @@ std::vector<NearbyNetwork> nearbyNetworks(const std::vector<BssRecord>& table)
             const auto [place, isNew]
                 = places.try_emplace(*record.bssid, Place {networks.size(), ageOf(record)});
             if (!isNew) {
-                NearbyNetwork& known = networks[place->second.at];
-                if (ageOf(record) < place->second.age) {
-                    place->second.age = ageOf(record);
-                    std::swap(known, network);
-                }
-                if (!known.ssid)
-                    known.ssid = network.ssid;
+                merge(networks[place->second.at], place->second, std::move(network), ageOf(record));
                 continue;
             }
         }

@@ -151,7 +151,7 @@ void SettingsFile::store()
         m_writer, this,
         [path = m_path, values = m_content.values, isBroken = m_isBroken] {
             if (*isBroken) {
-                if (const QString problem = setAside(path); !problem.isEmpty())
+                if (QString problem = setAside(path); !problem.isEmpty())
                     return problem;
                 *isBroken = false;
             }
