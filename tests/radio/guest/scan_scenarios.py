@@ -25,11 +25,14 @@ def _scans(report, name, watcher, keeps_table=True):
     than iw lists. iwd has the kernel forget in each go what it heard in the one before, so that iw
     shows the rest only; there it is what iwd itself has found that must not be missing.
 
-    An access point of this slow world can answer a probe too late; then the air is scanned again."""
+    An access point of this slow world can answer a probe too late, and is then missing or known from
+    an earlier scan only; then the air is scanned again."""
     for _ in range(4):
         state, got, table, took_ms = _scan(watcher)
         missing = ALWAYS_HEARD - set(got.values())
-        if not missing:
+        old = {bssid for bssid, network in table.items()
+               if keeps_table and network.seen_ms_ago > took_ms and network.frequency < 5950}
+        if not missing and not old:
             break
         if not keeps_table:
             _has_what_iwd_found(report, name, got)
@@ -40,8 +43,6 @@ def _scans(report, name, watcher, keeps_table=True):
                       round(network.signal)) for bssid, network in table.items()}
     report.check(f'{name}: as iw lists them', got, listed if keeps_table else got | listed)
     if keeps_table:
-        old = {bssid for bssid, network in table.items()
-               if network.seen_ms_ago > took_ms and network.frequency < 5950}
         report.check(f'{name}: heard by this scan', old, set())
     else:
         _has_what_iwd_found(report, name, got)
