@@ -11,6 +11,7 @@ using namespace Qt::Literals::StringLiterals;
 
 /// Registers the types and brings in the resources of the QML module: in a static library nothing
 /// else refers to them.
+// NOLINTNEXTLINE(readability-identifier-naming)
 extern void qml_register_types_Netvane();
 
 static void bringInResources()

@@ -51,14 +51,14 @@ std::vector<NearbyNetwork> nearbyNetworks(const std::vector<BssRecord>& table)
     std::map<QByteArray, Place> places;
     for (const BssRecord& record : table) {
         NearbyNetwork network = networkOf(record);
-        if (record.bssid) {
-            const auto [place, isNew]
-                = places.try_emplace(*record.bssid, Place {networks.size(), ageOf(record)});
-            if (!isNew) {
-                merge(networks[place->second.at], place->second, std::move(network), ageOf(record));
-                continue;
-            }
+        const auto known = record.bssid ? places.find(*record.bssid) : places.end();
+        if (known != places.end()) {
+            Place& place = known->second;
+            merge(networks[place.at], place, std::move(network), ageOf(record));
+            continue;
         }
+        if (record.bssid)
+            places.emplace(*record.bssid, Place {networks.size(), ageOf(record)});
         networks.push_back(std::move(network));
     }
     return networks;
