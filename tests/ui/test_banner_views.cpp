@@ -49,6 +49,13 @@ private Q_SLOTS:
         QCOMPARE(view.texts(),
             QStringList({u"Location permission required to access Wi-Fi network name."_s}));
         view.picture(u"error-message"_s);
+        // Takes the lines it needs, even where there is no place to break it.
+        auto* message
+            = view.find("text", u"Location permission required to access Wi-Fi network name."_s);
+        message->setProperty("text", QString(u"Error "_s.repeated(42) + QString(248, u'x')));
+        view.picture(u"error-message-long"_s);
+        QVERIFY(message->width() <= 420 && message->height() > 100);
+        QCOMPARE(view.problems(), QStringList());
         world.link({{.ssid = u"Home"_s}});
         QVERIFY(!view.root().isVisible());
         QCOMPARE(view.problems(), QStringList());
