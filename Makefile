@@ -81,6 +81,7 @@ test-desktop: ## the status item, the popover and the window on desktops with a 
 	@cmake --preset release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS) --target netvane netvane-demo
 	@tests/desktop/run $(BUILD)/netvane
+	@tests/desktop/run-wayland $(BUILD)/netvane
 
 test-radio: ## end to end on simulated radios in a virtual machine
 	@scripts/setup build run test radio

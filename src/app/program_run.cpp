@@ -7,6 +7,10 @@
 #include "platform/linux/termination_signals.h"
 #include "platform/log.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::app {
@@ -21,6 +25,20 @@ platform::Platform withDesktop(platform::Platform platform)
     platform.sharePicker
         = std::make_unique<DesktopSharePicker>(*platform.clipboard, platform.queues->utility);
     return platform;
+}
+
+Program* s_running = nullptr; // for a function that can be given nothing
+
+/// Qt calls exit() when the display is gone. Static destructors below threads that still work would
+/// be the crash at the end of many a session; what has to be done is done here instead.
+void endWithoutDisplay()
+{
+    if (!s_running)
+        return;
+    platform::log(u"Netvane: The display is gone"_s);
+    std::exchange(s_running, nullptr)->delegate().applicationWillTerminate();
+    std::fflush(nullptr);
+    std::_Exit(EXIT_FAILURE);
 }
 
 } // namespace
@@ -77,8 +95,12 @@ int runProgram(
     QObject::connect(&terminationSignals, &platform::TerminationSignals::received, &application,
         &QCoreApplication::quit);
     const auto program = makeProgram();
+    s_running = program.get();
+    std::atexit(endWithoutDisplay);
     program->start();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    s_running = nullptr;
+    return status;
 }
 
 } // namespace netvane::app

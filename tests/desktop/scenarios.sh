@@ -1,10 +1,10 @@
-# The scenarios of `run`, in its shell.
+# The scenarios of `run`, in its shell. Every panel here has its tray at the left end of the lower edge.
+item_x=15 item_y=885
 
 # XEmbed: a click counts at its press, the second of two fast ones is a double one.
 desktop tint2
 start panel tint2 -c "$here/tint2rc"
 run_program
-item_x=15 item_y=885
 check "the item is there" item_in_tint2
 picture start
 popover_scenes
@@ -17,9 +17,11 @@ cp "$here/xfce4-panel.xml" "$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml/"
 start panel xfce4-panel --disable-wm-check
 check "the panel watches for items" has_owner org.kde.StatusNotifierWatcher
 run_program
-item_x=15 item_y=885
 check "the item is there" item_at_watcher
 picture start
+# Twelve seconds are more than two looks at the link.
+signals=$(timeout 12 dbus-monitor --session "type='signal',path='/StatusNotifierItem'" | grep -c 'path=/StatusNotifierItem') || true
+check "the item is silent while it stays the same" test "$signals" = 0
 popover_scenes
 menu_scenes
 
@@ -38,7 +40,7 @@ check "a second start says that there is a first" grep -q "Already running" "$fo
 check "and opens the first one's window" window_count 1
 check "where it was" at "$(of_width 600)" 50 60
 start panel tint2 -c "$here/tint2rc"
-item_x=15 item_y=885
+
 check "the item is in a panel that comes later" item_in_tint2
 at_item
 check "and opens the popover" popover_shown; settled
@@ -46,6 +48,52 @@ timeout 20 "$program" >/dev/null 2>&1
 settled; check "a second start now opens nothing" popover_shown
 kill "$netvane"
 check "the program ends on SIGTERM" ended_well "$netvane"
+
+# Services stop and start while the program runs.
+desktop services
+session_bus=$bus
+export DBUS_SYSTEM_BUS_ADDRESS=unix:path=$XDG_RUNTIME_DIR/system
+start_system_bus() {
+    start system-bus dbus-daemon --session --nofork --address="$DBUS_SYSTEM_BUS_ADDRESS"
+    system_bus=$last
+}
+start_system_bus
+start panel tint2 -c "$here/tint2rc"
+panel=$last
+run_program
+check "the item is there" item_in_tint2
+stop "$system_bus"; check "calm without the system bus" is_calm "$netvane"
+stop "$panel"; check "calm without a panel" is_calm "$netvane"
+stop "$session_bus"; check "calm without any bus" is_calm "$netvane"
+start_bus
+check "its name is back on the bus" has_owner org.netvane.Netvane
+timeout 20 "$program" >"$folder/second.log" 2>&1 || true
+check "so that a second start finds it" grep -q "Already running" "$folder/second.log"
+start panel tint2 -c "$here/tint2rc"
+panel=$last
+check "the item comes back with the panel" item_in_tint2
+at_item; check "and opens the popover" popover_shown; settled
+at_item; check "and closes it" popover_hidden; settled
+start_system_bus
+check "calm with both buses again" is_calm "$netvane"
+stop "$panel"
+start panel xfce4-panel --disable-wm-check
+check "calm with a panel of another kind" is_calm "$netvane"
+kill "$netvane"
+check "the program ends on SIGTERM" ended_well "$netvane"
+export DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent
+
+# The display goes away, with the popover open.
+desktop lost-display
+start panel tint2 -c "$here/tint2rc"
+run_program
+check "the item is there" item_in_tint2
+at_item; check "the popover opens" popover_shown
+kill "$xvfb"
+check "the program ends" ended "$netvane"
+status=0; wait "$netvane" || status=$?
+check "by itself" test "$status" = 1
+check "and in order" says "The display is gone"
 
 # What a screen reader finds, by the accessibility bus.
 desktop accessibility
