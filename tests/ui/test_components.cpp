@@ -1,6 +1,7 @@
 #include "support/view_fixture.h"
 #include "ui/smooth_curve.h"
 
+#include <QAccessible>
 #include <QPainter>
 #include <QTest>
 
@@ -80,6 +81,15 @@ private Q_SLOTS:
             view.click(view.find("text", text));
             QCOMPARE(view.root().property("pressed").toString(), text);
         }
+        for (const auto& text : {u"Bordered"_s, u"Prominent"_s, u"Small"_s}) {
+            auto* const button = QAccessible::queryAccessibleInterface(view.find("text", text));
+            button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+            QCOMPARE(view.root().property("pressed").toString(), text);
+        }
+        auto* const toggle
+            = QAccessible::queryAccessibleInterface(view.find("text", u"Network Changes"_s));
+        toggle->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        QCOMPARE(view.root().property("pressed").toString(), u"Network Changestrue"_s);
     }
 };
 

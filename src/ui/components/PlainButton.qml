@@ -13,8 +13,17 @@ T.AbstractButton {
     opacity: root.down ? 0.6 : 1
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Keys.onReturnPressed: { if (root.checkable) root.toggle(); root.clicked() }
-    Keys.onEnterPressed: { if (root.checkable) root.toggle(); root.clicked() }
+    Accessible.onPressAction: root.activate()
+    Accessible.onToggleAction: root.activate()
+    Keys.onReturnPressed: root.activate()
+    Keys.onEnterPressed: root.activate()
+
+    // What a click does, for keys and for screen readers.
+    function activate() {
+        if (checkable)
+            toggle();
+        clicked();
+    }
 
     background: Item {
         FocusRing { control: root }

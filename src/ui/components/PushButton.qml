@@ -24,6 +24,7 @@ T.AbstractButton {
     opacity: enabled ? 1 : 0.5
     Accessible.role: Accessible.Button
     Accessible.name: text
+    Accessible.onPressAction: root.clicked()
     Keys.onReturnPressed: root.clicked()
     Keys.onEnterPressed: root.clicked()
 

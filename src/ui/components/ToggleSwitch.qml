@@ -15,8 +15,17 @@ T.AbstractButton {
     Accessible.name: text
     Accessible.checkable: true
     Accessible.checked: checked
-    Keys.onReturnPressed: { if (root.checkable) root.toggle(); root.clicked() }
-    Keys.onEnterPressed: { if (root.checkable) root.toggle(); root.clicked() }
+    Accessible.onPressAction: root.activate()
+    Accessible.onToggleAction: root.activate()
+    Keys.onReturnPressed: root.activate()
+    Keys.onEnterPressed: root.activate()
+
+    // What a click does, for keys and for screen readers.
+    function activate() {
+        if (checkable)
+            toggle();
+        clicked();
+    }
 
     contentItem: RowLayout {
         spacing: 12
