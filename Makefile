@@ -5,7 +5,7 @@ PREFIX ?= /usr/local
 export DESTDIR
 
 .PHONY: help build run demo screenshots install uninstall deb test check check-format check-layers check-qml \
-    check-packaging check-tidy check-sanitizers test-desktop test-radio bench clean
+    check-packaging check-tidy check-sanitizers soak test-desktop test-radio bench clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
@@ -75,6 +75,12 @@ check-sanitizers: ## the tests under ASan with UBSan, and under TSan
 	@scripts/setup build run test
 	@scripts/check-sanitizers dev
 	@scripts/check-sanitizers tsan
+
+soak: ## a month of the program in some minutes, and what it holds at the end; DAYS=30
+	@scripts/setup build run test
+	@cmake --preset release >/dev/null
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane-soak
+	@QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 $(BUILD)/tests/netvane-soak $(or $(DAYS),30)
 
 test-desktop: ## the status item, the popover and the window on desktops with a virtual display
 	@scripts/setup build run test desktop

@@ -3,9 +3,23 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <unistd.h>
+
+#include <cerrno>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::platform {
+namespace {
+
+/// Where nothing can be synced (fsync(2)) there is nothing to wait for.
+bool isOnDisk(int descriptor)
+{
+    return ::fdatasync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS
+        || errno == EOPNOTSUPP;
+}
+
+} // namespace
 
 QString replaceFile(const QString& path, const QByteArray& content, FileAccess access)
 {
@@ -24,6 +38,9 @@ QString replaceFile(const QString& path, const QByteArray& content, FileAccess a
             return file.errorString();
         written += part;
     }
+    // QSaveFile syncs, too, but has what the disk could not keep take the place of what it kept.
+    if (!isOnDisk(file.handle()))
+        return qt_error_string(errno);
     return file.commit() ? QString() : file.errorString();
 }
 

@@ -37,7 +37,10 @@ SettingsContent readSettings(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return unreachable(file.errorString());
-    return settingsContent(file.read(kMaximumBytes));
+    const QByteArray bytes = file.read(kMaximumBytes);
+    // A disk that fails halfway leaves less than there is, which must not become all there is.
+    return file.error() == QFileDevice::NoError ? settingsContent(bytes)
+                                                : unreachable(file.errorString());
 }
 
 /// Returns what went wrong, or nothing.
@@ -76,7 +79,6 @@ SettingsFile::SettingsFile(QString path)
     , m_content(readSettings(m_path))
     , m_isBroken(std::make_shared<bool>(m_content.state == SettingsContent::State::Broken))
 {
-    m_writer.setMaxThreadCount(1);
     if (m_content.state != SettingsContent::State::Readable)
         log(u"Settings: the file cannot be used: "_s + m_content.problem);
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/user_defaults.h"
+#include "platform/work_queues.h"
 
 #include <QJsonObject>
 #include <QObject>
-#include <QThreadPool>
 
 #include <memory>
 
@@ -63,7 +63,7 @@ private:
     bool m_isStoreDue = false;
     std::shared_ptr<bool>
         m_isBroken; ///< the file on the disk; only the writer's thread looks at it
-    QThreadPool m_writer; ///< of one thread, so that the last value is also the last one written
+    WorkQueue m_writer {1}; ///< of one thread, so that the last value is also the last one written
 };
 
 } // namespace netvane::platform

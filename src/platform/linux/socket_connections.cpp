@@ -4,6 +4,8 @@
 #include "platform/linux/tcp_handshake.h"
 #include "platform/linux/udp_hop_probe.h"
 
+#include <system_error>
+
 namespace netvane::platform {
 namespace {
 
@@ -54,13 +56,23 @@ private:
     std::atomic_flag m_isCancelled;
 };
 
+/// As for its mailbox: a process that has no thread to spare when it begins gets nowhere.
+std::jthread networkThread(std::shared_ptr<ConnectionWatcher> watcher)
+{
+    try {
+        return std::jthread([watcher = std::move(watcher)] { watcher->run(); });
+    } catch (const std::system_error&) {
+        qFatal("No thread for the network");
+    }
+}
+
 } // namespace
 
 SocketConnections::SocketConnections(const Clock& clock, AddressLookup lookUp)
     : m_clock(clock)
     , m_mailbox(std::make_shared<Mailbox>())
-    , m_thread([watcher = std::make_shared<ConnectionWatcher>(
-                    clock, std::move(lookUp), m_mailbox)] { watcher->run(); })
+    , m_thread(
+          networkThread(std::make_shared<ConnectionWatcher>(clock, std::move(lookUp), m_mailbox)))
 {
 }
 

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "support/fake_bus_service.h"
+#include "support/private_bus.h"
+
+#include <memory>
+
+namespace netvane::soak {
+
+/// A desktop's services on a bus of its own: they come, go and change their minds.
+class DesktopServices {
+public:
+    DesktopServices();
+
+    QString address() const { return m_bus.address(); }
+    /// The bus and all services.
+    bool start();
+    /// All services, and the bus without a word.
+    void stop();
+
+    /// A panel that shows status items.
+    void setPanel(bool isThere);
+    /// What NetworkManager says about scans: "yes", "no" or "auth".
+    void setPermission(const QString& word);
+    /// org.freedesktop.appearance color-scheme: 0 none, 1 dark, 2 light.
+    void setColorScheme(uint scheme);
+
+    qint64 notifications() const { return m_notifications; }
+
+private:
+    using Service = std::unique_ptr<test::FakeBusService>;
+
+    Service makePanel();
+    Service makePortal();
+    Service makeNetworkManager();
+    Service makeNotifications();
+
+    test::PrivateBus m_bus;
+    Service m_panel;
+    Service m_portal;
+    Service m_networkManager;
+    Service m_notificationDaemon;
+    QString m_permission = QStringLiteral("yes");
+    uint m_scheme = 1;
+    qint64 m_notifications = 0;
+};
+
+} // namespace netvane::soak
