@@ -5,7 +5,7 @@ PREFIX ?= /usr/local
 export DESTDIR
 
 .PHONY: help build run demo screenshots install uninstall deb test check check-format check-layers check-qml \
-    check-packaging check-tidy check-sanitizers soak test-desktop test-radio bench clean
+    check-packaging check-tidy check-sanitizers check-hardening check-fuzz fuzz soak test-desktop test-radio bench clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
@@ -46,7 +46,7 @@ test: ## builds and runs every test that needs no virtual machine
 	@cmake --build $(BUILD) -j $(JOBS)
 	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 
-check: check-format check-layers check-qml check-packaging check-tidy check-sanitizers ## the other checks
+check: check-format check-layers check-qml check-packaging check-hardening check-tidy check-sanitizers check-fuzz ## the other checks
 
 check-format: ## clang-format would change nothing
 	@scripts/setup check
@@ -75,6 +75,18 @@ check-sanitizers: ## the tests under ASan with UBSan, and under TSan
 	@scripts/setup build run test
 	@scripts/check-sanitizers dev
 	@scripts/check-sanitizers tsan
+
+check-hardening: build ## the programs are built so that a fault stays a fault
+	@scripts/setup check
+	@scripts/check-hardening $(BUILD)/netvane $(BUILD)/netvane-report
+
+check-fuzz: ## a minute of each fuzz target
+	@scripts/setup build run check
+	@scripts/fuzz $(or $(FUZZ_SECONDS),60)
+
+fuzz: ## ten minutes of each fuzz target, or FUZZ_SECONDS; TARGETS chooses
+	@scripts/setup build run check
+	@scripts/fuzz $(or $(FUZZ_SECONDS),600) $(TARGETS)
 
 soak: ## a month of the program in some minutes, and what it holds at the end; DAYS=30
 	@scripts/setup build run test

@@ -15,7 +15,7 @@ if(NETVANE_SANITIZE)
     target_compile_options(netvane_options INTERFACE -fsanitize=${NETVANE_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all
         # GCC's flow analysis takes instrumented code for what it is not.
-        -Wno-maybe-uninitialized -Wno-tsan)
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized> $<$<CXX_COMPILER_ID:GNU>:-Wno-tsan>)
     target_link_options(netvane_options INTERFACE -fsanitize=${NETVANE_SANITIZE})
 else()
     # What listens to the air is built so that a fault stays a fault and not a foothold.

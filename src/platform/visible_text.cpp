@@ -36,6 +36,21 @@ bool isUnseen(char32_t c)
     }
 }
 
+/// QString::toUcs4 would have half a surrogate pair look like a replacement character.
+QList<char32_t> charactersOf(const QString& text)
+{
+    QList<char32_t> characters;
+    characters.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool isPair
+            = text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        characters.append(
+            isPair ? QChar::surrogateToUcs4(text[i], text[i + 1]) : text[i].unicode());
+        i += isPair ? 1 : 0;
+    }
+    return characters;
+}
+
 /// Letters and marks that Unicode asks to be drawn as nothing, and space that is no plain space.
 bool isBlank(char32_t c)
 {
@@ -113,8 +128,8 @@ QList<char32_t> decoded(const QByteArray& bytes)
 
 QString withVisibleControls(const QString& text)
 {
-    const auto characters = text.toUcs4();
-    if (std::ranges::none_of(characters, [](uint c) { return isUnseen(c); }))
+    const auto characters = charactersOf(text);
+    if (std::ranges::none_of(characters, isUnseen))
         return text;
     QString visible;
     for (const char32_t c : characters)

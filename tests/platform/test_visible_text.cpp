@@ -76,6 +76,13 @@ private Q_SLOTS:
         QCOMPARE(withVisibleControls(u"a\nb\x1b[31m\u2028 C:\\x"_s),
             u"a\\x0ab\\x1b[31m\\u{2028} C:\\x"_s);
     }
+
+    void halfAPairIsSeen()
+    {
+        const QString text = u"a"_s + QChar(0xd83d) + u"b"_s;
+        QCOMPARE(withVisibleControls(text), u"a\\u{d83d}b"_s);
+        QCOMPARE(withVisibleControls(u"a\U0001F600"_s), u"a\U0001F600"_s);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestVisibleText)

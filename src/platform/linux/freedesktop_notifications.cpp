@@ -40,13 +40,6 @@ bool isReply(const QDBusMessage& answer, const QString& signature)
     return answer.type() == QDBusMessage::ReplyMessage && answer.signature() == signature;
 }
 
-QString failureText(const QDBusMessage& answer)
-{
-    if (answer.type() != QDBusMessage::ErrorMessage)
-        return u"The notification service gave an answer that makes no sense"_s;
-    return answer.errorMessage().isEmpty() ? answer.errorName() : answer.errorMessage();
-}
-
 QString shortened(const QString& text)
 {
     if (text.size() <= kLongestText)
@@ -55,6 +48,13 @@ QString shortened(const QString& text)
     if (start.back().isHighSurrogate())
         start.chop(1);
     return start + u'…';
+}
+
+QString failureText(const QDBusMessage& answer)
+{
+    if (answer.type() != QDBusMessage::ErrorMessage)
+        return u"The notification service gave an answer that makes no sense"_s;
+    return shortened(answer.errorMessage().isEmpty() ? answer.errorName() : answer.errorMessage());
 }
 
 QString categoryName(NotificationCategory category)
@@ -95,6 +95,15 @@ std::function<void(Values...)> whileAlive(QObject* owner, std::function<void(Val
 }
 
 } // namespace
+
+std::optional<NotificationService> notificationService(const QDBusMessage& answer)
+{
+    if (!isReply(answer, u"as"_s))
+        return {};
+    const auto capabilities = answer.arguments().value(0).toStringList();
+    return NotificationService {
+        .owner = answer.service(), .hasBodyMarkup = capabilities.contains(u"body-markup"_s)};
+}
 
 FreedesktopNotifications::FreedesktopNotifications(BusLink& sessionBus)
     : m_sessionBus(sessionBus)
@@ -137,9 +146,8 @@ void FreedesktopNotifications::readCapabilities()
 
 void FreedesktopNotifications::takeCapabilities(const QDBusMessage& answer)
 {
-    if (isReply(answer, u"as"_s)) {
-        const auto capabilities = answer.arguments().value(0).toStringList();
-        m_service = {answer.service(), capabilities.contains(u"body-markup"_s)};
+    if (auto service = notificationService(answer)) {
+        m_service = std::move(service);
         settle(Authorization::Authorized);
     } else if (isNobodyThere(answer)) {
         readActivatableNames();

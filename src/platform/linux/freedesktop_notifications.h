@@ -10,6 +10,14 @@
 
 namespace netvane::platform {
 
+/// Who shows notifications.
+struct NotificationService {
+    QString owner; ///< its unique name; another process that takes its place has another
+    bool hasBodyMarkup = false;
+};
+/// The one that gave this answer to GetCapabilities; absent when it is no such answer.
+std::optional<NotificationService> notificationService(const QDBusMessage& answer);
+
 /// The desktop's notification service (org.freedesktop.Notifications, Desktop Notifications
 /// Specification 1.2) on the session bus. There is nobody to ask for permission: a service that
 /// answers means authorised, and so does one that the bus would start for the first notification;
@@ -30,12 +38,6 @@ private Q_SLOTS:
     void handleOwnerChanged();
 
 private:
-    /// The one that told what it can do.
-    struct Service {
-        QString owner; ///< its unique name; another process that takes its place has another
-        bool hasBodyMarkup = false;
-    };
-
     enum class Attempt { First, Second };
 
     void followSessionBus();
@@ -53,7 +55,7 @@ private:
 
     BusLink& m_sessionBus;
     NotificationAuthorization m_status = NotificationAuthorization::NotDetermined;
-    std::optional<Service> m_service;
+    std::optional<NotificationService> m_service; ///< once it has told what it can do
     std::optional<QString> m_failure; ///< why there is no service, when it is not plainly absent
     std::vector<std::function<void()>> m_waiting; ///< for the answer to the question in flight
     bool m_isAsking = true;
