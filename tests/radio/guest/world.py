@@ -53,6 +53,7 @@ class World:
         self._asked = 0
         self._chosen = None
         self._managed = False
+        self._online = False
         self._has_eleven = False
 
     def do(self, *command, seconds=120):
@@ -108,10 +109,17 @@ class World:
             self._managed = True
             self._chosen = None
 
+    def go_online(self):
+        """From now on the networks that are joined give an address, and the small internet."""
+        self.do('internet_up')
+        self._online = True
+        self._chosen = None
+
     def join(self, network):
         """Associates with this network, if that is not so already."""
         if self._chosen != network and self._managed:
-            self.do('manager_joins', shown(network.ssid), network.passphrase, seconds=240)
+            router = [network.phy] if self._online else []
+            self.do('manager_joins', shown(network.ssid), network.passphrase, *router, seconds=240)
         elif self._chosen != network:
             self.do('choose', NETWORKS.index(network))
         self._chosen = network

@@ -6,11 +6,13 @@
 #   this network namespace   phy0, wlan0: the station, whose link Netvane reads
 #   namespace "air"          phy1, wlan1 and so on: one access point each
 #
-# The access point of radio N answers 192.168.N.1. There is no name service and no internet.
+# The access point of radio N answers 192.168.N.1. There is no name service and no internet before
+# `internet_up`.
 logs=${NETVANE_RADIO_LOGS:?}
 state=/run/radio-world
 country=DE # opens channels 36 and 5 (6 GHz) without a wait for radar
 mkdir -p $state
+. ./internet.sh
 
 wait_for() { # wait_for SECONDS 'condition'
     local end=$((SECONDS + $1))
@@ -170,10 +172,14 @@ manager_permission() { # what NetworkManager answers to the unprivileged user: '
         -m org.freedesktop.NetworkManager.GetPermissions |
         grep -o "'org.freedesktop.NetworkManager.wifi.scan': '[a-z]*'"
 }
-manager_joins() { # manager_joins SSID PASSPHRASE: without addresses, for no one here gives any
+manager_joins() { # manager_joins SSID PASSPHRASE [PHY]: with PHY through its access point online
+    local addresses=(ipv4.method disabled)
+    [ -z "${3:-}" ] || addresses=(ipv4.method manual ipv4.addresses "192.168.$3.2/24"
+        ipv4.gateway "192.168.$3.1" ipv4.dns 10.9.2.1)
     wait_for 60 "nmcli -t -f SSID device wifi list --rescan auto | grep -qx '$1'" || return 1
+    ! nmcli connection show test || nmcli connection delete test || return 1
     nmcli connection add save no type wifi ifname wlan0 con-name test ssid "$1" autoconnect no \
-        ipv4.method disabled ipv6.method disabled wifi-sec.key-mgmt wpa-psk wifi-sec.psk "$2" &&
+        "${addresses[@]}" ipv6.method disabled wifi-sec.key-mgmt wpa-psk wifi-sec.psk "$2" &&
         nmcli --wait 90 connection up test
 }
 

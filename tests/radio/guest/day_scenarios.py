@@ -1,0 +1,257 @@
+"""A day with the whole program on a desktop: what it shows, says and notifies while the network
+changes, beside what other programs say of the same at the same time."""
+import json
+import re
+import signal
+import subprocess
+import time
+
+from desktop import Desktop, eventually
+from iw_reading import iw, read_iw, read_iw_scan
+from world import HOME, HOME_5_GHZ, shown
+
+PROBE = 'https://captive.apple.com/hotspot-detect.html'
+DOWNLOAD = 'https://speed.cloudflare.com/__down?bytes=5000000'
+RATE_MBITS = 8
+THROTTLE_SECONDS = 30  # between two notifications
+LOOK_SECONDS = 5  # between two looks at the link
+
+
+class Day:
+    """The steps, in their order. Each leaves the world as the next one wants it."""
+
+    def __init__(self, report, world):
+        self.report = report
+        self.world = world
+        self.desktop = Desktop()
+        self.told_at = time.monotonic()
+
+    def check(self, name, got, want=True):
+        return self.report.check(f'day: {name}', got, want)
+
+    def same(self, name, ours, theirs, seconds=60):
+        """Both are asked, the other program before and after Netvane, until they agree."""
+        got, want = None, None
+        end = time.monotonic() + seconds
+        while True:
+            before, got, want = theirs(), ours(), theirs()
+            if got in (before, want) or time.monotonic() > end:
+                return self.check(name, got, before if got == before else want)
+            time.sleep(0.5)
+
+    def shows(self, name, panel, text, seconds=60):
+        self.check(name, bool(eventually(lambda: text in self.desktop.texts(panel), seconds)))
+
+    def notifies(self, title, text, seconds=60):
+        self.check(f'"{title}" reaches the notification daemon', bool(eventually(
+            lambda: (title, text) in self.desktop.notified(), seconds)))
+        self.told_at = time.monotonic()
+
+    def past_throttle(self):
+        """Evaluations rest after a notification; the next of them has to see the good state."""
+        until = self.told_at + THROTTLE_SECONDS + 3 * LOOK_SECONDS
+        time.sleep(max(0, until - time.monotonic()))
+
+    def link_agrees(self, when):
+        self.same(f'{when}: name and signal are those of iw',
+                  lambda: self._connection(), _connection_by_iw)
+
+    def _connection(self):
+        return [text for text in self.desktop.texts('Connection') if text != 'Connection']
+
+    def card(self, name):
+        """The value that a card shows, without its unit."""
+        texts = self.desktop.every_text(name)
+        values = [text for text in texts if re.match(r'-?[\d.]+ ', text)]
+        return values[0].split()[0] if values else None
+
+    # --- The steps ---
+
+    def connects(self):
+        self.world.join(HOME)
+        self.desktop.start()
+        self.desktop.click_item()
+        self.shows('the popover fills', 'Connection', shown(HOME.ssid), 120)
+        self.link_agrees('connected')
+        self.metrics_agree()
+        for panel in ('Router', 'Internet'):
+            self.check(f'{panel} is timed', bool(eventually(
+                lambda panel=panel: self._milliseconds(panel), 60)))
+        self.check('the name service is the one of resolv.conf', bool(eventually(
+            lambda: 'Router assigned: 10.9.2.1' in self.desktop.every_text('Netvane'), 30)))
+        self.check('all is well', bool(eventually(
+            lambda: self.desktop.every_text('Connection Summary').count('OK') == 4, 60)))
+
+    def metrics_agree(self):
+        """The cards follow a change of the signal; a rate is one of those meanwhile."""
+        self.world.do('heard_at', HOME.phy, HOME.dbm + 3)
+        rates = set()
+
+        def followed():
+            rates.add(_rate_by_iw())
+            return self.card('Signal Strength') == str(HOME.dbm + 3)
+        self.check('the signal strength follows', eventually(followed, 60))
+        rate = self.card('Link Rate')
+        self.check('the link rate is one of iw', rate if rate in rates else rates, rate)
+        self.same('the noise is that of iw', lambda: self.card('Noise Level'),
+                  lambda: str(read_iw().noise))
+
+    def _milliseconds(self, panel):
+        return [text for text in self.desktop.every_text(panel) if re.fullmatch(r'[\d.]+ ms', text)]
+
+    def roams(self):
+        # In emulation it takes longer than from one look at the link to the next.
+        self.desktop.netvane.send_signal(signal.SIGSTOP)
+        self.world.join(HOME_5_GHZ)
+        self.desktop.netvane.send_signal(signal.SIGCONT)
+        self.notifies('Network Changed', f'Connected to {shown(HOME_5_GHZ.ssid)}')
+        self.link_agrees('roamed')
+
+    def weakens(self):
+        self.past_throttle()
+        self.world.do('heard_at', HOME_5_GHZ.phy, -85)
+        self.notifies('Signal Weak', 'WiFi signal has dropped to poor quality')
+        self.link_agrees('weak')
+
+    def loses(self):
+        self.past_throttle()
+        self.world.do('out_of_range', HOME_5_GHZ.phy)
+        self.notifies('Disconnected', 'Lost connection to WiFi network')
+        self.shows('the loss is on the dashboard', 'Connection', 'Not Connected')
+        self.check('iw says the same', iw('dev', 'wlan0', 'link').strip(), 'Not connected.')
+        self.world.do('in_range', HOME_5_GHZ.phy)
+        self.world.do('heard_at', HOME_5_GHZ.phy, HOME_5_GHZ.dbm)
+        self.world.join(HOME)
+        self.shows('the link is back', 'Connection', shown(HOME.ssid))
+
+    def meets_portal(self):
+        self.world.do('portal', 'on')
+        title = 'Captive Portal Detected'
+        self.shows('a portal is noticed', title, title, 90)
+        self.check('curl is sent to a login page', _http_status(), '302')
+        self.world.do('portal', 'off')
+        self.check('the portal is forgotten', bool(eventually(
+            lambda: not self.desktop.texts(title), 90)))
+        self.check('curl gets the page', _http_status(), '200')
+
+    def tests_speed(self):
+        self.world.do('shape', f'{RATE_MBITS}mbit')
+        self.desktop.press('Run Speed Test')
+        ours = eventually(self._speeds, 120)
+        if not self.check('the speed test ends', len(ours), 2):
+            return
+        curls = _download_by_curl()
+        print(f'Mbit/s on a line of {RATE_MBITS}: download {ours[0]}, upload {ours[1]}, '
+              f'by curl {curls:.1f}', flush=True)
+        for speed in ours:
+            self.check('the speed is that of curl, give or take a quarter',
+                       0.75 * curls <= speed <= 1.25 * curls)
+        self.world.do('shape', '1gbit')
+
+    def _speeds(self):
+        texts = self.desktop.every_text('Speed Test')
+        found = [texts[texts.index(name) + 1] for name in ('Download Speed', 'Upload Speed')
+                 if name in texts]
+        speeds = [float(text.split()[0]) for text in found if text.endswith(' Mbps')]
+        return speeds if len(speeds) == 2 else []
+
+    def scans(self):
+        self.desktop.keys('ctrl+d')
+        self.check('the window opens', bool(eventually(
+            lambda: self.desktop.tool('xdotool', 'search', '--onlyvisible', '--name',
+                                      '^Netvane$').split(), 60)))
+        self.desktop.press('Scan')
+        self.check('the scan finds more than the own network', bool(eventually(
+            lambda: len(self._channels()) > 2, 120)))
+        self.same('as many networks on each channel as iw knows',
+                  self._channels, _channels_by_iw, 90)
+
+    def _channels(self):
+        for text in self.desktop.every_text('Networks per Channel'):
+            found = re.findall(r'Channel (\d+)(?: \(current\))?: (\d+) network', text)
+            if found:
+                return {int(channel): int(count) for channel, count in found}
+        return {}
+
+    def traces(self):
+        theirs = re.findall(r'^ *(\d+)  ([\d.]+) ', subprocess.run(
+            ['traceroute', '-n', '-q', '1', '1.1.1.1'], capture_output=True, text=True, timeout=60,
+            check=False).stdout, re.M)
+        self.desktop.press('Run')
+        self.check('the trace is that of traceroute', eventually(
+            lambda: self._hops() if len(self._hops()) == len(theirs) else None, 90), theirs)
+
+    def _hops(self):
+        return [found.groups() for text in self.desktop.every_text('Hops')
+                if (found := re.match(r'Hop (\d+).*?(\d+\.\d+\.\d+\.\d+)', text))]
+
+    def exports(self):
+        self.desktop.press('Copy to Clipboard')
+        ours = eventually(lambda: self.desktop.tool('xclip', '-selection', 'clipboard', '-o',
+                                                    seconds=20), 30)
+        self.check('the report names the network', shown(HOME.ssid) in ours)
+        self.check('the report tells the signal of iw',
+                   any(f'{dbm} dBm' in ours for dbm in read_iw().signals))
+        alone = self.desktop.tool('/run/radio/netvane-report', seconds=180)
+        headings = re.compile(r'^[A-Z][A-Za-z &-]+:?$', re.M)
+        print(f'sections of the report: {headings.findall(ours)}', flush=True)
+        self.check('the report on the command line has the same sections',
+                   headings.findall(alone), headings.findall(ours) or 'some')
+
+    def ends(self):
+        self.check('no notification but those', [title for title, _ in self.desktop.notified()],
+                   ['Network Changed', 'Signal Weak', 'Disconnected'])
+        self.desktop.netvane.terminate()
+        self.check('SIGTERM ends it with status 0', self.desktop.netvane.wait(60), 0)
+
+    STEPS = (connects, roams, weakens, loses, meets_portal, tests_speed, scans, traces, exports,
+             ends)
+
+
+def _connection_by_iw():
+    reading = read_iw()
+    if not reading.ssid:
+        return ['Not Connected']
+    band = '2.4 GHz' if reading.frequency < 3000 else '5 GHz'
+    return [shown(reading.ssid), band, f'{max(reading.signals)} dBm']
+
+
+def _rate_by_iw():
+    return str(max(read_iw().rates))
+
+
+def _channels_by_iw():
+    channels = {}
+    for network in read_iw_scan().values():
+        start = 2407 if network.frequency < 3000 else 5000 if network.frequency < 5950 else 5950
+        channel = (network.frequency - start) // 5
+        channels[channel] = channels.get(channel, 0) + 1
+    return channels
+
+
+def _http_status():
+    return subprocess.run(['curl', '-s', '-o', '/dev/null', '-w', '%{http_code}', PROBE],
+                          capture_output=True, text=True, timeout=60, check=False).stdout
+
+
+def _download_by_curl():
+    text = subprocess.run(['curl', '-s', '-o', '/dev/null', '-w', '{"s": %{speed_download}}',
+                           DOWNLOAD], capture_output=True, text=True, timeout=120,
+                          check=True).stdout
+    return json.loads(text)['s'] * 8 / 1e6
+
+
+def whole_day(report, world):
+    world.start_manager()
+    world.grant_scans('YES', 'yes')
+    world.go_online()
+    day = Day(report, world)
+    try:
+        for step in Day.STEPS:
+            if not report.run(f'day: {step.__name__}', step, day):
+                break
+    finally:
+        day.desktop.end()
+
+
+SCENARIOS = (whole_day,)
