@@ -68,6 +68,24 @@ QVariantMap takeMap(FuzzedDataProvider& input, int depth)
     return map;
 }
 
+/// As the services answer, or anything.
+QVariantList takeAnswer(FuzzedDataProvider& input)
+{
+    QVariantList values;
+    switch (input.ConsumeIntegralInRange(0, 3)) {
+    case 0:
+        return {QVariant::fromValue(TextMap {{takeText(input), takeText(input)}})};
+    case 1:
+        return {QStringList {takeText(input), takeText(input)}};
+    case 2:
+        return {takeText(input), takeMap(input, 3), QStringList()};
+    default:
+        for (int i = input.ConsumeIntegralInRange(0, 3); i > 0; --i)
+            values.append(takeValue(input, 3));
+        return values;
+    }
+}
+
 /// The far end: gives every call the answer that is due.
 class FarEnd : public QDBusVirtualObject {
 public:
@@ -127,9 +145,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     auto& far = wire->farEnd;
     far.isError = input.ConsumeIntegralInRange(0, 9) == 0;
     far.errorText = far.isError ? takeText(input) : QString();
-    far.values.clear();
-    for (int i = input.ConsumeIntegralInRange(0, 3); i > 0; --i)
-        far.values.append(takeValue(input, 3));
+    far.values = takeAnswer(input);
 
     const QDBusMessage answer = wire->ask();
     (void)platform::scanAuthorization(answer);

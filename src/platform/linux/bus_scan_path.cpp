@@ -144,7 +144,8 @@ void BusScanPath::takeOwnerChange(const QDBusMessage& signal)
 std::optional<QVariantMap> changedProperties(const QDBusMessage& signal, const QString& interface)
 {
     const auto arguments = signal.arguments();
-    if (arguments.value(0) != interface)
+    // A map of another kind would have Qt read where there is nothing.
+    if (signal.signature() != u"sa{sv}as" || arguments.value(0) != interface)
         return {};
     return qdbus_cast<QVariantMap>(arguments.value(1));
 }

@@ -2,8 +2,10 @@
 
 #include <netinet/in.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <span>
 
 namespace netvane::platform {
 namespace {
@@ -22,26 +24,36 @@ size_t lengthOf(sa_family_t family)
     }
 }
 
+using Bytes = std::span<const unsigned char>;
+
+/// What a header announces, but no further than `end`, where what was received ends.
+Bytes payloadOf(const cmsghdr& header, const unsigned char* end)
+{
+    const auto* data = CMSG_DATA(&header);
+    if (header.cmsg_len < CMSG_LEN(0) || data >= end)
+        return {};
+    return {data, std::min(size_t(end - data), size_t(header.cmsg_len - CMSG_LEN(0)))};
+}
+
 /// The offender's address stands right behind the report, if the kernel knows one.
-std::optional<SocketAddress> offenderIn(const unsigned char* data, size_t length)
+std::optional<SocketAddress> offenderIn(Bytes bytes)
 {
     SocketAddress address;
-    if (length < sizeof address.storage.ss_family)
+    if (bytes.size() < sizeof address.storage.ss_family)
         return {};
-    std::memcpy(&address.storage.ss_family, data, sizeof address.storage.ss_family);
+    std::memcpy(&address.storage.ss_family, bytes.data(), sizeof address.storage.ss_family);
     const size_t wanted = lengthOf(address.storage.ss_family);
-    if (wanted == 0 || length < wanted)
+    if (wanted == 0 || bytes.size() < wanted)
         return {};
-    std::memcpy(&address.storage, data, wanted);
+    std::memcpy(&address.storage, bytes.data(), wanted);
     address.length = socklen_t(wanted);
     return address;
 }
 
 bool isReport(const cmsghdr& header)
 {
-    return ((header.cmsg_level == IPPROTO_IP && header.cmsg_type == IP_RECVERR)
-               || (header.cmsg_level == IPPROTO_IPV6 && header.cmsg_type == IPV6_RECVERR))
-        && header.cmsg_len >= CMSG_LEN(sizeof(sock_extended_err));
+    return (header.cmsg_level == IPPROTO_IP && header.cmsg_type == IP_RECVERR)
+        || (header.cmsg_level == IPPROTO_IPV6 && header.cmsg_type == IPV6_RECVERR);
 }
 
 } // namespace
@@ -59,13 +71,13 @@ std::optional<QueuedError> takeQueuedError(int socket)
     if (::recvmsg(socket, &message, MSG_ERRQUEUE | MSG_DONTWAIT) < 0)
         return {};
     error.sentTo.length = message.msg_namelen;
+    const auto* end = control.data() + message.msg_controllen;
     for (auto* each = CMSG_FIRSTHDR(&message); each; each = CMSG_NXTHDR(&message, each)) {
-        if (!isReport(*each))
+        const Bytes payload = payloadOf(*each, end);
+        if (!isReport(*each) || payload.size() < sizeof error.report)
             continue;
-        const auto* data = CMSG_DATA(each);
-        std::memcpy(&error.report, data, sizeof error.report);
-        error.offender = offenderIn(
-            data + sizeof error.report, each->cmsg_len - CMSG_LEN(sizeof error.report));
+        std::memcpy(&error.report, payload.data(), sizeof error.report);
+        error.offender = offenderIn(payload.subspan(sizeof error.report));
     }
     return error;
 }
