@@ -107,11 +107,11 @@ test-radio: ## end to end on simulated radios in a virtual machine
 	@cmake --build $(BUILD) -j $(JOBS)
 	@tests/radio/run --build $(BUILD)
 
-bench: ## the figures, each beside what it is compared with
+bench: ## docs/figures.md: the figures, each beside what it is compared with
 	@scripts/setup build run test display bench radio
 	@cmake --preset bench >/dev/null
-	@cmake --build $(BUILD)/bench -j $(JOBS)
-	@bench/run-all $(BUILD)/bench
+	@cmake --build $(BUILD) -j $(JOBS)
+	@bench/run-all $(BUILD)
 
 clean: ## forgets everything that was built
 	@rm -rf $(BUILD)

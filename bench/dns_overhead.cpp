@@ -2,6 +2,7 @@
 // the resolver itself measures, and the main thread's share of a tick. The resolver only waits, so
 // that nothing is asked of the network.
 
+#include "figure.h"
 #include "platform/linux/linux_network_configuration.h"
 #include "platform/log.h"
 #include "platform/system_clock.h"
@@ -16,6 +17,7 @@
 #include <thread>
 
 using namespace netvane;
+using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
@@ -47,6 +49,10 @@ bool report(const char* what, std::vector<double> values, double bound)
     const bool isHeld = nearlyAll <= bound;
     std::printf("%-34s %9.4f %9.4f %9.4f %9.4f  %s\n", what, values[values.size() / 2], nearlyAll,
         values.back(), bound, isHeld ? "held" : "MISSED");
+    bench::record({.name = u"name look-up, "_s + QLatin1StringView(what),
+        .unit = u"ms"_s,
+        .values = values,
+        .bound = bound});
     return isHeld;
 }
 

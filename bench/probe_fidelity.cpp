@@ -3,6 +3,7 @@
 // in the same run and measured the same way, a blocking connect() on a thread of its own.
 // `run_probe_fidelity` makes the peers.
 
+#include "figure.h"
 #include "platform/linux/file_descriptor.h"
 #include "platform/linux/socket_connections.h"
 #include "platform/log.h"
@@ -22,6 +23,7 @@
 #include <future>
 
 using namespace netvane;
+using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -95,6 +97,7 @@ class Figures {
 public:
     void add(double ms) { m_all.push_back(ms); }
     size_t count() const { return m_all.size(); }
+    const std::vector<double>& all() const { return m_all; }
 
     /// Prints a row; false when it is bound and misses the bounds.
     bool print(const QString& peer, const char* way, bool isBound)
@@ -139,6 +142,12 @@ public:
         QCoreApplication::exec();
         const bool held = m_ours.print(m_name, "our probe", true);
         m_blocking.print(m_name, "blocking connect", false);
+        bench::record({.name = u"latency beyond the kernel's own, a peer that answers "_s + m_name,
+            .unit = u"ms"_s,
+            .values = m_ours.all(),
+            .bound = kMedianBoundMs,
+            .rival = u"a blocking connect"_s,
+            .rivalValues = m_blocking.all()});
         return held;
     }
 

@@ -3,6 +3,7 @@
 // thread. `run_speed_fidelity` makes the server and the link.
 
 #include "diagnostics/speed_test_service.h"
+#include "figure.h"
 #include "platform/linux/qt_http_client.h"
 #include "platform/linux/qt_http_transfers.h"
 #include "platform/log.h"
@@ -39,12 +40,6 @@ struct Plan {
     double lowest = 0; ///< of curl's figure
     double highest = 0;
 };
-
-double median(std::vector<double> values)
-{
-    std::ranges::sort(values);
-    return values[values.size() / 2];
-}
 
 /// A line of /proc/self/status, in MB.
 double statusMb(const QByteArray& name)
@@ -145,12 +140,17 @@ public:
             oursUp.push_back(result.uploadSpeed.value_or(0));
             curls.push_back(curlMbps(m_plan, QStringLiteral("/__down?bytes=5000000")));
         }
-        const double ratio = median(ours) / median(curls);
+        const double ratio = bench::median(ours) / bench::median(curls);
         std::printf("  %-12s %9.1f %9.1f %7.3f   %.2f to %.2f   %8.1f\n", qPrintable(m_plan.name),
-            median(ours), median(curls), ratio, m_plan.lowest, m_plan.highest, median(oursUp));
+            bench::median(ours), bench::median(curls), ratio, m_plan.lowest, m_plan.highest, bench::median(oursUp));
         std::printf("  %-12s memory +%.1f MB (at most %.0f), main thread held up %.1f ms (at most "
                     "%.0f), %.1f with waits for a core\n",
             "", m_memoryMb, kMemoryBoundMb, m_blockedMs, kBlockedBoundMs, m_lateMs);
+        bench::record({.name = QStringLiteral("download, ") + m_plan.name,
+            .unit = QStringLiteral("Mbps"),
+            .values = ours,
+            .rival = QStringLiteral("curl"),
+            .rivalValues = curls});
         return ratio >= m_plan.lowest && ratio <= m_plan.highest && m_memoryMb < kMemoryBoundMb
             && m_blockedMs < kBlockedBoundMs;
     }
