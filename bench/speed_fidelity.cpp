@@ -142,7 +142,8 @@ public:
         }
         const double ratio = bench::median(ours) / bench::median(curls);
         std::printf("  %-12s %9.1f %9.1f %7.3f   %.2f to %.2f   %8.1f\n", qPrintable(m_plan.name),
-            bench::median(ours), bench::median(curls), ratio, m_plan.lowest, m_plan.highest, bench::median(oursUp));
+            bench::median(ours), bench::median(curls), ratio, m_plan.lowest, m_plan.highest,
+            bench::median(oursUp));
         std::printf("  %-12s memory +%.1f MB (at most %.0f), main thread held up %.1f ms (at most "
                     "%.0f), %.1f with waits for a core\n",
             "", m_memoryMb, kMemoryBoundMb, m_blockedMs, kBlockedBoundMs, m_lateMs);

@@ -52,19 +52,34 @@ Item {
             dashboard: root.viewState.dashboard
         }
     }
-    SettingsView {
+    OnDemand {
         id: settings
         objectName: "settings"
-        anchors.fill: parent
-        visible: root.viewState.content === PopoverState.Settings
-        focus: visible
+        isWanted: root.viewState.content === PopoverState.Settings
+        view: "SettingsView.qml"
         viewState: root.viewState.settings
     }
-    OnboardingView {
+    OnDemand {
         objectName: "onboarding"
-        anchors.fill: parent
-        visible: root.viewState.content === PopoverState.Onboarding
-        focus: visible
+        isWanted: root.viewState.content === PopoverState.Onboarding
+        view: "OnboardingView.qml"
         viewState: root.viewState.onboarding
+    }
+
+    // A screen that is there only while it is shown: most who open the dashboard look at nothing else.
+    component OnDemand: Loader {
+        property bool isWanted: false
+        required property string view
+        required property var viewState
+
+        anchors.fill: parent
+        visible: isWanted
+        focus: isWanted
+        onIsWantedChanged: {
+            if (isWanted)
+                setSource(view, { viewState: viewState, focus: true })
+            else
+                source = ""
+        }
     }
 }

@@ -12,7 +12,7 @@ from world import HOME, HOME_5_GHZ, shown
 
 PROBE = 'https://captive.apple.com/hotspot-detect.html'
 DOWNLOAD = 'https://speed.cloudflare.com/__down?bytes=5000000'
-RATE_MBITS = 8
+RATE_MBITS = 1  # so little that the emulated processor is not what limits it
 THROTTLE_SECONDS = 30  # between two notifications
 LOOK_SECONDS = 5  # between two looks at the link
 
@@ -137,7 +137,7 @@ class Day:
     def tests_speed(self):
         self.world.do('shape', f'{RATE_MBITS}mbit')
         self.desktop.press('Run Speed Test')
-        ours = eventually(self._speeds, 120)
+        ours = eventually(self._speeds, 240)
         if not self.check('the speed test ends', len(ours), 2):
             return
         curls = _download_by_curl()
@@ -193,7 +193,7 @@ class Day:
         self.check('the report tells the signal of iw',
                    any(f'{dbm} dBm' in ours for dbm in read_iw().signals))
         alone = self.desktop.tool('/run/radio/netvane-report', seconds=180)
-        headings = re.compile(r'^[A-Z][A-Za-z &-]+:?$', re.M)
+        headings = re.compile(r'^#+ .*$', re.M)
         print(f'sections of the report: {headings.findall(ours)}', flush=True)
         self.check('the report on the command line has the same sections',
                    headings.findall(alone), headings.findall(ours) or 'some')
@@ -236,7 +236,7 @@ def _http_status():
 
 def _download_by_curl():
     text = subprocess.run(['curl', '-s', '-o', '/dev/null', '-w', '{"s": %{speed_download}}',
-                           DOWNLOAD], capture_output=True, text=True, timeout=120,
+                           DOWNLOAD], capture_output=True, text=True, timeout=240,
                           check=True).stdout
     return json.loads(text)['s'] * 8 / 1e6
 
