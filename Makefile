@@ -78,7 +78,7 @@ check-sanitizers: ## the tests under ASan with UBSan, and under TSan
 
 check-hardening: build ## the programs are built so that a fault stays a fault
 	@scripts/setup check
-	@scripts/check-hardening $(BUILD)/netvane $(BUILD)/netvane-report
+	@scripts/check-hardening $(BUILD)/netvane $(BUILD)/netvane-views.so $(BUILD)/netvane-report
 
 check-fuzz: ## a minute of each fuzz target
 	@scripts/setup build run check

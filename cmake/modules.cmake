@@ -16,3 +16,23 @@ function(netvane_test name)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT 60 ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
 endfunction()
+
+# netvane_services_of_program(VARIABLE LIBRARY...): what the views link, but not where they are made a library that the
+# program loads: there they use the program's own.
+function(netvane_services_of_program variable)
+    set(services ${ARGN})
+    list(TRANSFORM services PREPEND "$<$<NOT:$<BOOL:$<TARGET_PROPERTY:NETVANE_IS_LOADED>>>:")
+    list(TRANSFORM services APPEND ">")
+    set(${variable} ${services} PARENT_SCOPE)
+endfunction()
+
+# netvane_loads_views(PROGRAM): a program without the views, which finds them in a library of their own. It has the
+# whole of every module below them, whether it calls it or not, and offers it to the library.
+function(netvane_loads_views program)
+    set(modules netvane_platform netvane_probes netvane_wifi netvane_diagnostics netvane_insights netvane_app)
+    list(JOIN modules "," whole)
+    target_link_libraries(${program} PRIVATE netvane_app)
+    add_dependencies(${program} netvane-views)
+    target_compile_definitions(${program} PRIVATE NETVANE_VIEWS="$<TARGET_FILE:netvane-views>")
+    set_target_properties(${program} PROPERTIES ENABLE_EXPORTS ON LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${whole}")
+endfunction()

@@ -47,7 +47,6 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
     , m_views(views)
     , m_updaterController(QCoreApplication::applicationFilePath())
     , m_statusArea(*platform.statusNotifierHost)
-    , m_viewHost(*platform.appearance)
 {
     platform::log(u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
     connect(&m_notifications, &NotificationCenter::openInWindow, this,
@@ -159,7 +158,6 @@ void AppDelegate::setupMainMenu()
     auto* open = m_mainMenu->addAction(u"Open in Window"_s);
     open->setShortcut(QKeySequence(u"Ctrl+D"_s));
     connect(open, &QAction::triggered, this, &AppDelegate::handleOpenInWindow);
-    m_viewHost.setMenu(*m_mainMenu);
     platform::log(u"Netvane: Global keyboard shortcut ⌘D configured"_s);
 }
 
@@ -194,8 +192,7 @@ void AppDelegate::startServices()
 
 void AppDelegate::setupPopover()
 {
-    m_popover = std::make_unique<PopoverWindow>(
-        m_viewHost, [this] { return m_views.popoverView(*this); });
+    m_popover = std::make_unique<PopoverWindow>([this] { return m_views.popoverWindow(*this); });
     connect(m_popover.get(), &PopoverWindow::didClose, this, &AppDelegate::popoverDidClose);
     m_statusBarManager->setPopover(m_popover.get());
 }
@@ -251,9 +248,11 @@ void AppDelegate::openDetailedWindow()
         m_windowController->bringToFront();
         return;
     }
+    auto window = m_views.detailedWindow(*this);
+    if (!window)
+        return;
     m_windowController = std::make_unique<DetailedWindowController>(
-        m_viewHost.makeWindow(m_views.detailedWindowView(*this)), *m_platform.userDefaults,
-        *m_platform.clock);
+        std::move(window), *m_platform.userDefaults, *m_platform.clock);
     m_windowController->showWindow();
 }
 

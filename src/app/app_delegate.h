@@ -3,7 +3,6 @@
 #include "app/outside_click_monitor.h"
 #include "app/status_area.h"
 #include "app/updater_controller.h"
-#include "app/view_host.h"
 #include "platform/clock.h"
 
 #include <QMenu>
@@ -101,7 +100,7 @@ public:
     insights::ReportService* reportService() const { return m_reportService.get(); }
     insights::OnboardingService* onboardingService() const { return m_onboardingService.get(); }
     diagnostics::TracerouteService* tracerouteService() const { return m_tracerouteService.get(); }
-    QMenu* mainMenu() { return m_mainMenu.get(); }
+    QMenu* mainMenu() const { return m_mainMenu.get(); }
 
 private:
     void makeServices();
@@ -141,7 +140,6 @@ private:
     std::unique_ptr<insights::ReportService> m_reportService;
     std::unique_ptr<QMenu> m_mainMenu;
     StatusArea m_statusArea;
-    ViewHost m_viewHost;
     std::unique_ptr<PopoverWindow> m_popover;
     std::unique_ptr<DetailedWindowController> m_windowController;
     std::unique_ptr<OutsideClickMonitor> m_popoverMonitor;

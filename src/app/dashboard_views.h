@@ -1,19 +1,25 @@
 #pragma once
 
-#include "app/hosted_view.h"
+#include "app/host_window.h"
+
+#include <memory>
 
 namespace netvane::app {
 
 class AppDelegate;
 
-/// Makes the contents of the program's windows, a new one at each call. Called only once all
-/// services of the delegate exist. Main thread.
+/// Makes the program's windows with their contents, new ones at each call. Called only once all
+/// services of the delegate exist. The menu of the delegate works by its shortcuts in each of them.
+/// Main thread.
 class DashboardViews {
 public:
     virtual ~DashboardViews() = default;
 
-    virtual HostedView popoverView(const AppDelegate& services) = 0;
-    virtual HostedView detailedWindowView(const AppDelegate& services) = 0;
+    /// Null where there is none to be had, which was said to the user then. A window lives no
+    /// longer than this.
+    virtual std::unique_ptr<HostWindow> popoverWindow(const AppDelegate& services) = 0;
+    /// As `popoverWindow`.
+    virtual std::unique_ptr<HostWindow> detailedWindow(const AppDelegate& services) = 0;
 };
 
 } // namespace netvane::app

@@ -35,37 +35,36 @@ QRect centredFrame()
 } // namespace
 
 DetailedWindowController::DetailedWindowController(
-    std::unique_ptr<HostWindow> window, platform::UserDefaults& defaults, platform::Clock& clock)
+    std::unique_ptr<HostWindow> host, platform::UserDefaults& defaults, platform::Clock& clock)
     : m_defaults(defaults)
     , m_clock(clock)
-    , m_window(std::move(window))
+    , m_host(std::move(host))
 {
-    m_window->setTitle(u"Netvane"_s);
-    m_window->setMinimumSize(kMinimumSize);
+    window().setTitle(u"Netvane"_s);
+    window().setMinimumSize(kMinimumSize);
     for (const auto change :
         {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged, &QWindow::heightChanged})
-        connect(m_window.get(), change, this, &DetailedWindowController::noteFrame);
-    connect(
-        m_window.get(), &QWindow::visibleChanged, this, &DetailedWindowController::handleVisible);
+        connect(&window(), change, this, &DetailedWindowController::noteFrame);
+    connect(&window(), &QWindow::visibleChanged, this, &DetailedWindowController::handleVisible);
 }
 
 DetailedWindowController::~DetailedWindowController()
 {
-    m_window->disconnect(this);
+    window().disconnect(this);
 }
 
 void DetailedWindowController::showWindow()
 {
     restoreFrame();
-    m_window->show();
+    window().show();
     bringToFront();
 }
 
 void DetailedWindowController::bringToFront()
 {
-    m_window->setWindowStates(m_window->windowStates() & ~Qt::WindowMinimized);
-    m_window->raise();
-    m_window->requestActivate();
+    window().setWindowStates(window().windowStates() & ~Qt::WindowMinimized);
+    window().raise();
+    window().requestActivate();
 }
 
 void DetailedWindowController::restoreFrame()
@@ -76,16 +75,16 @@ void DetailedWindowController::restoreFrame()
     if (frame)
         frame = restoredFrame(*frame, kMinimumSize, workAreas());
     const QRect wanted = frame.value_or(centredFrame());
-    m_window->resize(wanted.size());
-    m_window->setFramePosition(wanted.topLeft());
+    window().resize(wanted.size());
+    window().setFramePosition(wanted.topLeft());
 }
 
 void DetailedWindowController::noteFrame()
 {
     // A size that the window system gave for a while is not the user's choice.
-    if (!m_window->isVisible() || m_window->windowStates() != Qt::WindowNoState)
+    if (!window().isVisible() || window().windowStates() != Qt::WindowNoState)
         return;
-    m_frame = {m_window->framePosition(), m_window->size()};
+    m_frame = {window().framePosition(), window().size()};
     m_storing = m_clock.after(kStoreDelay, [this] { storeFrame(); });
 }
 
@@ -102,7 +101,7 @@ void DetailedWindowController::handleVisible(bool isVisible)
         return;
     storeFrame();
     // Not at once: the view itself may have been what closed the window.
-    QMetaObject::invokeMethod(m_window.get(), &HostWindow::releaseView, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(m_host.get(), &HostWindow::releaseView, Qt::QueuedConnection);
 }
 
 } // namespace netvane::app

@@ -4,6 +4,11 @@
 #include "platform/clock.h"
 #include "platform/user_defaults.h"
 
+#include <QRect>
+#include <QWindow>
+
+#include <memory>
+
 namespace netvane::app {
 
 /// The detailed window over its one life, from being shown to being closed. Its frame is remembered
@@ -13,13 +18,13 @@ class DetailedWindowController final : public QObject {
 
 public:
     /// `defaults` and `clock` outlive the controller.
-    DetailedWindowController(std::unique_ptr<HostWindow> window, platform::UserDefaults& defaults,
-        platform::Clock& clock);
+    DetailedWindowController(
+        std::unique_ptr<HostWindow> host, platform::UserDefaults& defaults, platform::Clock& clock);
     ~DetailedWindowController() override;
 
-    HostWindow& window() { return *m_window; }
+    QWindow& window() { return m_host->window(); }
     /// False once it was closed; it is empty from then on.
-    bool isWindowVisible() const { return m_window->isVisible(); }
+    bool isWindowVisible() const { return m_host->window().isVisible(); }
     /// At the remembered frame, else in the middle of the screen.
     void showWindow();
     /// And takes the keyboard.
@@ -33,7 +38,7 @@ private:
 
     platform::UserDefaults& m_defaults;
     platform::Clock& m_clock;
-    std::unique_ptr<HostWindow> m_window;
+    std::unique_ptr<HostWindow> m_host;
     QRect m_frame; ///< the last one seen on the screen; null before
     std::unique_ptr<platform::Timer> m_storing;
 };

@@ -1,40 +1,30 @@
 #pragma once
 
-#include "app/hosted_view.h"
-#include "ui/view_engine.h"
+#include <QObject>
 
-#include <QQuickView>
+#include <optional>
 
-class QAction;
+class QWindow;
 
 namespace netvane::app {
 
-/// A window filled with one view. Main thread.
-class HostWindow final : public QQuickView {
+/// A window filled with one view, whatever draws it. Main thread.
+class HostWindow : public QObject {
     Q_OBJECT
 
 public:
-    /// `engine` outlives the window.
-    HostWindow(ui::ViewEngine& engine, HostedView view);
-    ~HostWindow() override;
-
-    /// Has the action's shortcut work while this is the active window. The action outlives it.
-    void addShortcut(QAction& action);
+    virtual QWindow& window() = 0;
     /// The height that the view asks for; absent while it asks for none.
-    std::optional<int> preferredHeight() const;
+    virtual std::optional<int> preferredHeight() const = 0;
+    /// Gives a window that has no frame a ground with these corners below its view.
+    virtual void addGround(int cornerRadius) = 0;
     /// Lets go of the view and of what it shows. The window is empty then.
-    void releaseView();
+    virtual void releaseView() = 0;
 
 Q_SIGNALS:
     void preferredHeightChanged();
     /// Escape was pressed and nothing in the view had a use for it.
     void cancelled();
-
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
-private:
-    std::shared_ptr<void> m_state;
 };
 
 } // namespace netvane::app

@@ -1,8 +1,8 @@
+#include "app/loaded_views.h"
 #include "app/program_options.h"
 #include "app/program_run.h"
 #include "platform/log.h"
 #include "platform/platform.h"
-#include "ui/view_engine.h"
 
 #include <malloc.h>
 
@@ -26,7 +26,11 @@ QStringList wordsOf(int argc, char** argv)
 int run(QApplication& application)
 {
     return app::runProgram(application, [&application] {
-        return std::make_unique<app::Program>(application, platform::makePlatform());
+        return std::make_unique<app::Program>(
+            application, platform::makePlatform(), [](platform::Platform& platform) {
+                return std::make_unique<app::LoadedViews>(
+                    platform, app::LoadedViews::defaultPath());
+            });
     });
 }
 
@@ -49,7 +53,6 @@ int main(int argc, char** argv)
         platform::log(u"Netvane: There is no display to run on; start it from a desktop session"_s);
         return 1;
     }
-    ui::ViewEngine::prepareRendering();
     QApplication application(argc, argv);
     QGuiApplication::setDesktopFileName(u"org.netvane.Netvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);

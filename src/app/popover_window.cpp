@@ -5,8 +5,6 @@
 
 #include <QGuiApplication>
 #include <QPainterPath>
-#include <QQmlComponent>
-#include <QQuickItem>
 #include <QScreen>
 
 using namespace Qt::Literals::StringLiterals;
@@ -27,64 +25,64 @@ QScreen* screenOf(const std::optional<QRect>& anchor)
 
 } // namespace
 
-PopoverWindow::PopoverWindow(ViewHost& host, MakeView makeView)
-    : m_host(host)
-    , m_makeView(std::move(makeView))
+PopoverWindow::PopoverWindow(MakeWindow make)
+    : m_make(std::move(make))
 {
 }
 
 PopoverWindow::~PopoverWindow()
 {
-    if (m_window)
-        m_window->disconnect(this);
+    if (!m_host)
+        return;
+    window()->disconnect(this);
+    m_host->disconnect(this);
 }
 
-void PopoverWindow::makeWindow()
+void PopoverWindow::setUp()
 {
-    m_window = m_host.makeWindow(m_makeView());
-    m_window->setTitle(u"Netvane"_s);
-    m_window->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
-    m_window->setColor(Qt::transparent);
-    QQmlComponent frame(m_window->engine(), QUrl(u"qrc:/qt/qml/Netvane/PopoverFrame.qml"_s));
-    QObject* ground = frame.createWithInitialProperties(
-        {{u"parent"_s, QVariant::fromValue(m_window->contentItem())}, {u"radius"_s, kRadius}});
-    ground->setParent(m_window.get());
-    connect(m_window.get(), &QWindow::visibleChanged, this, [this](bool isVisible) {
+    window()->setTitle(u"Netvane"_s);
+    window()->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
+    m_host->addGround(kRadius);
+    connect(window(), &QWindow::visibleChanged, this, [this](bool isVisible) {
         if (!isVisible)
             Q_EMIT didClose();
     });
-    connect(m_window.get(), &HostWindow::preferredHeightChanged, this, &PopoverWindow::placeSoon);
-    connect(m_window.get(), &HostWindow::cancelled, this, &PopoverWindow::performClose);
+    connect(m_host.get(), &HostWindow::preferredHeightChanged, this, &PopoverWindow::placeSoon);
+    connect(m_host.get(), &HostWindow::cancelled, this, &PopoverWindow::performClose);
 }
 
 void PopoverWindow::show(const std::optional<QRect>& anchor)
 {
-    if (!m_window)
-        makeWindow();
+    if (!m_host) {
+        m_host = m_make();
+        if (!m_host)
+            return;
+        setUp();
+    }
     m_anchor = anchor;
     place();
-    m_window->show();
-    m_window->raise();
-    m_window->requestActivate();
+    window()->show();
+    window()->raise();
+    window()->requestActivate();
 }
 
 void PopoverWindow::performClose()
 {
-    if (m_window)
-        m_window->hide();
+    if (m_host)
+        window()->hide();
 }
 
 void PopoverWindow::place()
 {
     const QScreen* screen = screenOf(m_anchor);
     const QSize wanted(
-        kWidth, std::min(m_window->preferredHeight().value_or(kStartHeight), kMaxHeight));
+        kWidth, std::min(m_host->preferredHeight().value_or(kStartHeight), kMaxHeight));
     const QRect frame
         = popoverFrame(wanted, m_anchor, screen->geometry(), screen->availableGeometry());
     // A window of one size only is not tiled over the screen by compositors that do so.
-    m_window->setMinimumSize(frame.size());
-    m_window->setMaximumSize(frame.size());
-    m_window->setGeometry(frame);
+    window()->setMinimumSize(frame.size());
+    window()->setMaximumSize(frame.size());
+    window()->setGeometry(frame);
     roundCorners();
 }
 
@@ -109,8 +107,8 @@ void PopoverWindow::roundCorners()
         return;
     QPainterPath outline;
     if (!isX11SelectionHeld("_NET_WM_CM_S"))
-        outline.addRoundedRect(QRect(QPoint(), m_window->size()), kRadius, kRadius);
-    m_window->setMask(QRegion(outline.toFillPolygon().toPolygon()));
+        outline.addRoundedRect(QRect(QPoint(), window()->size()), kRadius, kRadius);
+    window()->setMask(QRegion(outline.toFillPolygon().toPolygon()));
 }
 
 } // namespace netvane::app

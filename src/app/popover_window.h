@@ -1,11 +1,12 @@
 #pragma once
 
-#include "app/hosted_view.h"
-#include "app/view_host.h"
+#include "app/host_window.h"
 
-#include <QObject>
+#include <QRect>
+#include <QWindow>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace netvane::app {
@@ -16,16 +17,17 @@ class PopoverWindow final : public QObject {
     Q_OBJECT
 
 public:
-    using MakeView = std::function<HostedView()>;
+    /// Null where there is no window to be had.
+    using MakeWindow = std::function<std::unique_ptr<HostWindow>()>;
 
-    /// `host` outlives the popover; `makeView` is called once, at the first showing.
-    PopoverWindow(ViewHost& host, MakeView makeView);
+    /// `make` is called at each showing until there is a window.
+    explicit PopoverWindow(MakeWindow make);
     /// Says nothing any more.
     ~PopoverWindow() override;
 
-    bool isShown() const { return m_window && m_window->isVisible(); }
+    bool isShown() const { return m_host && window()->isVisible(); }
     /// Null before the first showing.
-    HostWindow* window() const { return m_window.get(); }
+    QWindow* window() const { return m_host ? &m_host->window() : nullptr; }
 
     /// Shows it at the anchor (a status item, or a point), in the coordinates of the desktop;
     /// without one in the corner where panels have their status area. Takes the keyboard.
@@ -37,14 +39,13 @@ Q_SIGNALS:
     void didClose();
 
 private:
-    void makeWindow();
+    void setUp();
     void place();
     void placeSoon();
     void roundCorners();
 
-    ViewHost& m_host;
-    MakeView m_makeView;
-    std::unique_ptr<HostWindow> m_window;
+    MakeWindow m_make;
+    std::unique_ptr<HostWindow> m_host;
     std::optional<QRect> m_anchor;
     bool m_isPlacingDue = false;
 };

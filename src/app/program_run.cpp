@@ -54,8 +54,9 @@ void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& m
     platform::log(qFormatLogMessage(type, context, message));
 }
 
-Program::Program(QApplication& application, platform::Platform platform)
+Program::Program(QApplication& application, platform::Platform platform, const MakeViews& makeViews)
     : m_platform(withDesktop(std::move(platform)))
+    , m_views(makeViews(m_platform))
 {
     follow(application);
 }

@@ -1,9 +1,10 @@
 #pragma once
 
 #include "app/app_delegate.h"
+#include "app/dashboard_views.h"
 #include "app/notification_center.h"
-#include "app/program_views.h"
 #include "platform/application_activity.h"
+#include "platform/platform.h"
 
 #include <QApplication>
 
@@ -24,9 +25,12 @@ void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& m
 /// the event loop. Main thread.
 class Program {
 public:
+    using MakeViews = std::function<std::unique_ptr<DashboardViews>(platform::Platform&)>;
+
     /// `platform` lacks what the desktop's own windows do, which is added here, but for an opener
-    /// of addresses if it brings one. `application` outlives the program.
-    Program(QApplication& application, platform::Platform platform);
+    /// of addresses if it brings one. `application` outlives the program. `makeViews` is called
+    /// once, at once, with what outlives the views.
+    Program(QApplication& application, platform::Platform platform, const MakeViews& makeViews);
 
     AppDelegate& delegate() { return m_delegate; }
     /// Claims to be the one running copy; the rest follows from the answer.
@@ -38,8 +42,8 @@ private:
     platform::Platform m_platform;
     platform::ApplicationActivity m_activity;
     NotificationCenter m_notifications;
-    ProgramViews m_views {m_platform};
-    AppDelegate m_delegate {m_platform, m_activity, m_notifications, m_views};
+    std::unique_ptr<DashboardViews> m_views;
+    AppDelegate m_delegate {m_platform, m_activity, m_notifications, *m_views};
 };
 
 /// Makes the program and runs it until it is asked to end, by whatever means; returns its status.

@@ -6,6 +6,7 @@
 #include "app/status_area.h"
 #include "app/x11_selection.h"
 #include "platform/log.h"
+#include "ui/dark_scheme.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -120,7 +121,8 @@ void StatusBarManager::togglePopover()
         return;
     }
     m_popover->show(popoverAnchor());
-    Q_EMIT m_notifications.popoverDidOpen();
+    if (m_popover->isShown())
+        Q_EMIT m_notifications.popoverDidOpen();
 }
 
 /// The item, else the pointer that clicked on it. Wayland tells neither.

@@ -6,7 +6,7 @@
 #include "demo/window_mark.h"
 #include "platform/log.h"
 #include "platform/system_clock.h"
-#include "ui/view_engine.h"
+#include "windows/program_views.h"
 
 #include <QCommandLineParser>
 #include <QSystemTrayIcon>
@@ -90,7 +90,8 @@ int run(QApplication& application, const Options& options)
                 .hasStatusArea = options.showsPopover || QSystemTrayIcon::isSystemTrayAvailable()});
         auto& clock = *scripted.platform.clock;
         mark = std::make_unique<demo::WindowMark>(application, *scripted.stage);
-        auto program = std::make_unique<app::Program>(application, std::move(scripted.platform));
+        auto program = std::make_unique<app::Program>(application, std::move(scripted.platform),
+            &std::make_unique<windows::ProgramViews, platform::Platform&>);
         if (options.showsPopover)
             opening = clock.after(kStartTime, [&delegate = program->delegate()] {
                 if (delegate.popover())
@@ -113,7 +114,6 @@ int main(int argc, char** argv)
         std::fputs("netvane-demo: There is no display to run on\n", stderr);
         return 1;
     }
-    ui::ViewEngine::prepareRendering();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     const auto options = parse(application);

@@ -6,6 +6,7 @@
 #include "demo/staged_program.h"
 #include "ui/detailed_window_state.h"
 #include "ui/popover_state.h"
+#include "windows/quick_window.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -31,16 +32,16 @@ struct Picture {
     QString name;
     QString scene;
     /// Brings up what is to be seen; returns its window.
-    std::function<app::HostWindow*(StagedProgram&)> show;
+    std::function<QWindow*(StagedProgram&)> show;
 };
 
 template <typename State>
-State& stateOf(const app::HostWindow& window)
+State& stateOf(QWindow& window)
 {
-    return *window.rootObject()->property("viewState").value<State*>();
+    return *windows::rootOf(window).property("viewState").value<State*>();
 }
 
-app::HostWindow* popover(StagedProgram& program)
+QWindow* popover(StagedProgram& program)
 {
     auto* popover = program.delegate().popover();
     popover->show({});
@@ -48,7 +49,7 @@ app::HostWindow* popover(StagedProgram& program)
     return popover->window();
 }
 
-app::HostWindow* settings(StagedProgram& program)
+QWindow* settings(StagedProgram& program)
 {
     auto* window = popover(program);
     stateOf<ui::PopoverState>(*window).setShowSettings(true);
@@ -56,7 +57,7 @@ app::HostWindow* settings(StagedProgram& program)
     return window;
 }
 
-std::function<app::HostWindow*(StagedProgram&)> introduction(int page)
+std::function<QWindow*(StagedProgram&)> introduction(int page)
 {
     return [page](StagedProgram& program) {
         auto* window = popover(program);
@@ -67,7 +68,7 @@ std::function<app::HostWindow*(StagedProgram&)> introduction(int page)
     };
 }
 
-app::HostWindow* detailedWindow(StagedProgram& program)
+QWindow* detailedWindow(StagedProgram& program)
 {
     program.delegate().mainMenu()->actions().constFirst()->trigger();
     program.pass(kFullHistory);
@@ -75,19 +76,19 @@ app::HostWindow* detailedWindow(StagedProgram& program)
 }
 
 /// Makes the window as high as these sections of its dashboard and shows nothing else.
-void frameSections(app::HostWindow& window, const QString& from, const QString& to)
+void frameSections(QWindow& window, const QString& from, const QString& to)
 {
-    auto* root = window.rootObject();
-    const auto* first = root->findChild<QQuickItem*>(from);
-    const auto* last = root->findChild<QQuickItem*>(to);
+    auto& root = windows::rootOf(window);
+    const auto* first = root.findChild<QQuickItem*>(from);
+    const auto* last = root.findChild<QQuickItem*>(to);
     window.resize(window.width(), int(last->y() + last->height() - first->y()) + 2 * kMargin);
     QCoreApplication::processEvents();
     QMetaObject::invokeMethod(
-        root->findChild<QQuickItem*>(u"main-content"_s), "scrollTo", Q_ARG(qreal, first->y()));
+        root.findChild<QQuickItem*>(u"main-content"_s), "scrollTo", Q_ARG(qreal, first->y()));
 }
 
 /// Without the look-ups: they take real time, so their graph is another one each time.
-app::HostWindow* performance(StagedProgram& program)
+QWindow* performance(StagedProgram& program)
 {
     auto* window = detailedWindow(program);
     frameSections(*window, u"performance"_s, u"connection-summary"_s);
@@ -95,7 +96,7 @@ app::HostWindow* performance(StagedProgram& program)
 }
 
 /// What the user starts, after it was started.
-app::HostWindow* diagnostics(StagedProgram& program)
+QWindow* diagnostics(StagedProgram& program)
 {
     auto* window = detailedWindow(program);
     auto& dashboard = *stateOf<ui::DetailedWindowState>(*window).dashboard();
@@ -120,7 +121,7 @@ std::vector<Picture> pictures()
 }
 
 /// What a window without a ground of its own leaves free comes out black, where it is to be clear.
-QImage pictureOf(app::HostWindow& window)
+QImage pictureOf(QQuickWindow& window)
 {
     QImage whole = window.grabWindow();
     if (window.color().alpha() > 0)
@@ -149,8 +150,8 @@ bool draw(QApplication& application, const Picture& wanted, const QDir& folder)
         program.setColorScheme(scheme);
         program.pass(1s);
         constexpr int kSmallest = 0; // as QImage counts
-        isWritten
-            &= pictureOf(*window).save(folder.filePath(wanted.name + suffix), "PNG", kSmallest);
+        isWritten &= pictureOf(*windows::rootOf(*window).window())
+                         .save(folder.filePath(wanted.name + suffix), "PNG", kSmallest);
     };
     write(platform::ColorScheme::Light, u"-light.png"_s);
     write(platform::ColorScheme::Dark, u"-dark.png"_s);

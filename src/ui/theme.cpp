@@ -1,12 +1,12 @@
 #include "ui/theme.h"
 
+#include "ui/dark_scheme.h"
 #include "ui/view_engine.h"
 
 #include <QEvent>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QJSEngine>
-#include <QPalette>
 #include <QQmlEngine>
 
 using namespace Qt::Literals::StringLiterals;
@@ -19,13 +19,6 @@ QColor component(double red, double green, double blue)
     return QColor::fromRgbF(float(red), float(green), float(blue));
 }
 
-bool isPaletteDark()
-{
-    const QPalette palette = QGuiApplication::palette();
-    return palette.color(QPalette::Window).lightness()
-        < palette.color(QPalette::WindowText).lightness();
-}
-
 /// Inter is drawn for screens; everybody else gets what their desktop uses.
 QString systemFamily()
 {
@@ -35,13 +28,6 @@ QString systemFamily()
 }
 
 } // namespace
-
-bool isDarkWanted(const platform::Appearance& appearance)
-{
-    using platform::ColorScheme;
-    const ColorScheme scheme = appearance.colorScheme();
-    return scheme == ColorScheme::NoPreference ? isPaletteDark() : scheme == ColorScheme::Dark;
-}
 
 Theme::Theme(const platform::Appearance& appearance)
     : m_appearance(appearance)

@@ -13,9 +13,6 @@ class QQmlEngine;
 
 namespace netvane::ui {
 
-/// What the desktop wants, or where it tells no scheme, what its palette looks like.
-bool isDarkWanted(const platform::Appearance& appearance);
-
 /// The program's one palette of colours and fonts. The colours follow the scheme while the program
 /// runs. Sizes are in device-independent pixels. Main thread.
 class Theme : public QObject {

@@ -2,11 +2,11 @@
 
 #include "app/detailed_window_controller.h"
 #include "app/popover_window.h"
-#include "app/program_views.h"
 #include "app/status_bar_manager.h"
-#include "launched_world.h"
+#include "faked_world.h"
 #include "ui/popover_state.h"
 #include "wifi/wifi_service.h"
+#include "windows/program_views.h"
 
 #include <QQuickItem>
 #include <QTest>
@@ -14,11 +14,10 @@
 namespace netvane::test {
 
 /// The program with its real views; the introduction was seen.
-struct Program : LaunchedWorld {
+struct Program : FakedWorld {
     explicit Program(bool isIntroduced = true, bool isOpened = true)
     {
-        delegate
-            = std::make_unique<app::AppDelegate>(platform, activity, notifications, programViews);
+        makeDelegate(programViews);
         auto client = std::make_shared<FakeWiFiClient>();
         client->list = {interface};
         platform.wifiClient = client;
@@ -33,6 +32,7 @@ struct Program : LaunchedWorld {
     {
         delegate->applicationWillTerminate();
         settle();
+        delegate.reset(); // before its views
     }
 
     void click()
@@ -40,14 +40,14 @@ struct Program : LaunchedWorld {
         Q_EMIT delegate->statusBarManager()->statusItem()->activated(QSystemTrayIcon::Trigger);
         (void)QTest::qWaitForWindowActive(delegate->popover()->window());
     }
-    QQuickItem& root() { return *delegate->popover()->window()->rootObject(); }
+    QQuickItem& root() { return windows::rootOf(*delegate->popover()->window()); }
     ui::PopoverState& state() { return *root().property("viewState").value<ui::PopoverState*>(); }
     QQuickItem& windowRoot()
     {
         delegate->statusBarManager()->openInWindow();
         auto& window = delegate->windowController()->window();
         (void)QTest::qWaitForWindowActive(&window);
-        return *window.rootObject();
+        return windows::rootOf(window);
     }
     /// The next pass over the link finds this.
     void link(const platform::LinkReading& reading)
@@ -65,7 +65,7 @@ struct Program : LaunchedWorld {
     }
 
     std::shared_ptr<FakeWiFiInterface> interface = std::make_shared<FakeWiFiInterface>();
-    app::ProgramViews programViews {platform};
+    windows::ProgramViews programViews {platform};
 };
 
 /// The visible items below `item` that have a text, by that text, in the order of the tree.

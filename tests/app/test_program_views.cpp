@@ -212,7 +212,7 @@ private Q_SLOTS:
         // A lookup lasts a real and always different time; from here on there is none.
         static_cast<test::FakeResolver&>(*program.platform.resolver).status = EAI_FAIL;
         pass(10);
-        auto* window = program.delegate->popover()->window();
+        auto* window = program.root().window();
         QSignalSpy frames(window, &QQuickWindow::frameSwapped);
         window->update();
         QTRY_VERIFY(!frames.isEmpty()); // with what was still to be painted
@@ -263,10 +263,10 @@ private Q_SLOTS:
         program.link(kHome);
         program.clock->advance(10s);
         // Laid out by a frame.
-        (void)program.delegate->popover()->window()->grabWindow();
+        (void)program.root().window()->grabWindow();
         QCOMPARE(test::auditView(program.root()).join(u'\n'), QString());
         program.state().setShowSettings(true);
-        (void)program.delegate->popover()->window()->grabWindow();
+        (void)program.root().window()->grabWindow();
         QCOMPARE(test::auditView(program.root()).join(u'\n'), QString());
         auto& root = program.windowRoot();
         (void)root.window()->grabWindow();

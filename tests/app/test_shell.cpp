@@ -149,7 +149,7 @@ private Q_SLOTS:
         QCOMPARE(window.size(), QSize(420, 500));
         for (const auto& [wanted, height] :
             {std::pair(640, 640), std::pair(2000, 650), std::pair(300, 300), std::pair(0, 600)}) {
-            window.rootObject()->setProperty("wantedHeight", wanted);
+            windows::rootOf(window).setProperty("wantedHeight", wanted);
             QTRY_COMPARE(window.size(), QSize(420, height));
             QVERIFY(window.screen()->availableGeometry().contains(window.geometry()));
         }

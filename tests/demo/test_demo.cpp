@@ -5,6 +5,7 @@
 #include "demo/window_mark.h"
 #include "ui/detailed_window_state.h"
 #include "ui/popover_state.h"
+#include "windows/quick_window.h"
 
 #include <QDir>
 #include <QQuickItem>
@@ -31,10 +32,10 @@ void collectTexts(const QQuickItem& item, QStringList& texts)
         collectTexts(*child, texts);
 }
 
-QStringList textsOf(const app::HostWindow& window)
+QStringList textsOf(QWindow& window)
 {
     QStringList texts;
-    collectTexts(*window.rootObject(), texts);
+    collectTexts(windows::rootOf(window), texts);
     return texts;
 }
 
@@ -57,14 +58,14 @@ demo::Wishes held(const QString& scene, std::vector<demo::Scene> scenes = demo::
     return {.scenes = std::move(scenes), .held = scene, .hasStatusArea = true};
 }
 
-app::HostWindow& opened(demo::StagedProgram& program)
+QWindow& opened(demo::StagedProgram& program)
 {
     program.delegate().popover()->show({});
     program.pass(kUntilSeen);
     return *program.delegate().popover()->window();
 }
 
-app::HostWindow& openedWindow(demo::StagedProgram& program)
+QWindow& openedWindow(demo::StagedProgram& program)
 {
     program.delegate().mainMenu()->actions().constFirst()->trigger();
     program.pass(kUntilSeen);
@@ -153,10 +154,7 @@ private Q_SLOTS:
         auto& speedTest = *stateOf(opened(program)).dashboard()->speedTest();
         auto& window = openedWindow(program);
         QVERIFY2(window.title().contains(u"Demonstration"_s), qPrintable(window.title()));
-        auto& dashboard = *window.rootObject()
-                               ->property("viewState")
-                               .value<ui::DetailedWindowState*>()
-                               ->dashboard();
+        auto& dashboard = dashboardOf(window);
         dashboard.channelAnalysis()->scan();
         speedTest.runTest();
         dashboard.traceroute()->run();
@@ -194,10 +192,7 @@ private Q_SLOTS:
         const auto before = qInstallMessageHandler(keepWarning);
         demo::StagedProgram program(*qApp, held(u"home"_s, {scene}));
         auto& window = openedWindow(program);
-        auto& dashboard = *window.rootObject()
-                               ->property("viewState")
-                               .value<ui::DetailedWindowState*>()
-                               ->dashboard();
+        auto& dashboard = dashboardOf(window);
         dashboard.traceroute()->setTargetInput(u"hop."_s.repeated(75));
         dashboard.traceroute()->run();
         program.pass(60s);
@@ -205,11 +200,11 @@ private Q_SLOTS:
         QVERIFY(textsOf(window).contains(name));
         QCOMPARE(dashboard.traceroute()->hops().size(), 7);
         QCOMPARE(g_warnings, QStringList());
-        verifyInside(*window.rootObject(), window.width());
+        verifyInside(windows::rootOf(window), window.width());
         if (const auto folder = qEnvironmentVariable("NETVANE_PICTURES"); !folder.isEmpty()) {
             window.resize(window.width(), 2400);
             program.pass(1s);
-            QVERIFY(window.grabWindow().save(
+            QVERIFY(windows::rootOf(window).window()->grabWindow().save(
                 folder + u'/' + QString::fromUtf8(QTest::currentDataTag()) + u".png"_s));
         }
     }
@@ -217,9 +212,14 @@ private Q_SLOTS:
     void cleanupTestCase() { m_program.reset(); }
 
 private:
-    static ui::PopoverState& stateOf(const app::HostWindow& popover)
+    static ui::PopoverState& stateOf(QWindow& popover)
     {
-        return *popover.rootObject()->property("viewState").value<ui::PopoverState*>();
+        return *windows::rootOf(popover).property("viewState").value<ui::PopoverState*>();
+    }
+    static ui::DashboardState& dashboardOf(QWindow& window)
+    {
+        const auto state = windows::rootOf(window).property("viewState");
+        return *state.value<ui::DetailedWindowState*>()->dashboard();
     }
     /// No text begins or ends beside the window.
     static void verifyInside(const QQuickItem& item, int width)

@@ -13,6 +13,7 @@ PREFIX = "/opt/a prefix"
 MANIFEST = set("""
 bin/netvane
 bin/netvane-report
+lib/netvane/netvane-views.so
 share/applications/org.netvane.Netvane.desktop
 share/doc/netvane/examples/autostart/org.netvane.Netvane.desktop
 share/icons/hicolor/scalable/apps/org.netvane.Netvane.svg

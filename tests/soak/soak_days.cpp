@@ -15,6 +15,7 @@
 #include "ui/popover_state.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
+#include "windows/quick_window.h"
 
 #include <QQmlEngine>
 
@@ -29,9 +30,9 @@ constexpr int kHours = 24;
 constexpr std::chrono::milliseconds kLookStep = 250ms;
 
 template <typename State>
-State& stateOf(const app::HostWindow& window)
+State& stateOf(QWindow& window)
 {
-    return *window.rootObject()->property("viewState").value<State*>();
+    return *windows::rootOf(window).property("viewState").value<State*>();
 }
 
 } // namespace
@@ -105,8 +106,8 @@ void SoakDays::rest()
     pass(1min);
     m_world.adapter().isQuiet = false;
     // What the views' engine would collect some time later anyway.
-    if (const auto* popover = m_world.delegate().popover()->window())
-        qmlEngine(popover->rootObject())->collectGarbage();
+    if (auto* popover = m_world.delegate().popover()->window())
+        qmlEngine(&windows::rootOf(*popover))->collectGarbage();
 }
 
 void SoakDays::closeLid()

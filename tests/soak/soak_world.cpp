@@ -8,6 +8,7 @@
 #include "platform/linux/session_status_notifier_host.h"
 #include "platform/linux/settings_file.h"
 #include "probes/dns_service.h"
+#include "windows/program_views.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -56,7 +57,8 @@ SoakWorld::SoakWorld(QApplication& application)
         qputenv(bus, m_desktop.address().toUtf8());
     if (!m_folder.isValid() || !m_desktop.start())
         qFatal("no temporary folder or no bus");
-    m_program = std::make_unique<app::Program>(application, makePlatform());
+    m_program = std::make_unique<app::Program>(
+        application, makePlatform(), &std::make_unique<windows::ProgramViews, platform::Platform&>);
     m_program->start();
     // The program gives the desktop three seconds, which here are none.
     if (!until([this] { return m_panel->isPresent() == true; }))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/appearance.h"
+#include "fake_appearance.h"
 #include "ui/theme.h"
 #include "ui/view_engine.h"
 
@@ -8,19 +8,6 @@
 #include <QQuickView>
 
 namespace netvane::test {
-
-class FakeAppearance final : public platform::Appearance {
-public:
-    platform::ColorScheme colorScheme() const override { return m_scheme; }
-    void setColorScheme(platform::ColorScheme scheme)
-    {
-        m_scheme = scheme;
-        Q_EMIT colorSchemeChanged();
-    }
-
-private:
-    platform::ColorScheme m_scheme = platform::ColorScheme::Light;
-};
 
 /// One view in a window of its own, rendered in software without a display. What QML complains of
 /// fails the test that looks at `problems`.

@@ -1,4 +1,4 @@
-#include "app/program_views.h"
+#include "windows/program_views.h"
 
 #include "app/app_delegate.h"
 #include "ui/detailed_window_state.h"
@@ -8,10 +8,11 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace netvane::app {
+namespace netvane::windows {
 namespace {
 
-ui::DashboardServices dashboardServices(const AppDelegate& delegate, platform::Platform& platform)
+ui::DashboardServices dashboardServices(
+    const app::AppDelegate& delegate, platform::Platform& platform)
 {
     return {
         .wifiService = *delegate.wifiService(),
@@ -31,7 +32,8 @@ ui::DashboardServices dashboardServices(const AppDelegate& delegate, platform::P
     };
 }
 
-ui::SettingsServices settingsServices(const AppDelegate& delegate, platform::Platform& platform)
+ui::SettingsServices settingsServices(
+    const app::AppDelegate& delegate, platform::Platform& platform)
 {
     return {
         .locationPermissionService = *delegate.locationPermissionService(),
@@ -48,25 +50,27 @@ ui::SettingsServices settingsServices(const AppDelegate& delegate, platform::Pla
 } // namespace
 
 template <typename State>
-HostedView ProgramViews::view(const QString& name, const AppDelegate& services)
+std::unique_ptr<app::HostWindow> ProgramViews::window(
+    const QString& name, const app::AppDelegate& services)
 {
     const auto state = std::make_shared<State>(
         dashboardServices(services, m_platform), settingsServices(services, m_platform));
-    return {
+    HostedView view {
         .source = QUrl(u"qrc:/qt/qml/Netvane/"_s + name + u".qml"_s),
         .properties = {{u"viewState"_s, QVariant::fromValue(state.get())}},
         .state = state,
     };
+    return m_factory.makeWindow(std::move(view), services.mainMenu());
 }
 
-HostedView ProgramViews::popoverView(const AppDelegate& services)
+std::unique_ptr<app::HostWindow> ProgramViews::popoverWindow(const app::AppDelegate& services)
 {
-    return view<ui::PopoverState>(u"PopoverView"_s, services);
+    return window<ui::PopoverState>(u"PopoverView"_s, services);
 }
 
-HostedView ProgramViews::detailedWindowView(const AppDelegate& services)
+std::unique_ptr<app::HostWindow> ProgramViews::detailedWindow(const app::AppDelegate& services)
 {
-    return view<ui::DetailedWindowState>(u"DetailedWindowView"_s, services);
+    return window<ui::DetailedWindowState>(u"DetailedWindowView"_s, services);
 }
 
-} // namespace netvane::app
+} // namespace netvane::windows

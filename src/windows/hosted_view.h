@@ -5,7 +5,7 @@
 
 #include <memory>
 
-namespace netvane::app {
+namespace netvane::windows {
 
 /// What fills a window: a QML file, and the objects that it shows.
 struct HostedView {
@@ -14,4 +14,4 @@ struct HostedView {
     std::shared_ptr<void> state; ///< whatever has to live as long as the view; goes after it
 };
 
-} // namespace netvane::app
+} // namespace netvane::windows

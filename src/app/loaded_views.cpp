@@ -1,0 +1,71 @@
+#include "app/loaded_views.h"
+
+#include "platform/log.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QMessageBox>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::app {
+
+LoadedViews::LoadedViews(platform::Platform& platform, const QString& path)
+    : m_platform(platform)
+    , m_path(path)
+    , m_file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC))
+{
+}
+
+QString LoadedViews::defaultPath()
+{
+    const QString folder = QCoreApplication::applicationDirPath();
+    const QString installed = folder + u"/" NETVANE_VIEWS_FROM_PROGRAM ""_s;
+    return QFile::exists(installed) ? installed : folder + u"/netvane-views.so"_s;
+}
+
+void LoadedViews::sayThatThereIsNone(const QString& reason)
+{
+    platform::log(u"Netvane: The windows cannot be loaded: "_s + reason);
+    if (!m_message) {
+        m_message = new QMessageBox(QMessageBox::Warning, u"Netvane"_s,
+            u"Netvane cannot show its windows. Installing it again may help."_s,
+            QMessageBox::Close);
+        m_message->setAttribute(Qt::WA_DeleteOnClose);
+        m_message->setTextFormat(Qt::PlainText);
+        m_message->setInformativeText(m_path);
+    }
+    m_message->show();
+    m_message->raise();
+}
+
+bool LoadedViews::load()
+{
+    if (m_views)
+        return true;
+    // By way of the descriptor: whatever the name stands for by now, this is what was opened.
+    const QByteArray opened = "/proc/self/fd/" + QByteArray::number(m_file.get());
+    void* library = m_file.isOpen() ? ::dlopen(opened.constData(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+    void* make = library ? ::dlsym(library, kMakeViews) : nullptr;
+    if (make)
+        m_views.reset(reinterpret_cast<MakeViews*>(make)(m_platform));
+    else
+        sayThatThereIsNone(
+            m_file.isOpen() ? QString::fromLocal8Bit(::dlerror()) : u"There is no "_s + m_path);
+    return m_views != nullptr;
+}
+
+std::unique_ptr<HostWindow> LoadedViews::popoverWindow(const AppDelegate& services)
+{
+    return load() ? m_views->popoverWindow(services) : nullptr;
+}
+
+std::unique_ptr<HostWindow> LoadedViews::detailedWindow(const AppDelegate& services)
+{
+    return load() ? m_views->detailedWindow(services) : nullptr;
+}
+
+} // namespace netvane::app
