@@ -4,8 +4,17 @@
 
 #include <ctime>
 
+using namespace std::chrono_literals;
+
 namespace netvane::platform {
 namespace {
+
+/// Those that are told in seconds all tick on whole ones, so that the processor wakes once for
+/// several: coarse timers of Qt keep their own moments within the interval.
+Qt::TimerType repeatingType(std::chrono::milliseconds interval)
+{
+    return interval >= 3s ? Qt::VeryCoarseTimer : Qt::CoarseTimer;
+}
 
 class EventLoopTimer : public Timer {
 public:
@@ -13,7 +22,7 @@ public:
     {
         m_timer.setInterval(interval);
         m_timer.setSingleShot(once);
-        m_timer.setTimerType(once ? Qt::PreciseTimer : Qt::CoarseTimer);
+        m_timer.setTimerType(once ? Qt::PreciseTimer : repeatingType(interval));
         // The action is copied out first: it may destroy this timer, and itself with it.
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [action = std::move(action)] {
             const auto run = action;

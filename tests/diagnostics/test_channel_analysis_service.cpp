@@ -89,13 +89,6 @@ private Q_SLOTS:
         QCOMPARE(m_service->channelUtilization(), (Table {{5, 2}}));
     }
 
-    void aThousandNetworks()
-    {
-        m_service->scanNetworks();
-        m_scanner->finish(onChannels(std::vector<int>(1000, 6)));
-        QCOMPARE(m_service->channelUtilization(), (Table {{6, 1000}}));
-    }
-
     void withoutPermission()
     {
         const QStringList line {

@@ -35,7 +35,7 @@ constexpr const char* kTraceAll = "--trace-all";
 /// here - r1 - r2 - r3 - target, link k having 10.0.k.0/24 and fd00:k::/64, .1 at the near end.
 /// Nothing that r2 itself has to say ever leaves it.
 constexpr const char* kChain = R"(set -eu
-mount --make-rprivate /
+mount --make-rprivate / || exit 77 # in a chroot
 mount -t tmpfs none /run
 mount --bind "$1" /etc/hosts
 if [ -f /etc/resolv.conf ]; then mount --bind /dev/null /etc/resolv.conf; fi
@@ -201,7 +201,7 @@ int enterChain()
     QProcess shell;
     shell.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     shell.start(u"sh"_s, {u"-c"_s, QString::fromLatin1(kChain), u"sh"_s, hosts.fileName()});
-    return shell.waitForFinished() && shell.exitCode() == 0 ? 0 : 1;
+    return shell.waitForFinished() ? shell.exitCode() : 1;
 }
 
 bool dropPrivileges()

@@ -66,27 +66,6 @@ private Q_SLOTS:
         QCOMPARE(record.frequencyMhz, 5955);
     }
 
-    /// Any cut of any message ends in absent values; the sanitizers watch that nothing else
-    /// happens.
-    void everyCutIsSurvived()
-    {
-        const QByteArray whole = attribute(NL80211_ATTR_IFNAME, "wlan0"_ba)
-            + attribute(NL80211_ATTR_MLO_LINKS,
-                attribute(1, attribute(NL80211_ATTR_WIPHY_FREQ, raw(quint32(5955)))))
-            + station(kSignal61
-                + attribute(NL80211_STA_INFO_TX_BITRATE,
-                    attribute(NL80211_RATE_INFO_BITRATE32, raw(quint32(10)))));
-        for (qsizetype length = 0; length < whole.size(); ++length) {
-            const QByteArray cut(
-                whole.constData(), length); // of its own memory, so that it has an end
-            parseInterface(bytesOf(cut));
-            const auto record = parseStation(bytesOf(cut));
-            QVERIFY(!record.transmitRateMbps);
-            parseSurvey(bytesOf(cut));
-            parseBss(bytesOf(cut));
-        }
-    }
-
     void stations_data()
     {
         QTest::addColumn<QByteArray>("message");

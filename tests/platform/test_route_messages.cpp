@@ -156,26 +156,6 @@ private Q_SLOTS:
         const QString router = last == 0 ? QString() : u"192.168.1.%1"_s.arg(last);
         QCOMPARE(defaultRouterOf(records, nextHops).value_or(QString()), router);
     }
-
-    void everyCutIsSurvived()
-    {
-        const QByteArray route = kHead + via(AF_INET, address(1))
-            + attribute(RTA_MULTIPATH, hop(0, via(AF_INET, address(3))) + hop(0, gateway(4)));
-        const QByteArray object = nextHop(4, 0, group({2, 3}) + attribute(NHA_GATEWAY, address(1)));
-        for (const QByteArray& whole : {route, object}) {
-            for (qsizetype length = 0; length < whole.size(); ++length) {
-                const QByteArray cut(whole.constData(), length); // of its own, for the sanitizers
-                (void)parseRoute(bytesOf(cut));
-                (void)parseNextHop(bytesOf(cut));
-            }
-        }
-    }
-
-    void messagesTooShortAreNone()
-    {
-        QVERIFY(!parseRoute(bytesOf(kHead.chopped(1))));
-        QVERIFY(!parseNextHop(bytesOf(raw(nhmsg {}))));
-    }
 };
 
 QTEST_APPLESS_MAIN(TestRouteMessages)

@@ -178,21 +178,6 @@ private Q_SLOTS:
         QFETCH(QByteArray, datagram);
         QTEST(scanEvents(bytesOf(datagram), kWiFiFamily, 3), "expected");
     }
-
-    /// The sanitizers watch that no cut is read beyond its end.
-    void everyCutIsSurvived()
-    {
-        const QByteArray table = attribute(
-            NL80211_ATTR_BSS, kBssid + kChannel6 + kSignal + elements(element(0, "Home"_ba)));
-        for (qsizetype length = 0; length < table.size(); ++length)
-            QVERIFY(!nearbyNetworks({parseBss(bytesOf(QByteArray(table.constData(), length)))})
-                         .at(0)
-                         .ssid);
-        const QByteArray datagram = scanEventMessage(NL80211_CMD_TRIGGER_SCAN);
-        for (qsizetype length = 0; length < datagram.size(); ++length)
-            QVERIFY(scanEvents(bytesOf(QByteArray(datagram.constData(), length)), kWiFiFamily, 3)
-                        .empty());
-    }
 };
 
 QTEST_GUILESS_MAIN(TestScanResults)
