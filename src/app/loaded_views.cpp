@@ -36,7 +36,7 @@ void LoadedViews::sayThatThereIsNone(const QString& reason)
             QMessageBox::Close);
         m_message->setAttribute(Qt::WA_DeleteOnClose);
         m_message->setTextFormat(Qt::PlainText);
-        m_message->setInformativeText(m_path);
+        m_message->setInformativeText(u"This file could not be loaded: "_s + m_path);
     }
     m_message->show();
     m_message->raise();

@@ -185,13 +185,6 @@ private Q_SLOTS:
         QCOMPARE(world.scanner->scans, 1);
     }
 
-    void terminatingBeforeTheLaunch()
-    {
-        World world;
-        world.delegate->applicationWillTerminate();
-        QCOMPARE(world.clock->timerCount(), 0);
-    }
-
     void reportOfTheRunningServices()
     {
         World world;
@@ -242,15 +235,6 @@ private Q_SLOTS:
         QTimer::singleShot(0, *quit, &QAction::trigger);
         QTimer::singleShot(10s, [] { QCoreApplication::exit(1); });
         QCOMPARE(QApplication::exec(), 0);
-    }
-
-    void secondStartChangesNothing()
-    {
-        World world;
-        world.launchAll();
-        m_log.take();
-        QVERIFY(!world.delegate->applicationShouldHandleReopen(false));
-        QCOMPARE(m_log.take(), QStringList());
     }
 
 private:

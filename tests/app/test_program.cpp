@@ -220,16 +220,6 @@ private Q_SLOTS:
         QVERIFY(program.endsWith(0));
     }
 
-    void endsOnTwoSignals()
-    {
-        Program program(m_bus.address());
-        program.startNow();
-        QVERIFY(program.waitForLine(kLastLine));
-        program.send(SIGTERM);
-        program.send(SIGHUP);
-        QVERIFY(program.endsWith(0));
-    }
-
     /// As nohup(1) has it.
     void hangUpThatIsIgnored()
     {

@@ -22,16 +22,6 @@ class TestProgramViews : public QObject {
 private Q_SLOTS:
     void init() { m_log.take(); }
 
-    void updateLines()
-    {
-        using ui::updateLine;
-        QVERIFY(!updateLine(9, 1, {}));
-        QCOMPARE(*updateLine(10, 0.414, {}),
-            u"PopoverView: updateState #10 took 0.41ms, changes: none"_s);
-        QCOMPARE(*updateLine(3, 12, {u"wifi"_s, u"vpn"_s}),
-            u"PopoverView: updateState #3 took 12.00ms, changes: wifi, vpn"_s);
-    }
-
     void looksForNewsWhileItIsOpen()
     {
         Program program;

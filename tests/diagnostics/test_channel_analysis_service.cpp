@@ -80,15 +80,6 @@ private Q_SLOTS:
         QCOMPARE(m_log.take(), QStringList());
     }
 
-    void oneNumberInTwoBandsIsOneChannel()
-    {
-        m_service->scanNetworks();
-        auto networks = onChannels({5, 5});
-        networks[1].channel->band = ChannelBand::SixGHz;
-        m_scanner->finish(networks);
-        QCOMPARE(m_service->channelUtilization(), (Table {{5, 2}}));
-    }
-
     void withoutPermission()
     {
         const QStringList line {
@@ -159,28 +150,6 @@ private Q_SLOTS:
         QCOMPARE(m_service->lastScanTime(), scanned);
         m_service->scanNetworks(); // at once
         QCOMPARE(m_scanner->scans, 3);
-    }
-
-    /// An observer of one property finds those before it in place.
-    void orderOfPublication()
-    {
-        QStringList order;
-        const auto note = [&](const QString& name) {
-            return [&order, name, this] {
-                order.append(name + (m_service->isScanning() ? u" scanning"_s : QString()));
-            };
-        };
-        using Service = ChannelAnalysisService;
-        const auto* service = m_service.get();
-        connect(service, &Service::nearbyNetworksChanged, this, note(u"networks"_s));
-        connect(service, &Service::channelUtilizationChanged, this, note(u"table"_s));
-        connect(service, &Service::lastScanTimeChanged, this, note(u"time"_s));
-        connect(service, &Service::isScanningChanged, this, note(u"flag"_s));
-        m_service->scanNetworks();
-        m_scanner->finish(onChannels({1}));
-        QCOMPARE(order,
-            (QStringList {u"flag scanning"_s, u"networks scanning"_s, u"table scanning"_s,
-                u"time scanning"_s, u"flag"_s}));
     }
 
     void theServiceGoesDuringAScan()

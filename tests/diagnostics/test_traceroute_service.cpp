@@ -129,15 +129,6 @@ private Q_SLOTS:
         QCOMPARE(hops(), QStringList {kTarget + u" 12.3 complete"_s});
     }
 
-    void secondStartIsIgnored()
-    {
-        QCOMPARE(m_service->targetHost(), probes::kInternetTarget);
-        start(kTarget);
-        start(u"other.example"_s);
-        QCOMPARE(m_service->targetHost(), kTarget);
-        QCOMPARE(m_network->made().size(), size_t(1));
-    }
-
     /// The hop under way is completed, without pauses, and is the last.
     void stopping_data()
     {
@@ -165,14 +156,6 @@ private Q_SLOTS:
         m_clock->advance(10s);
         QCOMPARE(m_network->made().size(), size_t(3));
         QCOMPARE(m_clock->timerCount(), 0);
-    }
-
-    void stoppedBeforeItBegan()
-    {
-        m_service->startTrace(kTarget);
-        m_service->stopTrace();
-        m_clock->advance(10s);
-        QVERIFY(m_service->hops().empty() && m_network->made().empty());
     }
 
     /// Neither the answers of a stopped trace nor its end touch the one that follows.

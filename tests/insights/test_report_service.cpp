@@ -8,10 +8,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <sys/resource.h>
-
-#include <csignal>
-
 using namespace netvane;
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -19,22 +15,6 @@ using namespace std::chrono_literals;
 namespace {
 
 const QString kReport = u"# Netvane Diagnostic Report\n- SSID: Café 🛜"_s;
-
-/// While it lives, no file of this process may grow beyond `bytes`, as on a disk that is full.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit {.rlim_cur = bytes, .rlim_max = m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &m_before); }
-
-private:
-    rlimit m_before {};
-};
 
 } // namespace
 
@@ -64,14 +44,6 @@ private Q_SLOTS:
         qputenv("LC_TIME", "");
         QVERIFY(m_service.generateReport({}).contains(u" at "_s));
         qputenv("LC_ALL", "C.UTF-8");
-    }
-
-    void copyAndShare()
-    {
-        m_service.copyReport(kReport);
-        QCOMPARE(m_clipboard.text, kReport);
-        m_service.shareReport(kReport);
-        QCOMPARE(m_sharePicker.text, kReport);
     }
 
     void proposedName_data()
@@ -114,23 +86,6 @@ private Q_SLOTS:
     {
         save(m_folder->filePath(u"none/report.txt"_s));
         QCOMPARE(m_completions, QList<bool> {false});
-        verifyFailureLine();
-    }
-
-    /// What was there before stays whole, and nothing is left beside it.
-    void diskIsFull()
-    {
-        QFile earlier(path());
-        QVERIFY(earlier.open(QIODevice::WriteOnly));
-        earlier.write("before");
-        earlier.close();
-        {
-            const FullDisk full(8);
-            save(path());
-        }
-        QCOMPARE(m_completions, QList<bool> {false});
-        QCOMPARE(content(), "before");
-        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
         verifyFailureLine();
     }
 

@@ -85,20 +85,6 @@ private Q_SLOTS:
         QCOMPARE(copy.decided.count(), 1);
     }
 
-    void busRestarts()
-    {
-        test::ManualClock clock;
-        Copy copy(clock);
-        copy.claim.claim();
-        QTRY_COMPARE(copy.decided.count(), 1);
-        m_bus.stop();
-        QTRY_COMPARE(copy.link.state(), BusLink::State::Absent);
-        QVERIFY(m_bus.start());
-        clock.advance(1s);
-        QTRY_VERIFY(isClaimed());
-        QCOMPARE(copy.decided.count(), 1);
-    }
-
     /// Connections to it are made, but nobody answers on them.
     void silentBus()
     {

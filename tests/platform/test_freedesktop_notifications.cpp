@@ -161,17 +161,6 @@ private Q_SLOTS:
         QCOMPARE(m_daemon->calls[1].member(), u"Notify"_s);
     }
 
-    void replacedWhileSilent()
-    {
-        startDaemon(daemon(kSilence));
-        start();
-        askSettings();
-        QTRY_COMPARE(m_daemon->calls.size(), 1);
-        m_daemon.reset();
-        startDaemon(daemonThatCan({}));
-        QTRY_COMPARE(m_told.settings, std::vector {Status::Authorized});
-    }
-
     void notify_data()
     {
         QTest::addColumn<QStringList>("capabilities");

@@ -108,17 +108,6 @@ private Q_SLOTS:
                                           "route add default via 10.9.0.2 dev d0 metric 100\n"
                                           "route add default via 10.9.0.3 dev d0 metric 700\n"_ba
                                        << "10.9.0.2"_ba;
-        QTest::newRow("other tables") << "route add default via 10.9.0.1 dev d0 table 51820\n"
-                                         "route add default dev d0\n"_ba
-                                      << ""_ba;
-        QTest::newRow("several paths")
-            << "route add default nexthop dev d0 nexthop via 10.9.0.7 dev d0\n"_ba
-            << "10.9.0.7"_ba;
-        QTest::newRow("over IPv6") << "route add default via inet6 fe80::1 dev d0\n"_ba
-                                   << ""_ba;
-        QTest::newRow("next hop object")
-            << "nexthop add id 5 via 10.9.0.8 dev d0\nroute add default nhid 5\n"_ba
-            << "10.9.0.8"_ba;
         QTest::newRow("next hop group")
             << "nexthop add id 4 dev d0\nnexthop add id 5 via 10.9.0.8 dev d0\n"
                "nexthop add id 6 group 4/5\nroute add default nhid 6\n"_ba

@@ -96,14 +96,6 @@ private Q_SLOTS:
         QVERIFY(m_results.empty());
     }
 
-    void noBus()
-    {
-        m_bus.stop();
-        start({});
-        QTRY_COMPARE(m_kernel->triggers, 1);
-        endByKernel();
-        QTRY_VERIFY(hasNetworks());
-    }
     void endsByTheServicesWord_data() { services(); }
     void endsByTheServicesWord()
     {

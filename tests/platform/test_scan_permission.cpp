@@ -177,17 +177,6 @@ private Q_SLOTS:
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
     }
 
-    void anybodyMaySendTheSignal()
-    {
-        startNetworkManager(scanning(u"no"_s));
-        start();
-        QTRY_COMPARE(m_permission->authorizationStatus(), Status::Denied);
-        FakeBusService stranger(m_bus.address(), u"org.example.Stranger"_s, u"/"_s, kSilence);
-        stranger.send(checkPermissions());
-        QTRY_COMPARE(m_networkManager->calls.size(), 2);
-        QCOMPARE(m_permission->authorizationStatus(), Status::Denied);
-    }
-
     void noBus()
     {
         m_bus.stop();
@@ -198,25 +187,6 @@ private Q_SLOTS:
         startNetworkManager(scanning(u"no"_s));
         m_clock->advance(1s);
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::Denied);
-    }
-
-    void busRestarts()
-    {
-        startNetworkManager(scanning(u"no"_s));
-        start();
-        QTRY_COMPARE(m_permission->authorizationStatus(), Status::Denied);
-        for (const auto& word : {u"auth"_s, u"no"_s}) {
-            m_bus.stop();
-            QTRY_COMPARE(m_permission->authorizationStatus(), Status::AuthorizedAlways);
-            m_clock->advance(1s); // a try in vain
-            QTRY_COMPARE(m_clock->timerCount(), 1);
-            m_networkManager.reset();
-            QVERIFY(m_bus.start());
-            startNetworkManager(scanning(word));
-            m_clock->advance(2s);
-            const auto status = word == u"no"_s ? Status::Denied : Status::NotDetermined;
-            QTRY_COMPARE(m_permission->authorizationStatus(), status);
-        }
     }
 
     void retriesBecomeRare()
@@ -270,14 +240,6 @@ private Q_SLOTS:
         subject.endStructure();
         QCOMPARE(kind, u"system-bus-name"_s);
         QCOMPARE(details.value(u"name"_s), call.service());
-    }
-
-    void askingWithoutPolkit()
-    {
-        startAuthorizable();
-        m_permission->requestAlwaysAuthorization();
-        QTRY_COMPARE(m_networkManager->calls.size(), 2);
-        QCOMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
     }
 
     /// While a password is typed, further requests raise no further dialogues.

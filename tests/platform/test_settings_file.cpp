@@ -8,10 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
-
-#include <csignal>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace netvane;
@@ -164,28 +161,6 @@ private Q_SLOTS:
             QVERIFY(stored.wait());
         }
         QCOMPARE(log.take().size(), 1);
-    }
-
-    /// As on a full disk: the kernel refuses to let the file grow.
-    void aWriteThatFailsInTheMiddleCostsNothing()
-    {
-        write(m_path, R"({"name": "earlier"})");
-        SettingsFile file(m_path);
-        QSignalSpy stored(&file, &SettingsFile::stored);
-        const auto before = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit {};
-        ::getrlimit(RLIMIT_FSIZE, &limit);
-        const rlimit tight {.rlim_cur = 100, .rlim_max = limit.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &tight);
-        file.setText(u"name"_s, QString(100'000, u'x'));
-        const bool isStored = stored.wait();
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        std::signal(SIGXFSZ, before);
-        QVERIFY(isStored);
-        QCOMPARE(content(m_path), R"({"name": "earlier"})");
-        file.setBoolean(u"switch"_s, true);
-        QVERIFY(stored.wait());
-        QCOMPARE(SettingsFile(m_path).text(u"name"_s)->size(), 100'000);
     }
 
 private:

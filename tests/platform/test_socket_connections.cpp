@@ -7,7 +7,6 @@
 #include <QTest>
 
 #include <netinet/in.h>
-#include <sys/resource.h>
 
 #include <condition_variable>
 #include <mutex>
@@ -140,22 +139,6 @@ private Q_SLOTS:
         QCOMPARE(story.states(1), States {State::Waiting});
         connection.reset();
         QCOMPARE(story.states(2), (States {State::Waiting, State::Cancelled}));
-    }
-
-    void outOfDescriptors()
-    {
-        Story story;
-        SocketConnections connections(m_clock, noLookUp);
-        rlimit limit {};
-        ::getrlimit(RLIMIT_NOFILE, &limit);
-        const rlimit none {.rlim_cur = 3, .rlim_max = limit.rlim_max};
-        ::setrlimit(RLIMIT_NOFILE, &none);
-        const auto connection = connections.connectTcp(u"127.0.0.1"_s, 80, story.handler());
-        connection->start();
-        const auto events = story.events(1);
-        ::setrlimit(RLIMIT_NOFILE, &limit);
-        QCOMPARE(events.at(0).state, State::Failed);
-        QCOMPARE(events.at(0).error, u"Too many open files"_s);
     }
 
     void addresses_data()

@@ -99,23 +99,6 @@ private Q_SLOTS:
         QCOMPARE(changes.size(), 2);
     }
 
-    void countsEveryTenthLookupFailedOnesToo()
-    {
-        auto& [clock, configuration, pool, network, resolver, service] = *m_world;
-        test::CapturedLog log;
-        service->start();
-        QTRY_COMPARE(service->history().size(), size_t(1));
-        resolver->status = -3;
-        QStringList lines;
-        for (int count = 2; count <= 20; ++count) {
-            clock.advance(5s);
-            QTRY_COMPARE((lines += log.take()).filter(u"failed"_s).size(), count - 1);
-        }
-        QCOMPARE(lines.filter(u"#"_s),
-            (QStringList {u"DNSService: Lookup #10, history count: 1"_s,
-                u"DNSService: Lookup #20, history count: 1"_s}));
-    }
-
     void hangingLookupsGatherNoFurtherOnes()
     {
         auto& [clock, configuration, pool, network, resolver, service] = *m_world;
@@ -134,22 +117,6 @@ private Q_SLOTS:
         QCOMPARE(service->lookupCount(), 5);
         resolver->letGo.release(4);
         QTRY_COMPARE(service->history().size(), size_t(5));
-    }
-
-    void publishesAtMostOncePerHalfSecond()
-    {
-        auto& [clock, configuration, pool, network, resolver, service] = *m_world;
-        resolver->isHeld = true;
-        service->start();
-        clock.advance(10s);
-        QTRY_COMPARE(resolver->calls, 3);
-        resolver->letGo.release(3);
-        QTRY_COMPARE(service->history().size(), size_t(3));
-        QCOMPARE(service->lookupTime(), service->history()[0].value);
-        clock.advance(499ms);
-        QCOMPARE(service->lookupTime(), service->history()[0].value);
-        clock.advance(1ms);
-        QCOMPARE(service->lookupTime(), service->history()[2].value);
     }
 
     void stopsButStillDelivers()

@@ -197,21 +197,6 @@ private Q_SLOTS:
         QCOMPARE(last().packetLoss, std::optional(100.0));
     }
 
-    void everyTenthProbeIsLogged()
-    {
-        m_service->start();
-        m_log.take();
-        QStringList lines;
-        for (int i = 1; i <= 20; ++i) {
-            finish(State::Ready);
-            m_clock->advance(3000ms);
-            lines += m_log.take();
-        }
-        QCOMPARE(lines,
-            (QStringList {u"PingService[router]: Ping #10, metrics count: 10"_s,
-                u"PingService[router]: Ping #20, metrics count: 10"_s}));
-    }
-
     /// What a connection does after a sleep, or how long it took, says nothing about the network.
     void sleepCountsAsNothing_data()
     {
@@ -239,29 +224,6 @@ private Q_SLOTS:
         QCOMPARE(m_connections->made().size(), size_t(2)); // the interval began anew
         m_clock->advance(1ms);
         QCOMPARE(m_connections->made().size(), size_t(3));
-    }
-
-    void wallClockOnlyStamps()
-    {
-        m_service->start();
-        m_clock->advance(15ms);
-        m_clock->setWall(m_clock->now() - 24h);
-        finish(State::Ready);
-        QCOMPARE(last().ping, std::optional(15.0));
-        QCOMPARE(last().timestamp, m_clock->now());
-    }
-
-    void publishesAtMostTwiceASecond()
-    {
-        m_service->start();
-        QSignalSpy published(m_service.get(), &PingService::currentMetricsChanged);
-        m_clock->advance(30ms);
-        finish(State::Ready);
-        QCOMPARE(m_service->metrics().size(), size_t(2));
-        QCOMPARE(published.count(), 0);
-        m_clock->advance(470ms);
-        QCOMPARE(published.count(), 1);
-        QCOMPARE(m_service->currentMetrics(), std::optional(last()));
     }
 
 private:

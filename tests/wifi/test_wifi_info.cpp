@@ -67,12 +67,6 @@ private Q_SLOTS:
         const auto later = time + std::chrono::microseconds(1);
         QCOMPARE(WiFiInfo {.timestamp = later}.id(), u"1700000000.500001"_s);
     }
-
-    void bandNames()
-    {
-        QCOMPARE(displayName(WiFiFrequency::sixGHz), u"6 GHz (WiFi 6E)"_s);
-        QCOMPARE(displayName(WiFiFrequency::unknown), u"Unknown"_s);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestWiFiInfo)
