@@ -115,7 +115,7 @@ def main():
     if sys.argv[1] == "--router":
         return serve()
     if sys.argv[1] != "--inside":
-        namespaces = ["unshare", "--net", "--mount", "--map-root-user"]
+        namespaces = ["unshare", "--net", "--mount", *([] if os.geteuid() == 0 else ["--map-root-user"])]
         if subprocess.run([*namespaces, "true"], capture_output=True).returncode != 0:
             print("no namespaces to be had here")
             return 77
