@@ -67,7 +67,7 @@ check-packaging: ## desktop entry, metadata, manual pages, icons and versions ar
 	@scripts/setup check
 	@scripts/check-packaging
 
-check-tidy: ## clang-tidy over what differs from the main line, or over FILES
+check-tidy: ## clang-tidy over what the last ten commits changed, or over FILES
 	@scripts/setup build run check
 	@scripts/check-tidy $(FILES)
 
