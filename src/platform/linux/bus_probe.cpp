@@ -2,6 +2,8 @@
 
 #include "platform/linux/file_descriptor.h"
 
+#include <QList>
+
 #include <sys/socket.h>
 #include <sys/un.h>
 
