@@ -70,7 +70,7 @@ int descriptorConnectedTo(const sockaddr_in& peer)
 /// The real connections, whose sockets are looked at once they are ready and before they close.
 class ObservedConnections : public platform::ConnectionFactory {
 public:
-    explicit ObservedConnections(const platform::Clock& clock)
+    explicit ObservedConnections(platform::Clock& clock)
         : m_real(clock)
     {
     }

@@ -3,7 +3,7 @@
 
 #include "diagnostics/traceroute_service.h"
 #include "figure.h"
-#include "platform/linux/socket_connections.h"
+#include "platform/linux/socket_hop_probes.h"
 #include "platform/log.h"
 #include "platform/system_clock.h"
 
@@ -53,7 +53,7 @@ int main(int argc, char** argv)
         return 2;
     platform::setLogSink([](const QString&) {});
     platform::SystemClock clock;
-    platform::SocketConnections sockets(clock);
+    platform::SocketHopProbes sockets(clock);
     diagnostics::TracerouteService service(clock, sockets);
     std::vector<double> ours;
     std::vector<double> theirs;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/clock.h"
+
 #include <QFutureWatcher>
 #include <QThreadPool>
 #include <QtConcurrentRun>
@@ -11,9 +13,10 @@ namespace netvane::platform {
 /// Runs `work` on `queue` and hands what it returns to `deliver` on the thread of `owner`, which is
 /// the calling one; nothing is delivered once the owner is gone. Unlike `QFuture::then(owner,
 /// ...)`, which in Qt 6.4 looks at the owner from the thread that did the work, this lets the owner
-/// go at any moment.
+/// go at any moment. With `clock` it is delivered `soon` and not at once.
 template <typename Work, typename Deliver>
-void runInBackground(QThreadPool& queue, QObject* owner, Work work, Deliver deliver)
+void runInBackground(
+    QThreadPool& queue, QObject* owner, Work work, Deliver deliver, Clock* clock = nullptr)
 {
     using Value = std::invoke_result_t<Work>;
     auto* watcher = new QFutureWatcher<Value>(owner);
@@ -22,7 +25,12 @@ void runInBackground(QThreadPool& queue, QObject* owner, Work work, Deliver deli
             watcher->deleteLater();
             deliver(watcher->result());
         });
-    watcher->setFuture(QtConcurrent::run(&queue, std::move(work)));
+    const auto future = QtConcurrent::run(&queue, std::move(work));
+    const auto listen = [watcher, future] { watcher->setFuture(future); };
+    if (clock)
+        clock->soon(watcher, listen);
+    else
+        listen();
 }
 
 } // namespace netvane::platform

@@ -4,6 +4,8 @@
 #include <functional>
 #include <memory>
 
+class QObject;
+
 namespace netvane::platform {
 
 /// A timer that runs; destroying it stops it. May be destroyed from inside its own action.
@@ -35,6 +37,10 @@ public:
     [[nodiscard]] virtual std::unique_ptr<Timer> after(
         std::chrono::milliseconds delay, std::function<void()> action)
         = 0;
+    /// Runs `action` within a quarter of a second, in one turn with all others that were asked for
+    /// by then: for what can wait that long, so that the processor wakes up once for several.
+    /// Never inside this call; not once `owner` is gone.
+    virtual void soon(QObject* owner, std::function<void()> action) = 0;
 };
 
 /// Whether the machine slept between two readings of `timeAsleep`.

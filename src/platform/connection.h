@@ -9,18 +9,15 @@
 namespace netvane::platform {
 
 enum class ConnectionState {
-    Setup, ///< made and not started yet; never told
-    Preparing, ///< the host's name is being resolved; an address literal skips this
-    Waiting, ///< for the peer's answer
     Ready, ///< the peer answered
     Failed, ///< none of the host's addresses can be had; final
     Cancelled, ///< by `cancel`, or because the connection or its factory went; final
 };
 
 struct ConnectionEvent {
-    ConnectionState state = ConnectionState::Setup;
-    /// When it came about, by the monotonic clock: for `Ready` the moment the kernel reported the
-    /// peer's answer, however long the handler had to wait for its turn.
+    ConnectionState state = ConnectionState::Cancelled;
+    /// When it came about, by the monotonic clock: for `Ready` the moment the peer's answer came,
+    /// however long the handler had to wait for its turn.
     std::chrono::steady_clock::time_point at;
     QString error; ///< only when failed: the system's own words in the user's language
     /// Only when ready: the host as it was given, or the address of the router that answered for
@@ -28,9 +25,9 @@ struct ConnectionEvent {
     QString answeredBy;
 };
 
-/// Is told each change of state once, on the factory's network thread and never inside a call of
-/// the connection's own. Must not wait for anything. It may still be called when the connection
-/// object is gone, so it owns, or holds weakly, what it touches.
+/// Is told of each state once, on one thread that the factory chooses and never inside a call of
+/// the connection's own. Must not wait for anything, nor end the factory. It may still be called
+/// when the connection object is gone, so it owns, or holds weakly, what it touches.
 using ConnectionHandler = std::function<void(const ConnectionEvent&)>;
 
 /// A connection that is set up and torn down, with nothing sent over it. Destroying it cancels it.
@@ -45,8 +42,8 @@ public:
     virtual void cancel() = 0;
 };
 
-/// Makes connections. Destroying it cancels those that are left, tells them so and ends its thread;
-/// a resolver that hangs is not waited for.
+/// Makes connections. Destroying it cancels those that are left, and tells them so; a resolver that
+/// hangs is not waited for.
 class ConnectionFactory {
 public:
     virtual ~ConnectionFactory() = default;

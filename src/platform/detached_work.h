@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/clock.h"
+
 #include <functional>
 #include <memory>
 #include <optional>
@@ -10,10 +12,10 @@ class QObject;
 namespace netvane::platform {
 
 /// Runs `work` on a thread of its own that nobody ever waits for, and `done` on the thread of
-/// `owner`, the calling one, after it; not once the owner is gone. False when there is no thread or
-/// descriptor to be had; then neither runs.
+/// `owner`, the calling one, after it: at once or, with `clock`, `soon`; not once the owner is
+/// gone. False when there is no thread or descriptor to be had; then neither runs.
 [[nodiscard]] bool startDetached(
-    QObject* owner, std::function<void()> work, std::function<void()> done);
+    QObject* owner, std::function<void()> work, std::function<void()> done, Clock* clock);
 
 /// For a call that can hang and that nothing can interrupt, such as one of the resolver. A pool
 /// would wait for it at the end of the program, and everything behind it would wait, too; this
@@ -22,12 +24,12 @@ namespace netvane::platform {
 /// gone. The value travels in memory that both threads share. The wake-up is an eventfd and not a
 /// posted event, because there may be no application left to post it to.
 template <typename Work, typename Deliver>
-[[nodiscard]] bool runDetached(QObject* owner, Work work, Deliver deliver)
+[[nodiscard]] bool runDetached(QObject* owner, Work work, Deliver deliver, Clock* clock = nullptr)
 {
     const auto value = std::make_shared<std::optional<std::invoke_result_t<Work>>>();
     return startDetached(
         owner, [value, work = std::move(work)]() mutable { *value = work(); },
-        [value, deliver = std::move(deliver)]() mutable { deliver(**value); });
+        [value, deliver = std::move(deliver)]() mutable { deliver(**value); }, clock);
 }
 
 } // namespace netvane::platform

@@ -16,7 +16,7 @@ public:
     /// `Ready`, with `answeredBy`: a router tells that the hops are used up (ICMP time exceeded),
     /// or the host itself that nobody listens on `port` (ICMP port unreachable), or it sends
     /// something back. `Failed`: there is no route, the name has no address, or somebody on the way
-    /// refuses to pass it on (every other ICMP error). Without an answer it stays `Waiting` until
+    /// refuses to pass it on (every other ICMP error). Without an answer it stays silent until
     /// cancelled.
     [[nodiscard]] virtual std::unique_ptr<Connection> probeHop(
         const QString& host, quint16 port, int hopLimit, ConnectionHandler handler)

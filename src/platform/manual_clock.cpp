@@ -1,5 +1,7 @@
 #include "platform/manual_clock.h"
 
+#include <QMetaObject>
+
 #include <algorithm>
 
 namespace netvane::platform {
@@ -26,6 +28,11 @@ std::unique_ptr<Timer> ManualClock::after(
     std::chrono::milliseconds delay, std::function<void()> action)
 {
     return add(delay, std::chrono::milliseconds::zero(), std::move(action));
+}
+
+void ManualClock::soon(QObject* owner, std::function<void()> action)
+{
+    QMetaObject::invokeMethod(owner, std::move(action), Qt::QueuedConnection);
 }
 
 std::unique_ptr<Timer> ManualClock::add(std::chrono::milliseconds delay,

@@ -19,6 +19,8 @@ public:
         std::chrono::milliseconds interval, std::function<void()> action) override;
     std::unique_ptr<Timer> after(
         std::chrono::milliseconds delay, std::function<void()> action) override;
+    /// In the next turn of the event loop: what is waited for here happens outside this clock.
+    void soon(QObject* owner, std::function<void()> action) override;
 
     void advance(std::chrono::milliseconds time);
     /// Sets the wall clock as a user or a time server would, without time passing.

@@ -46,7 +46,7 @@ struct Platform {
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;
     std::unique_ptr<HttpTransfers> httpTransfers;
-    std::shared_ptr<ConnectionFactory> connections; ///< may be one object with the next
+    std::shared_ptr<ConnectionFactory> connections;
     std::shared_ptr<HopProbeFactory> hopProbes;
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that outlive everything else
     std::unique_ptr<UserDefaults> userDefaults;

@@ -9,6 +9,8 @@ using namespace std::chrono_literals;
 namespace netvane::platform {
 namespace {
 
+constexpr std::chrono::milliseconds kSoon {250};
+
 /// Those that are told in seconds all tick on whole ones, so that the processor wakes once for
 /// several: coarse timers of Qt keep their own moments within the interval.
 Qt::TimerType repeatingType(std::chrono::milliseconds interval)
@@ -68,6 +70,18 @@ std::unique_ptr<Timer> SystemClock::after(
     std::chrono::milliseconds delay, std::function<void()> action)
 {
     return std::make_unique<EventLoopTimer>(delay, true, std::move(action));
+}
+
+void SystemClock::soon(QObject* owner, std::function<void()> action)
+{
+    if (!m_turn) {
+        m_turn = std::make_unique<QTimer>();
+        m_turn->setSingleShot(true);
+    }
+    QObject::connect(
+        m_turn.get(), &QTimer::timeout, owner, std::move(action), Qt::SingleShotConnection);
+    if (!m_turn->isActive())
+        m_turn->start(kSoon);
 }
 
 } // namespace netvane::platform

@@ -2,6 +2,8 @@
 
 #include "platform/clock.h"
 
+#include <QTimer>
+
 namespace netvane::platform {
 
 /// The computer's clocks, and timers of the main thread's event loop.
@@ -15,6 +17,10 @@ public:
         std::chrono::milliseconds interval, std::function<void()> action) override;
     std::unique_ptr<Timer> after(
         std::chrono::milliseconds delay, std::function<void()> action) override;
+    void soon(QObject* owner, std::function<void()> action) override;
+
+private:
+    std::unique_ptr<QTimer> m_turn; ///< of all that is to happen soon
 };
 
 } // namespace netvane::platform

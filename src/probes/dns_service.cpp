@@ -65,7 +65,8 @@ void DNSService::timeLookup()
             --m_lookupsInFlight;
             if (!platform::hasSlept(asleepBefore, m_clock.timeAsleep()))
                 finishLookup(lookup);
-        });
+        },
+        &m_clock);
     if (started)
         ++m_lookupsInFlight;
     else

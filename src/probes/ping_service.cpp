@@ -33,7 +33,7 @@ struct PingService::Outcome {
     QString messageEnd;
 };
 
-/// One connection being timed. Its events on the network thread and the timeout on the main thread
+/// One connection being timed. Its events, on whatever thread, and the timeout on the main thread
 /// share the flag and nothing else: who sets it delivers.
 struct PingService::Probe {
     explicit Probe(PingService* owner)
@@ -68,10 +68,6 @@ void PingService::Probe::handleEvent(const platform::ConnectionEvent& event)
         return;
     case platform::ConnectionState::Cancelled:
         complete({});
-        return;
-    case platform::ConnectionState::Setup:
-    case platform::ConnectionState::Preparing:
-    case platform::ConnectionState::Waiting:
         return;
     }
 }

@@ -16,7 +16,7 @@ namespace netvane::probes {
 /// Measures latency, jitter and loss towards one target every 3 seconds by the time that a TCP
 /// connection takes to become ready; one that does not within `probeTimeout` is a lost packet. One
 /// across which the machine slept tells nothing and counts as nothing.
-/// Main thread; connections report on the factory's network thread, which never touches this.
+/// Main thread; connections may report on another, which never touches this.
 class PingService : public QObject {
     Q_OBJECT
 

@@ -88,7 +88,7 @@ void WiFiService::startMonitoring()
         return;
     }
     updateWiFiInfo();
-    m_updateTimer = m_clock.repeat(updateInterval, [this] { updateWiFiInfo(); });
+    m_updateTimer = m_clock.repeat(updateInterval, [this] { beginPass(&m_clock); });
 }
 
 void WiFiService::stopMonitoring()
@@ -116,6 +116,11 @@ void WiFiService::followPermission()
 
 void WiFiService::updateWiFiInfo()
 {
+    beginPass(nullptr);
+}
+
+void WiFiService::beginPass(platform::Clock* soon)
+{
     // Time asleep counts: what was read before it is old.
     const auto now = m_clock.monotonicNow() + m_clock.timeAsleep();
     if (m_lastUpdateTime && now - *m_lastUpdateTime < minUpdateInterval)
@@ -127,7 +132,7 @@ void WiFiService::updateWiFiInfo()
     m_lastUpdateTime = now;
     ++m_updateCount;
     if (m_interface)
-        sampleInterface();
+        sampleInterface(soon);
     else
         findInterface();
 }
@@ -146,14 +151,14 @@ void WiFiService::findInterface()
     const auto take = [this](const std::shared_ptr<platform::WiFiInterface>& first) {
         m_interface = first;
         if (m_interface)
-            sampleInterface();
+            sampleInterface(nullptr);
         else
             endWithoutLink(kNoInterface);
     };
     platform::runInBackground(m_queue, this, firstOf, take);
 }
 
-void WiFiService::sampleInterface()
+void WiFiService::sampleInterface(platform::Clock* soon)
 {
     if (!m_interface->powerOn()) {
         endWithoutLink(kRadioOff);
@@ -166,13 +171,16 @@ void WiFiService::sampleInterface()
         const auto reading = interface->readLink();
         return reading ? std::optional(makeWiFiInfo(*reading, clock->now())) : std::nullopt;
     };
-    const auto take = [this](const std::optional<WiFiInfo>& snapshot) {
-        if (snapshot)
-            applyLinkSnapshot(*snapshot);
-        else
-            interfaceIsGone();
-    };
-    platform::runInBackground(m_queue, this, readLinkSnapshot, take);
+    const auto take
+        = [this, asleepBefore = m_clock.timeAsleep()](const std::optional<WiFiInfo>& snapshot) {
+              if (platform::hasSlept(asleepBefore, m_clock.timeAsleep()))
+                  sampleInterface(nullptr);
+              else if (snapshot)
+                  applyLinkSnapshot(*snapshot);
+              else
+                  interfaceIsGone();
+          };
+    platform::runInBackground(m_queue, this, readLinkSnapshot, take, soon);
 }
 
 /// Unplugged, renamed or turned into something else: there may be another one.

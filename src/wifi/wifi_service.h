@@ -63,8 +63,10 @@ Q_SIGNALS:
     void passFinished();
 
 private:
+    /// With `soon`, the clock, there is no hurry: what is read may wait for `Clock::soon`.
+    void beginPass(platform::Clock* soon);
     void findInterface();
-    void sampleInterface();
+    void sampleInterface(platform::Clock* soon);
     void interfaceIsGone();
     void applyLinkSnapshot(const WiFiInfo& snapshot);
     void applyPermission(const WiFiInfo& snapshot, bool authorized);

@@ -14,6 +14,7 @@
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
+#include <QUdpSocket>
 
 #include <unistd.h>
 
@@ -29,6 +30,7 @@ constexpr auto kPacketSize = "link set dev lo mtu 1500";
 constexpr auto kQueue = "qdisc add dev lo root tbf rate 10mbit burst 16k limit 300000";
 constexpr int kIdleBytes = 3'500; // one in a millisecond
 constexpr double kClearlyLoadedMs = 20;
+constexpr std::chrono::milliseconds kBusyTime {600};
 constexpr int kTimeLimitMs = 15'000;
 
 bool run(const QString& program, const char* arguments)
@@ -75,6 +77,26 @@ private Q_SLOTS:
         QVERIFY2(result.pingDuring > kClearlyLoadedMs, figures(result).constData());
         QVERIFY2(
             result.downloadSpeed > 8 && result.downloadSpeed < 10, figures(result).constData());
+    }
+
+    /// The kernel takes the time of an answer, whatever the main thread is at when it comes.
+    void aBusyMainThreadDoesNotShow()
+    {
+        std::optional<std::chrono::steady_clock::time_point> answeredAt;
+        const auto connection = m_connections.connectTcp(u"127.0.0.1"_s, m_routersPort.serverPort(),
+            [&](const platform::ConnectionEvent& event) {
+                if (event.state == platform::ConnectionState::Ready)
+                    answeredAt = event.at;
+            });
+        // One datagram fills the buffer for fifty milliseconds.
+        QUdpSocket filler;
+        QCOMPARE(filler.writeDatagram(QByteArray(60'000, 'x'), QHostAddress::LocalHost, 9), 60'000);
+        const auto begin = m_clock.monotonicNow();
+        connection->start();
+        while (m_clock.monotonicNow() < begin + kBusyTime) { }
+        QTRY_VERIFY(answeredAt);
+        QVERIFY(*answeredAt - begin > std::chrono::milliseconds(5));
+        QVERIFY(*answeredAt - begin < kBusyTime / 2);
     }
 
 private:

@@ -1,5 +1,5 @@
 #include "diagnostics/traceroute_service.h"
-#include "platform/linux/socket_connections.h"
+#include "platform/linux/socket_hop_probes.h"
 #include "platform/system_clock.h"
 
 #include <QProcess>
@@ -241,7 +241,7 @@ int traceAll(const QStringList& hosts)
     for (size_t i = 0; i < listeners.size(); ++i)
         answerAt(listeners[i], u"127.0.0.5"_s, quint16(33435 + i));
     platform::SystemClock clock;
-    platform::SocketConnections network(clock);
+    platform::SocketHopProbes network(clock);
     std::vector<std::unique_ptr<TracerouteService>> services;
     for (const auto& each : hosts) {
         services.push_back(std::make_unique<TracerouteService>(clock, network));

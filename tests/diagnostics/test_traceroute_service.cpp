@@ -225,7 +225,6 @@ private:
                 m_network->tell({State::Ready, m_clock->monotonicNow() + 1ms, {}, kTarget}, 0);
             m_clock->advance(1ms);
         } else if (answer == 'x') {
-            m_network->tell(State::Waiting);
             m_network->tell(State::Failed, u"No route to host"_s);
         } else {
             m_clock->advance(after);

@@ -3,7 +3,7 @@
 #include "platform/linux/bus_link.h"
 #include "platform/linux/qt_http_transfers.h"
 #include "platform/linux/scan_permission.h"
-#include "platform/linux/socket_connections.h"
+#include "platform/linux/socket_hop_probes.h"
 #include "platform/linux/suspend_watch.h"
 #include "platform/linux/termination_signals.h"
 #include "platform/system_clock.h"
@@ -43,7 +43,7 @@ int beginWithout(const QByteArrayList& words)
     const ArmedFault armed({words[1], words[2].toInt()});
     if (words[0] == "network") {
         const platform::SystemClock clock;
-        const platform::SocketConnections connections(clock);
+        const platform::SocketHopProbes probes(clock);
     } else if (words[0] == "queues") {
         const platform::WorkQueues queues;
     } else {
@@ -76,8 +76,8 @@ private Q_SLOTS:
                 QString::fromLatin1(call), QString::number(error)}
                                                         << QByteArray(told);
         };
-        row("network", "eventfd", EMFILE, "No descriptor for the network thread");
-        row("network", "epoll_create1", EMFILE, "The network thread cannot wait for descriptors");
+        row("network", "eventfd", EMFILE, "No descriptor for connections");
+        row("network", "epoll_create1", EMFILE, "Connections cannot be waited for");
         row("network", "pthread_create", EAGAIN, "No thread for the network");
         row("queues", "pthread_create", EAGAIN, "No threads for work in the background");
         row("signals", "pipe2", EMFILE, ""); // they then end the program by themselves

@@ -8,9 +8,6 @@
 
 #include <netinet/in.h>
 
-#include <condition_variable>
-#include <mutex>
-
 using namespace netvane::platform;
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
@@ -41,29 +38,30 @@ public:
     {
         while (FileDescriptor(::accept(m_socket.get(), nullptr, nullptr)).isOpen()) { }
     }
+    void resetAll()
+    {
+        constexpr linger atOnce {.l_onoff = 1, .l_linger = 0};
+        ::setsockopt(m_socket.get(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+        acceptAll(); // what it accepts inherits that
+    }
 
 private:
     FileDescriptor m_socket;
     quint16 m_port = 0;
 };
 
-/// What a connection told, read by the test's thread.
+/// What a connection told.
 class Story {
 public:
     ConnectionHandler handler()
     {
-        return [this](const ConnectionEvent& event) {
-            const std::lock_guard guard(m_mutex);
-            m_events.push_back(event);
-            m_changed.notify_all();
-        };
+        return [this](const ConnectionEvent& event) { m_events.push_back(event); };
     }
 
     /// Waits for `count` events and returns what there is.
     std::vector<ConnectionEvent> events(size_t count)
     {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait_for(lock, 20s, [&] { return m_events.size() >= count; });
+        (void)QTest::qWaitFor([&] { return m_events.size() >= count; }, 20'000);
         return m_events;
     }
     States states(size_t count)
@@ -75,11 +73,10 @@ public:
     }
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
     std::vector<ConnectionEvent> m_events;
 };
 
+/// A thread that was with the resolver for an earlier test may still hold one or two.
 qsizetype openDescriptors()
 {
     return QDir(u"/proc/self/fd"_s).entryList(QDir::Files | QDir::System).size();
@@ -96,49 +93,65 @@ class TestSocketConnections : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    /// The stamp is the kernel's report, not the handler's turn, and what was asked of the thread
-    /// in the meantime is done in its order.
-    void busyNetworkThread()
+    /// The stamp is not that of the handler's turn, and what was asked for in the meantime is done
+    /// in its order.
+    void busyMainThread()
     {
         Peer peer(8);
         Story story;
         Story later;
-        QSemaphore letGo;
         SocketConnections connections(m_clock, noLookUp);
-        const auto blocking = connections.connectTcp(
-            u"127.0.0.1"_s, peer.port(), [&, tell = story.handler()](const ConnectionEvent& event) {
-                if (event.state == State::Waiting)
-                    letGo.acquire();
-                tell(event);
-            });
+        const auto timed = connections.connectTcp(u"127.0.0.1"_s, peer.port(), story.handler());
         const auto before = m_clock.monotonicNow();
-        blocking->start();
+        timed->start();
         const auto sent = m_clock.monotonicNow();
         const auto other = connections.connectTcp(u"127.0.0.1"_s, peer.port(), later.handler());
         other->start();
         other->cancel();
-        letGo.release();
-        QCOMPARE(later.states(3), (States {State::Waiting, State::Ready, State::Cancelled}));
-        const auto ready = story.events(2).at(1);
+        QVERIFY(story.states(0).empty()); // nothing is told inside a call
+        QCOMPARE(later.states(2), (States {State::Ready, State::Cancelled}));
+        const auto ready = story.events(1).at(0);
         QCOMPARE(ready.state, State::Ready);
         QVERIFY(before <= ready.at && ready.at <= sent);
     }
 
-    void silentPeerKeepsWaitingUntilCancelled()
+    /// Once its queue is full, the kernel drops what asks to be let in; it asks again after a
+    /// second, and that second counts.
+    void silentPeer()
     {
         Peer peer(0);
-        Story fillers;
+        Story filler;
+        Story patient;
+        Story cancelled;
+        SocketConnections connections(m_clock, noLookUp);
+        const auto connect = [&](Story& story) {
+            auto made = connections.connectTcp(u"127.0.0.1"_s, peer.port(), story.handler());
+            made->start();
+            return made;
+        };
+        const auto first = connect(filler);
+        QCOMPARE(filler.states(1), States {State::Ready});
+        const auto begin = m_clock.monotonicNow();
+        const auto second = connect(patient);
+        auto third = connect(cancelled);
+        third.reset();
+        QCOMPARE(cancelled.states(1), States {State::Cancelled});
+        QCOMPARE(patient.states(0), States {});
+        peer.acceptAll();
+        QCOMPARE(patient.states(1), States {State::Ready});
+        QVERIFY(patient.events(0).at(0).at - begin > 900ms);
+    }
+
+    /// It answered all the same.
+    void peerThatClosesAtOnce()
+    {
+        Peer peer(8);
         Story story;
         SocketConnections connections(m_clock, noLookUp);
-        // Once its queue is full, the kernel drops what asks to be let in.
-        const auto filler = connections.connectTcp(u"127.0.0.1"_s, peer.port(), fillers.handler());
-        filler->start();
-        QCOMPARE(fillers.states(2), (States {State::Waiting, State::Ready}));
-        auto connection = connections.connectTcp(u"127.0.0.1"_s, peer.port(), story.handler());
-        connection->start();
-        QCOMPARE(story.states(1), States {State::Waiting});
-        connection.reset();
-        QCOMPARE(story.states(2), (States {State::Waiting, State::Cancelled}));
+        const auto made = connections.connectTcp(u"127.0.0.1"_s, peer.port(), story.handler());
+        made->start();
+        peer.resetAll();
+        QCOMPARE(story.states(1), States {State::Ready});
     }
 
     void addresses_data()
@@ -151,20 +164,19 @@ private Q_SLOTS:
         const auto bad = addressesOfLiteral("127.0.0.1", m_closed.port()).at(0);
         const HostAddresses unknown {{}, "Name or service not known"};
         const QString name = u"peer.example"_s;
-        const States ready {State::Preparing, State::Waiting, State::Ready};
-        const States failed {State::Preparing, State::Waiting, State::Failed};
+        const States ready {State::Ready};
+        const States failed {State::Failed};
         QTest::newRow("closed port")
-            << u"127.0.0.1"_s << unknown << States {State::Waiting, State::Failed}
-            << u"Connection refused"_s;
-        QTest::newRow("no route") << u"255.255.255.255"_s << unknown << States {State::Failed}
+            << u"127.0.0.1"_s << unknown << failed << u"Connection refused"_s;
+        QTest::newRow("no route") << u"255.255.255.255"_s << unknown << failed
                                   << u"Network is unreachable"_s;
         QTest::newRow("name") << name << HostAddresses {{good}, {}} << ready << QString();
         QTest::newRow("second of two")
             << name << HostAddresses {{bad, good}, {}} << ready << QString();
         QTest::newRow("none of two")
             << name << HostAddresses {{bad, bad}, {}} << failed << u"Connection refused"_s;
-        QTest::newRow("no such name") << name << unknown << States {State::Preparing, State::Failed}
-                                      << u"Name or service not known"_s;
+        QTest::newRow("no such name")
+            << name << unknown << failed << u"Name or service not known"_s;
     }
     void addresses()
     {
@@ -204,15 +216,15 @@ private Q_SLOTS:
             stuck->start();
             other->start();
             quick->start();
-            hung->acquire(2);
+            QTRY_COMPARE(hung->available(), 2);
             other->cancel();
-            QCOMPARE(literal.states(2), (States {State::Waiting, State::Ready}));
-            QCOMPARE(cancelled.states(2), (States {State::Preparing, State::Cancelled}));
+            QCOMPARE(literal.states(1), States {State::Ready});
+            QCOMPARE(cancelled.states(1), States {State::Cancelled});
         }
-        QCOMPARE(named.states(2), (States {State::Preparing, State::Cancelled}));
+        QCOMPARE(named.states(1), States {State::Cancelled});
         letGo->release(2);
         stuck.reset();
-        QTRY_COMPARE(openDescriptors(), before);
+        QTRY_VERIFY(openDescriptors() <= before);
     }
 
     /// A thousand probes of every kind leave no descriptor behind.
@@ -237,15 +249,15 @@ private Q_SLOTS:
                 }
                 made[8].reset(); // in the middle of its lookup, or after it
                 for (auto& story : stories)
-                    QVERIFY(story.events(2).back().state >= State::Ready);
+                    QVERIFY(!story.events(1).empty());
                 open.acceptAll();
                 for (size_t i = 0; i < made.size(); i += 3) {
                     made[i].reset();
-                    QCOMPARE(stories[i].states(3).back(), State::Cancelled);
+                    QCOMPARE(stories[i].states(2).back(), State::Cancelled);
                 }
             }
         }
-        QTRY_COMPARE(openDescriptors(), before); // threads with the resolver end by themselves
+        QTRY_VERIFY(openDescriptors() <= before); // threads with the resolver end by themselves
     }
 
 private:

@@ -1,4 +1,4 @@
-#include "platform/linux/socket_connections.h"
+#include "platform/linux/socket_hop_probes.h"
 #include "platform/linux/udp_hop_probe.h"
 #include "platform/system_clock.h"
 
@@ -24,15 +24,12 @@ SocketAddress address(const char* text, std::uint16_t port = 33435)
     return addressesOfLiteral(text, port).at(0);
 }
 
-/// The last thing that a probe told, once it is more than that it goes on.
+/// The last thing that a probe told.
 class Outcome {
 public:
     ConnectionHandler handler()
     {
         return [this](const ConnectionEvent& event) {
-            if (event.state == ConnectionState::Preparing
-                || event.state == ConnectionState::Waiting)
-                return;
             m_event = event;
             m_told.release();
         };
@@ -128,7 +125,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, host);
         Outcome outcome; // outlives the connections, which tell it of their end
-        SocketConnections connections(m_clock, [](const std::string& name, std::uint16_t port) {
+        SocketHopProbes connections(m_clock, [](const std::string& name, std::uint16_t port) {
             return name == "six.example" ? HostAddresses {{address("::1", port)}, {}}
                                          : HostAddresses {{}, "no such name"};
         });
@@ -151,7 +148,7 @@ private Q_SLOTS:
         QCOMPARE(::getsockname(listener.get(), generic, &own.length), 0);
         const auto port = ntohs(reinterpret_cast<sockaddr_in*>(generic)->sin_port);
         Outcome outcome;
-        SocketConnections connections(m_clock);
+        SocketHopProbes connections(m_clock);
         const auto probe = connections.probeHop(u"127.0.0.1"_s, port, 1, outcome.handler());
         probe->start();
         char byte = 0;

@@ -137,9 +137,6 @@ private Q_SLOTS:
     {
         m_service->start();
         m_log.take();
-        for (const auto state : {State::Setup, State::Preparing, State::Waiting})
-            finish(state);
-        QCOMPARE(m_service->metrics().size(), size_t(1));
         finish(State::Failed, u"Connection refused"_s);
         finish(State::Cancelled);
         QCOMPARE(m_service->metrics().size(), size_t(2));

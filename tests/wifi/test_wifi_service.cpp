@@ -119,6 +119,22 @@ private Q_SLOTS:
         m_interface->letGo.release();
     }
 
+    void whatWasReadBeforeASleepIsReadAnew()
+    {
+        const auto service = makeService();
+        test::settle(m_queue);
+        m_interface->isHeld = true;
+        m_clock->advance(5s);
+        QTRY_COMPARE(m_interface->reads, 2);
+        m_clock->sleep(1h);
+        m_interface->isHeld = false;
+        m_interface->reading->signalDbm = -71;
+        m_interface->letGo.release();
+        test::settle(m_queue);
+        QCOMPARE(m_interface->reads, 3);
+        QCOMPARE(service->currentWiFi()->signalStrength, -71);
+    }
+
     void timerSamplesWhateverTheWallClockDoes()
     {
         const auto service = makeService();

@@ -16,6 +16,7 @@ void Attempt::askNext(const Clock& clock)
         const auto& address = m_addresses[m_next++];
         m_socket = FileDescriptor(
             ::socket(address.storage.ss_family, m_socketType | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        m_askedAt = clock.monotonicNow();
         if (!isUnderWay() || !ask(address)) {
             fail(errno);
             continue;

@@ -27,6 +27,11 @@ public:
     bool isUnderWay() const { return m_socket.isOpen(); }
     /// When the answer was there as soon as the question was sent: the peer is on this machine.
     std::optional<std::chrono::steady_clock::time_point> answeredAt() const { return m_answeredAt; }
+    /// The same as the kernel took it, where it does so. Holds after a good answer.
+    virtual std::optional<std::chrono::steady_clock::time_point> kernelAnsweredAt() const
+    {
+        return {};
+    }
     /// Once the kernel reports something: what it is. Never waits.
     virtual Answer takeAnswer() = 0;
     /// Who gave the good answer if it was not the peer: an address.
@@ -49,6 +54,7 @@ protected:
     /// Has the new socket send its question; false, and errno, when it cannot.
     virtual bool ask(const SocketAddress& address) = 0;
     Answer badAnswer(int error);
+    std::chrono::steady_clock::time_point askedAt() const { return m_askedAt; }
 
 private:
     bool isAnswered() const;
@@ -57,6 +63,7 @@ private:
     std::vector<SocketAddress> m_addresses;
     size_t m_next = 0;
     FileDescriptor m_socket;
+    std::chrono::steady_clock::time_point m_askedAt;
     std::optional<std::chrono::steady_clock::time_point> m_answeredAt;
     int m_error = 0;
 };

@@ -4,6 +4,7 @@
 
 #include <sys/epoll.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -16,6 +17,8 @@ constexpr int kEventsAtOnce = 16;
 /// A resolver that hangs holds a thread for half a minute or so; a name probed every three seconds
 /// for two services would then hold about twenty.
 constexpr int kMostLookUps = 32;
+
+constexpr std::chrono::milliseconds kForEver {-1}; ///< to epoll_wait(2)
 
 bool addToEpoll(const FileDescriptor& epoll, int descriptor, std::uint32_t events, quint64 id)
 {
@@ -35,23 +38,33 @@ ConnectionWatcher::ConnectionWatcher(
     , m_epoll(::epoll_create1(EPOLL_CLOEXEC))
 {
     if (!addToEpoll(m_epoll, m_mailbox->descriptor(), EPOLLIN, kMailboxId))
-        qFatal("The network thread cannot wait for descriptors");
+        qFatal("Connections cannot be waited for");
 }
 
 void ConnectionWatcher::run()
 {
+    while (!m_isStopped)
+        step(kForEver);
+    endAll();
+}
+
+void ConnectionWatcher::step(std::chrono::milliseconds limit)
+{
     std::array<epoll_event, kEventsAtOnce> events {};
-    while (!m_isStopped) {
-        const int count = ::epoll_wait(m_epoll.get(), events.data(), kEventsAtOnce, -1);
-        const auto now = m_clock.monotonicNow(); // before anything else: this is what is measured
-        for (int i = 0; i < count; ++i) {
-            const auto place = m_connections.find(events[size_t(i)].data.u64);
-            if (place != m_connections.end())
-                proceed(place, now);
-        }
-        for (const auto& task : m_mailbox->take())
-            task(*this);
+    const int count = ::epoll_wait(m_epoll.get(), events.data(), kEventsAtOnce, int(limit.count()));
+    const auto now = m_clock.monotonicNow(); // before anything else: this is what is measured
+    // The letters first: one may bring the connection that an event is about.
+    for (const auto& task : m_mailbox->take())
+        task(*this);
+    for (int i = 0; i < count; ++i) {
+        const auto place = m_connections.find(events[size_t(i)].data.u64);
+        if (place != m_connections.end())
+            proceed(place, now);
     }
+}
+
+void ConnectionWatcher::endAll()
+{
     while (!m_connections.empty())
         end(m_connections.begin(), ConnectionState::Cancelled);
 }
@@ -74,8 +87,7 @@ void ConnectionWatcher::cancel(quint64 id)
 
 void ConnectionWatcher::startLookUp(Connections::iterator place)
 {
-    auto& [id, connection] = *place;
-    tell(connection, {.state = ConnectionState::Preparing, .at = m_clock.monotonicNow()});
+    const auto& [id, connection] = *place;
     // The thread outlives the factory if it has to: it holds all it needs, and a mailbox that
     // nobody reads any more takes letters, too.
     const auto work = [mailbox = m_mailbox, lookUp = m_lookUp, host = connection.host,
@@ -112,7 +124,6 @@ void ConnectionWatcher::proceed(
     auto& connection = place->second;
     auto& attempt = *connection.attempt;
     while (attempt.isUnderWay()) {
-        tell(connection, {.state = ConnectionState::Waiting, .at = m_clock.monotonicNow()});
         if (!answeredAt) {
             if (watch(*place))
                 return;
@@ -139,22 +150,15 @@ bool ConnectionWatcher::watch(const Connections::value_type& entry)
         std::uint32_t(attempt.awaited()) | EPOLLONESHOT, entry.first);
 }
 
+/// Where the kernel itself took the time, that holds: we may have been busy when it came.
 void ConnectionWatcher::tellReady(
-    OpenConnection& connection, std::chrono::steady_clock::time_point at)
+    const OpenConnection& connection, std::chrono::steady_clock::time_point at)
 {
-    tell(connection,
-        {.state = ConnectionState::Ready,
-            .at = at,
-            .answeredBy
-            = QString::fromStdString(connection.attempt->router().value_or(connection.host))});
-}
-
-void ConnectionWatcher::tell(OpenConnection& connection, const ConnectionEvent& event)
-{
-    if (connection.state == event.state)
-        return;
-    connection.state = event.state;
-    connection.handler(event);
+    const auto& attempt = *connection.attempt;
+    connection.handler({.state = ConnectionState::Ready,
+        .at = std::min(at, attempt.kernelAnsweredAt().value_or(at)),
+        .error = {},
+        .answeredBy = QString::fromStdString(attempt.router().value_or(connection.host))});
 }
 
 void ConnectionWatcher::end(

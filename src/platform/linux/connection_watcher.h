@@ -2,8 +2,8 @@
 
 #include "platform/connection.h"
 #include "platform/linux/attempt.h"
+#include "platform/linux/file_descriptor.h"
 #include "platform/linux/mailbox.h"
-#include "platform/result.h"
 
 #include <map>
 
@@ -15,18 +15,23 @@ struct OpenConnection {
     std::uint16_t port = 0;
     ConnectionHandler handler;
     std::unique_ptr<Attempt> attempt;
-    ConnectionState state = ConnectionState::Setup;
 };
 
-/// What the network thread does: waits for the kernel, and tells of every change. All on that
-/// thread, save the making; others reach it through the mailbox.
+/// Waits for the kernel, and tells of what came. All on the watching thread, save the making;
+/// others reach it through the mailbox.
 class ConnectionWatcher {
 public:
     ConnectionWatcher(const Clock& clock, AddressLookup lookUp, std::shared_ptr<Mailbox> mailbox);
 
-    /// Returns after `stop`, every connection closed and told so.
+    /// For a thread of its own. Returns after `stop`, every connection closed and told so.
     void run();
     void stop() { m_isStopped = true; }
+    /// Readable while there is something to do.
+    int descriptor() const { return m_epoll.get(); }
+    /// For an event loop: does what there is to do, and never waits.
+    void step() { step(std::chrono::milliseconds(0)); }
+    /// Every connection is closed and told so.
+    void endAll();
 
     /// `id` is not used twice. The attempt is under way, or failed, or has no address yet.
     void adopt(quint64 id, OpenConnection connection);
@@ -35,13 +40,13 @@ public:
 private:
     using Connections = std::map<quint64, OpenConnection>;
 
+    void step(std::chrono::milliseconds limit);
     void startLookUp(Connections::iterator place);
     void takeAddresses(quint64 id, HostAddresses found);
     void proceed(Connections::iterator place,
         std::optional<std::chrono::steady_clock::time_point> answeredAt);
     bool watch(const Connections::value_type& entry);
-    void tellReady(OpenConnection& connection, std::chrono::steady_clock::time_point at);
-    void tell(OpenConnection& connection, const ConnectionEvent& event);
+    void tellReady(const OpenConnection& connection, std::chrono::steady_clock::time_point at);
     void end(Connections::iterator place, ConnectionState state, const QString& error = {});
 
     const Clock& m_clock;

@@ -33,7 +33,8 @@ private:
 
 } // namespace
 
-bool startDetached(QObject* owner, std::function<void()> work, std::function<void()> done)
+bool startDetached(
+    QObject* owner, std::function<void()> work, std::function<void()> done, Clock* clock)
 {
     const auto bell = std::make_shared<Bell>();
     if (!bell->isValid() || !startDetachedThread([bell, work = std::move(work)]() mutable {
@@ -52,6 +53,10 @@ bool startDetached(QObject* owner, std::function<void()> work, std::function<voi
             notifier->deleteLater();
             done();
         });
+    if (clock) {
+        notifier->setEnabled(false);
+        clock->soon(notifier, [notifier] { notifier->setEnabled(true); });
+    }
     return true;
 }
 

@@ -11,6 +11,7 @@
 #include "platform/linux/session_status_notifier_host.h"
 #include "platform/linux/settings_file.h"
 #include "platform/linux/socket_connections.h"
+#include "platform/linux/socket_hop_probes.h"
 #include "platform/linux/suspend_watch.h"
 #include "platform/linux/system_resolver.h"
 #include "platform/platform.h"
@@ -42,9 +43,8 @@ Platform makePlatform()
     platform.networkConfiguration = std::make_unique<LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<QtHttpClient>(*platform.clock, platform.queues->utility);
     platform.httpTransfers = std::make_unique<QtHttpTransfers>(*platform.clock);
-    const auto connections = std::make_shared<SocketConnections>(*platform.clock);
-    platform.connections = connections;
-    platform.hopProbes = connections;
+    platform.connections = std::make_shared<SocketConnections>(*platform.clock);
+    platform.hopProbes = std::make_shared<SocketHopProbes>(*platform.clock);
     platform.resolver = std::make_shared<SystemResolver>();
     platform.userDefaults = std::make_unique<SettingsFile>(SettingsFile::defaultPath());
     platform.systemBus = std::move(systemBus);

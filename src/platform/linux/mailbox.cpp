@@ -15,7 +15,7 @@ Mailbox::Mailbox()
     // As the event loop of the application itself does: a process that has no descriptor left when
     // it begins gets nowhere.
     if (!m_bell.isOpen())
-        qFatal("No descriptor for the network thread");
+        qFatal("No descriptor for connections");
 }
 
 Mailbox::~Mailbox()
@@ -25,10 +25,15 @@ Mailbox::~Mailbox()
 
 void Mailbox::post(Task task)
 {
+    leave(std::move(task));
+    ::eventfd_write(m_bell.get(), 1);
+}
+
+void Mailbox::leave(Task task)
+{
     auto* letter = new Letter {std::move(task), m_newest.load(std::memory_order_relaxed)};
     while (!m_newest.compare_exchange_weak(
         letter->older, letter, std::memory_order_release, std::memory_order_relaxed)) { }
-    ::eventfd_write(m_bell.get(), 1);
 }
 
 std::vector<Mailbox::Task> Mailbox::take()

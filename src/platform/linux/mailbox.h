@@ -25,6 +25,8 @@ public:
 
     /// Any thread.
     void post(Task task);
+    /// As `post`, but wakes nobody: for what the reader need not know before it wakes up anyway.
+    void leave(Task task);
     /// The tasks so far in their order. Reading thread.
     std::vector<Task> take();
     /// Readable while there are tasks.

@@ -1,40 +1,29 @@
 #pragma once
 
-#include "platform/connection.h"
-#include "platform/hop_probe.h"
-#include "platform/linux/host_addresses.h"
+#include "platform/linux/watched_connections.h"
 
-#include <thread>
+#include <QSocketNotifier>
 
 namespace netvane::platform {
 
-class Attempt;
-class Clock;
-class Mailbox;
-
-/// Connections and probes by sockets of the kernel, all watched by one thread that sleeps while
-/// none is under way. The first packet to an address literal is sent by whoever calls `start`, so
-/// that no change of threads lies between the call and the packet; names are resolved on threads of
-/// their own. `start` and the making on one thread, the main one.
-class SocketConnections : public ConnectionFactory, public HopProbeFactory {
+/// TCP connections, watched by the event loop of the main thread. It may be busy, or asleep for the
+/// first moments (`Clock::soon`): the kernel takes the time of an answer itself (TCP_INFO,
+/// tcp(7)).
+class SocketConnections : public ConnectionFactory {
 public:
     /// `clock` outlives this.
-    explicit SocketConnections(const Clock& clock, AddressLookup lookUp = lookUpHost);
+    explicit SocketConnections(Clock& clock, AddressLookup lookUp = lookUpHost);
     ~SocketConnections() override;
 
     std::unique_ptr<Connection> connectTcp(
         const QString& host, quint16 port, ConnectionHandler handler) override;
-    std::unique_ptr<Connection> probeHop(
-        const QString& host, quint16 port, int hopLimit, ConnectionHandler handler) override;
 
 private:
-    std::unique_ptr<Connection> make(const QString& host, quint16 port,
-        std::unique_ptr<Attempt> attempt, ConnectionHandler handler);
+    void lookLater();
 
-    const Clock& m_clock;
-    const std::shared_ptr<Mailbox> m_mailbox;
-    std::jthread m_thread;
-    quint64 m_lastId = 0;
+    Clock& m_clock;
+    WatchedConnections m_watched;
+    QSocketNotifier m_notifier;
 };
 
 } // namespace netvane::platform

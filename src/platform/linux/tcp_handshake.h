@@ -11,6 +11,7 @@ public:
 
     Answer takeAnswer() override;
     short awaited() const override;
+    std::optional<std::chrono::steady_clock::time_point> kernelAnsweredAt() const override;
 
 private:
     bool ask(const SocketAddress& address) override;
