@@ -14,7 +14,9 @@ function(netvane_test name)
     target_link_libraries(${name} PRIVATE ${ARG_LINK} netvane_test_support Qt6::Test)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 60 ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+    # Freed memory is overwritten (mallopt(3)), so that nobody gets away with reading it, the libraries included.
+    set_tests_properties(${name} PROPERTIES TIMEOUT 60
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;MALLOC_PERTURB_=165")
 endfunction()
 
 # netvane_services_of_program(VARIABLE LIBRARY...): what the views link, but not where they are made a library that the

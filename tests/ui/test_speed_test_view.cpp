@@ -110,6 +110,19 @@ private Q_SLOTS:
         QCOMPARE(view.problems(), QStringList());
     }
 
+    /// A window that is not painted meanwhile is not laid out either, until it is resized.
+    void comesAndGoesUnpainted()
+    {
+        World world;
+        world.service.setHistory({world.past(1h, 10, {}), world.past(2h, 20, {})});
+        ViewFixture view = show(world);
+        world.service.setHistory({});
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        world.service.setHistory({world.past(3h, 30, {})});
+        view.root().setWidth(view.root().width() + 20);
+        QCOMPARE(view.texts().mid(5), QStringList({u"3 hr ago"_s, u"30.0"_s}));
+    }
+
     void tellsOfLagUnderLoad()
     {
         World world;

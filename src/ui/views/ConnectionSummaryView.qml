@@ -18,7 +18,7 @@ Card {
         Layout.rightMargin: 12
         spacing: 0
 
-        Repeater {
+        Rows {
             model: root.viewState.items
 
             RowLayout {

@@ -19,7 +19,7 @@ ColumnLayout {
         ColumnLayout {
             spacing: 8
 
-            Repeater {
+            Rows {
                 model: root.viewState.recommendations
 
                 SymbolText {

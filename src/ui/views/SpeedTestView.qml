@@ -73,7 +73,7 @@ Card {
                 }
             }
         }
-        Repeater {
+        Rows {
             model: root.viewState.recentTests
             RecentTestRow { }
         }

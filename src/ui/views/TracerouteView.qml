@@ -76,7 +76,7 @@ Card {
                 anchors.margins: 8
                 spacing: 4
 
-                Repeater {
+                Rows {
                     model: root.viewState.hops
                     TracerouteHopRow { }
                 }

@@ -53,7 +53,7 @@ ColumnLayout {
                 visible: root.viewState.details.length > 0
                 spacing: 12
 
-                Repeater {
+                Rows {
                     model: root.viewState.details
 
                     PlainText {
