@@ -134,12 +134,12 @@ void WiFiService::beginPass(platform::Clock* soon)
     if (m_interface)
         sampleInterface(soon);
     else
-        findInterface();
+        findInterface(soon);
 }
 
 /// Asks the kernel, which may take its time. Each pass without an interface asks anew, so that an
 /// adapter plugged in later is found.
-void WiFiService::findInterface()
+void WiFiService::findInterface(platform::Clock* soon)
 {
     m_lookedForInterface = true;
     const auto firstOf = [client = m_wifiClient]() -> std::shared_ptr<platform::WiFiInterface> {
@@ -155,7 +155,7 @@ void WiFiService::findInterface()
         else
             endWithoutLink(kNoInterface);
     };
-    platform::runInBackground(m_queue, this, firstOf, take);
+    platform::runInBackground(m_queue, this, firstOf, take, soon);
 }
 
 void WiFiService::sampleInterface(platform::Clock* soon)
@@ -190,7 +190,7 @@ void WiFiService::interfaceIsGone()
     if (m_lookedForInterface)
         endWithoutLink(kNoInterface);
     else
-        findInterface();
+        findInterface(nullptr);
 }
 
 void WiFiService::applyLinkSnapshot(const WiFiInfo& snapshot)

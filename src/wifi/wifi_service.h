@@ -65,7 +65,7 @@ Q_SIGNALS:
 private:
     /// With `soon`, the clock, there is no hurry: what is read may wait for `Clock::soon`.
     void beginPass(platform::Clock* soon);
-    void findInterface();
+    void findInterface(platform::Clock* soon);
     void sampleInterface(platform::Clock* soon);
     void interfaceIsGone();
     void applyLinkSnapshot(const WiFiInfo& snapshot);
