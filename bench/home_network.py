@@ -9,6 +9,7 @@ import multiprocessing
 import os
 import select
 import socket
+import ssl
 import struct
 import subprocess
 import tempfile
@@ -18,6 +19,7 @@ import time
 ROUTER = "192.0.2.1"
 INTERNET = "1.1.1.1"
 NEAR = "near"  # this end of the way
+ELSEWHERE = "192.0.2.9"  # every name's address
 ONE_WAY = 0.005  # seconds
 TUNSETIFF, IFF_TAP, IFF_NO_PI = 0x400454CA, 0x0002, 0x1000
 LARGEST_FRAME = 2048
@@ -53,12 +55,31 @@ def look_up():
         query, asker = names.recvfrom(512)
         question = query[12:query.index(0, 12) + 5]
         found = question.endswith(bytes([0, 1, 0, 1]))
-        record = struct.pack(">3HIH4B", 0xc00c, 1, 1, 60, 4, 192, 0, 2, 9) if found else b""
+        record = struct.pack(">3HIH4B", 0xc00c, 1, 1, 60, 4, *socket.inet_aton(ELSEWHERE)) if found else b""
         names.sendto(query[:2] + struct.pack(">5H", 0x8180, 1, found, 0, 0) + question + record, asker)
 
 
+def shake_hands():
+    """TLS with a certificate that nobody trusts: a check for a portal gets as far as that."""
+    with tempfile.TemporaryDirectory() as place:
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes",
+                        "-days", "1", "-subj", "/CN=elsewhere", "-keyout", f"{place}/key", "-out", f"{place}/certificate"],
+                       check=True, capture_output=True)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(f"{place}/certificate", f"{place}/key")
+    with socket.create_server((ELSEWHERE, 443)) as listener:
+        while True:
+            connection = listener.accept()[0]
+            connection.settimeout(5)
+            try:
+                context.wrap_socket(connection, server_side=True).close()
+            except OSError:
+                connection.close()
+
+
 def answer():
-    threading.Thread(target=look_up, daemon=True).start()
+    for service in (look_up, shake_hands):
+        threading.Thread(target=service, daemon=True).start()
     with socket.create_server(("", 80), backlog=64) as listener:
         while True:
             listener.accept()[0].close()
@@ -87,6 +108,7 @@ class HomeNetwork:
                         ["ip", "link", "set", "far", "netns", str(peer.pid)],
                         [*inside, "ip", "address", "add", f"{ROUTER}/24", "dev", "far"],
                         [*inside, "ip", "address", "add", f"{INTERNET}/32", "dev", "lo"],
+                        [*inside, "ip", "address", "add", f"{ELSEWHERE}/32", "dev", "lo"],
                         [*inside, "ip", "link", "set", "lo", "up"], [*inside, "ip", "link", "set", "far", "up"],
                         ["ip", "address", "add", "192.0.2.2/24", "dev", NEAR], ["ip", "link", "set", NEAR, "up"],
                         ["ip", "route", "add", "default", "via", ROUTER]):
