@@ -56,11 +56,12 @@ check-format: ## clang-format would change nothing
 check-layers: ## no module includes a higher one, no file or function is too long
 	@scripts/check-layers
 
-check-qml: ## qmllint has nothing to say about the views, and no text is drawn but as plain text
+check-qml: ## qmllint has nothing to say about the views, no text is drawn but as plain text, no row but by Rows
 	@scripts/setup build run check
 	@cmake --preset release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS) --target netvane_ui_qmllint
 	@! grep -nE '(^|[^a-zA-Z.])(Text|Label|TextEdit|TextArea) *\{' $$(git ls-files 'src/ui/*.qml' | grep -v /PlainText.qml)
+	@! grep -nE '(^|[^a-zA-Z.])(Repeater|Instantiator) *\{' $$(git ls-files 'src/ui/*.qml' | grep -v /Rows.qml)
 	@echo "qml: ok"
 
 check-packaging: ## desktop entry, metadata, manual pages, icons and versions are in order

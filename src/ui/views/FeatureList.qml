@@ -10,7 +10,7 @@ ColumnLayout {
 
     spacing: 8
 
-    Repeater {
+    Rows {
         model: root.rows
         FeatureRow {
             required property var modelData

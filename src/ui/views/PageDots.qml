@@ -11,7 +11,7 @@ Row {
     Accessible.role: Accessible.StaticText
     Accessible.name: "Page " + (currentStep + 1) + " of 3"
 
-    Repeater {
+    Rows {
         model: [root.currentStep >= 0, root.currentStep >= 1, root.currentStep >= 2]
         Rectangle {
             required property bool modelData
