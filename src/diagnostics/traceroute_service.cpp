@@ -59,8 +59,9 @@ void TracerouteService::Probe::handleEvent(const platform::ConnectionEvent& even
         if (elapsed < timeoutPerHop)
             end(ProbeResult {.address = event.answeredBy,
                 .timeMs = std::chrono::duration<double, std::milli>(elapsed).count()});
-    } else
+    } else {
         end({});
+    }
 }
 
 /// Any thread. What follows on the main thread is dropped if the probe is of no interest by then.

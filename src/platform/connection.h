@@ -35,7 +35,7 @@ class Connection {
 public:
     virtual ~Connection() = default;
 
-    /// Once; one that was cancelled before stays silent.
+    /// Once, while the factory is there; one that was cancelled before stays silent.
     virtual void start() = 0;
     /// Closes the connection whatever its state. Any thread, the handler included; a second call
     /// does nothing.

@@ -53,14 +53,13 @@ void ConnectionWatcher::step(std::chrono::milliseconds limit)
     std::array<epoll_event, kEventsAtOnce> events {};
     const int count = ::epoll_wait(m_epoll.get(), events.data(), kEventsAtOnce, int(limit.count()));
     const auto now = m_clock.monotonicNow(); // before anything else: this is what is measured
-    // The letters first: one may bring the connection that an event is about.
-    for (const auto& task : m_mailbox->take())
-        task(*this);
     for (int i = 0; i < count; ++i) {
         const auto place = m_connections.find(events[size_t(i)].data.u64);
         if (place != m_connections.end())
             proceed(place, now);
     }
+    for (const auto& task : m_mailbox->take())
+        task(*this);
 }
 
 void ConnectionWatcher::endAll()

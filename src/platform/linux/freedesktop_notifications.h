@@ -18,8 +18,8 @@ struct NotificationService {
 /// The one that gave this answer to GetCapabilities; absent when it is no such answer.
 std::optional<NotificationService> notificationService(const QDBusMessage& answer);
 
-/// The desktop's notification service (org.freedesktop.Notifications, Desktop Notifications
-/// Specification 1.2) on the session bus. There is nobody to ask for permission: a service that
+/// The desktop's notification service (org.freedesktop.Notifications, version 1.2) on the session
+/// bus. There is nobody to ask for permission: a service that
 /// answers means authorised, and so does one that the bus would start for the first notification;
 /// none means denied, and one that was asked but has not answered yet leaves what was known.
 class FreedesktopNotifications : public UserNotificationCenter {

@@ -7,7 +7,11 @@ namespace netvane::platform {
 
 SocketConnections::SocketConnections(Clock& clock, AddressLookup lookUp)
     : m_clock(clock)
-    , m_watched(clock, std::move(lookUp), [this] { lookLater(); })
+    , m_watched(clock, std::move(lookUp),
+          [this] {
+              // Most answers are there by then, and nobody was woken up for each of them.
+              m_clock.soon(&m_notifier, [watcher = m_watched.watcher()] { watcher->step(); });
+          })
     , m_notifier(m_watched.watcher()->descriptor(), QSocketNotifier::Read)
 {
     QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier,
@@ -17,12 +21,6 @@ SocketConnections::SocketConnections(Clock& clock, AddressLookup lookUp)
 SocketConnections::~SocketConnections()
 {
     m_watched.watcher()->endAll();
-}
-
-/// Most answers are there by then, and nobody was woken up for each of them.
-void SocketConnections::lookLater()
-{
-    m_clock.soon(&m_notifier, [watcher = m_watched.watcher()] { watcher->step(); });
 }
 
 std::unique_ptr<Connection> SocketConnections::connectTcp(

@@ -19,8 +19,6 @@ public:
         const QString& host, quint16 port, ConnectionHandler handler) override;
 
 private:
-    void lookLater();
-
     Clock& m_clock;
     WatchedConnections m_watched;
     QSocketNotifier m_notifier;

@@ -39,15 +39,14 @@ public:
         } else {
             m_mailbox->post(letter);
         }
-        m_isHandedOver.test_and_set();
-        // One that came from another thread in the meantime had nothing to cancel.
+        // One that came from another thread in the meantime found nothing to cancel.
         if (m_isCancelled.test())
             postCancel();
     }
 
     void cancel() override
     {
-        if (!m_isCancelled.test_and_set() && m_isHandedOver.test())
+        if (!m_isCancelled.test_and_set())
             postCancel();
     }
 
@@ -62,7 +61,6 @@ private:
     const std::function<void()> m_lookLater;
     const quint64 m_id;
     std::shared_ptr<OpenConnection> m_connection; ///< until it starts
-    std::atomic_flag m_isHandedOver;
     std::atomic_flag m_isCancelled;
 };
 
