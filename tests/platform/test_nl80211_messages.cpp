@@ -124,8 +124,17 @@ private Q_SLOTS:
         };
         const std::vector survey
             = {entry(2412, -80, false), entry(2437, -92, false), entry(5180, -95, marked)};
-        QTEST(linkReading({.frequencyMhz = 2437}, {}, survey, {}).noiseDbm.value_or(0), "noise");
-        QVERIFY(marked || !linkReading({}, {}, survey, {}).noiseDbm);
+        QTEST(linkReading({.frequencyMhz = 2437}, {StationRecord {}}, survey, {})
+                  .noiseDbm.value_or(0),
+            "noise");
+        QVERIFY(!linkReading({}, {}, survey, {}).noiseDbm);
+    }
+
+    void channelWithoutALinkIsNone()
+    {
+        const auto reading = linkReading({.name = "wlan0"_ba, .frequencyMhz = 5180},
+            {StationRecord {.associated = false}}, {}, {});
+        QCOMPARE(reading, LinkReading {.interfaceName = u"wlan0"_s});
     }
 
     void accessPointIsToldFromOtherPeers()

@@ -203,14 +203,16 @@ LinkReading linkReading(const InterfaceRecord& interface,
     auto ssid = interface.ssid;
     if (!ssid)
         ssid = firstPresent(networks, &BssRecord::associated, &BssRecord::ssid);
-    auto frequency = interface.frequencyMhz;
+    // While it looks for a network or asks to join one, an interface has a channel, but no link.
+    const bool isJoined = ssid || std::ranges::any_of(stations, isAccessPoint);
+    auto frequency = isJoined ? interface.frequencyMhz : std::nullopt;
     if (!frequency)
         frequency = firstPresent(networks, &BssRecord::associated, &BssRecord::frequencyMhz);
 
     LinkReading reading {
         .ssid = ssid ? ssidText(*ssid) : std::nullopt,
         .signalDbm = firstPresent(stations, isAccessPoint, &StationRecord::signalDbm),
-        .noiseDbm = noiseOf(survey, frequency),
+        .noiseDbm = isJoined ? noiseOf(survey, frequency) : std::nullopt,
         .transmitRateMbps = firstPresent(stations, isAccessPoint, &StationRecord::transmitRateMbps),
     };
     if (frequency) {

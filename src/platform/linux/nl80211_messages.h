@@ -20,8 +20,8 @@ struct InterfaceRecord {
     std::optional<QByteArray> name; ///< absent for devices without a network interface, as P2P ones
     std::optional<std::uint32_t> type; ///< enum nl80211_iftype
     std::optional<QByteArray> ssid; ///< raw bytes; only while associated
-    std::optional<std::uint32_t>
-        frequencyMhz; ///< only while associated; of the first link of several
+    /// Of the first link of several; also while it asks to join a network.
+    std::optional<std::uint32_t> frequencyMhz;
 
     bool operator==(const InterfaceRecord&) const = default;
 };
