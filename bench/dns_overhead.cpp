@@ -6,10 +6,10 @@
 #include "platform/linux/linux_network_configuration.h"
 #include "platform/log.h"
 #include "platform/system_clock.h"
+#include "platform/work_queues.h"
 #include "probes/dns_service.h"
 
 #include <QCoreApplication>
-#include <QThreadPool>
 
 #include <algorithm>
 #include <atomic>
@@ -64,7 +64,7 @@ int main(int argc, char** argv)
     platform::setLogSink([](const QString&) {});
     platform::SystemClock clock;
     platform::LinuxNetworkConfiguration configuration;
-    QThreadPool pool;
+    platform::WorkQueue pool;
     const probes::NetworkUtils network(configuration, pool);
     const auto resolver = std::make_shared<WaitingResolver>();
     probes::DNSService service(network, resolver, clock, QStringLiteral("host.test"));

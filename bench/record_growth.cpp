@@ -3,6 +3,7 @@
 
 #include "figure.h"
 #include "platform/log.h"
+#include "platform/work_queues.h"
 #include "probes/captive_portal_service.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
@@ -11,7 +12,6 @@
 #include "support/manual_clock.h"
 
 #include <QCoreApplication>
-#include <QThreadPool>
 
 #include <malloc.h>
 
@@ -99,7 +99,7 @@ int main(int argc, char** argv)
     InstantConnections connections(clock);
     InstantPage page;
     NoBrowser browser;
-    QThreadPool queue;
+    platform::WorkQueue queue;
     test::FakeNetworkConfiguration network;
     const probes::NetworkUtils utils(network, queue);
     probes::PingService router(

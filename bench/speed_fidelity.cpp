@@ -8,6 +8,7 @@
 #include "platform/linux/qt_http_transfers.h"
 #include "platform/log.h"
 #include "platform/system_clock.h"
+#include "platform/work_queues.h"
 #include "support/fake_user_defaults.h"
 
 #include <QCoreApplication>
@@ -15,7 +16,6 @@
 #include <QFile>
 #include <QProcess>
 #include <QSslCertificate>
-#include <QThreadPool>
 #include <QTimer>
 
 #include <algorithm>
@@ -167,7 +167,7 @@ private:
     /// As the program did long before the user asks for a test: each fetch of a page needs it.
     void useTls()
     {
-        QThreadPool queue;
+        platform::WorkQueue queue;
         platform::QtHttpClient client(m_clock, queue, tls());
         QEventLoop loop;
         client.get({.url = m_plan.server, .bodyLimit = 1}, &loop,

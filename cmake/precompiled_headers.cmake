@@ -16,12 +16,12 @@ if(NETVANE_PRECOMPILE)
     # No more than most sources use: what a header leaves to be instantiated is done again in each source.
     set(core_headers <algorithm> <array> <atomic> <chrono> <functional> <memory> <optional> <string> <vector>
         <QCoreApplication> <QDateTime> <QDir> <QFile> <QHash> <QList> <QMetaType> <QObject> <QPointer> <QSocketNotifier>
-        <QString> <QStringList> <QThread> <QThreadPool> <QTimer> <QUrl> <QVariant>)
+        <QString> <QStringList> <QThread> <QTimer> <QUrl> <QVariant>)
     netvane_precompiled_headers(netvane_precompiled
-        LINK Qt6::Network Qt6::DBus Qt6::Concurrent
+        LINK Qt6::Network Qt6::DBus
         HEADERS ${core_headers})
     netvane_precompiled_headers(netvane_precompiled_views
-        LINK Qt6::Network Qt6::DBus Qt6::Concurrent Qt6::Quick
+        LINK Qt6::Network Qt6::DBus Qt6::Quick
         HEADERS ${core_headers} <QPainter> <QQmlEngine> <QQuickPaintedItem> <QQuickWindow> <QtQml/qqmlprivate.h>
             <QtQmlIntegration>)
 endif()

@@ -43,7 +43,7 @@ void open(const QUrl& url)
 
 } // namespace
 
-DesktopSharePicker::DesktopSharePicker(platform::Clipboard& clipboard, QThreadPool& queue)
+DesktopSharePicker::DesktopSharePicker(platform::Clipboard& clipboard, platform::WorkQueue& queue)
     : m_clipboard(clipboard)
     , m_queue(queue)
 {

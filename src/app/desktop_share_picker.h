@@ -2,6 +2,7 @@
 
 #include "platform/clipboard.h"
 #include "platform/share_picker.h"
+#include "platform/work_queues.h"
 
 #include <QMenu>
 #include <QObject>
@@ -9,7 +10,6 @@
 #include <memory>
 
 class QTemporaryDir;
-class QThreadPool;
 
 namespace netvane::app {
 
@@ -20,7 +20,7 @@ class DesktopSharePicker : public QObject, public platform::SharePicker {
 
 public:
     /// Both outlive this; the file is written on `queue`.
-    DesktopSharePicker(platform::Clipboard& clipboard, QThreadPool& queue);
+    DesktopSharePicker(platform::Clipboard& clipboard, platform::WorkQueue& queue);
     ~DesktopSharePicker() override;
 
     void show(const QString& text) override;
@@ -29,7 +29,7 @@ private:
     void openInEditor(const QString& text);
 
     platform::Clipboard& m_clipboard;
-    QThreadPool& m_queue;
+    platform::WorkQueue& m_queue;
     std::unique_ptr<QMenu> m_menu;
     std::unique_ptr<QTemporaryDir> m_folder; ///< nobody else may look into it; goes with this
 };

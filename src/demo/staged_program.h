@@ -30,7 +30,7 @@ private:
 
     platform::ManualClock& m_clock;
     ScriptedPlatform m_scripted; ///< its platform went to the program
-    QThreadPool& m_queue;
+    platform::WorkQueue& m_queue;
     int m_deliveredLookups = 0;
     app::Program m_program;
 };

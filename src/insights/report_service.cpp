@@ -42,8 +42,8 @@ QString proposedFileName(std::chrono::system_clock::time_point now)
 
 } // namespace
 
-ReportService::ReportService(
-    Readings readings, const platform::Clock& clock, QThreadPool& queue, const ReportExits& exits)
+ReportService::ReportService(Readings readings, const platform::Clock& clock,
+    platform::WorkQueue& queue, const ReportExits& exits)
     : m_readings(std::move(readings))
     , m_clock(clock)
     , m_queue(queue)

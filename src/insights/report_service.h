@@ -5,13 +5,12 @@
 #include "platform/clock.h"
 #include "platform/save_panel.h"
 #include "platform/share_picker.h"
+#include "platform/work_queues.h"
 
 #include <QObject>
 
 #include <functional>
 #include <optional>
-
-class QThreadPool;
 
 namespace netvane::insights {
 
@@ -33,7 +32,7 @@ public:
     /// True when the file was written.
     using Completion = std::function<void(bool written)>;
 
-    ReportService(Readings readings, const platform::Clock& clock, QThreadPool& queue,
+    ReportService(Readings readings, const platform::Clock& clock, platform::WorkQueue& queue,
         const ReportExits& exits);
 
     /// In the language of the user's dates (LC_TIME, locale(7)).
@@ -51,7 +50,7 @@ private:
 
     const Readings m_readings;
     const platform::Clock& m_clock;
-    QThreadPool& m_queue;
+    platform::WorkQueue& m_queue;
     const ReportExits m_exits;
 };
 

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "platform/work_queues.h"
 
 #include <QFutureWatcher>
-#include <QThreadPool>
-#include <QtConcurrentRun>
+#include <QPromise>
 
+#include <memory>
 #include <type_traits>
 
 namespace netvane::platform {
@@ -16,7 +17,7 @@ namespace netvane::platform {
 /// go at any moment. With `clock` it is delivered `soon` and not at once.
 template <typename Work, typename Deliver>
 void runInBackground(
-    QThreadPool& queue, QObject* owner, Work work, Deliver deliver, Clock* clock = nullptr)
+    WorkQueue& queue, QObject* owner, Work work, Deliver deliver, Clock* clock = nullptr)
 {
     using Value = std::invoke_result_t<Work>;
     auto* watcher = new QFutureWatcher<Value>(owner);
@@ -25,8 +26,13 @@ void runInBackground(
             watcher->deleteLater();
             deliver(watcher->result());
         });
-    const auto future = QtConcurrent::run(&queue, std::move(work));
-    const auto listen = [watcher, future] { watcher->setFuture(future); };
+    const auto promise = std::make_shared<QPromise<Value>>();
+    promise->start();
+    const auto listen = [watcher, future = promise->future()] { watcher->setFuture(future); };
+    queue.post([promise, work = std::move(work)]() mutable {
+        promise->addResult(work());
+        promise->finish();
+    });
     if (clock)
         clock->soon(watcher, listen);
     else

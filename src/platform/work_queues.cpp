@@ -1,39 +1,66 @@
 #include "platform/work_queues.h"
 
-#include <QSemaphore>
+#include <QtGlobal>
 
-#include <chrono>
-#include <memory>
+#include <system_error>
 
 namespace netvane::platform {
-namespace {
-
-/// Far above what the start of a thread takes on a machine that is busy.
-constexpr std::chrono::milliseconds kStartLimit {10'000};
-
-/// Work that keeps its thread busy until all are there.
-struct RollCall {
-    QSemaphore present;
-    QSemaphore dismissed;
-};
-
-} // namespace
 
 WorkQueue::WorkQueue(int threads)
 {
-    setMaxThreadCount(threads);
-    setExpiryTimeout(-1);
-    const auto roll = std::make_shared<RollCall>();
-    for (int i = 0; i < threads; ++i)
-        start([roll] {
-            roll->present.release();
-            roll->dismissed.acquire();
-        });
-    const bool isComplete = roll->present.tryAcquire(threads, int(kStartLimit.count()));
-    roll->dismissed.release(threads);
-    // As the network thread does: a process that gets no threads when it begins gets nowhere.
-    if (!isComplete)
+    ::sem_init(&m_posted, 0, 0);
+    try {
+        while (int(m_threads.size()) < threads)
+            m_threads.emplace_back([this] { serve(); });
+    } catch (const std::system_error&) {
+        // As the network thread does: a process that gets no threads when it begins gets nowhere.
         qFatal("No threads for work in the background");
+    }
+}
+
+WorkQueue::~WorkQueue()
+{
+    for (std::size_t i = 0; i < m_threads.size(); ++i)
+        post({});
+    for (auto& thread : m_threads)
+        thread.join();
+    ::sem_destroy(&m_posted);
+}
+
+void WorkQueue::post(std::function<void()> work)
+{
+    {
+        const std::lock_guard hold(m_lock);
+        m_waiting.push_back(std::move(work));
+        ++m_unfinished;
+    }
+    ::sem_post(&m_posted);
+}
+
+void WorkQueue::waitForDone()
+{
+    std::unique_lock hold(m_lock);
+    m_done.wait(hold, [this] { return m_unfinished == 0; });
+}
+
+void WorkQueue::serve()
+{
+    while (auto work = next()) {
+        work();
+        work = nullptr; // before anybody is told that it is done
+        const std::lock_guard hold(m_lock);
+        if (--m_unfinished == 0)
+            m_done.notify_all();
+    }
+}
+
+std::function<void()> WorkQueue::next()
+{
+    while (::sem_wait(&m_posted) != 0) { } // interrupted by a signal
+    const std::lock_guard hold(m_lock);
+    auto work = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    return work;
 }
 
 } // namespace netvane::platform

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/network_configuration.h"
+#include "platform/work_queues.h"
 
 #include <QStringList>
 
@@ -8,7 +9,6 @@
 #include <optional>
 
 class QObject;
-class QThreadPool;
 
 namespace netvane::probes {
 
@@ -17,7 +17,7 @@ namespace netvane::probes {
 class NetworkUtils {
 public:
     /// Both outlive this.
-    NetworkUtils(platform::NetworkConfiguration& configuration, QThreadPool& userInitiated)
+    NetworkUtils(platform::NetworkConfiguration& configuration, platform::WorkQueue& userInitiated)
         : m_configuration(configuration)
         , m_userInitiated(userInitiated)
     {
@@ -37,7 +37,7 @@ public:
 
 private:
     platform::NetworkConfiguration& m_configuration;
-    QThreadPool& m_userInitiated;
+    platform::WorkQueue& m_userInitiated;
 };
 
 /// Whether there is an interface whose name begins with "ipsec". Tunnels of other names do not

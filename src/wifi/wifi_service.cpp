@@ -65,8 +65,8 @@ WiFiInfo makeWiFiInfo(
     };
 }
 
-WiFiService::WiFiService(
-    std::shared_ptr<platform::WiFiClient> client, platform::Clock& clock, QThreadPool& queue)
+WiFiService::WiFiService(std::shared_ptr<platform::WiFiClient> client, platform::Clock& clock,
+    platform::WorkQueue& queue)
     : m_wifiClient(std::move(client))
     , m_clock(clock)
     , m_queue(queue)

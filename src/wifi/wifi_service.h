@@ -2,14 +2,13 @@
 
 #include "platform/clock.h"
 #include "platform/wifi_client.h"
+#include "platform/work_queues.h"
 #include "wifi/wifi_info.h"
 
 #include <QObject>
 
 #include <memory>
 #include <optional>
-
-class QThreadPool;
 
 namespace netvane::wifi {
 
@@ -28,8 +27,8 @@ public:
 
     /// Begins to sample. Without a client (null) there is nothing to sample and the message says
     /// so.
-    WiFiService(
-        std::shared_ptr<platform::WiFiClient> client, platform::Clock& clock, QThreadPool& queue);
+    WiFiService(std::shared_ptr<platform::WiFiClient> client, platform::Clock& clock,
+        platform::WorkQueue& queue);
     ~WiFiService() override;
 
     /// The snapshot's stamp is that of its last change, not of the last pass.
@@ -85,7 +84,7 @@ private:
     std::shared_ptr<platform::WiFiClient> m_wifiClient;
     std::shared_ptr<platform::WiFiInterface> m_interface;
     platform::Clock& m_clock;
-    QThreadPool& m_queue;
+    platform::WorkQueue& m_queue;
     std::unique_ptr<platform::Timer> m_updateTimer;
     LocationPermissionService* m_locationPermissionService = nullptr;
     WiFiSnapshotObserver* m_networkNotificationService = nullptr;

@@ -150,7 +150,7 @@ private:
         test::settle(m_queue);
     }
 
-    QThreadPool m_queue;
+    platform::WorkQueue m_queue;
     QList<QUrl> m_opened;
     test::FakeClipboard m_clipboard;
     std::unique_ptr<app::DesktopSharePicker> m_picker;

@@ -145,7 +145,7 @@ private Q_SLOTS:
         test::FakeClipboard clipboard;
         test::FakeSharePicker picker;
         test::ManualClock clock;
-        QThreadPool queue;
+        platform::WorkQueue queue;
         insights::ReportService service(
             [] { return std::nullopt; }, clock, queue, {clipboard, panel, picker});
         test::CapturedLog log;

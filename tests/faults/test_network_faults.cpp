@@ -218,7 +218,7 @@ private Q_SLOTS:
     {
         QFETCH(Fault, fault);
         platform::LinuxNetworkConfiguration configuration;
-        QThreadPool queue;
+        platform::WorkQueue queue;
         const probes::NetworkUtils network(configuration, queue);
         {
             const ArmedFault armed(fault);
@@ -275,7 +275,7 @@ private Q_SLOTS:
         QFETCH(QString, published);
         platform::SystemClock clock;
         platform::LinuxNetworkConfiguration configuration({.resolvConf = u"/nowhere"_s});
-        QThreadPool queue;
+        platform::WorkQueue queue;
         const probes::NetworkUtils network(configuration, queue);
         probes::DNSService service(
             network, std::make_shared<platform::SystemResolver>(), clock, u"localhost"_s);

@@ -183,7 +183,7 @@ private Q_SLOTS:
         const int descriptors = faults::openDescriptors();
         {
             test::ManualClock clock;
-            QThreadPool queue;
+            platform::WorkQueue queue;
             std::optional<ArmedFault> armed(fault);
             platform::BusLink link(QDBusConnection::SystemBus, clock, queue);
             const platform::ScanPermission permission(link);
@@ -217,7 +217,7 @@ private Q_SLOTS:
         QFETCH(test::Answer, answer);
         QFETCH(Status, status);
         test::ManualClock clock;
-        QThreadPool queue;
+        platform::WorkQueue queue;
         auto service = std::make_unique<test::FakeBusService>(
             m_bus.address(), kNetworkManager, u"/org/freedesktop/NetworkManager"_s, answer);
         platform::BusLink link(QDBusConnection::SystemBus, clock, queue);

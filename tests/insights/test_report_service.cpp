@@ -120,7 +120,7 @@ private:
     test::FakeClipboard m_clipboard;
     test::FakeSavePanel m_savePanel;
     test::FakeSharePicker m_sharePicker;
-    QThreadPool m_queue;
+    platform::WorkQueue m_queue;
     std::optional<insights::ReportInputs> m_readings;
     QList<bool> m_completions;
     std::unique_ptr<QTemporaryDir> m_folder;

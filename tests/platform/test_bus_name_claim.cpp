@@ -24,7 +24,7 @@ struct Copy {
 
     bool isFirst() const { return decided.at(0).at(0).toBool(); }
 
-    QThreadPool pool;
+    platform::WorkQueue pool;
     BusLink link;
     BusNameClaim claim;
     QSignalSpy decided;
@@ -128,7 +128,7 @@ private Q_SLOTS:
         QVERIFY(m_otherBus.start());
         m_otherBus.suspend();
         test::ManualClock clock;
-        QThreadPool pool;
+        platform::WorkQueue pool;
         const BusLink other(QDBusConnection::SystemBus, clock, pool);
         Copy copy(clock);
         copy.claim.claim();

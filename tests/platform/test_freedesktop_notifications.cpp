@@ -338,7 +338,7 @@ private:
     }
 
     test::PrivateBus m_bus;
-    QThreadPool m_pool;
+    platform::WorkQueue m_pool;
     Told m_told;
     std::unique_ptr<test::ManualClock> m_clock;
     std::unique_ptr<BusLink> m_link;

@@ -379,7 +379,7 @@ private:
     }
 
     PrivateBus m_bus;
-    QThreadPool m_pool;
+    WorkQueue m_pool;
     std::unique_ptr<ManualClock> m_clock;
     std::shared_ptr<FakeScanKernel> m_kernel;
     std::unique_ptr<BusLink> m_link;

@@ -86,7 +86,7 @@ private:
 
     test::PrivateBus m_bus;
     test::ManualClock m_clock;
-    QThreadPool m_pool;
+    platform::WorkQueue m_pool;
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<PortalAppearance> m_appearance;
 };

@@ -1,8 +1,8 @@
 #include "platform/linux/qt_http_client.h"
+#include "platform/work_queues.h"
 #include "support/manual_clock.h"
 #include "support/scripted_http_server.h"
 
-#include <QThreadPool>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -198,7 +198,7 @@ private:
     }
 
     test::ManualClock m_clock;
-    QThreadPool m_queue;
+    platform::WorkQueue m_queue;
     std::unique_ptr<platform::QtHttpClient> m_client;
     std::unique_ptr<QObject> m_owner; // goes before the client
     std::vector<HttpAnswer> m_answers;

@@ -311,7 +311,7 @@ private:
     }
 
     test::PrivateBus m_bus;
-    QThreadPool m_pool;
+    platform::WorkQueue m_pool;
     std::unique_ptr<test::ManualClock> m_clock;
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<ScanPermission> m_permission;

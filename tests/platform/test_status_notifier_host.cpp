@@ -71,7 +71,7 @@ private Q_SLOTS:
 private:
     test::PrivateBus m_bus;
     test::ManualClock m_clock;
-    QThreadPool m_pool;
+    platform::WorkQueue m_pool;
 };
 
 QTEST_GUILESS_MAIN(TestStatusNotifierHost)

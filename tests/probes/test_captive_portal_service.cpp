@@ -1,10 +1,10 @@
 #include "platform/linux/qt_http_client.h"
+#include "platform/work_queues.h"
 #include "probes/captive_portal_service.h"
 #include "support/fake_http_client.h"
 #include "support/manual_clock.h"
 #include "support/scripted_http_server.h"
 
-#include <QThreadPool>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -153,7 +153,7 @@ private:
     }
 
     test::ManualClock m_clock;
-    QThreadPool m_queue;
+    platform::WorkQueue m_queue;
     test::FakeHttpClient m_http;
     test::FakeUrlOpener m_opener;
     probes::CaptivePortalService m_service {m_http, m_opener, m_clock, kProbe};

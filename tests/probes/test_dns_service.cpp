@@ -1,3 +1,4 @@
+#include "platform/work_queues.h"
 #include "probes/dns_service.h"
 #include "support/captured_log.h"
 #include "support/fake_network_configuration.h"
@@ -5,7 +6,6 @@
 #include "support/manual_clock.h"
 
 #include <QProcess>
-#include <QThreadPool>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,7 +20,7 @@ constexpr const char* kLeaveWhileHanging = "--leave-while-hanging";
 struct World {
     test::ManualClock clock;
     test::FakeNetworkConfiguration configuration;
-    QThreadPool pool;
+    platform::WorkQueue pool;
     probes::NetworkUtils network {configuration, pool};
     std::shared_ptr<test::FakeResolver> resolver = std::make_shared<test::FakeResolver>();
     std::unique_ptr<probes::DNSService> service = std::make_unique<probes::DNSService>(

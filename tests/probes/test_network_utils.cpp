@@ -41,7 +41,7 @@ private Q_SLOTS:
     void gatewayIsReadElsewhereAndDeliveredHere()
     {
         SlowConfiguration configuration;
-        QThreadPool pool;
+        platform::WorkQueue pool;
         const probes::NetworkUtils network(configuration, pool);
         auto owner = std::make_unique<QObject>();
         std::vector<std::optional<QString>> answers;

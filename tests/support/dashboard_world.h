@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/work_queues.h"
 #include "probes/captive_portal_service.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
@@ -15,8 +16,6 @@
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
-#include <QThreadPool>
-
 namespace netvane::test {
 
 /// The services that a dashboard shows, on fakes, and a dashboard's readings of them. There is a
@@ -24,7 +23,7 @@ namespace netvane::test {
 class DashboardWorld {
 public:
     ManualClock clock;
-    QThreadPool queue;
+    platform::WorkQueue queue;
     std::shared_ptr<FakeWiFiInterface> interface = std::make_shared<FakeWiFiInterface>();
     FakeLocationManager locationManager;
     platform::ApplicationActivity activity;

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "platform/work_queues.h"
+
 #include <QCoreApplication>
-#include <QThreadPool>
 
 namespace netvane::test {
 
 /// Lets work on `queue` end and its results arrive, until nothing is left of either.
-inline void settle(QThreadPool& queue)
+inline void settle(platform::WorkQueue& queue)
 {
     for (int round = 0; round < 4; ++round) {
         queue.waitForDone();

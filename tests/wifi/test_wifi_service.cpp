@@ -302,7 +302,7 @@ private:
     std::shared_ptr<test::FakeWiFiInterface> m_interface;
     std::shared_ptr<test::FakeWiFiClient> m_client;
     std::unique_ptr<LocationPermissionService> m_permission;
-    QThreadPool m_queue;
+    platform::WorkQueue m_queue;
 };
 
 QTEST_GUILESS_MAIN(TestWiFiService)

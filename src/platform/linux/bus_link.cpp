@@ -36,7 +36,7 @@ QString nextConnectionName()
 
 } // namespace
 
-BusLink::BusLink(QDBusConnection::BusType bus, Clock& clock, QThreadPool& queue)
+BusLink::BusLink(QDBusConnection::BusType bus, Clock& clock, WorkQueue& queue)
     : m_bus(bus)
     , m_clock(clock)
     , m_queue(queue)

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "platform/work_queues.h"
 
 #include <QDBusConnection>
 #include <QObject>
-#include <QThreadPool>
 
 #include <optional>
 
@@ -22,7 +22,7 @@ public:
         Absent, ///< no bus, or it went away; asked for again from time to time
     };
 
-    BusLink(QDBusConnection::BusType bus, Clock& clock, QThreadPool& queue);
+    BusLink(QDBusConnection::BusType bus, Clock& clock, WorkQueue& queue);
     ~BusLink() override;
 
     State state() const { return m_state; }
@@ -44,7 +44,7 @@ private:
 
     QDBusConnection::BusType m_bus;
     Clock& m_clock;
-    QThreadPool& m_queue;
+    WorkQueue& m_queue;
     std::unique_ptr<Timer> m_retry;
     std::optional<QDBusConnection> m_connection;
     State m_state = State::Connecting;

@@ -16,7 +16,7 @@ Failure refusal(const Failure& failure)
 
 class KernelScanPath : public ScanPath {
 public:
-    KernelScanPath(std::shared_ptr<ScanKernel> kernel, QThreadPool& queue)
+    KernelScanPath(std::shared_ptr<ScanKernel> kernel, WorkQueue& queue)
         : m_kernel(std::move(kernel))
         , m_queue(queue)
     {
@@ -34,12 +34,12 @@ public:
 
 private:
     const std::shared_ptr<ScanKernel> m_kernel;
-    QThreadPool& m_queue;
+    WorkQueue& m_queue;
 };
 
 } // namespace
 
-std::unique_ptr<ScanPath> makeKernelScanPath(std::shared_ptr<ScanKernel> kernel, QThreadPool& queue)
+std::unique_ptr<ScanPath> makeKernelScanPath(std::shared_ptr<ScanKernel> kernel, WorkQueue& queue)
 {
     return std::make_unique<KernelScanPath>(std::move(kernel), queue);
 }

@@ -15,7 +15,7 @@ namespace netvane::platform {
 struct ScanMeans {
     BusLink& systemBus;
     Clock& clock;
-    QThreadPool& queue;
+    WorkQueue& queue;
     std::shared_ptr<ScanKernel> kernel;
 };
 

@@ -110,7 +110,7 @@ private:
 
 } // namespace
 
-QtHttpClient::QtHttpClient(Clock& clock, QThreadPool& queue, std::optional<QSslConfiguration> tls)
+QtHttpClient::QtHttpClient(Clock& clock, WorkQueue& queue, std::optional<QSslConfiguration> tls)
     : m_clock(clock)
     , m_queue(queue)
     , m_tls(std::move(tls))

@@ -6,9 +6,9 @@
 #include <QObject>
 #include <QSslConfiguration>
 
-class QThreadPool;
-
 namespace netvane::platform {
+
+class WorkQueue;
 
 /// Qt Network, whose connections live on a thread of its own. Nothing of it is made before the
 /// first request.
@@ -16,7 +16,7 @@ class QtHttpClient : public HttpClient {
 public:
     /// `clock` and `queue` outlive this. `tls` is what certificates are judged by; without it, the
     /// system's authorities.
-    QtHttpClient(Clock& clock, QThreadPool& queue, std::optional<QSslConfiguration> tls = {});
+    QtHttpClient(Clock& clock, WorkQueue& queue, std::optional<QSslConfiguration> tls = {});
 
     void get(const HttpRequest& request, QObject* owner,
         std::function<void(const HttpAnswer&)> deliver) override;
@@ -26,7 +26,7 @@ private:
         const HttpRequest& request, QObject* owner, std::function<void(const HttpAnswer&)> deliver);
 
     Clock& m_clock;
-    QThreadPool& m_queue;
+    WorkQueue& m_queue;
     std::optional<QSslConfiguration> m_tls;
     QObject m_managers; ///< has one child for each transfer under way
 };

@@ -8,9 +8,9 @@
 
 #include <memory>
 
-class QThreadPool;
-
 namespace netvane::platform {
+
+class WorkQueue;
 
 /// Somebody who can have the radio scan: a service that owns it, or the kernel itself. Main thread,
 /// never blocks, used once. After the first of the signals comes no other.
@@ -39,7 +39,6 @@ std::unique_ptr<ScanPath> makeIwdScanPath(const QDBusConnection& systemBus);
 /// wpa_supplicant (fi.w1.wpa_supplicant1), for interfaces that it was given.
 std::unique_ptr<ScanPath> makeSupplicantScanPath(const QDBusConnection& systemBus);
 /// nl80211, which wants CAP_NET_ADMIN.
-std::unique_ptr<ScanPath> makeKernelScanPath(
-    std::shared_ptr<ScanKernel> kernel, QThreadPool& queue);
+std::unique_ptr<ScanPath> makeKernelScanPath(std::shared_ptr<ScanKernel> kernel, WorkQueue& queue);
 
 } // namespace netvane::platform
