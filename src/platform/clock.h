@@ -28,8 +28,9 @@ public:
     /// few milliseconds.
     virtual std::chrono::milliseconds timeAsleep() const = 0;
 
-    /// Runs `action` every `interval`, the first time one interval from now. The system may shift a
-    /// tick by up to a twentieth of the interval so that wake-ups coincide.
+    /// Runs `action` every `interval`, the first time one interval from now. From three seconds on
+    /// all ticks may be up to half a second early or late, so that wake-ups coincide; shorter ones
+    /// each by up to a twentieth.
     [[nodiscard]] virtual std::unique_ptr<Timer> repeat(
         std::chrono::milliseconds interval, std::function<void()> action)
         = 0;

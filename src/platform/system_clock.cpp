@@ -4,19 +4,12 @@
 
 #include <ctime>
 
-using namespace std::chrono_literals;
-
 namespace netvane::platform {
 namespace {
 
 constexpr std::chrono::milliseconds kSoon {250};
-
-/// Those that are told in seconds all tick on whole ones, so that the processor wakes once for
-/// several: coarse timers of Qt keep their own moments within the interval.
-Qt::TimerType repeatingType(std::chrono::milliseconds interval)
-{
-    return interval >= 3s ? Qt::VeryCoarseTimer : Qt::CoarseTimer;
-}
+/// From which interval on half a second is little.
+constexpr std::chrono::milliseconds kShared {3000};
 
 class EventLoopTimer : public Timer {
 public:
@@ -24,7 +17,7 @@ public:
     {
         m_timer.setInterval(interval);
         m_timer.setSingleShot(once);
-        m_timer.setTimerType(once ? Qt::PreciseTimer : repeatingType(interval));
+        m_timer.setTimerType(once ? Qt::PreciseTimer : Qt::CoarseTimer);
         // The action is copied out first: it may destroy this timer, and itself with it.
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [action = std::move(action)] {
             const auto run = action;
@@ -34,6 +27,47 @@ public:
     }
 
 private:
+    QTimer m_timer;
+};
+
+/// Ticks only whole seconds after `epoch`, so that the processor wakes up once for all that is due
+/// in a second. Qt's very coarse timers keep to the seconds of the system's clock: where one of
+/// those half passes while the program starts, its timers fall into two camps for good.
+class WholeSecondTimer : public Timer {
+public:
+    WholeSecondTimer(std::chrono::steady_clock::time_point epoch,
+        std::chrono::milliseconds interval, std::function<void()> action)
+        : m_interval(interval)
+        , m_due(epoch + std::chrono::round<std::chrono::seconds>(Time::now() - epoch) + interval)
+        , m_action(std::move(action))
+    {
+        m_timer.setSingleShot(true);
+        m_timer.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { tick(); });
+        wind();
+    }
+
+private:
+    using Time = std::chrono::steady_clock;
+
+    void wind()
+    {
+        m_timer.start(std::chrono::ceil<std::chrono::milliseconds>(m_due - Time::now()));
+    }
+
+    void tick()
+    {
+        do
+            m_due += m_interval;
+        while (m_due <= Time::now()); // ticks that were missed are not made up for
+        wind();
+        const auto run = m_action; // which may destroy this timer
+        run();
+    }
+
+    const std::chrono::milliseconds m_interval;
+    Time::time_point m_due;
+    const std::function<void()> m_action;
     QTimer m_timer;
 };
 
@@ -63,6 +97,8 @@ std::chrono::milliseconds SystemClock::timeAsleep() const
 std::unique_ptr<Timer> SystemClock::repeat(
     std::chrono::milliseconds interval, std::function<void()> action)
 {
+    if (interval >= kShared)
+        return std::make_unique<WholeSecondTimer>(m_epoch, interval, std::move(action));
     return std::make_unique<EventLoopTimer>(interval, false, std::move(action));
 }
 

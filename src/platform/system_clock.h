@@ -20,6 +20,7 @@ public:
     void soon(QObject* owner, std::function<void()> action) override;
 
 private:
+    const std::chrono::steady_clock::time_point m_epoch = std::chrono::steady_clock::now();
     std::unique_ptr<QTimer> m_turn; ///< of all that is to happen soon
 };
 
