@@ -15,17 +15,19 @@ public:
 
     std::optional<platform::LinkReading> readLink() override
     {
-        ++reads;
+        const auto seen = reading;
+        ++reads; // from here on the test may change `reading`
         if (isHeld)
             letGo.acquire();
-        return reading;
+        return seen;
     }
 
     std::atomic<bool> isOn = true;
     std::atomic<bool> isHeld = false;
     QSemaphore letGo;
     std::atomic<int> reads = 0;
-    /// Absent: the interface is gone. Set only while no pass is in flight.
+    /// Absent: the interface is gone. Set only while no pass is in flight, or one is held that has
+    /// been counted in `reads`.
     std::optional<platform::LinkReading> reading = platform::LinkReading {};
 };
 
