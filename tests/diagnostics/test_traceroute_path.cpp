@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <string>
 #include <vector>
 
 using namespace netvane;
@@ -28,7 +27,6 @@ namespace {
 constexpr int kNoNamespace = 77;
 constexpr int kTraceLimitMs = 45'000; // the kernel ends everything else in it
 constexpr uid_t kNobody = 65534;
-constexpr const char* kEnterAndTraceAll = "--enter-and-trace-all";
 constexpr const char* kTraceAll = "--trace-all";
 
 /// The test's own process is the near end of this, and all of it is gone with that process:
@@ -112,7 +110,7 @@ private Q_SLOTS:
         QProcess child;
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         child.start(QCoreApplication::applicationFilePath(),
-            QStringList {QString::fromLatin1(kEnterAndTraceAll)} + hosts);
+            QStringList {QString::fromLatin1(kTraceAll)} + hosts);
         QVERIFY(child.waitForFinished(kTraceLimitMs + 10'000));
         if (child.exitCode() == kNoNamespace)
             QSKIP("no namespaces to be had");
@@ -268,17 +266,10 @@ int traceAll(const QStringList& hosts)
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
-    if (argc > 1 && qstrcmp(argv[1], kEnterAndTraceAll) == 0) {
-        if (const int failure = enterChain(); failure != 0)
-            return failure;
-        // As a new image: the thread sanitizer is blind in a process that ran others by vfork(2).
-        std::vector<char*> words(argv, argv + argc + 1);
-        std::string trace = kTraceAll;
-        words[1] = trace.data();
-        return ::execv("/proc/self/exe", words.data());
+    if (argc > 1 && qstrcmp(argv[1], kTraceAll) == 0) {
+        const int failure = enterChain();
+        return failure != 0 ? failure : traceAll(QCoreApplication::arguments().mid(2));
     }
-    if (argc > 1 && qstrcmp(argv[1], kTraceAll) == 0)
-        return traceAll(QCoreApplication::arguments().mid(2));
     TestTraceroutePath test;
     return QTest::qExec(&test, argc, argv);
 }
