@@ -1,5 +1,4 @@
 #include "app/status_bar_manager.h"
-#include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
 #include "insights/network_notification_service.h"
 #include "insights/onboarding_service.h"
@@ -14,7 +13,6 @@
 
 #include <QApplication>
 #include <QTest>
-#include <QTimer>
 
 using namespace netvane;
 using namespace Qt::Literals::StringLiterals;
@@ -170,21 +168,6 @@ private Q_SLOTS:
         QCOMPARE(world.clock->timerCount(), 2);
     }
 
-    /// Only the user's click scans, and only with permission.
-    void scanningNearbyNetworks()
-    {
-        World world;
-        world.launchAll();
-        world.clock->advance(60s);
-        QCOMPARE(world.scanner->scans, 0);
-        world.delegate->channelAnalysisService()->scanNetworks();
-        QCOMPARE(world.scanner->scans, 0);
-        world.location->change(Status::AuthorizedAlways);
-        world.settle();
-        world.delegate->channelAnalysisService()->scanNetworks();
-        QCOMPARE(world.scanner->scans, 1);
-    }
-
     void reportOfTheRunningServices()
     {
         World world;
@@ -223,18 +206,6 @@ private Q_SLOTS:
         QCOMPARE(world.userNotifications->added.size(), 1u);
         QCOMPARE(world.userNotifications->added[0].body, u"Connected to Office"_s);
         QVERIFY(insights::OnboardingService::shared());
-    }
-
-    void quittingByTheMenu()
-    {
-        World world;
-        world.launchAll();
-        const auto actions = world.delegate->statusBarManager()->contextMenu().actions();
-        const auto quit = std::ranges::find(actions, u"Quit Netvane"_s, &QAction::text);
-        QVERIFY(quit != actions.end());
-        QTimer::singleShot(0, *quit, &QAction::trigger);
-        QTimer::singleShot(10s, [] { QCoreApplication::exit(1); });
-        QCOMPARE(QApplication::exec(), 0);
     }
 
 private:

@@ -98,16 +98,6 @@ private Q_SLOTS:
         QCOMPARE(shell.views.made, 1); // kept
     }
 
-    void openedTwice()
-    {
-        Shell shell;
-        shell.click();
-        Q_EMIT shell.notifications.popoverDidOpen();
-        QVERIFY(shell.delegate->popoverMonitor());
-        shell.popover().performClose();
-        QVERIFY(!shell.delegate->popoverMonitor());
-    }
-
     /// Without X11 a click outside shows as the loss of the keyboard.
     void clickOutside()
     {

@@ -18,19 +18,6 @@ class TestOnboardingService : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void survivesRestarts()
-    {
-        test::FakeUserDefaults defaults;
-        {
-            OnboardingService first(defaults);
-            QVERIFY(!first.isCompleted());
-            QVERIFY(defaults.values.isEmpty());
-            first.setIsCompleted(true);
-        }
-        QCOMPARE(defaults.values.value(kKey), QVariant(true));
-        QVERIFY(OnboardingService(defaults).isCompleted());
-    }
-
     /// Also when the value is the same again.
     void publishesBeforeItStores()
     {
@@ -53,17 +40,6 @@ private Q_SLOTS:
         service.reset();
         QVERIFY(!service.isCompleted());
         QVERIFY(!defaults.values.contains(kKey));
-    }
-
-    void shared()
-    {
-        test::FakeUserDefaults defaults;
-        QVERIFY(!OnboardingService::shared());
-        {
-            const OnboardingService service(defaults);
-            QCOMPARE(OnboardingService::shared(), &service);
-        }
-        QVERIFY(!OnboardingService::shared());
     }
 };
 

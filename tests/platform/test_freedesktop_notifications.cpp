@@ -117,16 +117,6 @@ private Q_SLOTS:
         QCOMPARE(m_told.permissions[0].second.has_value(), hasError);
     }
 
-    void absent()
-    {
-        start();
-        askSettings();
-        QTRY_COMPARE(m_told.settings, std::vector {Status::Denied});
-        add(kRequest);
-        QTRY_COMPARE(m_told.adds.size(), 1u);
-        QVERIFY(m_told.adds[0]);
-    }
-
     void noBus()
     {
         m_bus.stop();
@@ -215,17 +205,6 @@ private Q_SLOTS:
         QCOMPARE(m_daemon->calls.size(), 2);
         QCOMPARE(m_daemon->calls[1].arguments()[4], u"<"_s);
         QCOMPARE(m_told.adds, std::vector<std::optional<QString>>(3));
-    }
-
-    void diesOverARequest()
-    {
-        startDaemon(daemon(reply(QStringList()), kSilence));
-        start();
-        add(kRequest);
-        QTRY_COMPARE(m_daemon->calls.size(), 2);
-        m_daemon.reset();
-        QTRY_COMPARE(m_told.adds.size(), 1u);
-        QVERIFY(m_told.adds[0]);
     }
 
     void requestFails_data()

@@ -177,18 +177,6 @@ private Q_SLOTS:
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
     }
 
-    void noBus()
-    {
-        m_bus.stop();
-        start();
-        QCOMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
-        QTRY_COMPARE(m_permission->authorizationStatus(), Status::AuthorizedAlways);
-        QVERIFY(m_bus.start());
-        startNetworkManager(scanning(u"no"_s));
-        m_clock->advance(1s);
-        QTRY_COMPARE(m_permission->authorizationStatus(), Status::Denied);
-    }
-
     void retriesBecomeRare()
     {
         m_bus.stop();

@@ -30,14 +30,6 @@ private Q_SLOTS:
     void initTestCase() { qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8()); }
     void init() { QVERIFY(m_bus.start()); }
 
-    void noBus()
-    {
-        m_bus.stop();
-        BusLink link(QDBusConnection::SessionBus, m_clock, m_pool);
-        const SessionStatusNotifierHost host(link);
-        QTRY_COMPARE(host.isPresent(), std::optional(false));
-    }
-
     void watcherAndHostsComeAndGo()
     {
         BusLink link(QDBusConnection::SessionBus, m_clock, m_pool);

@@ -130,21 +130,6 @@ private Q_SLOTS:
         QCOMPARE(service.loginURL(), server.url("/"));
     }
 
-    void followsToAnotherHost()
-    {
-        ScriptedHttpServer portal(ScriptedHttpServer::Transport::Tls, QHostAddress(u"127.0.0.2"_s));
-        portal.script("/login", {httpResponse("200 OK", "", "<form/>")});
-        ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
-        server.script("/",
-            {httpResponse(
-                "302 Found", "Location: " + portal.url("/login").toEncoded() + "\r\n", "")});
-        platform::QtHttpClient http(m_clock, m_queue, ScriptedHttpServer::trustingClient());
-        probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/"));
-        service.checkForCaptivePortal();
-        QTRY_VERIFY(service.isCaptive());
-        QCOMPARE(service.loginURL(), portal.url("/login"));
-    }
-
 private:
     void check(const HttpAnswer& answer)
     {

@@ -39,12 +39,6 @@ private Q_SLOTS:
         QTEST(ui::untilRelativeTimeChanges(elapsed), "untilNext");
     }
 
-    void whatLiesAheadIsNow()
-    {
-        QCOMPARE(ui::relativeTime(-3h), u"0 sec ago"_s);
-        QCOMPARE(ui::untilRelativeTimeChanges(-2s), Milliseconds(3s));
-    }
-
     void ticksOnlyWhileShownAndWhenATextChanges()
     {
         test::ManualClock clock;
