@@ -53,7 +53,7 @@ def out_of_range(report, world, watchers):
     world.join(HOME)
     becomes(report, 'before the link is lost', watchers, {'ssid': shown(HOME.ssid), 'error': None})
     world.do('out_of_range', HOME.phy)
-    becomes(report, 'out of range', watchers, LOST | {'error': UNREADABLE}, seconds=40)
+    becomes(report, 'out of range', watchers, LOST | {'error': UNREADABLE})
     link = iw('dev', 'wlan0', 'link').strip()
     report.check('out of range: iw says the same', link, 'Not connected.')
     world.do('in_range', HOME.phy)
@@ -66,7 +66,7 @@ def access_point_dies(report, world, watchers):
     world.join(HOME_5_GHZ)
     becomes(report, 'before the access point dies', watchers, {'band': 'fiveGHz', 'error': None})
     world.do('kill_access_point', HOME_5_GHZ.phy)
-    becomes(report, 'access point died', watchers, LOST | {'error': UNREADABLE}, seconds=40)
+    becomes(report, 'access point died', watchers, LOST | {'error': UNREADABLE})
     world.start(HOME_5_GHZ)
     world.await_link(HOME_5_GHZ)
     want = {'ssid': shown(HOME_5_GHZ.ssid), 'band': 'fiveGHz', 'error': None}

@@ -57,7 +57,7 @@ class Watcher:
         self._process.stdin.flush()
         return self._line(seconds)
 
-    def settle(self, want, seconds=8):
+    def settle(self, want, seconds=40):
         """Samples until the fields of want have those values, and returns what they are at last."""
         end = time.monotonic() + seconds
         while True:
@@ -77,7 +77,7 @@ class Watcher:
             return 'still running after 30 s'
 
 
-def becomes(report, name, watchers, want, seconds=8):
+def becomes(report, name, watchers, want, seconds=40):
     """Checks that every watcher publishes these values within some seconds."""
     for watcher in watchers:
         report.check(f'{name} ({watcher.user})', watcher.settle(want, seconds), want)
@@ -90,7 +90,7 @@ def agrees_with_iw(report, name, watchers, world=None, phy=None):
     a world and the number of the access point's radio some traffic goes ahead of each look, so that
     the rates are not the lowest."""
     for watcher in watchers:
-        for _ in range(6):
+        for _ in range(12):
             if world:
                 world.do('traffic', phy)
             before, state, after = read_iw(), watcher.sample(), read_iw()
