@@ -99,14 +99,14 @@ test-desktop: ## the status item, the popover and the window on desktops with a 
 	@scripts/setup build run test desktop
 	@cmake --preset release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS) --target netvane netvane-demo
-	@tests/desktop/run $(BUILD)/netvane
-	@tests/desktop/run-wayland $(BUILD)/netvane
+	@tests/rigs/desktop/run $(BUILD)/netvane
+	@tests/rigs/desktop/run-wayland $(BUILD)/netvane
 
 test-radio: ## end to end on simulated radios in a virtual machine
 	@scripts/setup build run test radio
 	@cmake --preset release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
-	@tests/radio/run --build $(BUILD)
+	@tests/rigs/radio/run --build $(BUILD)
 
 bench: ## docs/figures.md: the figures, each beside what it is compared with
 	@scripts/setup build run test display bench radio

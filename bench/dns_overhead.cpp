@@ -2,11 +2,11 @@
 // the resolver itself measures, and the main thread's share of a tick. The resolver only waits, so
 // that nothing is asked of the network.
 
+#include "base/log.h"
+#include "base/system_clock.h"
+#include "base/work_queues.h"
 #include "figure.h"
-#include "platform/linux/linux_network_configuration.h"
-#include "platform/log.h"
-#include "platform/system_clock.h"
-#include "platform/work_queues.h"
+#include "net/linux_network_configuration.h"
 #include "probes/dns_service.h"
 
 #include <QCoreApplication>
@@ -61,10 +61,10 @@ bool report(const char* what, std::vector<double> values, double bound)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    platform::setLogSink([](const QString&) {});
-    platform::SystemClock clock;
-    platform::LinuxNetworkConfiguration configuration;
-    platform::WorkQueue pool;
+    base::setLogSink([](const QString&) {});
+    base::SystemClock clock;
+    net::LinuxNetworkConfiguration configuration;
+    base::WorkQueue pool;
     const probes::NetworkUtils network(configuration, pool);
     const auto resolver = std::make_shared<WaitingResolver>();
     probes::DNSService service(network, resolver, clock, QStringLiteral("host.test"));

@@ -4,9 +4,9 @@
 
 #include "app/faked_world.h"
 #include "app/loaded_views.h"
-#include "app/popover_window.h"
 #include "app/status_bar_manager.h"
-#include "platform/log.h"
+#include "base/log.h"
+#include "shell/popover_window.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -25,7 +25,7 @@ constexpr std::chrono::seconds kLimit(10);
 int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
-    platform::setLogSink([](const QString&) {});
+    base::setLogSink([](const QString&) {});
     test::FakedWorld world;
     app::LoadedViews views(world.platform, QStringLiteral(NETVANE_VIEWS));
     world.makeDelegate(views);

@@ -3,12 +3,12 @@
 // behind.
 
 #include "app/program_world.h"
+#include "base/log.h"
 #include "figure.h"
-#include "platform/log.h"
 #include "probes/captive_portal_service.h"
 #include "probes/dns_service.h"
 #include "probes/ping_service.h"
-#include "ui/dashboard_state.h"
+#include "ui/state/dashboard_state.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -104,7 +104,7 @@ std::vector<double> firstOpenings()
 int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
-    platform::setLogSink([](const QString&) {});
+    base::setLogSink([](const QString&) {});
     test::Program program(true, false);
     open(program);
     program.link(test::kHome);

@@ -3,11 +3,11 @@
 // in the same run and measured the same way, a blocking connect() on a thread of its own.
 // `run_probe_fidelity` makes the peers.
 
+#include "base/file_descriptor.h"
+#include "base/log.h"
+#include "base/system_clock.h"
 #include "figure.h"
-#include "platform/linux/file_descriptor.h"
-#include "platform/linux/socket_connections.h"
-#include "platform/log.h"
-#include "platform/system_clock.h"
+#include "net/socket_connections.h"
 #include "probes/ping_service.h"
 
 #include <QCoreApplication>
@@ -70,7 +70,7 @@ int descriptorConnectedTo(const sockaddr_in& peer)
 /// The real connections, whose sockets are looked at once they are ready and before they close.
 class ObservedConnections : public platform::ConnectionFactory {
 public:
-    explicit ObservedConnections(platform::Clock& clock)
+    explicit ObservedConnections(base::Clock& clock)
         : m_real(clock)
     {
     }
@@ -90,7 +90,7 @@ public:
     std::atomic<double> roundTripMs = 0; ///< of the last connection that was ready
 
 private:
-    platform::SocketConnections m_real;
+    net::SocketConnections m_real;
 };
 
 class Figures {
@@ -117,7 +117,7 @@ private:
 double blockingConnect(const sockaddr_in& peer)
 {
     const auto start = std::chrono::steady_clock::now();
-    const platform::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const base::FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&peer), sizeof peer) != 0)
         qFatal("the peer does not answer");
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
@@ -180,7 +180,7 @@ private:
 
     const QString m_name;
     const QString m_host;
-    platform::SystemClock m_clock;
+    base::SystemClock m_clock;
     ObservedConnections m_connections {m_clock};
     probes::PingService m_service {m_host, m_name, m_clock, m_connections};
     Figures m_ours;
@@ -207,7 +207,7 @@ int main(int argc, char** argv)
             stderr);
         return 2;
     }
-    platform::setLogSink([](const QString&) {});
+    base::setLogSink([](const QString&) {});
     QTimer painting;
     painting.setTimerType(Qt::PreciseTimer);
     QObject::connect(&painting, &QTimer::timeout, paint);

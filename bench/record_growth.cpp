@@ -1,9 +1,9 @@
 // Whether the probes' memory stays where it is over 100,000 recorded results: connections, look-ups
 // and pages that are answered at once, by a clock that is moved by hand.
 
+#include "base/log.h"
+#include "base/work_queues.h"
 #include "figure.h"
-#include "platform/log.h"
-#include "platform/work_queues.h"
 #include "probes/captive_portal_service.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
@@ -28,7 +28,7 @@ constexpr std::ptrdiff_t kBoundBytes = 64 * 1024;
 
 class InstantConnections : public platform::ConnectionFactory {
 public:
-    explicit InstantConnections(const platform::Clock& clock)
+    explicit InstantConnections(const base::Clock& clock)
         : m_clock(clock)
     {
     }
@@ -42,7 +42,7 @@ public:
 private:
     class Instant : public platform::Connection {
     public:
-        Instant(const platform::Clock& clock, platform::ConnectionHandler handler)
+        Instant(const base::Clock& clock, platform::ConnectionHandler handler)
             : m_clock(clock)
             , m_handler(std::move(handler))
         {
@@ -54,11 +54,11 @@ private:
         void cancel() override { }
 
     private:
-        const platform::Clock& m_clock;
+        const base::Clock& m_clock;
         const platform::ConnectionHandler m_handler;
     };
 
-    const platform::Clock& m_clock;
+    const base::Clock& m_clock;
 };
 
 class InstantResolver : public platform::Resolver {
@@ -94,12 +94,12 @@ std::ptrdiff_t heapBytes()
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    platform::setLogSink([](const QString&) {});
+    base::setLogSink([](const QString&) {});
     test::ManualClock clock;
     InstantConnections connections(clock);
     InstantPage page;
     NoBrowser browser;
-    platform::WorkQueue queue;
+    base::WorkQueue queue;
     test::FakeNetworkConfiguration network;
     const probes::NetworkUtils utils(network, queue);
     probes::PingService router(

@@ -3,7 +3,7 @@
 // so that only the main thread's share means anything.
 
 #include "figure.h"
-#include "platform/platform.h"
+#include "system/linux_platform.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
@@ -87,7 +87,7 @@ double at(std::vector<double>& values, double quantile)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    auto platform = platform::makePlatform();
+    auto platform = system::makePlatform();
     const bool isReal = !QCoreApplication::arguments().contains(QStringLiteral("--replayed"))
         && platform.wifiClient && !platform.wifiClient->interfaces().empty();
     if (!isReal)

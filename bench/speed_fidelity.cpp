@@ -2,13 +2,13 @@
 // the same run, how much memory a test takes on top, and for how long it ever holds up the main
 // thread. `run_speed_fidelity` makes the server and the link.
 
+#include "base/log.h"
+#include "base/system_clock.h"
+#include "base/work_queues.h"
 #include "diagnostics/speed_test_service.h"
 #include "figure.h"
-#include "platform/linux/qt_http_client.h"
-#include "platform/linux/qt_http_transfers.h"
-#include "platform/log.h"
-#include "platform/system_clock.h"
-#include "platform/work_queues.h"
+#include "net/qt_http_client.h"
+#include "net/qt_http_transfers.h"
 #include "support/fake_user_defaults.h"
 
 #include <QCoreApplication>
@@ -167,8 +167,8 @@ private:
     /// As the program did long before the user asks for a test: each fetch of a page needs it.
     void useTls()
     {
-        platform::WorkQueue queue;
-        platform::QtHttpClient client(m_clock, queue, tls());
+        base::WorkQueue queue;
+        net::QtHttpClient client(m_clock, queue, tls());
         QEventLoop loop;
         client.get({.url = m_plan.server, .bodyLimit = 1}, &loop,
             [&loop](const platform::HttpAnswer&) { loop.quit(); });
@@ -191,8 +191,8 @@ private:
     }
 
     const Plan m_plan;
-    platform::SystemClock m_clock;
-    platform::QtHttpTransfers m_transfers {m_clock, tls()};
+    base::SystemClock m_clock;
+    net::QtHttpTransfers m_transfers {m_clock, tls()};
     test::FakeUserDefaults m_defaults;
     SpeedTestService m_service {m_transfers, m_defaults, m_clock, m_plan.server};
     double m_memoryMb = 0;

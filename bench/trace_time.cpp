@@ -1,11 +1,11 @@
 // How long a trace takes: trace_time HOST RUNS; run_trace_time makes the chain of routers and
 // compares with tracepath.
 
+#include "base/log.h"
+#include "base/system_clock.h"
 #include "diagnostics/traceroute_service.h"
 #include "figure.h"
-#include "platform/linux/socket_hop_probes.h"
-#include "platform/log.h"
-#include "platform/system_clock.h"
+#include "net/socket_hop_probes.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -51,9 +51,9 @@ int main(int argc, char** argv)
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 3)
         return 2;
-    platform::setLogSink([](const QString&) {});
-    platform::SystemClock clock;
-    platform::SocketHopProbes sockets(clock);
+    base::setLogSink([](const QString&) {});
+    base::SystemClock clock;
+    net::SocketHopProbes sockets(clock);
     diagnostics::TracerouteService service(clock, sockets);
     std::vector<double> ours;
     std::vector<double> theirs;

@@ -6,17 +6,29 @@ function(netvane_module name)
     target_link_libraries(netvane_${name} PUBLIC netvane_options ${ARG_LINK})
 endfunction()
 
-# netvane_test(NAME SOURCES ... LINK ...): one test executable, found by ctest under NAME.
-function(netvane_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
-    add_executable(${name} ${ARG_SOURCES})
-    netvane_precompile(${name} ${ARG_LINK})
-    target_link_libraries(${name} PRIVATE ${ARG_LINK} netvane_test_support Qt6::Test)
-    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-    add_test(NAME ${name} COMMAND ${name})
-    # Freed memory is overwritten (mallopt(3)), so that nobody gets away with reading it, the libraries included.
-    set_tests_properties(${name} PROPERTIES TIMEOUT 60
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;MALLOC_PERTURB_=165")
+# netvane_tests(ROOM SOURCES ... LINK ... [WIDGETS]): one test executable for a room. Each source test_NAME.cpp is a class
+# of tests, which ctest runs by itself under ROOM.NAME.
+function(netvane_tests room)
+    cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;LINK" ${ARGN})
+    set(target test_${room})
+    add_executable(${target} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/test_main.cpp)
+    netvane_precompile(${target} ${ARG_LINK})
+    target_link_libraries(${target} PRIVATE ${ARG_LINK} netvane_test_support Qt6::Test)
+    if(ARG_WIDGETS)
+        target_compile_definitions(${target} PRIVATE NETVANE_TEST_WIDGETS)
+        target_link_libraries(${target} PRIVATE Qt6::Widgets)
+    endif()
+    set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    foreach(source IN LISTS ARG_SOURCES)
+        if(NOT source MATCHES "^test_(.*)\\.cpp$")
+            continue()
+        endif()
+        set(name ${room}.${CMAKE_MATCH_1})
+        add_test(NAME ${name} COMMAND ${target} ${CMAKE_MATCH_1})
+        # Freed memory is overwritten (mallopt(3)), so that nobody gets away with reading it, the libraries included.
+        set_tests_properties(${name} PROPERTIES TIMEOUT 60 SKIP_RETURN_CODE 77
+            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;MALLOC_PERTURB_=165")
+    endforeach()
 endfunction()
 
 # netvane_services_of_program(VARIABLE LIBRARY...): what the views link, but not where they are made a library that the
@@ -31,9 +43,10 @@ endfunction()
 # netvane_loads_views(PROGRAM): a program without the views, which finds them in a library of their own. It has the
 # whole of every module below them, whether it calls it or not, and offers it to the library.
 function(netvane_loads_views program)
-    set(modules netvane_platform netvane_probes netvane_wifi netvane_diagnostics netvane_insights netvane_app)
+    set(modules netvane_base netvane_platform netvane_probes netvane_wifi netvane_diagnostics netvane_insights netvane_shell
+        netvane_app)
     list(JOIN modules "," whole)
-    target_link_libraries(${program} PRIVATE netvane_app)
+    target_link_libraries(${program} PRIVATE netvane_app netvane_system)
     add_dependencies(${program} netvane-views)
     target_compile_definitions(${program} PRIVATE NETVANE_VIEWS="$<TARGET_FILE:netvane-views>")
     set_target_properties(${program} PROPERTIES ENABLE_EXPORTS ON LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${whole}")

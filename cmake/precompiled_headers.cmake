@@ -18,10 +18,10 @@ if(NETVANE_PRECOMPILE)
         <QCoreApplication> <QDateTime> <QDir> <QFile> <QHash> <QList> <QMetaType> <QObject> <QPointer> <QSocketNotifier>
         <QString> <QStringList> <QThread> <QTimer> <QUrl> <QVariant>)
     netvane_precompiled_headers(netvane_precompiled
-        LINK Qt6::Network Qt6::DBus
+        LINK Qt6::Core
         HEADERS ${core_headers})
     netvane_precompiled_headers(netvane_precompiled_views
-        LINK Qt6::Network Qt6::DBus Qt6::Quick
+        LINK Qt6::Quick
         HEADERS ${core_headers} <QPainter> <QQmlEngine> <QQuickPaintedItem> <QQuickWindow> <QtQml/qqmlprivate.h>
             <QtQmlIntegration>)
 endif()

@@ -1,10 +1,10 @@
 #include "app/app_delegate.h"
 
 #include "app/dashboard_views.h"
-#include "app/detailed_window_controller.h"
 #include "app/notification_center.h"
-#include "app/popover_window.h"
 #include "app/status_bar_manager.h"
+#include "base/log.h"
+#include "base/process_memory.h"
 #include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
 #include "diagnostics/traceroute_service.h"
@@ -12,14 +12,14 @@
 #include "insights/onboarding_service.h"
 #include "insights/report_service.h"
 #include "platform/application_activity.h"
-#include "platform/log.h"
 #include "platform/platform.h"
-#include "platform/process_memory.h"
 #include "probes/captive_portal_service.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
 #include "probes/ping_service.h"
 #include "probes/probe_targets.h"
+#include "shell/detailed_window_controller.h"
+#include "shell/popover_window.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
@@ -48,7 +48,7 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
     , m_updaterController(QCoreApplication::applicationFilePath())
     , m_statusArea(*platform.statusNotifierHost)
 {
-    platform::log(u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
+    base::log(u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
     connect(&m_notifications, &NotificationCenter::openInWindow, this,
         &AppDelegate::handleOpenInWindow);
     connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
@@ -59,21 +59,21 @@ AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationWillFinishLaunching()
 {
-    platform::log(u"AppDelegate: applicationWillFinishLaunching called"_s);
+    base::log(u"AppDelegate: applicationWillFinishLaunching called"_s);
 }
 
 void AppDelegate::applicationDidFinishLaunching()
 {
-    platform::log(u"Netvane: Application launching..."_s);
+    base::log(u"Netvane: Application launching..."_s);
     // Nothing in the task bar, and no window whose closing would end the program.
-    platform::log(u"Netvane: Activation policy set to accessory"_s);
-    platform::log(u"Netvane: App activated"_s);
+    base::log(u"Netvane: Activation policy set to accessory"_s);
+    base::log(u"Netvane: App activated"_s);
     makeServices();
     setupStatusBar();
     setupMainMenu();
     m_networkUtils->getDefaultGateway(
         this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
-    platform::log(u"Netvane: Application launched successfully"_s);
+    base::log(u"Netvane: Application launched successfully"_s);
     m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
 }
 
@@ -83,7 +83,7 @@ void AppDelegate::makeServices()
 {
     m_locationPermissionService = std::make_unique<wifi::LocationPermissionService>(
         *m_platform.locationManager, m_activity);
-    platform::log(u"Netvane: Location permission status: "_s
+    base::log(u"Netvane: Location permission status: "_s
         + QString::number(int(m_locationPermissionService->authorizationStatus())));
     m_networkNotificationService = std::make_unique<insights::NetworkNotificationService>(
         *m_platform.userNotifications, *m_platform.userDefaults, *m_platform.clock);
@@ -117,7 +117,7 @@ void AppDelegate::sampleAfterSleep()
 {
     if (m_isTerminated || !m_popover) // not all of them run
         return;
-    platform::log(u"Netvane: Awake after a sleep, reading everything anew"_s);
+    base::log(u"Netvane: Awake after a sleep, reading everything anew"_s);
     m_wifiService->updateWiFiInfo();
     m_routerPingService->probeAtOnce();
     m_internetPingService->probeAtOnce();
@@ -148,7 +148,7 @@ void AppDelegate::setupStatusBar()
     m_statusBarManager = std::make_unique<StatusBarManager>(
         m_notifications, m_statusArea, *m_platform.appearance, *m_platform.clock);
     m_statusBarManager->setup(m_wifiService.get());
-    platform::log(u"Netvane: Status bar setup complete"_s);
+    base::log(u"Netvane: Status bar setup complete"_s);
 }
 
 /// Works in every window of the program that is the active one.
@@ -158,13 +158,13 @@ void AppDelegate::setupMainMenu()
     auto* open = m_mainMenu->addAction(u"Open in Window"_s);
     open->setShortcut(QKeySequence(u"Ctrl+D"_s));
     connect(open, &QAction::triggered, this, &AppDelegate::handleOpenInWindow);
-    platform::log(u"Netvane: Global keyboard shortcut ⌘D configured"_s);
+    base::log(u"Netvane: Global keyboard shortcut ⌘D configured"_s);
 }
 
 void AppDelegate::gatewayAnswered(const std::optional<QString>& address)
 {
     const QString router = address.value_or(probes::kFallbackGateway);
-    platform::log(u"Netvane: Default gateway: "_s + router);
+    base::log(u"Netvane: Default gateway: "_s + router);
     const auto probeOf = [this](const QString& host, const QString& name) {
         return std::make_unique<probes::PingService>(
             host, name, *m_platform.clock, *m_platform.connections);
@@ -186,21 +186,22 @@ void AppDelegate::startServices()
     setupPopover();
     connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake, this,
         &AppDelegate::sampleAfterSleep);
-    platform::log(u"Netvane: All services started"_s);
+    base::log(u"Netvane: All services started"_s);
     m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
 }
 
 void AppDelegate::setupPopover()
 {
-    m_popover = std::make_unique<PopoverWindow>([this] { return m_views.popoverWindow(*this); });
-    connect(m_popover.get(), &PopoverWindow::didClose, this, &AppDelegate::popoverDidClose);
+    m_popover
+        = std::make_unique<shell::PopoverWindow>([this] { return m_views.popoverWindow(*this); });
+    connect(m_popover.get(), &shell::PopoverWindow::didClose, this, &AppDelegate::popoverDidClose);
     m_statusBarManager->setPopover(m_popover.get());
 }
 
 void AppDelegate::popoverDidOpenNotification()
 {
     removePopoverMonitor();
-    m_popoverMonitor = OutsideClickMonitor::create(*m_popover->window(),
+    m_popoverMonitor = shell::OutsideClickMonitor::create(*m_popover->window(),
         [this](const std::optional<QPoint>& position) { handlePress(position); });
 }
 
@@ -251,7 +252,7 @@ void AppDelegate::openDetailedWindow()
     auto window = m_views.detailedWindow(*this);
     if (!window)
         return;
-    m_windowController = std::make_unique<DetailedWindowController>(
+    m_windowController = std::make_unique<shell::DetailedWindowController>(
         std::move(window), *m_platform.userDefaults, *m_platform.clock);
     m_windowController->showWindow();
 }
@@ -261,22 +262,22 @@ void AppDelegate::openDetailedWindow()
 void AppDelegate::followStatusArea()
 {
     m_statusAreaTimer.reset();
-    if (m_statusArea.state() == StatusArea::State::Present)
+    if (m_statusArea.state() == shell::StatusArea::State::Present)
         return;
-    platform::log(u"Netvane: This desktop has no status area, so the window opens instead; "
-                  "start Netvane again to open it again"_s);
+    base::log(u"Netvane: This desktop has no status area, so the window opens instead; "
+              "start Netvane again to open it again"_s);
     openDetailedWindow();
 }
 
 void AppDelegate::applicationStartedAgain()
 {
-    if (!m_isTerminated && m_statusArea.state() != StatusArea::State::Present)
+    if (!m_isTerminated && m_statusArea.state() != shell::StatusArea::State::Present)
         openDetailedWindow();
 }
 
 void AppDelegate::applicationDidBecomeActive()
 {
-    platform::log(u"Netvane: App became active - checking location permission"_s);
+    base::log(u"Netvane: App became active - checking location permission"_s);
     if (m_locationPermissionService)
         m_locationPermissionService->checkAuthorizationStatus();
     if (m_wifiService)
@@ -309,8 +310,8 @@ bool AppDelegate::applicationShouldHandleReopen(bool)
 
 void AppDelegate::logMemoryUsage() const
 {
-    if (const auto bytes = platform::residentBytes())
-        platform::log(u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
+    if (const auto bytes = base::residentBytes())
+        base::log(u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
 }
 
 } // namespace netvane::app

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/outside_click_monitor.h"
-#include "app/status_area.h"
 #include "app/updater_controller.h"
-#include "platform/clock.h"
+#include "base/clock.h"
+#include "shell/outside_click_monitor.h"
+#include "shell/status_area.h"
 
 #include <QMenu>
 #include <QObject>
@@ -37,12 +37,15 @@ class LocationPermissionService;
 class WiFiService;
 } // namespace netvane::wifi
 
+namespace netvane::shell {
+class DetailedWindowController;
+class PopoverWindow;
+} // namespace netvane::shell
+
 namespace netvane::app {
 
 class DashboardViews;
-class DetailedWindowController;
 class NotificationCenter;
-class PopoverWindow;
 class StatusBarManager;
 
 /// The program's one long-lived controller: makes every service once and in a fixed order, wires
@@ -70,11 +73,11 @@ public:
     const UpdaterController& updaterController() const { return m_updaterController; }
     StatusBarManager* statusBarManager() { return m_statusBarManager.get(); }
     /// Null until the services run.
-    PopoverWindow* popover() { return m_popover.get(); }
+    shell::PopoverWindow* popover() { return m_popover.get(); }
     /// That of the last detailed window; null before the first.
-    DetailedWindowController* windowController() { return m_windowController.get(); }
+    shell::DetailedWindowController* windowController() { return m_windowController.get(); }
     /// There exactly while the popover is open.
-    OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
+    shell::OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
     // The services: null until their place in the launch sequence, then there to the end.
     wifi::LocationPermissionService* locationPermissionService() const
     {
@@ -139,13 +142,13 @@ private:
     std::unique_ptr<insights::OnboardingService> m_onboardingService;
     std::unique_ptr<insights::ReportService> m_reportService;
     std::unique_ptr<QMenu> m_mainMenu;
-    StatusArea m_statusArea;
-    std::unique_ptr<PopoverWindow> m_popover;
-    std::unique_ptr<DetailedWindowController> m_windowController;
-    std::unique_ptr<OutsideClickMonitor> m_popoverMonitor;
+    shell::StatusArea m_statusArea;
+    std::unique_ptr<shell::PopoverWindow> m_popover;
+    std::unique_ptr<shell::DetailedWindowController> m_windowController;
+    std::unique_ptr<shell::OutsideClickMonitor> m_popoverMonitor;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
-    std::unique_ptr<platform::Timer> m_memoryTimer;
-    std::unique_ptr<platform::Timer> m_statusAreaTimer; ///< runs while one is waited for
+    std::unique_ptr<base::Timer> m_memoryTimer;
+    std::unique_ptr<base::Timer> m_statusAreaTimer; ///< runs while one is waited for
     bool m_isTerminated = false;
 };
 

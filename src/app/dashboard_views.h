@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/host_window.h"
+#include "shell/host_window.h"
 
 #include <memory>
 
@@ -17,9 +17,9 @@ public:
 
     /// Null where there is none to be had, which was said to the user then. A window lives no
     /// longer than this.
-    virtual std::unique_ptr<HostWindow> popoverWindow(const AppDelegate& services) = 0;
+    virtual std::unique_ptr<shell::HostWindow> popoverWindow(const AppDelegate& services) = 0;
     /// As `popoverWindow`.
-    virtual std::unique_ptr<HostWindow> detailedWindow(const AppDelegate& services) = 0;
+    virtual std::unique_ptr<shell::HostWindow> detailedWindow(const AppDelegate& services) = 0;
 };
 
 } // namespace netvane::app

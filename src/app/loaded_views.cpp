@@ -1,6 +1,6 @@
 #include "app/loaded_views.h"
 
-#include "platform/log.h"
+#include "base/log.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -29,7 +29,7 @@ QString LoadedViews::defaultPath()
 
 void LoadedViews::sayThatThereIsNone(const QString& reason)
 {
-    platform::log(u"Netvane: The windows cannot be loaded: "_s + reason);
+    base::log(u"Netvane: The windows cannot be loaded: "_s + reason);
     if (!m_message) {
         m_message = new QMessageBox(QMessageBox::Warning, u"Netvane"_s,
             u"Netvane cannot show its windows. Installing it again may help."_s,
@@ -58,12 +58,12 @@ bool LoadedViews::load()
     return m_views != nullptr;
 }
 
-std::unique_ptr<HostWindow> LoadedViews::popoverWindow(const AppDelegate& services)
+std::unique_ptr<shell::HostWindow> LoadedViews::popoverWindow(const AppDelegate& services)
 {
     return load() ? m_views->popoverWindow(services) : nullptr;
 }
 
-std::unique_ptr<HostWindow> LoadedViews::detailedWindow(const AppDelegate& services)
+std::unique_ptr<shell::HostWindow> LoadedViews::detailedWindow(const AppDelegate& services)
 {
     return load() ? m_views->detailedWindow(services) : nullptr;
 }

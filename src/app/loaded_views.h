@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/dashboard_views.h"
-#include "platform/linux/file_descriptor.h"
+#include "base/file_descriptor.h"
 
 #include <QPointer>
 #include <QString>
@@ -26,8 +26,8 @@ public:
     /// That of the installed program, or where it was built.
     static QString defaultPath();
 
-    std::unique_ptr<HostWindow> popoverWindow(const AppDelegate& services) override;
-    std::unique_ptr<HostWindow> detailedWindow(const AppDelegate& services) override;
+    std::unique_ptr<shell::HostWindow> popoverWindow(const AppDelegate& services) override;
+    std::unique_ptr<shell::HostWindow> detailedWindow(const AppDelegate& services) override;
 
 private:
     bool load();
@@ -35,7 +35,7 @@ private:
 
     platform::Platform& m_platform;
     const QString m_path;
-    const platform::FileDescriptor m_file;
+    const base::FileDescriptor m_file;
     std::unique_ptr<DashboardViews> m_views; ///< null until they are loaded
     QPointer<QMessageBox> m_message; ///< while it is open
 };

@@ -1,8 +1,9 @@
 #include "app/loaded_views.h"
 #include "app/program_options.h"
 #include "app/program_run.h"
-#include "platform/log.h"
+#include "base/log.h"
 #include "platform/platform.h"
+#include "system/linux_platform.h"
 
 #include <malloc.h>
 
@@ -27,7 +28,7 @@ int run(QApplication& application)
 {
     return app::runProgram(application, [&application] {
         return std::make_unique<app::Program>(
-            application, platform::makePlatform(), [](platform::Platform& platform) {
+            application, system::makePlatform(), [](platform::Platform& platform) {
                 return std::make_unique<app::LoadedViews>(
                     platform, app::LoadedViews::defaultPath());
             });
@@ -50,7 +51,7 @@ int main(int argc, char** argv)
         return answer->status;
     }
     if (!app::hasDisplay()) {
-        platform::log(u"Netvane: There is no display to run on; start it from a desktop session"_s);
+        base::log(u"Netvane: There is no display to run on; start it from a desktop session"_s);
         return 1;
     }
     QApplication application(argc, argv);

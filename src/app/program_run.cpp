@@ -1,11 +1,11 @@
 #include "app/program_run.h"
 
-#include "app/desktop_clipboard.h"
-#include "app/desktop_save_panel.h"
-#include "app/desktop_share_picker.h"
-#include "app/desktop_url_opener.h"
-#include "platform/linux/termination_signals.h"
-#include "platform/log.h"
+#include "base/log.h"
+#include "base/termination_signals.h"
+#include "shell/desktop_clipboard.h"
+#include "shell/desktop_save_panel.h"
+#include "shell/desktop_share_picker.h"
+#include "shell/desktop_url_opener.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -19,11 +19,11 @@ namespace {
 platform::Platform withDesktop(platform::Platform platform)
 {
     if (!platform.urlOpener)
-        platform.urlOpener = std::make_unique<DesktopUrlOpener>();
-    platform.clipboard = std::make_unique<DesktopClipboard>();
-    platform.savePanel = std::make_unique<DesktopSavePanel>();
-    platform.sharePicker
-        = std::make_unique<DesktopSharePicker>(*platform.clipboard, platform.queues->utility);
+        platform.urlOpener = std::make_unique<shell::DesktopUrlOpener>();
+    platform.clipboard = std::make_unique<shell::DesktopClipboard>();
+    platform.savePanel = std::make_unique<shell::DesktopSavePanel>();
+    platform.sharePicker = std::make_unique<shell::DesktopSharePicker>(
+        *platform.clipboard, platform.queues->utility);
     return platform;
 }
 
@@ -35,7 +35,7 @@ void endWithoutDisplay()
 {
     if (!s_running)
         return;
-    platform::log(u"Netvane: The display is gone"_s);
+    base::log(u"Netvane: The display is gone"_s);
     std::exchange(s_running, nullptr)->delegate().applicationWillTerminate();
     std::fflush(nullptr);
     std::_Exit(EXIT_FAILURE);
@@ -51,7 +51,7 @@ bool hasDisplay()
 
 void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    platform::log(qFormatLogMessage(type, context, message));
+    base::log(qFormatLogMessage(type, context, message));
 }
 
 Program::Program(QApplication& application, platform::Platform platform, const MakeViews& makeViews)
@@ -79,7 +79,7 @@ void Program::follow(QApplication& application)
     });
     QObject::connect(claim, &platform::InstanceClaim::decided, &m_delegate, [this](bool isFirst) {
         if (!isFirst) {
-            platform::log(
+            base::log(
                 u"Netvane: Already running in this session; look for its icon in the status area"_s);
             QCoreApplication::quit();
             return;
@@ -92,8 +92,8 @@ void Program::follow(QApplication& application)
 int runProgram(
     QApplication& application, const std::function<std::unique_ptr<Program>()>& makeProgram)
 {
-    const platform::TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &platform::TerminationSignals::received, &application,
+    const base::TerminationSignals terminationSignals;
+    QObject::connect(&terminationSignals, &base::TerminationSignals::received, &application,
         &QCoreApplication::quit);
     const auto program = makeProgram();
     s_running = program.get();

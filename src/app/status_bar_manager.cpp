@@ -1,12 +1,12 @@
 #include "app/status_bar_manager.h"
 
-#include "app/antenna_icon.h"
 #include "app/notification_center.h"
-#include "app/popover_window.h"
-#include "app/status_area.h"
-#include "app/x11_selection.h"
-#include "platform/log.h"
-#include "ui/dark_scheme.h"
+#include "base/log.h"
+#include "shell/antenna_icon.h"
+#include "shell/popover_window.h"
+#include "shell/status_area.h"
+#include "shell/x11_selection.h"
+#include "ui/state/dark_scheme.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -31,8 +31,8 @@ QString frameText(const QRect& frame)
 
 } // namespace
 
-StatusBarManager::StatusBarManager(NotificationCenter& notifications, const StatusArea& statusArea,
-    const platform::Appearance& appearance, platform::Clock& clock)
+StatusBarManager::StatusBarManager(NotificationCenter& notifications,
+    const shell::StatusArea& statusArea, const platform::Appearance& appearance, base::Clock& clock)
     : m_notifications(notifications)
     , m_statusArea(statusArea)
     , m_appearance(appearance)
@@ -56,30 +56,30 @@ void StatusBarManager::makeMenu()
 
 void StatusBarManager::setup(wifi::WiFiService* wifiService)
 {
-    platform::log(u"StatusBarManager: Setting up status bar item..."_s);
+    base::log(u"StatusBarManager: Setting up status bar item..."_s);
     m_wifiService = wifiService;
     setupStatusItem();
 }
 
 void StatusBarManager::setupStatusItem()
 {
-    platform::log(u"StatusBarManager: Status bar button created"_s);
-    connect(&m_statusArea, &StatusArea::changed, this, &StatusBarManager::showStatusItem);
+    base::log(u"StatusBarManager: Status bar button created"_s);
+    connect(&m_statusArea, &shell::StatusArea::changed, this, &StatusBarManager::showStatusItem);
     showStatusItem();
     // Panels decide about size and place; many tell neither.
     const int width = m_statusItem ? m_statusItem->geometry().width() : 0;
     const QRect frame(0, 0, std::max(width, kItemHeight), kItemHeight);
-    platform::log(u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
+    base::log(u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
     qApp->installEventFilter(this);
     connect(&m_appearance, &platform::Appearance::colorSchemeChanged, this,
         &StatusBarManager::applyIcon);
-    platform::log(u"StatusBarManager: Status bar item setup complete - should be visible"_s);
+    base::log(u"StatusBarManager: Status bar item setup complete - should be visible"_s);
 }
 
 /// Once there is a place for it. From then on it comes back by itself with every panel.
 void StatusBarManager::showStatusItem()
 {
-    if (m_statusItem || m_statusArea.state() != StatusArea::State::Present)
+    if (m_statusItem || m_statusArea.state() != shell::StatusArea::State::Present)
         return;
     m_statusItem = std::make_unique<QSystemTrayIcon>();
     applyIcon();
@@ -100,7 +100,7 @@ bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)
 void StatusBarManager::applyIcon()
 {
     if (m_statusItem)
-        m_statusItem->setIcon(antennaIcon(ui::isDarkWanted(m_appearance)));
+        m_statusItem->setIcon(shell::antennaIcon(ui::isDarkWanted(m_appearance)));
 }
 
 /// A system tray calls the second of two fast clicks a double one. The context menu comes by
@@ -131,7 +131,7 @@ std::optional<QRect> StatusBarManager::popoverAnchor() const
     const QRect item = m_statusItem->geometry();
     if (!item.isEmpty() && QGuiApplication::screenAt(item.center()))
         return item;
-    if (isX11() && QGuiApplication::screenAt(QCursor::pos()))
+    if (shell::isX11() && QGuiApplication::screenAt(QCursor::pos()))
         return QRect(QCursor::pos(), QSize(0, 0));
     return std::nullopt;
 }

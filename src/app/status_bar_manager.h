@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/clock.h"
 #include "platform/appearance.h"
-#include "platform/clock.h"
 
 #include <QMenu>
 #include <QObject>
@@ -14,11 +14,14 @@ namespace netvane::wifi {
 class WiFiService;
 }
 
+namespace netvane::shell {
+class PopoverWindow;
+class StatusArea;
+} // namespace netvane::shell
+
 namespace netvane::app {
 
 class NotificationCenter;
-class PopoverWindow;
-class StatusArea;
 
 /// Owns the program's item in the status area and its context menu. Main thread.
 class StatusBarManager : public QObject {
@@ -26,15 +29,15 @@ class StatusBarManager : public QObject {
 
 public:
     /// All of them outlive the manager.
-    StatusBarManager(NotificationCenter& notifications, const StatusArea& statusArea,
-        const platform::Appearance& appearance, platform::Clock& clock);
+    StatusBarManager(NotificationCenter& notifications, const shell::StatusArea& statusArea,
+        const platform::Appearance& appearance, base::Clock& clock);
     ~StatusBarManager() override;
 
     /// Makes the item. Its look does not depend on the link.
     void setup(wifi::WiFiService* wifiService);
     /// What a left click opens and closes; null while there is nothing to show. It outlives the
     /// manager or is taken away first.
-    void setPopover(PopoverWindow* popover) { m_popover = popover; }
+    void setPopover(shell::PopoverWindow* popover) { m_popover = popover; }
 
     /// A left click.
     void togglePopover();
@@ -64,15 +67,15 @@ private:
     std::optional<QRect> popoverAnchor() const;
 
     NotificationCenter& m_notifications;
-    const StatusArea& m_statusArea;
+    const shell::StatusArea& m_statusArea;
     const platform::Appearance& m_appearance;
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     wifi::WiFiService* m_wifiService = nullptr;
-    PopoverWindow* m_popover = nullptr;
+    shell::PopoverWindow* m_popover = nullptr;
     QMenu m_menu;
     std::unique_ptr<QSystemTrayIcon> m_statusItem;
     std::optional<QPoint> m_lastClick; ///< where the pointer was; many panels tell no geometry
-    std::unique_ptr<platform::Timer> m_ignoring;
+    std::unique_ptr<base::Timer> m_ignoring;
 };
 
 } // namespace netvane::app

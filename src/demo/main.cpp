@@ -1,11 +1,11 @@
-#include "app/popover_window.h"
 #include "app/program_run.h"
+#include "base/log.h"
+#include "base/system_clock.h"
 #include "demo/screenshots.h"
 #include "demo/script.h"
 #include "demo/scripted_platform.h"
 #include "demo/window_mark.h"
-#include "platform/log.h"
-#include "platform/system_clock.h"
+#include "shell/popover_window.h"
 #include "windows/program_views.h"
 
 #include <QCommandLineParser>
@@ -80,9 +80,9 @@ bool asksForText(int argc, char** argv)
 int run(QApplication& application, const Options& options)
 {
     std::unique_ptr<demo::WindowMark> mark;
-    std::unique_ptr<platform::Timer> opening;
+    std::unique_ptr<base::Timer> opening;
     return app::runProgram(application, [&] {
-        auto scripted = demo::makeScriptedPlatform(std::make_unique<platform::SystemClock>(),
+        auto scripted = demo::makeScriptedPlatform(std::make_unique<base::SystemClock>(),
             {.scenes = demo::scenes(),
                 .held = options.scene,
                 .colorScheme = options.colorScheme,
@@ -124,11 +124,11 @@ int main(int argc, char** argv)
         return 2;
     }
     if (options->screenshots) {
-        platform::setLogSink([](const QString&) {});
+        base::setLogSink([](const QString&) {});
         return demo::drawScreenshots(application, *options->screenshots) ? 0 : 1;
     }
     qInstallMessageHandler(app::logOfQt);
-    platform::log(u"Netvane: This is a demonstration. Everything that it shows is made up, and "
-                  "nothing is sent"_s);
+    base::log(u"Netvane: This is a demonstration. Everything that it shows is made up, and "
+              "nothing is sent"_s);
     return run(application, *options);
 }

@@ -1,11 +1,11 @@
 #include "demo/screenshots.h"
 
-#include "app/detailed_window_controller.h"
-#include "app/popover_window.h"
 #include "demo/script.h"
 #include "demo/staged_program.h"
-#include "ui/detailed_window_state.h"
-#include "ui/popover_state.h"
+#include "shell/detailed_window_controller.h"
+#include "shell/popover_window.h"
+#include "ui/state/detailed_window_state.h"
+#include "ui/state/popover_state.h"
 #include "windows/quick_window.h"
 
 #include <QDeadlineTimer>

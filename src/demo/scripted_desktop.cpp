@@ -1,6 +1,6 @@
 #include "demo/scripted_desktop.h"
 
-#include "platform/log.h"
+#include "base/log.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -34,13 +34,13 @@ void LoggedNotifications::requestAuthorization(
 void LoggedNotifications::add(
     const platform::NotificationRequest& request, QObject* owner, AddHandler done)
 {
-    platform::log(u"Demonstration: notification \"%1\": %2"_s.arg(request.title, request.body));
+    base::log(u"Demonstration: notification \"%1\": %2"_s.arg(request.title, request.body));
     m_stage->later(0ms, owner, [done = std::move(done)] { done({}); });
 }
 
 bool LoggedUrlOpener::openUrl(const QUrl& url)
 {
-    platform::log(u"Demonstration: would open "_s + url.toDisplayString());
+    base::log(u"Demonstration: would open "_s + url.toDisplayString());
     return true;
 }
 

@@ -26,7 +26,7 @@ std::chrono::milliseconds wholeMilliseconds(std::chrono::microseconds time)
 /// Ready after a time, without one never. One that is cancelled says nothing more.
 class ScriptedConnection final : public platform::Connection {
 public:
-    ScriptedConnection(platform::Clock& clock, std::optional<std::chrono::microseconds> time,
+    ScriptedConnection(base::Clock& clock, std::optional<std::chrono::microseconds> time,
         QString answeredBy, platform::ConnectionHandler handler)
         : m_clock(clock)
         , m_time(time)
@@ -49,11 +49,11 @@ public:
     void cancel() override { m_timer.reset(); }
 
 private:
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     const std::optional<std::chrono::microseconds> m_time;
     const QString m_answeredBy;
     const platform::ConnectionHandler m_handler;
-    std::unique_ptr<platform::Timer> m_timer;
+    std::unique_ptr<base::Timer> m_timer;
 };
 
 class ScriptedTransfer final : public platform::HttpTransfer {
@@ -72,7 +72,7 @@ public:
 
 private:
     const std::shared_ptr<Stage> m_stage;
-    std::unique_ptr<platform::Timer> m_timer;
+    std::unique_ptr<base::Timer> m_timer;
 };
 
 /// Look-ups differ a little from one to the next.

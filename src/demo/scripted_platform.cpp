@@ -32,7 +32,7 @@ std::shared_ptr<Lookups> lookupsOf(const std::shared_ptr<Stage>& stage)
 
 } // namespace
 
-ScriptedPlatform makeScriptedPlatform(std::unique_ptr<platform::Clock> clock, Wishes wishes)
+ScriptedPlatform makeScriptedPlatform(std::unique_ptr<base::Clock> clock, Wishes wishes)
 {
     const auto stage = std::make_shared<Stage>(*clock, std::move(wishes.scenes), wishes.held);
     const auto lookups = lookupsOf(stage);
@@ -41,7 +41,7 @@ ScriptedPlatform makeScriptedPlatform(std::unique_ptr<platform::Clock> clock, Wi
         .platform = {}, .stage = stage, .lookups = lookups, .appearance = appearance.get()};
     auto& platform = scripted.platform;
     platform.clock = std::move(clock);
-    platform.queues = std::make_unique<platform::WorkQueues>();
+    platform.queues = std::make_unique<base::WorkQueues>();
     platform.networkConfiguration = std::make_unique<ScriptedConfiguration>(stage);
     platform.wifiClient = std::make_shared<ScriptedWiFi>(stage);
     platform.networkScanner = std::make_unique<ScriptedScanner>(stage);

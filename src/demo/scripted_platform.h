@@ -23,6 +23,6 @@ struct ScriptedPlatform {
     ChosenAppearance* appearance = nullptr; ///< owned by the platform
 };
 
-ScriptedPlatform makeScriptedPlatform(std::unique_ptr<platform::Clock> clock, Wishes wishes);
+ScriptedPlatform makeScriptedPlatform(std::unique_ptr<base::Clock> clock, Wishes wishes);
 
 } // namespace netvane::demo

@@ -1,6 +1,6 @@
 #include "demo/stage.h"
 
-#include "platform/log.h"
+#include "base/log.h"
 
 #include <algorithm>
 
@@ -16,7 +16,7 @@ constexpr std::chrono::milliseconds kProbeInterval = 3s;
 
 } // namespace
 
-Stage::Stage(platform::Clock& clock, std::vector<Scene> scenes, const std::optional<QString>& held)
+Stage::Stage(base::Clock& clock, std::vector<Scene> scenes, const std::optional<QString>& held)
     : m_clock(clock)
     , m_scenes(std::move(scenes))
 {
@@ -32,7 +32,7 @@ void Stage::begin(size_t index)
 {
     m_index = index;
     m_begunAt = m_clock.monotonicNow();
-    platform::log(u"Demonstration: "_s + scene().title);
+    base::log(u"Demonstration: "_s + scene().title);
     Q_EMIT sceneChanged();
 }
 

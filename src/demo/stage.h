@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/clock.h"
 #include "demo/scene.h"
-#include "platform/clock.h"
 
 #include <QObject>
 #include <QPointer>
@@ -20,10 +20,10 @@ class Stage : public QObject {
 public:
     /// Begins with the scene `held`, which stays; without one with the first, and each goes on for
     /// its duration. `clock` outlives the stage; there is a scene at least.
-    Stage(platform::Clock& clock, std::vector<Scene> scenes, const std::optional<QString>& held);
+    Stage(base::Clock& clock, std::vector<Scene> scenes, const std::optional<QString>& held);
     ~Stage() override;
 
-    platform::Clock& clock() const { return m_clock; }
+    base::Clock& clock() const { return m_clock; }
     /// Any thread.
     const Scene& scene() const { return m_scenes[m_index]; }
     /// What the radio would tell now. Any thread.
@@ -46,13 +46,13 @@ private:
     void goOn();
     size_t entry(std::chrono::milliseconds interval, size_t count) const;
 
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     const std::vector<Scene> m_scenes;
     std::atomic<size_t> m_index = 0;
     std::atomic<std::chrono::steady_clock::time_point> m_begunAt;
     int m_transfers = 0;
-    std::unique_ptr<platform::Timer> m_change;
-    std::list<std::unique_ptr<platform::Timer>> m_later;
+    std::unique_ptr<base::Timer> m_change;
+    std::list<std::unique_ptr<base::Timer>> m_later;
 };
 
 } // namespace netvane::demo

@@ -17,12 +17,12 @@ constexpr std::chrono::milliseconds kLookupLimit = 5s; ///< real time, on a mach
 } // namespace
 
 StagedProgram::StagedProgram(QApplication& application, Wishes wishes)
-    : StagedProgram(application, std::make_unique<platform::ManualClock>(), std::move(wishes))
+    : StagedProgram(application, std::make_unique<simulated::ManualClock>(), std::move(wishes))
 {
 }
 
 StagedProgram::StagedProgram(
-    QApplication& application, std::unique_ptr<platform::ManualClock> clock, Wishes wishes)
+    QApplication& application, std::unique_ptr<simulated::ManualClock> clock, Wishes wishes)
     : m_clock(*clock)
     , m_scripted(makeScriptedPlatform(std::move(clock), std::move(wishes)))
     , m_queue(m_scripted.platform.queues->userInitiated)

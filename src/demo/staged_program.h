@@ -2,7 +2,7 @@
 
 #include "app/program_run.h"
 #include "demo/scripted_platform.h"
-#include "platform/manual_clock.h"
+#include "simulated/manual_clock.h"
 
 namespace netvane::demo {
 
@@ -24,13 +24,13 @@ public:
 
 private:
     StagedProgram(
-        QApplication& application, std::unique_ptr<platform::ManualClock> clock, Wishes wishes);
+        QApplication& application, std::unique_ptr<simulated::ManualClock> clock, Wishes wishes);
     void settle();
     void waitForLookup();
 
-    platform::ManualClock& m_clock;
+    simulated::ManualClock& m_clock;
     ScriptedPlatform m_scripted; ///< its platform went to the program
-    platform::WorkQueue& m_queue;
+    base::WorkQueue& m_queue;
     int m_deliveredLookups = 0;
     app::Program m_program;
 };

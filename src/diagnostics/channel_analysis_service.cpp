@@ -1,6 +1,6 @@
 #include "diagnostics/channel_analysis_service.h"
 
-#include "platform/log.h"
+#include "base/log.h"
 #include "wifi/location_permission_service.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::diagnostics {
 
 ChannelAnalysisService::ChannelAnalysisService(
-    platform::NetworkScanner& scanner, platform::Clock& clock)
+    platform::NetworkScanner& scanner, base::Clock& clock)
     : m_scanner(scanner)
     , m_clock(clock)
 {
@@ -19,7 +19,7 @@ ChannelAnalysisService::ChannelAnalysisService(
 void ChannelAnalysisService::scanNetworks()
 {
     if (!m_locationPermissionService || !m_locationPermissionService->isAuthorized()) {
-        platform::log(u"ChannelAnalysisService: Location permission required for scanning"_s);
+        base::log(u"ChannelAnalysisService: Location permission required for scanning"_s);
         return;
     }
     if (isTooSoon() || m_isScanning)
@@ -35,14 +35,14 @@ bool ChannelAnalysisService::isTooSoon() const
 
 void ChannelAnalysisService::performScan()
 {
-    using Networks = platform::Result<std::vector<platform::NearbyNetwork>>;
+    using Networks = base::Result<std::vector<platform::NearbyNetwork>>;
     m_scanner.scan(this, [this](const Networks& networks) {
         if (networks) {
             processScanResults(networks.value());
             return;
         }
-        if (networks.failure().kind != platform::FailureKind::NotFound) // there is an interface
-            platform::log(u"ChannelAnalysisService: Scan failed: "_s + networks.failure().text);
+        if (networks.failure().kind != base::FailureKind::NotFound) // there is an interface
+            base::log(u"ChannelAnalysisService: Scan failed: "_s + networks.failure().text);
         publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
     });
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "platform/network_scanner.h"
 
 #include <QObject>
@@ -35,7 +35,7 @@ public:
     static constexpr std::chrono::milliseconds maxScanInterval {30'000};
 
     /// Both outlive this. Nothing is scanned before `scanNetworks`.
-    ChannelAnalysisService(platform::NetworkScanner& scanner, platform::Clock& clock);
+    ChannelAnalysisService(platform::NetworkScanner& scanner, base::Clock& clock);
 
     /// The networks of the last successful scan, in the scanner's order.
     const std::vector<platform::NearbyNetwork>& nearbyNetworks() const { return m_nearbyNetworks; }
@@ -77,7 +77,7 @@ private:
     void publish(Value& field, Value value, void (ChannelAnalysisService::*changed)());
 
     platform::NetworkScanner& m_scanner;
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     std::vector<platform::NearbyNetwork> m_nearbyNetworks;
     ChannelUtilization m_channelUtilization;
     bool m_isScanning = false;

@@ -97,14 +97,14 @@ std::optional<QJsonObject> encode(const SpeedTestResult& result)
     return object;
 }
 
-platform::Failure failure(const QString& text)
+base::Failure failure(const QString& text)
 {
-    return {.kind = platform::FailureKind::Other, .text = text};
+    return {.kind = base::FailureKind::Other, .text = text};
 }
 
 } // namespace
 
-platform::Result<QString> encodeSpeedTests(const std::vector<SpeedTestResult>& results)
+base::Result<QString> encodeSpeedTests(const std::vector<SpeedTestResult>& results)
 {
     QJsonArray array;
     for (const auto& result : results) {
@@ -116,8 +116,7 @@ platform::Result<QString> encodeSpeedTests(const std::vector<SpeedTestResult>& r
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
-platform::Result<std::vector<SpeedTestResult>> decodeSpeedTests(
-    const QString& text, size_t maxCount)
+base::Result<std::vector<SpeedTestResult>> decodeSpeedTests(const QString& text, size_t maxCount)
 {
     if (text.size() > kLongestText)
         return failure(u"The text is too long"_s);

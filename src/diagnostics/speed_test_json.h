@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/result.h"
 #include "diagnostics/speed_test_result.h"
-#include "platform/result.h"
 
 #include <vector>
 
@@ -12,12 +12,11 @@ namespace netvane::diagnostics {
 // 2001 (UTC), and what is absent is left out.
 
 /// Fails when a number is none that JSON can hold.
-platform::Result<QString> encodeSpeedTests(const std::vector<SpeedTestResult>& results);
+base::Result<QString> encodeSpeedTests(const std::vector<SpeedTestResult>& results);
 
 /// The first `maxCount` of them; what comes after is not looked at. Fails when the text is no such
 /// array, when one of those taken lacks something or holds something of the wrong kind, and when
 /// the text is far longer than any that is ever stored.
-platform::Result<std::vector<SpeedTestResult>> decodeSpeedTests(
-    const QString& text, size_t maxCount);
+base::Result<std::vector<SpeedTestResult>> decodeSpeedTests(const QString& text, size_t maxCount);
 
 } // namespace netvane::diagnostics

@@ -1,7 +1,7 @@
 #include "diagnostics/speed_test_service.h"
 
+#include "base/log.h"
 #include "diagnostics/speed_test_json.h"
-#include "platform/log.h"
 
 #include <QUrlQuery>
 
@@ -27,7 +27,7 @@ std::optional<double> megabitsPerSecond(qint64 bytes, std::chrono::steady_clock:
 }
 
 SpeedTestService::SpeedTestService(platform::HttpTransfers& transfers,
-    platform::UserDefaults& defaults, platform::Clock& clock, const QUrl& server)
+    platform::UserDefaults& defaults, base::Clock& clock, const QUrl& server)
     : m_transfers(transfers)
     , m_defaults(defaults)
     , m_clock(clock)
@@ -70,7 +70,7 @@ void SpeedTestService::downloadEnded(Start start, const platform::TransferOutcom
 {
     m_downloadTask.reset();
     if (outcome.errorText)
-        platform::log(u"SpeedTestService: Download test error: "_s + *outcome.errorText);
+        base::log(u"SpeedTestService: Download test error: "_s + *outcome.errorText);
     else if (outcome.receivedBytes > 0)
         m_underWay.downloadSpeed
             = megabitsPerSecond(outcome.receivedBytes, outcome.endedAt - start);
@@ -92,7 +92,7 @@ void SpeedTestService::uploadEnded(Start start, const platform::TransferOutcome&
 {
     m_uploadTask.reset();
     if (outcome.errorText)
-        platform::log(u"SpeedTestService: Upload test error: "_s + *outcome.errorText);
+        base::log(u"SpeedTestService: Upload test error: "_s + *outcome.errorText);
     else
         m_underWay.uploadSpeed = megabitsPerSecond(testSizeBytes, outcome.endedAt - start);
     m_underWay.pingAfter = routerPing();
@@ -135,7 +135,7 @@ void SpeedTestService::saveHistory()
     if (text)
         m_defaults.setText(historyKey, text.value());
     else
-        platform::log(u"SpeedTestService: Failed to save history: "_s + text.failure().text);
+        base::log(u"SpeedTestService: Failed to save history: "_s + text.failure().text);
 }
 
 void SpeedTestService::loadHistory()
@@ -148,7 +148,7 @@ void SpeedTestService::loadHistory()
         m_history = std::move(history.value());
         return;
     }
-    platform::log(u"SpeedTestService: Failed to load history: "_s + history.failure().text);
+    base::log(u"SpeedTestService: Failed to load history: "_s + history.failure().text);
     m_defaults.remove(historyKey);
 }
 

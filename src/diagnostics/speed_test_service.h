@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/clock.h"
 #include "diagnostics/speed_test_result.h"
-#include "platform/clock.h"
 #include "platform/http_transfer.h"
 #include "platform/user_defaults.h"
 #include "probes/ping_service.h"
@@ -42,7 +42,7 @@ public:
     /// All outlive this. Loads the history; nothing else happens before a test is run. `server` is
     /// where the two paths are.
     SpeedTestService(platform::HttpTransfers& transfers, platform::UserDefaults& defaults,
-        platform::Clock& clock, const QUrl& server);
+        base::Clock& clock, const QUrl& server);
     ~SpeedTestService() override;
 
     /// The latest test that came to its end since the start.
@@ -82,7 +82,7 @@ private:
 
     platform::HttpTransfers& m_transfers;
     platform::UserDefaults& m_defaults;
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     const QUrl m_downloadURL;
     const QUrl m_uploadURL;
     std::optional<SpeedTestResult> m_result;

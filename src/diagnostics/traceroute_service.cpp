@@ -1,6 +1,6 @@
 #include "diagnostics/traceroute_service.h"
 
-#include "platform/main_thread.h"
+#include "base/main_thread.h"
 #include "probes/probe_targets.h"
 
 #include <QPointer>
@@ -48,7 +48,7 @@ struct TracerouteService::Run {
     std::vector<ProbeResult> results; ///< of this hop
     bool isCancelled = false;
     std::shared_ptr<Probe> probe; ///< absent in a pause
-    std::unique_ptr<platform::Timer> timer; ///< the probe's timeout, or the end of the pause
+    std::unique_ptr<base::Timer> timer; ///< the probe's timeout, or the end of the pause
 };
 
 void TracerouteService::Probe::handleEvent(const platform::ConnectionEvent& event)
@@ -69,7 +69,7 @@ void TracerouteService::Probe::end(std::optional<ProbeResult> result)
 {
     if (hasEnded.test_and_set())
         return;
-    platform::postToMainThread(
+    base::postToMainThread(
         [service = service, probe = weak_from_this(), result = std::move(result)] {
             const auto held = probe.lock();
             if (service && held)
@@ -77,7 +77,7 @@ void TracerouteService::Probe::end(std::optional<ProbeResult> result)
         });
 }
 
-TracerouteService::TracerouteService(platform::Clock& clock, platform::HopProbeFactory& probes)
+TracerouteService::TracerouteService(base::Clock& clock, platform::HopProbeFactory& probes)
     : m_clock(clock)
     , m_probes(probes)
 {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/clock.h"
 #include "diagnostics/traceroute_hop.h"
-#include "platform/clock.h"
 #include "platform/hop_probe.h"
 
 #include <QObject>
@@ -33,7 +33,7 @@ public:
     static constexpr quint16 portBeforeFirst = 33434;
 
     /// Both outlive this. Nothing is sent before `startTrace`.
-    TracerouteService(platform::Clock& clock, platform::HopProbeFactory& probes);
+    TracerouteService(base::Clock& clock, platform::HopProbeFactory& probes);
     ~TracerouteService() override;
 
     /// What is traced when the user names no host.
@@ -71,7 +71,7 @@ private:
     void endTrace();
     void setRunning(bool isRunning);
 
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     platform::HopProbeFactory& m_probes;
     std::vector<TracerouteHop> m_hops;
     bool m_isRunning = false;

@@ -1,6 +1,6 @@
 #include "insights/network_notification_service.h"
 
-#include "platform/log.h"
+#include "base/log.h"
 
 #include <QUuid>
 
@@ -17,8 +17,8 @@ constexpr int kPoorSignalDbm = -80; // and below
 
 } // namespace
 
-NetworkNotificationService::NetworkNotificationService(platform::UserNotificationCenter& center,
-    platform::UserDefaults& defaults, platform::Clock& clock)
+NetworkNotificationService::NetworkNotificationService(
+    platform::UserNotificationCenter& center, platform::UserDefaults& defaults, base::Clock& clock)
     : m_center(center)
     , m_defaults(defaults)
     , m_clock(clock)
@@ -70,7 +70,7 @@ void NetworkNotificationService::permissionAnswered(
     if (granted)
         m_laterRefresh = m_clock.after(kSettlingTime, [this] { refreshAuthorizationStatus(); });
     if (error)
-        platform::log(u"NetworkNotificationService: Permission request error: "_s + *error);
+        base::log(u"NetworkNotificationService: Permission request error: "_s + *error);
 }
 
 bool NetworkNotificationService::mayNotify() const
@@ -117,7 +117,7 @@ void NetworkNotificationService::sendNotification(
     };
     m_center.add(request, this, [this](const std::optional<QString>& error) {
         if (error)
-            platform::log(u"NetworkNotificationService: Failed to send notification: "_s + *error);
+            base::log(u"NetworkNotificationService: Failed to send notification: "_s + *error);
         else
             m_lastNotificationTime = m_clock.monotonicNow();
     });

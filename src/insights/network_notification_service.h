@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "platform/user_defaults.h"
 #include "platform/user_notifications.h"
 #include "wifi/wifi_info.h"
@@ -28,7 +28,7 @@ public:
 
     /// All three outlive this.
     NetworkNotificationService(platform::UserNotificationCenter& center,
-        platform::UserDefaults& defaults, platform::Clock& clock);
+        platform::UserDefaults& defaults, base::Clock& clock);
 
     /// The user's switch; survives restarts.
     bool notificationsEnabled() const { return m_notificationsEnabled; }
@@ -58,13 +58,13 @@ private:
 
     platform::UserNotificationCenter& m_center;
     platform::UserDefaults& m_defaults;
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     bool m_notificationsEnabled = false;
     AuthorizationStatus m_authorizationStatus = AuthorizationStatus::NotDetermined;
     std::optional<QString> m_previousSsid;
     std::optional<wifi::SignalQuality> m_previousSignalQuality;
     std::optional<std::chrono::steady_clock::time_point> m_lastNotificationTime;
-    std::unique_ptr<platform::Timer> m_laterRefresh;
+    std::unique_ptr<base::Timer> m_laterRefresh;
 };
 
 } // namespace netvane::insights

@@ -1,9 +1,9 @@
 #include "insights/report_service.h"
 
-#include "platform/background_work.h"
-#include "platform/log.h"
-#include "platform/replace_file.h"
-#include "platform/timestamp.h"
+#include "base/background_work.h"
+#include "base/log.h"
+#include "base/replace_file.h"
+#include "base/timestamp.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -34,7 +34,7 @@ QLocale localeOfDates()
 
 QString proposedFileName(std::chrono::system_clock::time_point now)
 {
-    QString seconds = platform::shortestDecimal(now);
+    QString seconds = base::shortestDecimal(now);
     if (!seconds.contains(u'.'))
         seconds += u".0"_s;
     return u"Netvane-Report-"_s + seconds + u".txt"_s;
@@ -42,8 +42,8 @@ QString proposedFileName(std::chrono::system_clock::time_point now)
 
 } // namespace
 
-ReportService::ReportService(Readings readings, const platform::Clock& clock,
-    platform::WorkQueue& queue, const ReportExits& exits)
+ReportService::ReportService(
+    Readings readings, const base::Clock& clock, base::WorkQueue& queue, const ReportExits& exits)
     : m_readings(std::move(readings))
     , m_clock(clock)
     , m_queue(queue)
@@ -81,12 +81,12 @@ void ReportService::saveReport(const QString& report, const Completion& completi
 
 void ReportService::write(const QString& path, const QString& report, const Completion& completion)
 {
-    platform::runInBackground(
+    base::runInBackground(
         m_queue, this,
-        [path, bytes = report.toUtf8()] { return platform::replaceFile(path, bytes); },
+        [path, bytes = report.toUtf8()] { return base::replaceFile(path, bytes); },
         [completion](const QString& error) {
             if (!error.isEmpty())
-                platform::log(u"ReportService: Failed to save file: "_s + error);
+                base::log(u"ReportService: Failed to save file: "_s + error);
             if (completion)
                 completion(error.isEmpty());
         });

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/clock.h"
+#include "base/work_queues.h"
 #include "insights/report_text.h"
 #include "platform/clipboard.h"
-#include "platform/clock.h"
 #include "platform/save_panel.h"
 #include "platform/share_picker.h"
-#include "platform/work_queues.h"
 
 #include <QObject>
 
@@ -32,7 +32,7 @@ public:
     /// True when the file was written.
     using Completion = std::function<void(bool written)>;
 
-    ReportService(Readings readings, const platform::Clock& clock, platform::WorkQueue& queue,
+    ReportService(Readings readings, const base::Clock& clock, base::WorkQueue& queue,
         const ReportExits& exits);
 
     /// In the language of the user's dates (LC_TIME, locale(7)).
@@ -49,8 +49,8 @@ private:
     void write(const QString& path, const QString& report, const Completion& completion);
 
     const Readings m_readings;
-    const platform::Clock& m_clock;
-    platform::WorkQueue& m_queue;
+    const base::Clock& m_clock;
+    base::WorkQueue& m_queue;
     const ReportExits m_exits;
 };
 

@@ -1,7 +1,7 @@
 #include "insights/report_text.h"
 
-#include "platform/decimal_text.h"
-#include "platform/visible_text.h"
+#include "base/decimal_text.h"
+#include "base/visible_text.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -18,7 +18,7 @@ const QString kNoData = u"\n- No data available"_s;
 
 QString oneDecimal(double value)
 {
-    return platform::fixedDecimal(value, 1);
+    return base::fixedDecimal(value, 1);
 }
 
 QString valueOr(std::optional<double> value, const QString& unit, const QString& absent)
@@ -79,7 +79,7 @@ QString dnsSection(const ReportInputs& inputs)
     QString text = u"\n- Lookup Time: "_s + valueOr(inputs.dnsLookupTime, u" ms"_s, u"N/A"_s);
     // From a file that a network may have had a hand in; names are made safe where they are read.
     if (inputs.dnsServer)
-        text += u"\n- DNS Server: "_s + platform::withVisibleControls(*inputs.dnsServer);
+        text += u"\n- DNS Server: "_s + base::withVisibleControls(*inputs.dnsServer);
     return text;
 }
 

@@ -25,7 +25,7 @@ public:
     virtual void requestAlwaysAuthorization() = 0;
 
 Q_SIGNALS:
-    void didChangeAuthorization(netvane::platform::AuthorizationStatus status);
+    void didChangeAuthorization(AuthorizationStatus status);
 };
 
 } // namespace netvane::platform

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/result.h"
+#include "base/result.h"
 #include "platform/wifi_client.h"
 
 #include <QString>
@@ -28,7 +28,7 @@ struct NearbyNetwork {
 /// the end of the program holds nothing up.
 class NetworkScanner {
 public:
-    using DeliverNetworks = std::function<void(const Result<std::vector<NearbyNetwork>>&)>;
+    using DeliverNetworks = std::function<void(const base::Result<std::vector<NearbyNetwork>>&)>;
     using DeliverChannel = std::function<void(std::optional<WiFiChannel>)>;
 
     virtual ~NetworkScanner() = default;

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "base/clock.h"
+#include "base/work_queues.h"
 #include "platform/appearance.h"
 #include "platform/clipboard.h"
-#include "platform/clock.h"
 #include "platform/connection.h"
 #include "platform/hop_probe.h"
 #include "platform/http_client.h"
@@ -20,7 +21,6 @@
 #include "platform/user_defaults.h"
 #include "platform/user_notifications.h"
 #include "platform/wifi_client.h"
-#include "platform/work_queues.h"
 
 #include <memory>
 
@@ -30,10 +30,10 @@ namespace netvane::platform {
 /// they do.
 struct Platform {
     // Used by work that may still run when all this goes, so it goes after the queues.
-    std::unique_ptr<Clock> clock;
+    std::unique_ptr<base::Clock> clock;
     std::unique_ptr<NetworkConfiguration> networkConfiguration;
 
-    std::unique_ptr<WorkQueues> queues; ///< waits for what runs when it goes
+    std::unique_ptr<base::WorkQueues> queues; ///< waits for what runs when it goes
     std::unique_ptr<QObject> systemBus; ///< only kept here, for those below that speak on it
     std::unique_ptr<QObject> sessionBus; ///< likewise
     std::shared_ptr<WiFiClient> wifiClient; ///< null when the kernel offers no netlink to us
@@ -55,9 +55,5 @@ struct Platform {
     std::unique_ptr<SavePanel> savePanel;
     std::unique_ptr<SharePicker> sharePicker;
 };
-
-/// The real one, but for `urlOpener`, `clipboard`, `savePanel` and `sharePicker`: these take a
-/// program with windows, so its shell sets them.
-Platform makePlatform();
 
 } // namespace netvane::platform

@@ -2,8 +2,8 @@
 
 namespace netvane::probes {
 
-CaptivePortalService::CaptivePortalService(platform::HttpClient& http, platform::UrlOpener& opener,
-    platform::Clock& clock, QUrl captiveURL)
+CaptivePortalService::CaptivePortalService(
+    platform::HttpClient& http, platform::UrlOpener& opener, base::Clock& clock, QUrl captiveURL)
     : m_http(http)
     , m_opener(opener)
     , m_clock(clock)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "platform/http_client.h"
 #include "platform/url_opener.h"
 #include "probes/portal_verdict.h"
@@ -24,7 +24,7 @@ public:
 
     /// All outlive this. `captiveURL` is the page to fetch; nothing is fetched before `start`.
     CaptivePortalService(platform::HttpClient& http, platform::UrlOpener& opener,
-        platform::Clock& clock, QUrl captiveURL);
+        base::Clock& clock, QUrl captiveURL);
 
     void start();
     /// A check that is under way still counts.
@@ -49,11 +49,11 @@ private:
 
     platform::HttpClient& m_http;
     platform::UrlOpener& m_opener;
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     const QUrl m_captiveURL;
     bool m_isCaptive = false;
     std::optional<QUrl> m_loginURL;
-    std::unique_ptr<platform::Timer> m_checkTimer;
+    std::unique_ptr<base::Timer> m_checkTimer;
 };
 
 } // namespace netvane::probes

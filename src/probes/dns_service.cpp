@@ -1,7 +1,7 @@
 #include "probes/dns_service.h"
 
-#include "platform/detached_work.h"
-#include "platform/log.h"
+#include "base/detached_work.h"
+#include "base/log.h"
 #include "probes/bounded_history.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -24,7 +24,7 @@ TimedResolution timedResolve(platform::Resolver& resolver, const std::string& ho
 } // namespace
 
 DNSService::DNSService(const NetworkUtils& network, std::shared_ptr<platform::Resolver> resolver,
-    platform::Clock& clock, QString testHost)
+    base::Clock& clock, QString testHost)
     : m_network(network)
     , m_resolver(std::move(resolver))
     , m_clock(clock)
@@ -54,29 +54,29 @@ void DNSService::timeLookup()
         return;
     ++m_lookupCount;
     if (m_lookupCount % kLookupsPerLogLine == 0)
-        platform::log(u"DNSService: Lookup #%1, history count: %2"_s.arg(
+        base::log(u"DNSService: Lookup #%1, history count: %2"_s.arg(
             QString::number(m_lookupCount), QString::number(m_history.size())));
-    const bool started = platform::runDetached(
+    const bool started = base::runDetached(
         this,
         [resolver = m_resolver, host = m_testHost.toStdString()] {
             return timedResolve(*resolver, host);
         },
         [this, asleepBefore = m_clock.timeAsleep()](const TimedResolution& lookup) {
             --m_lookupsInFlight;
-            if (!platform::hasSlept(asleepBefore, m_clock.timeAsleep()))
+            if (!base::hasSlept(asleepBefore, m_clock.timeAsleep()))
                 finishLookup(lookup);
         },
         &m_clock);
     if (started)
         ++m_lookupsInFlight;
     else
-        platform::log(u"DNSService: No thread to be had for a lookup"_s);
+        base::log(u"DNSService: No thread to be had for a lookup"_s);
 }
 
 void DNSService::finishLookup(const TimedResolution& lookup)
 {
     if (const auto& resolution = lookup.resolution; resolution.status != 0) {
-        platform::log(u"DNSService: DNS lookup failed for %1: %2 (status: %3)"_s.arg(m_testHost,
+        base::log(u"DNSService: DNS lookup failed for %1: %2 (status: %3)"_s.arg(m_testHost,
             QString::fromLocal8Bit(resolution.errorText), QString::number(resolution.status)));
         return;
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "platform/resolver.h"
 #include "probes/latest_value_throttle.h"
 #include "probes/metric_data_point.h"
@@ -36,7 +36,7 @@ public:
 
     /// `network` and `clock` outlive this. Nothing is looked up before `start`.
     DNSService(const NetworkUtils& network, std::shared_ptr<platform::Resolver> resolver,
-        platform::Clock& clock, QString testHost);
+        base::Clock& clock, QString testHost);
 
     void start();
     /// Lookups that are under way still count.
@@ -66,7 +66,7 @@ private:
 
     const NetworkUtils& m_network;
     const std::shared_ptr<platform::Resolver> m_resolver;
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     const QString m_testHost;
     std::optional<double> m_lookupTime;
     std::optional<QString> m_dnsServer;
@@ -74,7 +74,7 @@ private:
     LatestValueThrottle<double> m_lookupSubject;
     int m_lookupCount = 0;
     int m_lookupsInFlight = 0;
-    std::unique_ptr<platform::Timer> m_lookupTimer;
+    std::unique_ptr<base::Timer> m_lookupTimer;
 };
 
 } // namespace netvane::probes

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 
 #include <functional>
 #include <memory>
@@ -15,7 +15,7 @@ template <typename Value>
 class LatestValueThrottle {
 public:
     /// `clock` outlives this. `deliver` may send further values.
-    LatestValueThrottle(platform::Clock& clock, std::chrono::milliseconds interval,
+    LatestValueThrottle(base::Clock& clock, std::chrono::milliseconds interval,
         std::function<void(const Value&)> deliver)
         : m_clock(clock)
         , m_interval(interval)
@@ -48,12 +48,12 @@ private:
         m_deliver(value);
     }
 
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     const std::chrono::milliseconds m_interval;
     const std::function<void(const Value&)> m_deliver;
     std::optional<std::chrono::steady_clock::time_point> m_lastDelivery;
     std::optional<Value> m_heldBack; ///< waits for the end of the interval
-    std::unique_ptr<platform::Timer> m_intervalEnd;
+    std::unique_ptr<base::Timer> m_intervalEnd;
 };
 
 } // namespace netvane::probes

@@ -1,6 +1,6 @@
 #include "probes/network_metrics.h"
 
-#include "platform/timestamp.h"
+#include "base/timestamp.h"
 
 #include <algorithm>
 
@@ -27,7 +27,7 @@ double clampedRating(double rating)
 
 QString NetworkMetrics::id() const
 {
-    return platform::shortestDecimal(timestamp) + u'-' + target;
+    return base::shortestDecimal(timestamp) + u'-' + target;
 }
 
 std::optional<double> NetworkMetrics::mosScore() const

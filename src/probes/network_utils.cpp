@@ -1,6 +1,6 @@
 #include "probes/network_utils.h"
 
-#include "platform/background_work.h"
+#include "base/background_work.h"
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@ namespace netvane::probes {
 void NetworkUtils::getDefaultGateway(
     QObject* context, std::function<void(std::optional<QString>)> completion) const
 {
-    platform::runInBackground(
+    base::runInBackground(
         m_userInitiated, context,
         [configuration = &m_configuration] { return configuration->defaultRouter(); },
         std::move(completion));

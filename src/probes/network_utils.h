@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/work_queues.h"
 #include "platform/network_configuration.h"
-#include "platform/work_queues.h"
 
 #include <QStringList>
 
@@ -17,7 +17,7 @@ namespace netvane::probes {
 class NetworkUtils {
 public:
     /// Both outlive this.
-    NetworkUtils(platform::NetworkConfiguration& configuration, platform::WorkQueue& userInitiated)
+    NetworkUtils(platform::NetworkConfiguration& configuration, base::WorkQueue& userInitiated)
         : m_configuration(configuration)
         , m_userInitiated(userInitiated)
     {
@@ -37,7 +37,7 @@ public:
 
 private:
     platform::NetworkConfiguration& m_configuration;
-    platform::WorkQueue& m_userInitiated;
+    base::WorkQueue& m_userInitiated;
 };
 
 /// Whether there is an interface whose name begins with "ipsec". Tunnels of other names do not

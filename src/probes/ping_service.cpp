@@ -1,7 +1,7 @@
 #include "probes/ping_service.h"
 
-#include "platform/log.h"
-#include "platform/main_thread.h"
+#include "base/log.h"
+#include "base/main_thread.h"
 #include "probes/bounded_history.h"
 
 #include <QPointer>
@@ -78,16 +78,16 @@ void PingService::Probe::complete(Outcome outcome)
     if (hasCompleted.test_and_set())
         return;
     connection->cancel();
-    platform::postToMainThread([service = service, probe = this, outcome = std::move(outcome)] {
+    base::postToMainThread([service = service, probe = this, outcome = std::move(outcome)] {
         if (!outcome.messageStart.isEmpty())
-            platform::log(u"PingService: "_s + outcome.messageStart
+            base::log(u"PingService: "_s + outcome.messageStart
                 + (service ? service->targetHost() : u"unknown"_s) + outcome.messageEnd);
         if (service)
             service->finishProbe(probe, outcome.latencyMs);
     });
 }
 
-PingService::PingService(QString targetHost, QString targetName, platform::Clock& clock,
+PingService::PingService(QString targetHost, QString targetName, base::Clock& clock,
     platform::ConnectionFactory& connections)
     : m_targetHost(std::move(targetHost))
     , m_targetName(std::move(targetName))
@@ -112,7 +112,7 @@ void PingService::start()
     m_recentResults.clear();
     m_pingCount = 0;
     const auto seconds = std::chrono::duration<double>(pingInterval).count();
-    platform::log(u"PingService[%1]: Starting with interval %2s"_s.arg(
+    base::log(u"PingService[%1]: Starting with interval %2s"_s.arg(
         m_targetName, QString::number(seconds, 'f', 1)));
     const NetworkMetrics initial {
         .timestamp = m_clock.now(), .packetLoss = 0, .target = m_targetName};
@@ -141,7 +141,7 @@ void PingService::performPing()
         return;
     ++m_pingCount;
     if (m_pingCount % kPingsPerLogLine == 0)
-        platform::log(u"PingService[%1]: Ping #%2, metrics count: %3"_s.arg(
+        base::log(u"PingService[%1]: Ping #%2, metrics count: %3"_s.arg(
             m_targetName, QString::number(m_pingCount), QString::number(m_metrics.size())));
     measureLatency();
 }
@@ -168,7 +168,7 @@ void PingService::probeTimedOut(Probe& probe)
 /// Also cancels the timeout, which found nothing to do since the probe completed.
 void PingService::finishProbe(const Probe* probe, std::optional<double> latencyMs)
 {
-    const bool hasSlept = platform::hasSlept(probe->asleepBefore, m_clock.timeAsleep());
+    const bool hasSlept = base::hasSlept(probe->asleepBefore, m_clock.timeAsleep());
     std::erase_if(m_inFlight, [probe](const InFlight& each) { return each.probe.get() == probe; });
     if (!hasSlept)
         recordResult(latencyMs);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "platform/connection.h"
 #include "probes/latest_value_throttle.h"
 #include "probes/network_metrics.h"
@@ -29,7 +29,7 @@ public:
 
     /// `targetHost` is an address or a name, `targetName` the label that the records carry.
     /// `clock` and `connections` outlive this. Nothing is probed before `start`.
-    PingService(QString targetHost, QString targetName, platform::Clock& clock,
+    PingService(QString targetHost, QString targetName, base::Clock& clock,
         platform::ConnectionFactory& connections);
     ~PingService() override;
 
@@ -60,7 +60,7 @@ private:
     struct Outcome;
     struct InFlight {
         std::shared_ptr<Probe> probe;
-        std::unique_ptr<platform::Timer> timeout;
+        std::unique_ptr<base::Timer> timeout;
     };
 
     void performPing();
@@ -74,14 +74,14 @@ private:
 
     const QString m_targetHost;
     const QString m_targetName;
-    platform::Clock& m_clock;
+    base::Clock& m_clock;
     platform::ConnectionFactory& m_connections;
     std::optional<NetworkMetrics> m_currentMetrics;
     std::vector<NetworkMetrics> m_metrics;
     std::vector<double> m_pingHistory;
     std::vector<bool> m_recentResults; ///< of the last `packetLossWindow` probes, oldest first
     std::vector<InFlight> m_inFlight;
-    std::unique_ptr<platform::Timer> m_pingTimer;
+    std::unique_ptr<base::Timer> m_pingTimer;
     LatestValueThrottle<NetworkMetrics> m_metricsSubject;
     int m_pingCount = 0;
     bool m_isRunning = false;

@@ -1,10 +1,11 @@
-#include "platform/linux/termination_signals.h"
-#include "platform/log.h"
+#include "base/log.h"
+#include "base/replace_file.h"
+#include "base/termination_signals.h"
 #include "platform/platform.h"
-#include "platform/replace_file.h"
 #include "report/redaction.h"
 #include "report/report_options.h"
 #include "report/report_session.h"
+#include "system/linux_platform.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -45,7 +46,7 @@ int deliver(const QString& report, const report::ReportOptions& options)
         print(stdout, report + u'\n');
         return std::fflush(stdout) == 0 ? 0 : 1;
     }
-    const QString problem = platform::replaceFile(*options.output, report.toUtf8() + '\n');
+    const QString problem = base::replaceFile(*options.output, report.toUtf8() + '\n');
     if (problem.isEmpty())
         return 0;
     print(stderr, u"netvane-report: %1: %2\n"_s.arg(*options.output, problem));
@@ -54,10 +55,10 @@ int deliver(const QString& report, const report::ReportOptions& options)
 
 int run(const report::ReportOptions& options)
 {
-    const platform::TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &platform::TerminationSignals::received, qApp,
+    const base::TerminationSignals terminationSignals;
+    QObject::connect(&terminationSignals, &base::TerminationSignals::received, qApp,
         [] { QCoreApplication::exit(1); });
-    auto platform = platform::makePlatform();
+    auto platform = system::makePlatform();
     report::ReportSession session(platform, options);
     QObject::connect(&session, &report::ReportSession::progress, &showProgress);
     QObject::connect(&session, &report::ReportSession::finished, qApp, [&session, &options] {
@@ -85,7 +86,7 @@ int main(int argc, char** argv)
         print(message->status == 0 ? stdout : stderr, message->text);
         return message->status;
     }
-    platform::setLogSink(dropLine);
+    base::setLogSink(dropLine);
     const int status = run(std::get<report::ReportOptions>(parsed));
     // Not by way of the application's destructor, which waits for Qt's own look-ups of names.
     std::fflush(nullptr);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "report/report_options.h"
 
 #include <QObject>
@@ -65,7 +65,7 @@ private:
     std::unique_ptr<probes::PingService> m_internetPingService;
     std::unique_ptr<probes::DNSService> m_dnsService;
     std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
-    std::unique_ptr<platform::Timer> m_limit;
+    std::unique_ptr<base::Timer> m_limit;
     bool m_hasLink = false;
     bool m_isSampled = false;
 };

@@ -1,6 +1,6 @@
 #include "ui/view_engine.h"
 
-#include "ui/theme.h"
+#include "ui/painting/theme.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>

@@ -1,6 +1,6 @@
 #include "wifi/location_permission_service.h"
 
-#include "platform/log.h"
+#include "base/log.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -30,7 +30,7 @@ void LocationPermissionService::checkAuthorizationStatus()
 {
     const auto status = m_locationManager.authorizationStatus();
     if (publish(status)) {
-        platform::log(
+        base::log(
             u"LocationPermissionService: Authorization status changed - isAuthorized: %1, status: %2"_s
                 .arg(word(m_isAuthorized), QString::number(int(status))));
     }
@@ -39,7 +39,7 @@ void LocationPermissionService::checkAuthorizationStatus()
 void LocationPermissionService::requestPermission()
 {
     checkAuthorizationStatus();
-    platform::log(u"LocationPermissionService: Requesting location permission..."_s);
+    base::log(u"LocationPermissionService: Requesting location permission..."_s);
     m_locationManager.requestAlwaysAuthorization();
 }
 
@@ -47,7 +47,7 @@ void LocationPermissionService::updateAuthorizationStatus(AuthorizationStatus st
 {
     const auto apply = [this, status] {
         if (publish(status)) {
-            platform::log(
+            base::log(
                 u"LocationPermissionService: Authorization status updated externally - status: %1, isAuthorized: %2"_s
                     .arg(QString::number(int(status)), word(m_isAuthorized)));
         }

@@ -1,6 +1,6 @@
 #include "wifi/wifi_info.h"
 
-#include "platform/timestamp.h"
+#include "base/timestamp.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -69,7 +69,7 @@ QString caseName(SignalQuality quality)
 
 QString WiFiInfo::id() const
 {
-    return platform::shortestDecimal(timestamp);
+    return base::shortestDecimal(timestamp);
 }
 
 QString WiFiInfo::phyMode() const

@@ -25,7 +25,7 @@ bool addTo(WiFiMetricsHistory::Series& series, std::chrono::system_clock::time_p
 
 } // namespace
 
-WiFiMetricsHistory::WiFiMetricsHistory(const platform::Clock& clock)
+WiFiMetricsHistory::WiFiMetricsHistory(const base::Clock& clock)
     : m_clock(clock)
 {
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "probes/metric_data_point.h"
 
 #include <QObject>
@@ -19,7 +19,7 @@ public:
     static constexpr size_t maxHistory = 10; ///< points in each series
 
     /// `clock` outlives this.
-    explicit WiFiMetricsHistory(const platform::Clock& clock);
+    explicit WiFiMetricsHistory(const base::Clock& clock);
 
     /// Mbps.
     const Series& linkRateHistory() const { return m_linkRateHistory; }
@@ -38,7 +38,7 @@ Q_SIGNALS:
     void noiseHistoryChanged();
 
 private:
-    const platform::Clock& m_clock;
+    const base::Clock& m_clock;
     Series m_linkRateHistory;
     Series m_signalHistory;
     Series m_noiseHistory;

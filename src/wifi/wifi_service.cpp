@@ -1,7 +1,7 @@
 #include "wifi/wifi_service.h"
 
-#include "platform/background_work.h"
-#include "platform/log.h"
+#include "base/background_work.h"
+#include "base/log.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_snapshot_observer.h"
 
@@ -65,8 +65,8 @@ WiFiInfo makeWiFiInfo(
     };
 }
 
-WiFiService::WiFiService(std::shared_ptr<platform::WiFiClient> client, platform::Clock& clock,
-    platform::WorkQueue& queue)
+WiFiService::WiFiService(
+    std::shared_ptr<platform::WiFiClient> client, base::Clock& clock, base::WorkQueue& queue)
     : m_wifiClient(std::move(client))
     , m_clock(clock)
     , m_queue(queue)
@@ -84,7 +84,7 @@ WiFiService::~WiFiService()
 void WiFiService::startMonitoring()
 {
     if (m_updateTimer) {
-        platform::log(u"WiFiService: startMonitoring() called but timer already exists"_s);
+        base::log(u"WiFiService: startMonitoring() called but timer already exists"_s);
         return;
     }
     updateWiFiInfo();
@@ -119,7 +119,7 @@ void WiFiService::updateWiFiInfo()
     beginPass(nullptr);
 }
 
-void WiFiService::beginPass(platform::Clock* soon)
+void WiFiService::beginPass(base::Clock* soon)
 {
     // Time asleep counts: what was read before it is old.
     const auto now = m_clock.monotonicNow() + m_clock.timeAsleep();
@@ -139,7 +139,7 @@ void WiFiService::beginPass(platform::Clock* soon)
 
 /// Asks the kernel, which may take its time. Each pass without an interface asks anew, so that an
 /// adapter plugged in later is found.
-void WiFiService::findInterface(platform::Clock* soon)
+void WiFiService::findInterface(base::Clock* soon)
 {
     m_lookedForInterface = true;
     const auto firstOf = [client = m_wifiClient]() -> std::shared_ptr<platform::WiFiInterface> {
@@ -155,17 +155,17 @@ void WiFiService::findInterface(platform::Clock* soon)
         else
             endWithoutLink(kNoInterface);
     };
-    platform::runInBackground(m_queue, this, firstOf, take, soon);
+    base::runInBackground(m_queue, this, firstOf, take, soon);
 }
 
-void WiFiService::sampleInterface(platform::Clock* soon)
+void WiFiService::sampleInterface(base::Clock* soon)
 {
     if (!m_interface->powerOn()) {
         endWithoutLink(kRadioOff);
         return;
     }
     if (m_updateCount % kPassesPerLogLine == 0)
-        platform::log(u"WiFiService: Update #%1"_s.arg(m_updateCount));
+        base::log(u"WiFiService: Update #%1"_s.arg(m_updateCount));
     const auto readLinkSnapshot
         = [interface = m_interface, clock = &m_clock]() -> std::optional<WiFiInfo> {
         const auto reading = interface->readLink();
@@ -173,14 +173,14 @@ void WiFiService::sampleInterface(platform::Clock* soon)
     };
     const auto take
         = [this, asleepBefore = m_clock.timeAsleep()](const std::optional<WiFiInfo>& snapshot) {
-              if (platform::hasSlept(asleepBefore, m_clock.timeAsleep()))
+              if (base::hasSlept(asleepBefore, m_clock.timeAsleep()))
                   sampleInterface(nullptr);
               else if (snapshot)
                   applyLinkSnapshot(*snapshot);
               else
                   interfaceIsGone();
           };
-    platform::runInBackground(m_queue, this, readLinkSnapshot, take, soon);
+    base::runInBackground(m_queue, this, readLinkSnapshot, take, soon);
 }
 
 /// Unplugged, renamed or turned into something else: there may be another one.

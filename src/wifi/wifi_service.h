@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
+#include "base/work_queues.h"
 #include "platform/wifi_client.h"
-#include "platform/work_queues.h"
 #include "wifi/wifi_info.h"
 
 #include <QObject>
@@ -27,8 +27,8 @@ public:
 
     /// Begins to sample. Without a client (null) there is nothing to sample and the message says
     /// so.
-    WiFiService(std::shared_ptr<platform::WiFiClient> client, platform::Clock& clock,
-        platform::WorkQueue& queue);
+    WiFiService(
+        std::shared_ptr<platform::WiFiClient> client, base::Clock& clock, base::WorkQueue& queue);
     ~WiFiService() override;
 
     /// The snapshot's stamp is that of its last change, not of the last pass.
@@ -63,9 +63,9 @@ Q_SIGNALS:
 
 private:
     /// With `soon`, the clock, there is no hurry: what is read may wait for `Clock::soon`.
-    void beginPass(platform::Clock* soon);
-    void findInterface(platform::Clock* soon);
-    void sampleInterface(platform::Clock* soon);
+    void beginPass(base::Clock* soon);
+    void findInterface(base::Clock* soon);
+    void sampleInterface(base::Clock* soon);
     void interfaceIsGone();
     void applyLinkSnapshot(const WiFiInfo& snapshot);
     void applyPermission(const WiFiInfo& snapshot, bool authorized);
@@ -83,9 +83,9 @@ private:
 
     std::shared_ptr<platform::WiFiClient> m_wifiClient;
     std::shared_ptr<platform::WiFiInterface> m_interface;
-    platform::Clock& m_clock;
-    platform::WorkQueue& m_queue;
-    std::unique_ptr<platform::Timer> m_updateTimer;
+    base::Clock& m_clock;
+    base::WorkQueue& m_queue;
+    std::unique_ptr<base::Timer> m_updateTimer;
     LocationPermissionService* m_locationPermissionService = nullptr;
     WiFiSnapshotObserver* m_networkNotificationService = nullptr;
     int m_updateCount = 0;

@@ -1,8 +1,8 @@
 #include "windows/program_views.h"
 
 #include "app/app_delegate.h"
-#include "ui/detailed_window_state.h"
-#include "ui/popover_state.h"
+#include "ui/state/detailed_window_state.h"
+#include "ui/state/popover_state.h"
 
 #include <QCoreApplication>
 
@@ -50,7 +50,7 @@ ui::SettingsServices settingsServices(
 } // namespace
 
 template <typename State>
-std::unique_ptr<app::HostWindow> ProgramViews::window(
+std::unique_ptr<shell::HostWindow> ProgramViews::window(
     const QString& name, const app::AppDelegate& services)
 {
     const auto state = std::make_shared<State>(
@@ -63,12 +63,12 @@ std::unique_ptr<app::HostWindow> ProgramViews::window(
     return m_factory.makeWindow(std::move(view), services.mainMenu());
 }
 
-std::unique_ptr<app::HostWindow> ProgramViews::popoverWindow(const app::AppDelegate& services)
+std::unique_ptr<shell::HostWindow> ProgramViews::popoverWindow(const app::AppDelegate& services)
 {
     return window<ui::PopoverState>(u"PopoverView"_s, services);
 }
 
-std::unique_ptr<app::HostWindow> ProgramViews::detailedWindow(const app::AppDelegate& services)
+std::unique_ptr<shell::HostWindow> ProgramViews::detailedWindow(const app::AppDelegate& services)
 {
     return window<ui::DetailedWindowState>(u"DetailedWindowView"_s, services);
 }

@@ -16,12 +16,13 @@ public:
     {
     }
 
-    std::unique_ptr<app::HostWindow> popoverWindow(const app::AppDelegate& services) override;
-    std::unique_ptr<app::HostWindow> detailedWindow(const app::AppDelegate& services) override;
+    std::unique_ptr<shell::HostWindow> popoverWindow(const app::AppDelegate& services) override;
+    std::unique_ptr<shell::HostWindow> detailedWindow(const app::AppDelegate& services) override;
 
 private:
     template <typename State>
-    std::unique_ptr<app::HostWindow> window(const QString& name, const app::AppDelegate& services);
+    std::unique_ptr<shell::HostWindow> window(
+        const QString& name, const app::AppDelegate& services);
 
     platform::Platform& m_platform;
     WindowFactory m_factory;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/host_window.h"
+#include "shell/host_window.h"
 #include "ui/view_engine.h"
 #include "windows/hosted_view.h"
 
@@ -11,7 +11,7 @@ class QAction;
 namespace netvane::windows {
 
 /// A window that Qt Quick draws. Main thread.
-class QuickWindow final : public app::HostWindow {
+class QuickWindow final : public shell::HostWindow {
     Q_OBJECT
 
 public:

@@ -10,7 +10,7 @@ WindowFactory::WindowFactory(const platform::Appearance& appearance)
     ui::ViewEngine::prepareRendering();
 }
 
-std::unique_ptr<app::HostWindow> WindowFactory::makeWindow(HostedView view, const QMenu* menu)
+std::unique_ptr<shell::HostWindow> WindowFactory::makeWindow(HostedView view, const QMenu* menu)
 {
     if (!m_engine) {
         m_theme = std::make_unique<ui::Theme>(m_appearance);

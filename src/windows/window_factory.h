@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/theme.h"
+#include "ui/painting/theme.h"
 #include "windows/quick_window.h"
 
 class QMenu;
@@ -16,7 +16,7 @@ public:
 
     /// A window on the ground of the theme; it lives no longer than this. The shortcuts of `menu`,
     /// which outlives it, work in it.
-    std::unique_ptr<app::HostWindow> makeWindow(HostedView view, const QMenu* menu);
+    std::unique_ptr<shell::HostWindow> makeWindow(HostedView view, const QMenu* menu);
 
 private:
     const platform::Appearance& m_appearance;

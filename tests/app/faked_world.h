@@ -29,7 +29,7 @@ struct FakedWorld {
     {
         platform.clock.reset(clock);
         platform.networkConfiguration.reset(network);
-        platform.queues = std::make_unique<platform::WorkQueues>();
+        platform.queues = std::make_unique<base::WorkQueues>();
         platform.wifiClient = std::make_shared<FakeWiFiClient>();
         platform.locationManager.reset(location);
         platform.urlOpener = std::make_unique<FakeUrlOpener>();

@@ -14,11 +14,11 @@ public:
     {
     }
 
-    std::unique_ptr<app::HostWindow> popoverWindow(const app::AppDelegate& services) override
+    std::unique_ptr<shell::HostWindow> popoverWindow(const app::AppDelegate& services) override
     {
         return make(services, std::make_shared<int>());
     }
-    std::unique_ptr<app::HostWindow> detailedWindow(const app::AppDelegate& services) override
+    std::unique_ptr<shell::HostWindow> detailedWindow(const app::AppDelegate& services) override
     {
         const auto state = std::make_shared<int>();
         windowState = state;
@@ -30,7 +30,7 @@ public:
     std::weak_ptr<void> windowState; ///< what the last detailed window shows
 
 private:
-    std::unique_ptr<app::HostWindow> make(
+    std::unique_ptr<shell::HostWindow> make(
         const app::AppDelegate& services, std::shared_ptr<void> state)
     {
         ++made;

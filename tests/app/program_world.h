@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/detailed_window_controller.h"
-#include "app/popover_window.h"
 #include "app/status_bar_manager.h"
 #include "faked_world.h"
-#include "ui/popover_state.h"
+#include "shell/detailed_window_controller.h"
+#include "shell/popover_window.h"
+#include "ui/state/popover_state.h"
 #include "wifi/wifi_service.h"
 #include "windows/program_views.h"
 

@@ -8,6 +8,7 @@
 #include "probes/ping_service.h"
 #include "probes/probe_targets.h"
 #include "support/captured_log.h"
+#include "support/test_main.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
@@ -212,5 +213,5 @@ private:
     test::CapturedLog m_log;
 };
 
-QTEST_MAIN(TestAppDelegate)
+NETVANE_TEST(TestAppDelegate)
 #include "test_app_delegate.moc"

@@ -1,8 +1,9 @@
 #include "app/loaded_views.h"
-#include "app/popover_window.h"
 #include "app/status_bar_manager.h"
 #include "faked_world.h"
+#include "shell/popover_window.h"
 #include "support/captured_log.h"
+#include "support/test_main.h"
 
 #include <QApplication>
 #include <QFile>
@@ -81,5 +82,5 @@ private:
     test::CapturedLog m_log;
 };
 
-QTEST_MAIN(TestLoadedViews)
+NETVANE_TEST(TestLoadedViews)
 #include "test_loaded_views.moc"

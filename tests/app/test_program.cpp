@@ -1,5 +1,6 @@
 #include "support/own_network.h"
 #include "support/private_bus.h"
+#include "support/test_main.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -155,6 +156,9 @@ struct Pipe {
 
 class TestProgram : public QObject {
     Q_OBJECT
+
+public:
+    static bool prepare() { return test::enterOwnNetwork(); }
 
 private Q_SLOTS:
     void init() { QVERIFY(m_bus.start()); }
@@ -362,13 +366,5 @@ private:
     test::PrivateBus m_bus;
 };
 
-int main(int argc, char** argv)
-{
-    // The program probes public hosts.
-    if (!test::enterOwnNetwork())
-        qFatal("a network namespace is needed");
-    QCoreApplication application(argc, argv);
-    TestProgram test;
-    return QTest::qExec(&test, argc, argv);
-}
+NETVANE_TEST(TestProgram)
 #include "test_program.moc"

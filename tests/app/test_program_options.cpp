@@ -1,4 +1,5 @@
 #include "app/program_options.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -35,5 +36,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestProgramOptions)
+NETVANE_TEST(TestProgramOptions)
 #include "test_program_options.moc"

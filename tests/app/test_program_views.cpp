@@ -2,6 +2,7 @@
 #include "insights/onboarding_service.h"
 #include "program_world.h"
 #include "support/captured_log.h"
+#include "support/test_main.h"
 #include "support/view_audit.h"
 
 #include <QApplication>
@@ -267,5 +268,5 @@ private:
     test::CapturedLog m_log;
 };
 
-QTEST_MAIN(TestProgramViews)
+NETVANE_TEST(TestProgramViews)
 #include "test_program_views.moc"

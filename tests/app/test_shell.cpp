@@ -1,8 +1,9 @@
-#include "app/detailed_window_controller.h"
-#include "app/popover_window.h"
 #include "app/status_bar_manager.h"
 #include "launched_world.h"
+#include "shell/detailed_window_controller.h"
+#include "shell/popover_window.h"
 #include "support/captured_log.h"
+#include "support/test_main.h"
 
 #include <QApplication>
 #include <QQuickItem>
@@ -26,8 +27,8 @@ struct Shell : test::LaunchedWorld {
     }
 
     app::StatusBarManager& manager() { return *delegate->statusBarManager(); }
-    app::PopoverWindow& popover() { return *delegate->popover(); }
-    app::DetailedWindowController* controller() { return delegate->windowController(); }
+    shell::PopoverWindow& popover() { return *delegate->popover(); }
+    shell::DetailedWindowController* controller() { return delegate->windowController(); }
     void click(QSystemTrayIcon::ActivationReason reason = QSystemTrayIcon::Trigger)
     {
         Q_EMIT manager().statusItem()->activated(reason);
@@ -240,5 +241,5 @@ private:
     test::CapturedLog m_log;
 };
 
-QTEST_MAIN(TestShell)
+NETVANE_TEST(TestShell)
 #include "test_shell.moc"

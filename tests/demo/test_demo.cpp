@@ -1,10 +1,11 @@
-#include "app/detailed_window_controller.h"
-#include "app/popover_window.h"
 #include "demo/script.h"
 #include "demo/staged_program.h"
 #include "demo/window_mark.h"
-#include "ui/detailed_window_state.h"
-#include "ui/popover_state.h"
+#include "shell/detailed_window_controller.h"
+#include "shell/popover_window.h"
+#include "support/test_main.h"
+#include "ui/state/detailed_window_state.h"
+#include "ui/state/popover_state.h"
 #include "windows/quick_window.h"
 
 #include <QDir>
@@ -85,6 +86,14 @@ void keepWarning(QtMsgType, const QMessageLogContext&, const QString& text)
 
 class TestDemo : public QObject {
     Q_OBJECT
+
+public:
+    static bool prepare()
+    {
+        ui::ViewEngine::prepareRendering();
+        QApplication::setQuitOnLastWindowClosed(false);
+        return true;
+    }
 
 private Q_SLOTS:
     /// Each scene in turn, in one run of the program, as it is seen in the popover.
@@ -237,13 +246,6 @@ private:
     std::optional<demo::StagedProgram> m_program;
 };
 
-int main(int argc, char** argv)
-{
-    ui::ViewEngine::prepareRendering();
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    TestDemo test;
-    return QTest::qExec(&test, argc, argv);
-}
+NETVANE_TEST(TestDemo)
 
 #include "test_demo.moc"

@@ -4,6 +4,7 @@
 #include "support/fake_location_manager.h"
 #include "support/fake_network_scanner.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 #include "wifi/location_permission_service.h"
 
 #include <QSignalSpy>
@@ -126,23 +127,23 @@ private Q_SLOTS:
 
     void failures_data()
     {
-        QTest::addColumn<platform::FailureKind>("kind");
+        QTest::addColumn<base::FailureKind>("kind");
         QTest::addColumn<QStringList>("lines");
-        QTest::newRow("refused") << platform::FailureKind::NotAllowed
+        QTest::newRow("refused") << base::FailureKind::NotAllowed
                                  << QStringList {u"ChannelAnalysisService: Scan failed: not now"_s};
-        QTest::newRow("no interface") << platform::FailureKind::NotFound << QStringList();
+        QTest::newRow("no interface") << base::FailureKind::NotFound << QStringList();
     }
 
     void failures()
     {
-        QFETCH(platform::FailureKind, kind);
+        QFETCH(base::FailureKind, kind);
         const auto networks = onChannels({1, 6});
         m_service->scanNetworks();
         m_scanner->finish(networks);
         const auto scanned = m_service->lastScanTime();
         m_clock->advance(30s);
         m_service->scanNetworks();
-        m_scanner->finish(platform::Failure {kind, u"not now"_s});
+        m_scanner->finish(base::Failure {kind, u"not now"_s});
         QTEST(m_log.take(), "lines");
         QVERIFY(!m_service->isScanning());
         QCOMPARE(m_service->nearbyNetworks(), networks);
@@ -170,5 +171,5 @@ private:
     std::unique_ptr<ChannelAnalysisService> m_service;
 };
 
-QTEST_GUILESS_MAIN(TestChannelAnalysisService)
+NETVANE_TEST(TestChannelAnalysisService)
 #include "test_channel_analysis_service.moc"

@@ -2,14 +2,15 @@
 // is slow and has far too large a buffer (tc-tbf(8) on the loopback device of a network of our
 // own).
 
+#include "base/system_clock.h"
 #include "diagnostics/speed_test_service.h"
-#include "platform/linux/qt_http_transfers.h"
-#include "platform/linux/socket_connections.h"
-#include "platform/system_clock.h"
+#include "net/qt_http_transfers.h"
+#include "net/socket_connections.h"
 #include "support/captured_log.h"
 #include "support/fake_user_defaults.h"
 #include "support/own_network.h"
 #include "support/scripted_http_server.h"
+#include "support/test_main.h"
 
 #include <QProcess>
 #include <QSignalSpy>
@@ -42,6 +43,9 @@ bool run(const QString& program, const char* arguments)
 
 class TestLoadedLatency : public QObject {
     Q_OBJECT
+
+public:
+    static bool prepare() { return test::enterOwnNetwork(); }
 
 private Q_SLOTS:
     void initTestCase()
@@ -127,24 +131,14 @@ private:
     }
 
     test::CapturedLog m_log;
-    platform::SystemClock m_clock;
+    base::SystemClock m_clock;
     QTcpServer m_routersPort;
-    platform::SocketConnections m_connections {m_clock};
+    net::SocketConnections m_connections {m_clock};
     probes::PingService m_router {u"127.0.0.1"_s, u"router"_s, m_clock, m_connections};
-    platform::QtHttpTransfers m_transfers {m_clock};
+    net::QtHttpTransfers m_transfers {m_clock};
     test::FakeUserDefaults m_defaults;
 };
 
-int main(int argc, char** argv)
-{
-    // Before any thread begins, and before anything listens.
-    if (!test::enterOwnNetwork()) {
-        qInfo("SKIP: the system gives no network of our own");
-        return 0;
-    }
-    QCoreApplication application(argc, argv);
-    TestLoadedLatency test;
-    return QTest::qExec(&test, argc, argv);
-}
+NETVANE_TEST(TestLoadedLatency)
 
 #include "test_loaded_latency.moc"

@@ -1,4 +1,5 @@
 #include "diagnostics/speed_test_json.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -125,5 +126,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestSpeedTestJson)
+NETVANE_TEST(TestSpeedTestJson)
 #include "test_speed_test_json.moc"

@@ -1,4 +1,5 @@
 #include "diagnostics/speed_test_result.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -46,5 +47,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestSpeedTestResult)
+NETVANE_TEST(TestSpeedTestResult)
 #include "test_speed_test_result.moc"

@@ -5,6 +5,7 @@
 #include "support/fake_http_transfers.h"
 #include "support/fake_user_defaults.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -270,5 +271,5 @@ private:
     std::unique_ptr<SpeedTestService> m_service;
 };
 
-QTEST_GUILESS_MAIN(TestSpeedTestService)
+NETVANE_TEST(TestSpeedTestService)
 #include "test_speed_test_service.moc"

@@ -1,6 +1,7 @@
+#include "base/system_clock.h"
 #include "diagnostics/traceroute_service.h"
-#include "platform/linux/socket_hop_probes.h"
-#include "platform/system_clock.h"
+#include "net/socket_hop_probes.h"
+#include "support/test_main.h"
 
 #include <QProcess>
 #include <QTemporaryFile>
@@ -93,11 +94,94 @@ QStringList hopsOfTraceroute(const QByteArray& output)
     return hops;
 }
 
+/// Into a world of its own.
+int enterChain()
+{
+    if (::unshare(CLONE_NEWNET | CLONE_NEWNS) != 0)
+        return kNoNamespace;
+    QTemporaryFile hosts;
+    if (!hosts.open() || hosts.write(kHosts) < 0 || !hosts.flush()
+        || !hosts.setPermissions(QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther))
+        return 1;
+    QProcess shell;
+    shell.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    shell.start(u"sh"_s, {u"-c"_s, QString::fromLatin1(kChain), u"sh"_s, hosts.fileName()});
+    return shell.waitForFinished() ? shell.exitCode() : 1;
+}
+
+bool dropPrivileges()
+{
+    if (::setgroups(0, nullptr) != 0 || ::setresgid(kNobody, kNobody, kNobody) != 0
+        || ::setresuid(kNobody, kNobody, kNobody) != 0)
+        return false;
+    return ::prctl(PR_SET_DUMPABLE, 1) == 0; // or no leak could be looked for any more
+}
+
+/// Answers whatever comes in kind.
+void answerAt(QUdpSocket& socket, const QString& address, quint16 port)
+{
+    if (!socket.bind(QHostAddress(address), port))
+        qFatal("no port on loopback");
+    QObject::connect(&socket, &QUdpSocket::readyRead, &socket, [&socket] {
+        QHostAddress sender;
+        quint16 senderPort = 0;
+        while (socket.hasPendingDatagrams()) {
+            socket.readDatagram(nullptr, 0, &sender, &senderPort);
+            socket.writeDatagram("here", 4, sender, senderPort);
+        }
+    });
+}
+
+void print(const QByteArray& text)
+{
+    (void)std::printf("%s\n", text.constData());
+}
+
+/// All at once, since a silent hop takes nine seconds; then what `traceroute` has to say.
+int traceAll(const QStringList& hosts)
+{
+    if (!dropPrivileges())
+        return 1;
+    std::array<QUdpSocket, TracerouteService::probesPerHop> listeners;
+    for (size_t i = 0; i < listeners.size(); ++i)
+        answerAt(listeners[i], u"127.0.0.5"_s, quint16(33435 + i));
+    base::SystemClock clock;
+    net::SocketHopProbes network(clock);
+    std::vector<std::unique_ptr<TracerouteService>> services;
+    for (const auto& each : hosts) {
+        services.push_back(std::make_unique<TracerouteService>(clock, network));
+        services.back()->startTrace(QString::fromUtf8(QByteArray::fromHex(each.toLatin1())));
+    }
+    const auto isRunning = [](const auto& service) { return service->isRunning(); };
+    if (!QTest::qWaitFor([&] { return std::ranges::none_of(services, isRunning); }, kTraceLimitMs))
+        return 1;
+    for (const auto& each : services)
+        print(line(each->targetHost(), each->hops()));
+    for (const QString& address : {u"10.0.4.2"_s, u"fd00:4::2"_s}) {
+        QProcess tool;
+        tool.start(u"traceroute"_s, {u"-n"_s, u"-q1"_s, u"-w1"_s, u"-m9"_s, address});
+        if (!tool.waitForFinished() || tool.exitCode() != 0)
+            return 1;
+        print("traceroute:" + address.toUtf8() + ' '
+            + hopsOfTraceroute(tool.readAll()).join(u' ').toUtf8());
+    }
+    return 0;
+}
+
 } // namespace
 
 /// The real service on real sockets and routes, as a user without any privilege.
 class TestTraceroutePath : public QObject {
     Q_OBJECT
+
+public:
+    static std::optional<int> runAs(const QStringList& arguments)
+    {
+        if (arguments.isEmpty() || arguments[0] != QLatin1StringView(kTraceAll))
+            return {};
+        const int failure = enterChain();
+        return failure != 0 ? failure : traceAll(arguments.mid(1));
+    }
 
 private Q_SLOTS:
     void initTestCase()
@@ -110,7 +194,7 @@ private Q_SLOTS:
         QProcess child;
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         child.start(QCoreApplication::applicationFilePath(),
-            QStringList {QString::fromLatin1(kTraceAll)} + hosts);
+            QStringList {u"traceroute_path"_s, QString::fromLatin1(kTraceAll)} + hosts);
         QVERIFY(child.waitForFinished(kTraceLimitMs + 10'000));
         if (child.exitCode() == kNoNamespace)
             QSKIP("no namespaces to be had");
@@ -185,93 +269,6 @@ private:
     QHash<QString, QStringList> m_found; ///< by the host in hexadecimal
 };
 
-namespace {
-
-/// Into a world of its own.
-int enterChain()
-{
-    if (::unshare(CLONE_NEWNET | CLONE_NEWNS) != 0)
-        return kNoNamespace;
-    QTemporaryFile hosts;
-    if (!hosts.open() || hosts.write(kHosts) < 0 || !hosts.flush()
-        || !hosts.setPermissions(QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther))
-        return 1;
-    QProcess shell;
-    shell.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    shell.start(u"sh"_s, {u"-c"_s, QString::fromLatin1(kChain), u"sh"_s, hosts.fileName()});
-    return shell.waitForFinished() ? shell.exitCode() : 1;
-}
-
-bool dropPrivileges()
-{
-    if (::setgroups(0, nullptr) != 0 || ::setresgid(kNobody, kNobody, kNobody) != 0
-        || ::setresuid(kNobody, kNobody, kNobody) != 0)
-        return false;
-    return ::prctl(PR_SET_DUMPABLE, 1) == 0; // or no leak could be looked for any more
-}
-
-/// Answers whatever comes in kind.
-void answerAt(QUdpSocket& socket, const QString& address, quint16 port)
-{
-    if (!socket.bind(QHostAddress(address), port))
-        qFatal("no port on loopback");
-    QObject::connect(&socket, &QUdpSocket::readyRead, &socket, [&socket] {
-        QHostAddress sender;
-        quint16 senderPort = 0;
-        while (socket.hasPendingDatagrams()) {
-            socket.readDatagram(nullptr, 0, &sender, &senderPort);
-            socket.writeDatagram("here", 4, sender, senderPort);
-        }
-    });
-}
-
-void print(const QByteArray& text)
-{
-    (void)std::printf("%s\n", text.constData());
-}
-
-/// All at once, since a silent hop takes nine seconds; then what `traceroute` has to say.
-int traceAll(const QStringList& hosts)
-{
-    if (!dropPrivileges())
-        return 1;
-    std::array<QUdpSocket, TracerouteService::probesPerHop> listeners;
-    for (size_t i = 0; i < listeners.size(); ++i)
-        answerAt(listeners[i], u"127.0.0.5"_s, quint16(33435 + i));
-    platform::SystemClock clock;
-    platform::SocketHopProbes network(clock);
-    std::vector<std::unique_ptr<TracerouteService>> services;
-    for (const auto& each : hosts) {
-        services.push_back(std::make_unique<TracerouteService>(clock, network));
-        services.back()->startTrace(QString::fromUtf8(QByteArray::fromHex(each.toLatin1())));
-    }
-    const auto isRunning = [](const auto& service) { return service->isRunning(); };
-    if (!QTest::qWaitFor([&] { return std::ranges::none_of(services, isRunning); }, kTraceLimitMs))
-        return 1;
-    for (const auto& each : services)
-        print(line(each->targetHost(), each->hops()));
-    for (const QString& address : {u"10.0.4.2"_s, u"fd00:4::2"_s}) {
-        QProcess tool;
-        tool.start(u"traceroute"_s, {u"-n"_s, u"-q1"_s, u"-w1"_s, u"-m9"_s, address});
-        if (!tool.waitForFinished() || tool.exitCode() != 0)
-            return 1;
-        print("traceroute:" + address.toUtf8() + ' '
-            + hopsOfTraceroute(tool.readAll()).join(u' ').toUtf8());
-    }
-    return 0;
-}
-
-} // namespace
-
-int main(int argc, char** argv)
-{
-    QCoreApplication application(argc, argv);
-    if (argc > 1 && qstrcmp(argv[1], kTraceAll) == 0) {
-        const int failure = enterChain();
-        return failure != 0 ? failure : traceAll(QCoreApplication::arguments().mid(2));
-    }
-    TestTraceroutePath test;
-    return QTest::qExec(&test, argc, argv);
-}
+NETVANE_TEST(TestTraceroutePath)
 
 #include "test_traceroute_path.moc"

@@ -2,6 +2,7 @@
 #include "probes/probe_targets.h"
 #include "support/fake_connections.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -246,5 +247,5 @@ private:
     std::unique_ptr<TracerouteService> m_service;
 };
 
-QTEST_GUILESS_MAIN(TestTracerouteService)
+NETVANE_TEST(TestTracerouteService)
 #include "test_traceroute_service.moc"

@@ -3,6 +3,7 @@
 #include "support/fake_user_defaults.h"
 #include "support/fake_user_notifications.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -270,5 +271,5 @@ private:
     std::unique_ptr<NetworkNotificationService> m_service;
 };
 
-QTEST_GUILESS_MAIN(TestNetworkNotificationService)
+NETVANE_TEST(TestNetworkNotificationService)
 #include "test_network_notification_service.moc"

@@ -1,5 +1,6 @@
 #include "insights/onboarding_service.h"
 #include "support/fake_user_defaults.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -43,5 +44,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestOnboardingService)
+NETVANE_TEST(TestOnboardingService)
 #include "test_onboarding_service.moc"

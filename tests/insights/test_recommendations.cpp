@@ -1,4 +1,5 @@
 #include "insights/recommendations.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -67,5 +68,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestRecommendations)
+NETVANE_TEST(TestRecommendations)
 #include "test_recommendations.moc"

@@ -3,6 +3,7 @@
 #include "support/fake_report_exits.h"
 #include "support/manual_clock.h"
 #include "support/settle.h"
+#include "support/test_main.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -120,7 +121,7 @@ private:
     test::FakeClipboard m_clipboard;
     test::FakeSavePanel m_savePanel;
     test::FakeSharePicker m_sharePicker;
-    platform::WorkQueue m_queue;
+    base::WorkQueue m_queue;
     std::optional<insights::ReportInputs> m_readings;
     QList<bool> m_completions;
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -128,5 +129,5 @@ private:
         [this] { return m_readings; }, m_clock, m_queue, {m_clipboard, m_savePanel, m_sharePicker}};
 };
 
-QTEST_GUILESS_MAIN(TestReportService)
+NETVANE_TEST(TestReportService)
 #include "test_report_service.moc"

@@ -1,5 +1,6 @@
+#include "base/visible_text.h"
 #include "insights/report_text.h"
-#include "platform/visible_text.h"
+#include "support/test_main.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -42,8 +43,8 @@ ReportInputs everything()
 ReportInputs hostile()
 {
     ReportInputs inputs;
-    inputs.wifi = wifi::WiFiInfo {
-        .ssid = platform::ssidText("<b>&amp;\"x\"](http://e)\n## \xe2\x80\xae\xff")};
+    inputs.wifi
+        = wifi::WiFiInfo {.ssid = base::ssidText("<b>&amp;\"x\"](http://e)\n## \xe2\x80\xae\xff")};
     inputs.router = probes::NetworkMetrics {.ping = 12.345};
     inputs.internet = probes::NetworkMetrics {};
     inputs.dnsServer = u"\x1b[2J\n## Speed Test"_s;
@@ -148,5 +149,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestReportText)
+NETVANE_TEST(TestReportText)
 #include "test_report_text.moc"

@@ -47,7 +47,7 @@ def check_installed(prefix):
             assert shutil.which(key(entry, name), path=prefix / "bin"), f"{entry.name}: {name} leads nowhere"
         assert list(prefix.glob(f"share/icons/hicolor/*/apps/{key(entry, 'Icon')}.svg")), f"{entry.name}: no icon"
     # The status item asks for its icon by this name.
-    name = re.search(r'u"(org\.netvane\.Netvane[^"]*)"', (sources / "src/app/antenna_icon.cpp").read_text())[1]
+    name = re.search(r'u"(org\.netvane\.Netvane[^"]*)"', (sources / "src/shell/antenna_icon.cpp").read_text())[1]
     assert (prefix / f"share/icons/hicolor/symbolic/apps/{name}.svg").exists(), name
 
 

@@ -1,9 +1,10 @@
-#include "platform/linux/qt_http_client.h"
-#include "platform/work_queues.h"
+#include "base/work_queues.h"
+#include "net/qt_http_client.h"
 #include "probes/captive_portal_service.h"
 #include "support/fake_http_client.h"
 #include "support/manual_clock.h"
 #include "support/scripted_http_server.h"
+#include "support/test_main.h"
 
 #include <QtTest>
 
@@ -107,7 +108,7 @@ private Q_SLOTS:
         server.script("/login", {httpResponse("200 OK", "", "<form/>")});
         server.script("/moved", {httpResponse("200 OK", "", kPage)});
         server.script("/circle", {httpResponse("302 Found", "Location: /circle\r\n", "")});
-        platform::QtHttpClient http(m_clock, m_queue, ScriptedHttpServer::trustingClient());
+        net::QtHttpClient http(m_clock, m_queue, ScriptedHttpServer::trustingClient());
         probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/probe"));
         service.checkForCaptivePortal();
         if (script.then == Script::Then::Drip) {
@@ -123,7 +124,7 @@ private Q_SLOTS:
     {
         ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
         server.script("/", {httpResponse("200 OK", "", kPage)});
-        platform::QtHttpClient http(m_clock, m_queue); // with the system's authorities
+        net::QtHttpClient http(m_clock, m_queue); // with the system's authorities
         probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/"));
         service.checkForCaptivePortal();
         QTRY_VERIFY(service.isCaptive());
@@ -138,11 +139,11 @@ private:
     }
 
     test::ManualClock m_clock;
-    platform::WorkQueue m_queue;
+    base::WorkQueue m_queue;
     test::FakeHttpClient m_http;
     test::FakeUrlOpener m_opener;
     probes::CaptivePortalService m_service {m_http, m_opener, m_clock, kProbe};
 };
 
-QTEST_GUILESS_MAIN(TestCaptivePortalService)
+NETVANE_TEST(TestCaptivePortalService)
 #include "test_captive_portal_service.moc"

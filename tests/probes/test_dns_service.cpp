@@ -1,9 +1,10 @@
-#include "platform/work_queues.h"
+#include "base/work_queues.h"
 #include "probes/dns_service.h"
 #include "support/captured_log.h"
 #include "support/fake_network_configuration.h"
 #include "support/fake_resolver.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 
 #include <QProcess>
 #include <QtTest>
@@ -20,7 +21,7 @@ constexpr const char* kLeaveWhileHanging = "--leave-while-hanging";
 struct World {
     test::ManualClock clock;
     test::FakeNetworkConfiguration configuration;
-    platform::WorkQueue pool;
+    base::WorkQueue pool;
     probes::NetworkUtils network {configuration, pool};
     std::shared_ptr<test::FakeResolver> resolver = std::make_shared<test::FakeResolver>();
     std::unique_ptr<probes::DNSService> service = std::make_unique<probes::DNSService>(
@@ -31,6 +32,18 @@ struct World {
 
 class TestDNSService : public QObject {
     Q_OBJECT
+
+public:
+    static std::optional<int> runAs(const QStringList& arguments)
+    {
+        if (arguments.isEmpty() || arguments[0] != QLatin1StringView(kLeaveWhileHanging))
+            return {};
+        World world;
+        world.resolver->isHeld = true;
+        world.service->start();
+        const auto begun = [&world] { return world.resolver->calls == 1; };
+        return QTest::qWaitFor(begun) ? 0 : 1;
+    }
 
 private Q_SLOTS:
     void init() { m_world = std::make_unique<World>(); }
@@ -146,8 +159,8 @@ private Q_SLOTS:
     {
         QProcess child;
         child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        child.start(
-            QCoreApplication::applicationFilePath(), {QString::fromLatin1(kLeaveWhileHanging)});
+        child.start(QCoreApplication::applicationFilePath(),
+            {u"dns_service"_s, QString::fromLatin1(kLeaveWhileHanging)});
         QVERIFY(child.waitForFinished(20000));
         QCOMPARE(child.exitStatus(), QProcess::NormalExit);
         QCOMPARE(child.exitCode(), 0);
@@ -157,22 +170,6 @@ private:
     std::unique_ptr<World> m_world;
 };
 
-static int leaveWhileHanging()
-{
-    World world;
-    world.resolver->isHeld = true;
-    world.service->start();
-    const auto begun = [&world] { return world.resolver->calls == 1; };
-    return QTest::qWaitFor(begun) ? 0 : 1;
-}
-
-int main(int argc, char** argv)
-{
-    QCoreApplication application(argc, argv);
-    if (argc > 1 && qstrcmp(argv[1], kLeaveWhileHanging) == 0)
-        return leaveWhileHanging();
-    TestDNSService test;
-    return QTest::qExec(&test, argc, argv);
-}
+NETVANE_TEST(TestDNSService)
 
 #include "test_dns_service.moc"

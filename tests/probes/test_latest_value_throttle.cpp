@@ -1,5 +1,6 @@
 #include "probes/latest_value_throttle.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -53,5 +54,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestLatestValueThrottle)
+NETVANE_TEST(TestLatestValueThrottle)
 #include "test_latest_value_throttle.moc"

@@ -1,4 +1,5 @@
 #include "probes/network_metrics.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -78,5 +79,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestNetworkMetrics)
+NETVANE_TEST(TestNetworkMetrics)
 #include "test_network_metrics.moc"

@@ -1,6 +1,7 @@
 #include "probes/network_utils.h"
 #include "support/fake_network_configuration.h"
 #include "support/settle.h"
+#include "support/test_main.h"
 
 #include <QThread>
 #include <QtTest>
@@ -41,7 +42,7 @@ private Q_SLOTS:
     void gatewayIsReadElsewhereAndDeliveredHere()
     {
         SlowConfiguration configuration;
-        platform::WorkQueue pool;
+        base::WorkQueue pool;
         const probes::NetworkUtils network(configuration, pool);
         auto owner = std::make_unique<QObject>();
         std::vector<std::optional<QString>> answers;
@@ -69,5 +70,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestNetworkUtils)
+NETVANE_TEST(TestNetworkUtils)
 #include "test_network_utils.moc"

@@ -2,6 +2,7 @@
 #include "support/captured_log.h"
 #include "support/fake_connections.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -238,5 +239,5 @@ private:
     std::unique_ptr<PingService> m_service;
 };
 
-QTEST_GUILESS_MAIN(TestPingService)
+NETVANE_TEST(TestPingService)
 #include "test_ping_service.moc"

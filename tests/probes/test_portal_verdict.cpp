@@ -1,4 +1,5 @@
 #include "probes/portal_verdict.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -99,5 +100,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestPortalVerdict)
+NETVANE_TEST(TestPortalVerdict)
 #include "test_portal_verdict.moc"

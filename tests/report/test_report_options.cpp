@@ -1,5 +1,6 @@
 #include "report/redaction.h"
 #include "report/report_options.h"
+#include "support/test_main.h"
 
 #include <QTest>
 
@@ -55,5 +56,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestReportOptions)
+NETVANE_TEST(TestReportOptions)
 #include "test_report_options.moc"

@@ -17,14 +17,14 @@ void keep(const QString& line)
 } // namespace
 
 CapturedLog::CapturedLog()
-    : m_previous(platform::setLogSink(keep))
+    : m_previous(base::setLogSink(keep))
 {
     take();
 }
 
 CapturedLog::~CapturedLog()
 {
-    platform::setLogSink(m_previous);
+    base::setLogSink(m_previous);
 }
 
 QStringList CapturedLog::take()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/log.h"
+#include "base/log.h"
 
 #include <QStringList>
 
@@ -16,7 +16,7 @@ public:
     QStringList take();
 
 private:
-    platform::LogSink m_previous;
+    base::LogSink m_previous;
 };
 
 } // namespace netvane::test

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/work_queues.h"
+#include "base/work_queues.h"
 #include "probes/captive_portal_service.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
@@ -12,7 +12,7 @@
 #include "support/fake_resolver.h"
 #include "support/fake_wifi_client.h"
 #include "support/manual_clock.h"
-#include "ui/dashboard_readings.h"
+#include "ui/state/dashboard_readings.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
@@ -23,7 +23,7 @@ namespace netvane::test {
 class DashboardWorld {
 public:
     ManualClock clock;
-    platform::WorkQueue queue;
+    base::WorkQueue queue;
     std::shared_ptr<FakeWiFiInterface> interface = std::make_shared<FakeWiFiInterface>();
     FakeLocationManager locationManager;
     platform::ApplicationActivity activity;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/clock.h"
+#include "base/clock.h"
 #include "platform/hop_probe.h"
 
 #include <atomic>
@@ -21,7 +21,7 @@ public:
         std::atomic<bool> isCancelled = false;
     };
 
-    explicit FakeConnections(const platform::Clock& clock)
+    explicit FakeConnections(const base::Clock& clock)
         : m_clock(clock)
     {
     }
@@ -76,7 +76,7 @@ private:
         std::shared_ptr<Made> m_made;
     };
 
-    const platform::Clock& m_clock;
+    const base::Clock& m_clock;
     std::vector<std::shared_ptr<Made>> m_made;
 };
 

@@ -9,7 +9,7 @@ namespace netvane::test {
 /// A scan that ends when and as the test says.
 class FakeNetworkScanner : public platform::NetworkScanner {
 public:
-    using Networks = platform::Result<std::vector<platform::NearbyNetwork>>;
+    using Networks = base::Result<std::vector<platform::NearbyNetwork>>;
 
     void scan(QObject* owner, DeliverNetworks deliver) override
     {

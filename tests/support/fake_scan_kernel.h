@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/scan_kernel.h"
+#include "radio/scan_kernel.h"
 
 #include <sys/socket.h>
 
@@ -11,7 +11,7 @@ namespace netvane::test {
 
 /// A kernel with one interface, "wlan0", whose events are datagrams that the test sends. The
 /// answers are set before a scan begins.
-class FakeScanKernel : public platform::ScanKernel {
+class FakeScanKernel : public radio::ScanKernel {
 public:
     /// `family` is the number of nl80211 in the events, which are about the interface 3.
     explicit FakeScanKernel(int family)
@@ -25,23 +25,21 @@ public:
             ::close(end);
     }
 
-    platform::Result<platform::ScanGround> prepare() override
+    base::Result<radio::ScanGround> prepare() override
     {
         if (absence)
             return *absence;
-        return platform::ScanGround {{3, QStringLiteral("wlan0")},
-            std::make_shared<platform::ScanEvents>(
-                platform::FileDescriptor(::dup(m_ends[0])), m_family)};
+        return radio::ScanGround {{3, QStringLiteral("wlan0")},
+            std::make_shared<radio::ScanEvents>(base::FileDescriptor(::dup(m_ends[0])), m_family)};
     }
-    platform::Result<std::monostate> trigger(const platform::ScanInterface&) override
+    base::Result<std::monostate> trigger(const radio::ScanInterface&) override
     {
         ++triggers;
         if (refusal)
             return *refusal;
         return std::monostate {};
     }
-    platform::Result<std::vector<platform::BssRecord>> readTable(
-        const platform::ScanInterface&) override
+    base::Result<std::vector<radio::BssRecord>> readTable(const radio::ScanInterface&) override
     {
         ++reads;
         if (unreadable)
@@ -55,10 +53,10 @@ public:
             = ::send(m_ends[1], datagram.constData(), size_t(datagram.size()), 0);
     }
 
-    std::optional<platform::Failure> absence;
-    std::optional<platform::Failure> refusal;
-    std::optional<platform::Failure> unreadable;
-    std::vector<platform::BssRecord> table {{.frequencyMhz = 2437, .bssid = "\2\0\0\0\0"}};
+    std::optional<base::Failure> absence;
+    std::optional<base::Failure> refusal;
+    std::optional<base::Failure> unreadable;
+    std::vector<radio::BssRecord> table {{.frequencyMhz = 2437, .bssid = "\2\0\0\0\0"}};
     std::atomic<int> triggers = 0;
     std::atomic<int> reads = 0;
 

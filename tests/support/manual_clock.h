@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/manual_clock.h"
+#include "simulated/manual_clock.h"
 
 namespace netvane::test {
 
-using platform::ManualClock;
+using simulated::ManualClock;
 
 } // namespace netvane::test

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "platform/work_queues.h"
+#include "base/work_queues.h"
 
 #include <QCoreApplication>
 
 namespace netvane::test {
 
 /// Lets work on `queue` end and its results arrive, until nothing is left of either.
-inline void settle(platform::WorkQueue& queue)
+inline void settle(base::WorkQueue& queue)
 {
     for (int round = 0; round < 4; ++round) {
         queue.waitForDone();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "fake_appearance.h"
-#include "ui/theme.h"
+#include "ui/painting/theme.h"
 #include "ui/view_engine.h"
 
 #include <QQuickItem>

@@ -1,8 +1,9 @@
 #include "support/dashboard_world.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/captive_portal_state.h"
-#include "ui/error_message_state.h"
-#include "ui/location_permission_state.h"
+#include "ui/state/captive_portal_state.h"
+#include "ui/state/error_message_state.h"
+#include "ui/state/location_permission_state.h"
 
 #include <QTest>
 
@@ -93,5 +94,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestBannerViews)
+NETVANE_TEST(TestBannerViews)
 #include "test_banner_views.moc"

@@ -1,5 +1,6 @@
-#include "ui/bar_chart.h"
-#include "ui/bar_chart_layout.h"
+#include "support/test_main.h"
+#include "ui/painting/bar_chart.h"
+#include "ui/painting/bar_chart_layout.h"
 
 #include <QImage>
 #include <QPainter>
@@ -120,5 +121,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestBarChart)
+NETVANE_TEST(TestBarChart)
 #include "test_bar_chart.moc"

@@ -4,8 +4,9 @@
 #include "support/fake_location_manager.h"
 #include "support/fake_network_scanner.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/channel_analysis_state.h"
+#include "ui/state/channel_analysis_state.h"
 #include "wifi/location_permission_service.h"
 
 #include <QSignalSpy>
@@ -178,5 +179,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestChannelAnalysisView)
+NETVANE_TEST(TestChannelAnalysisView)
 #include "test_channel_analysis_view.moc"

@@ -1,5 +1,6 @@
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/smooth_curve.h"
+#include "ui/painting/smooth_curve.h"
 
 #include <QAccessible>
 #include <QPainter>
@@ -93,5 +94,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestComponents)
+NETVANE_TEST(TestComponents)
 #include "test_components.moc"

@@ -1,7 +1,8 @@
 #include "support/dashboard_world.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/connection_status.h"
-#include "ui/connection_summary_state.h"
+#include "ui/state/connection_status.h"
+#include "ui/state/connection_summary_state.h"
 
 #include <QTest>
 
@@ -91,5 +92,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestConnectionSummaryView)
+NETVANE_TEST(TestConnectionSummaryView)
 #include "test_connection_summary_view.moc"

@@ -1,7 +1,8 @@
 #include "support/dashboard_world.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/network_info_state.h"
-#include "ui/signal_accent.h"
+#include "ui/state/network_info_state.h"
+#include "ui/state/signal_accent.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -86,5 +87,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestNetworkInfoView)
+NETVANE_TEST(TestNetworkInfoView)
 #include "test_network_info_view.moc"

@@ -3,8 +3,9 @@
 #include "support/fake_http_client.h"
 #include "support/fake_location_manager.h"
 #include "support/fake_user_defaults.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/onboarding_state.h"
+#include "ui/state/onboarding_state.h"
 #include "wifi/location_permission_service.h"
 
 #include <QSignalSpy>
@@ -138,5 +139,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestOnboardingView)
+NETVANE_TEST(TestOnboardingView)
 #include "test_onboarding_view.moc"

@@ -1,7 +1,8 @@
 #include "support/dashboard_world.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/dns_state.h"
-#include "ui/performance_state.h"
+#include "ui/state/dns_state.h"
+#include "ui/state/performance_state.h"
 
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -198,5 +199,5 @@ private:
     std::vector<NetworkMetrics> m_history;
 };
 
-QTEST_MAIN(TestPerformanceView)
+NETVANE_TEST(TestPerformanceView)
 #include "test_performance_view.moc"

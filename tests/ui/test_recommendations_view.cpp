@@ -1,6 +1,7 @@
 #include "support/dashboard_world.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/recommendations_state.h"
+#include "ui/state/recommendations_state.h"
 
 #include <QTest>
 
@@ -43,5 +44,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestRecommendationsView)
+NETVANE_TEST(TestRecommendationsView)
 #include "test_recommendations_view.moc"

@@ -1,5 +1,6 @@
 #include "support/manual_clock.h"
-#include "ui/relative_time.h"
+#include "support/test_main.h"
+#include "ui/state/relative_time.h"
 
 #include <QTest>
 
@@ -67,5 +68,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestRelativeTime)
+NETVANE_TEST(TestRelativeTime)
 #include "test_relative_time.moc"

@@ -4,8 +4,9 @@
 #include "support/fake_http_transfers.h"
 #include "support/fake_user_defaults.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/speed_test_state.h"
+#include "ui/state/speed_test_state.h"
 
 #include <QTest>
 
@@ -150,5 +151,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestSpeedTestView)
+NETVANE_TEST(TestSpeedTestView)
 #include "test_speed_test_view.moc"

@@ -1,8 +1,9 @@
 #include "diagnostics/traceroute_service.h"
 #include "support/fake_connections.h"
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/traceroute_state.h"
+#include "ui/state/traceroute_state.h"
 
 #include <QTest>
 
@@ -148,5 +149,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestTracerouteView)
+NETVANE_TEST(TestTracerouteView)
 #include "test_traceroute_view.moc"

@@ -1,6 +1,7 @@
 #include "support/dashboard_world.h"
+#include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/wifi_metrics_state.h"
+#include "ui/state/wifi_metrics_state.h"
 
 #include <QTest>
 
@@ -97,5 +98,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TestWiFiMetricsView)
+NETVANE_TEST(TestWiFiMetricsView)
 #include "test_wifi_metrics_view.moc"

@@ -1,5 +1,6 @@
 #include "support/captured_log.h"
 #include "support/fake_location_manager.h"
+#include "support/test_main.h"
 #include "wifi/location_permission_service.h"
 
 #include <QSignalSpy>
@@ -113,5 +114,5 @@ private:
     std::unique_ptr<test::FakeLocationManager> m_manager;
 };
 
-QTEST_GUILESS_MAIN(TestLocationPermissionService)
+NETVANE_TEST(TestLocationPermissionService)
 #include "test_location_permission_service.moc"

@@ -1,3 +1,4 @@
+#include "support/test_main.h"
 #include "wifi/wifi_info.h"
 
 #include <QTest>
@@ -69,5 +70,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestWiFiInfo)
+NETVANE_TEST(TestWiFiInfo)
 #include "test_wifi_info.moc"

@@ -1,4 +1,5 @@
 #include "support/manual_clock.h"
+#include "support/test_main.h"
 #include "wifi/wifi_metrics_history.h"
 
 #include <QSignalSpy>
@@ -78,5 +79,5 @@ private:
     test::ManualClock m_clock;
 };
 
-QTEST_GUILESS_MAIN(TestWiFiMetricsHistory)
+NETVANE_TEST(TestWiFiMetricsHistory)
 #include "test_wifi_metrics_history.moc"

@@ -3,6 +3,7 @@
 #include "support/fake_wifi_client.h"
 #include "support/manual_clock.h"
 #include "support/settle.h"
+#include "support/test_main.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 #include "wifi/wifi_snapshot_observer.h"
@@ -302,8 +303,8 @@ private:
     std::shared_ptr<test::FakeWiFiInterface> m_interface;
     std::shared_ptr<test::FakeWiFiClient> m_client;
     std::unique_ptr<LocationPermissionService> m_permission;
-    platform::WorkQueue m_queue;
+    base::WorkQueue m_queue;
 };
 
-QTEST_GUILESS_MAIN(TestWiFiService)
+NETVANE_TEST(TestWiFiService)
 #include "test_wifi_service.moc"

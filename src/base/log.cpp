@@ -1,0 +1,99 @@
+#include "base/log.h"
+
+#include "base/visible_text.h"
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <syslog.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <climits>
+#include <cstring>
+
+namespace netvane::base {
+namespace {
+
+// Of UTF-16; in UTF-8 it then is what a pipe takes whole or not at all (pipe(7)), line feed
+// included.
+constexpr qsizetype kLongestLine = PIPE_BUF / 3 - 1;
+
+std::atomic<LogSink> g_sink = nullptr;
+
+/// A descriptor that is closed when the program starts would be given to the first thing that is
+/// opened, a connection say, and with it all that is written to standard error.
+bool openStandardDescriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) != descriptor)
+            return false;
+    }
+    return true;
+}
+
+// Before main, since libraries open things, too.
+[[maybe_unused]] const bool g_standardDescriptorsAreOpen = openStandardDescriptors();
+
+/// systemd.exec(5): JOURNAL_STREAM holds "device:inode" of the stream that is the journal.
+bool isJournal(int descriptor)
+{
+    struct stat status { };
+    if (::fstat(descriptor, &status) != 0)
+        return false;
+    const QByteArray stream = QByteArray::number(qulonglong(status.st_dev)) + ':'
+        + QByteArray::number(qulonglong(status.st_ino));
+    return qgetenv("JOURNAL_STREAM") == stream;
+}
+
+/// What syslog(3) does, but without ever waiting for a log daemon that does not read.
+void sendToSystemLog(const QByteArray& line)
+{
+    static const int s_socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (s_socket < 0)
+        return;
+    sockaddr_un address {.sun_family = AF_UNIX, .sun_path = "/dev/log"};
+    const QByteArray message = '<' + QByteArray::number(LOG_USER | LOG_INFO) + ">netvane["
+        + QByteArray::number(::getpid()) + "]: " + line;
+    ::sendto(s_socket, message.constData(), size_t(message.size()), MSG_NOSIGNAL,
+        reinterpret_cast<const sockaddr*>(&address), sizeof address);
+}
+
+void writeToStandardError(const QByteArray& line)
+{
+    // A reader that is stuck, or a terminal that was stopped, shall not stop the program.
+    pollfd writable {.fd = STDERR_FILENO, .events = POLLOUT};
+    if (::poll(&writable, 1, 0) != 1)
+        return;
+    // One write, so that lines of different threads never mix. A standard error that is closed or
+    // full is nothing to report anywhere.
+    const QByteArray whole = line + '\n';
+    [[maybe_unused]] const auto written
+        = ::write(STDERR_FILENO, whole.constData(), size_t(whole.size()));
+}
+
+} // namespace
+
+void log(const QString& line)
+{
+    const QString visible = withVisibleControls(line).left(kLongestLine);
+    if (const auto sink = g_sink.load()) {
+        sink(visible);
+        return;
+    }
+    const QByteArray bytes = visible.toUtf8();
+    writeToStandardError(bytes);
+    static const bool s_journalReads = isJournal(STDERR_FILENO);
+    if (!s_journalReads)
+        sendToSystemLog(bytes);
+}
+
+LogSink setLogSink(LogSink sink)
+{
+    return g_sink.exchange(sink);
+}
+
+} // namespace netvane::base

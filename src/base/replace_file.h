@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace netvane::base {
+
+enum class FileAccess {
+    Default, ///< as the user's umask has it
+    OwnerOnly,
+};
+
+/// Puts `content` in the place of the file at `path`, wholly or not at all: a temporary file beside
+/// it, fsync(2), rename(2). An existing file keeps its permissions, a new one gets `access`.
+/// Returns what went wrong in the system's words, empty when nothing did. Waits for the disk.
+[[nodiscard]] QString replaceFile(
+    const QString& path, const QByteArray& content, FileAccess access = FileAccess::Default);
+
+} // namespace netvane::base

@@ -1,0 +1,33 @@
+#include "bus/bus_answer.h"
+
+#include <QDBusPendingCallWatcher>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::bus {
+
+void askBus(const QDBusConnection& bus, const QDBusMessage& call, int limitMs, QObject* owner,
+    std::function<void(const QDBusMessage&)> take)
+{
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, limitMs), owner);
+    QObject::connect(
+        watcher, &QDBusPendingCallWatcher::finished, owner, [watcher, take = std::move(take)] {
+            watcher->deleteLater();
+            take(watcher->reply());
+        });
+}
+
+bool isNobodyThere(const QDBusMessage& answer)
+{
+    return answer.errorName() == "org.freedesktop.DBus.Error.ServiceUnknown"_L1
+        || answer.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1;
+}
+
+bool isLate(const QDBusMessage& answer)
+{
+    return answer.errorName() == "org.freedesktop.DBus.Error.NoReply"_L1
+        || answer.errorName() == "org.freedesktop.DBus.Error.Timeout"_L1
+        || answer.errorName() == "org.freedesktop.DBus.Error.Disconnected"_L1;
+}
+
+} // namespace netvane::bus

@@ -1,0 +1,106 @@
+#include "bus/bus_link.h"
+
+#include "base/background_work.h"
+#include "bus/bus_probe.h"
+
+#include <QFile>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace netvane::bus {
+namespace {
+
+// A machine without a bus stays so, mostly: after the first tries once a minute is enough.
+constexpr std::chrono::milliseconds kRetryDelays[] = {1s, 2s, 5s, 15s, 60s};
+
+/// Where the bus listens (D-Bus, "Well-known message bus instances"); empty
+/// when it would have to be started.
+QByteArray addressOf(QDBusConnection::BusType bus)
+{
+    const bool isSystem = bus == QDBusConnection::SystemBus;
+    QByteArray told = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS");
+    if (!told.isEmpty())
+        return told;
+    if (isSystem)
+        return "unix:path=/var/run/dbus/system_bus_socket"_ba;
+    const QByteArray ofUser = qgetenv("XDG_RUNTIME_DIR") + "/bus";
+    return QFile::exists(QFile::decodeName(ofUser)) ? "unix:path=" + ofUser : QByteArray();
+}
+
+QString nextConnectionName()
+{
+    static int s_count = 0;
+    return u"netvane-%1"_s.arg(++s_count);
+}
+
+} // namespace
+
+BusLink::BusLink(QDBusConnection::BusType bus, base::Clock& clock, base::WorkQueue& queue)
+    : m_bus(bus)
+    , m_clock(clock)
+    , m_queue(queue)
+{
+    connectToBus();
+}
+
+BusLink::~BusLink()
+{
+    drop();
+}
+
+void BusLink::connectToBus()
+{
+    using Connection = std::optional<QDBusConnection>;
+    const auto connectNow = [bus = m_bus, address = addressOf(m_bus),
+                                name = nextConnectionName()]() -> Connection {
+        if (!isBusAwake(address))
+            return {};
+        return QDBusConnection::connectToBus(bus, name);
+    };
+    base::runInBackground(m_queue, this, connectNow,
+        [this](const Connection& connection) { take(connection); });
+}
+
+void BusLink::take(const std::optional<QDBusConnection>& connection)
+{
+    m_connection = connection;
+    // In this order, so that a bus cannot go unnoticed in between.
+    const bool watched = m_connection
+        && m_connection->connect(QString(), u"/org/freedesktop/DBus/Local"_s,
+            u"org.freedesktop.DBus.Local"_s, u"Disconnected"_s, this, SLOT(handleDisconnected()))
+        && m_connection->isConnected();
+    if (!watched) {
+        handleDisconnected();
+        return;
+    }
+    m_attempts = 0;
+    setState(State::Connected);
+}
+
+void BusLink::handleDisconnected()
+{
+    drop();
+    const auto delay
+        = kRetryDelays[std::min<size_t>(size_t(m_attempts++), std::size(kRetryDelays) - 1)];
+    m_retry = m_clock.after(delay, [this] { connectToBus(); });
+    setState(State::Absent);
+}
+
+void BusLink::drop()
+{
+    if (!m_connection)
+        return;
+    QDBusConnection::disconnectFromBus(m_connection->name());
+    m_connection.reset();
+}
+
+void BusLink::setState(State state)
+{
+    if (m_state == state)
+        return;
+    m_state = state;
+    Q_EMIT stateChanged();
+}
+
+} // namespace netvane::bus

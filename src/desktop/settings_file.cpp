@@ -1,0 +1,174 @@
+#include "desktop/settings_file.h"
+
+#include "base/background_work.h"
+#include "base/log.h"
+#include "base/replace_file.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QStandardPaths>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::desktop {
+namespace {
+
+/// Twenty speed tests are some 5 KB; what is larger was not written by us.
+constexpr qint64 kMaximumBytes = qint64(1024) * 1024;
+
+SettingsContent unreachable(const QString& problem)
+{
+    return {SettingsContent::State::Unreachable, {}, problem};
+}
+
+SettingsContent readSettings(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists() && !info.isSymbolicLink())
+        return {};
+    // Opening a pipe or a device could wait for ever.
+    if (!info.isFile())
+        return unreachable(u"not a plain file"_s);
+    if (info.size() > kMaximumBytes)
+        return unreachable(u"too large"_s);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return unreachable(file.errorString());
+    const QByteArray bytes = file.read(kMaximumBytes);
+    // A disk that fails halfway leaves less than there is, which must not become all there is.
+    return file.error() == QFileDevice::NoError ? settingsContent(bytes)
+                                                : unreachable(file.errorString());
+}
+
+/// Returns what went wrong, or nothing.
+QString writeSettings(const QString& path, const QJsonObject& values)
+{
+    if (!QDir().mkpath(QFileInfo(path).absolutePath()))
+        return u"the folder cannot be made"_s;
+    // Names of networks and times of tests are nobody else's business.
+    return replaceFile(path, QJsonDocument(values).toJson(), base::FileAccess::OwnerOnly);
+}
+
+/// A copy that keeps what was in a broken file.
+QString setAside(const QString& path)
+{
+    const QString copy
+        = path + u".broken-"_s + QString::number(QDateTime::currentMSecsSinceEpoch());
+    return QFile::copy(path, copy) ? QString() : u"the broken file cannot be set aside"_s;
+}
+
+} // namespace
+
+SettingsContent settingsContent(const QByteArray& bytes)
+{
+    if (bytes.trimmed().isEmpty())
+        return {};
+    QJsonParseError error;
+    const auto document = QJsonDocument::fromJson(bytes, &error);
+    if (document.isObject())
+        return {SettingsContent::State::Readable, document.object(), {}};
+    const bool isJson = error.error == QJsonParseError::NoError;
+    return {SettingsContent::State::Broken, {}, isJson ? u"not an object"_s : error.errorString()};
+}
+
+SettingsFile::SettingsFile(QString path)
+    : m_path(std::move(path))
+    , m_content(readSettings(m_path))
+    , m_isBroken(std::make_shared<bool>(m_content.state == SettingsContent::State::Broken))
+{
+    if (m_content.state != SettingsContent::State::Readable)
+        base::log(u"Settings: the file cannot be used: "_s + m_content.problem);
+}
+
+SettingsFile::~SettingsFile()
+{
+    if (m_isStoreDue)
+        store();
+    m_writer.waitForDone();
+}
+
+QString SettingsFile::defaultPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
+        + u"/settings.json"_s;
+}
+
+std::optional<bool> SettingsFile::boolean(const QString& key) const
+{
+    const auto value = m_content.values.value(key);
+    return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
+}
+
+std::optional<QString> SettingsFile::text(const QString& key) const
+{
+    const auto value = m_content.values.value(key);
+    return value.isString() ? std::optional(value.toString()) : std::nullopt;
+}
+
+void SettingsFile::setBoolean(const QString& key, bool value)
+{
+    set(key, value);
+}
+
+void SettingsFile::setText(const QString& key, const QString& value)
+{
+    set(key, value);
+}
+
+void SettingsFile::remove(const QString& key)
+{
+    set(key, QJsonValue(QJsonValue::Undefined));
+}
+
+void SettingsFile::set(const QString& key, const QJsonValue& value)
+{
+    if (m_content.values.value(key) == value)
+        return;
+    // An undefined value takes the key away.
+    m_content.values.insert(key, value);
+    storeSoon();
+}
+
+/// One write for all that is set in the same turn of the event loop.
+void SettingsFile::storeSoon()
+{
+    if (m_content.state == SettingsContent::State::Unreachable || std::exchange(m_isStoreDue, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (m_isStoreDue)
+                store();
+        },
+        Qt::QueuedConnection);
+}
+
+void SettingsFile::store()
+{
+    m_isStoreDue = false;
+    base::runInBackground(
+        m_writer, this,
+        [path = m_path, values = m_content.values, isBroken = m_isBroken] {
+            if (*isBroken) {
+                if (QString problem = setAside(path); !problem.isEmpty())
+                    return problem;
+                *isBroken = false;
+            }
+            return writeSettings(path, values);
+        },
+        [this](const QString& problem) { handleStored(problem); });
+}
+
+void SettingsFile::handleStored(const QString& problem)
+{
+    // Told once for each reason, not for each value.
+    if (!problem.isEmpty() && problem != m_lastProblem)
+        base::log(u"Settings: could not be stored: "_s + problem);
+    m_lastProblem = problem;
+    Q_EMIT stored();
+}
+
+} // namespace netvane::desktop

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/network_configuration.h"
+
+namespace netvane::net {
+
+/// The files that say how the network is set up.
+struct NetworkFiles {
+    QString resolvConf = QStringLiteral("/etc/resolv.conf");
+    /// Where systemd-resolved writes the servers that stand behind its own stub at 127.0.0.53.
+    QString resolvedUpstreams = QStringLiteral("/run/systemd/resolve/resolv.conf");
+    /// The interfaces of this process's network namespace. Unlike the netlink dump behind
+    /// getifaddrs it never waits for the lock that a driver may hold.
+    QString interfaces = QStringLiteral("/proc/net/dev");
+};
+
+/// The IPv4 routes of the kernel's main table (rtnetlink, RTM_GETROUTE), the resolver's files and
+/// the kernel's list of interfaces.
+class LinuxNetworkConfiguration : public platform::NetworkConfiguration {
+public:
+    explicit LinuxNetworkConfiguration(NetworkFiles files = {})
+        : m_files(std::move(files))
+    {
+    }
+
+    std::optional<QString> defaultRouter() override;
+    QStringList dnsServers() override;
+    QStringList interfaceNames() override;
+
+private:
+    const NetworkFiles m_files;
+};
+
+} // namespace netvane::net

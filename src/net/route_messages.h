@@ -1,0 +1,55 @@
+#pragma once
+
+#include "netlink/netlink_attributes.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace netvane::net {
+
+// What the answers of rtnetlink (linux/rtnetlink.h, linux/nexthop.h) about IPv4 routes say. Both
+// parsers take what follows a message's netlink header and believe no length in it.
+
+/// RTM_NEWROUTE.
+struct RouteRecord {
+    std::uint32_t table = 0;
+    std::uint8_t type = 0; ///< RTN_UNICAST, RTN_BLACKHOLE, ...
+    std::uint8_t destinationBits = 0; ///< zero: for every destination
+    std::uint8_t typeOfService = 0; ///< not zero: for some packets only
+    std::uint32_t metric = 0; ///< less is preferred
+    std::optional<QString> gateway; ///< IPv4, of the first next hop that has one and is not dead
+    std::optional<std::uint32_t> nextHopId; ///< the route goes through a next hop object
+
+    bool operator==(const RouteRecord&) const = default;
+};
+/// Absent when it is too short, or of another family than IPv4.
+std::optional<RouteRecord> parseRoute(netlink::AttributeBytes message);
+
+/// RTM_NEWNEXTHOP: one next hop, or a group of others.
+struct NextHopRecord {
+    std::uint32_t id = 0;
+    bool dead = false;
+    std::optional<QString> gateway; ///< IPv4
+    std::vector<std::uint32_t> members; ///< of a group, in order
+
+    bool operator==(const NextHopRecord&) const = default;
+};
+/// Absent when it is too short or has no number.
+std::optional<NextHopRecord> parseNextHop(netlink::AttributeBytes message);
+
+/// Whether the route stands for all that no other route of the main table takes.
+bool isDefaultRoute(const RouteRecord& route);
+
+/// Whether the route's gateway, if any, is told by its next hop object alone. The kernel spells the
+/// object out in the route unless net.ipv4.nexthop_compat_mode is off.
+bool needsNextHops(const RouteRecord& route);
+
+/// The gateway of the default route of the lowest metric among those that have one; the first of
+/// several with the same metric, as the kernel does.
+std::optional<QString> defaultRouterOf(
+    const std::vector<RouteRecord>& routes, const std::vector<NextHopRecord>& nextHops);
+
+} // namespace netvane::net

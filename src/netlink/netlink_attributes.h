@@ -1,0 +1,74 @@
+#pragma once
+
+#include "netlink/netlink_socket.h"
+
+#include <QByteArray>
+
+#include <netlink/attr.h>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+
+namespace netvane::netlink {
+
+/// Attributes by number, up to `Max`; what is larger, or not whole, is passed over. Each getter is
+/// absent unless the attribute is there in exactly its size: a driver that gets one wrong loses
+/// that one.
+template <int Max>
+class Attributes {
+public:
+    explicit Attributes(AttributeBytes bytes)
+    {
+        // libnl walks no further than `bytes`, whatever lengths the attributes claim.
+        nla_parse(m_table.data(), Max,
+            reinterpret_cast<nlattr*>(const_cast<std::byte*>(bytes.data())), int(bytes.size()),
+            nullptr);
+    }
+
+    bool has(int number) const { return m_table[size_t(number)] != nullptr; }
+
+    template <typename Number>
+    std::optional<Number> number(int number) const
+    {
+        const nlattr* attribute = m_table[size_t(number)];
+        if (!attribute || nla_len(attribute) != int(sizeof(Number)))
+            return {};
+        Number value {};
+        std::memcpy(&value, nla_data(attribute), sizeof value);
+        return value;
+    }
+
+    /// The payload as it stands; absent without the attribute.
+    std::optional<QByteArray> bytes(int number) const
+    {
+        const nlattr* attribute = m_table[size_t(number)];
+        if (!attribute)
+            return {};
+        return QByteArray(static_cast<const char*>(nla_data(attribute)), nla_len(attribute));
+    }
+
+    /// A text that ends at its first zero byte, or with the attribute.
+    std::optional<QByteArray> text(int number) const
+    {
+        auto whole = bytes(number);
+        if (whole)
+            whole->truncate(qstrnlen(whole->constData(), uint(whole->size())));
+        return whole;
+    }
+
+    /// The attributes inside; empty without the attribute.
+    AttributeBytes nested(int number) const
+    {
+        const nlattr* attribute = m_table[size_t(number)];
+        if (!attribute)
+            return {};
+        return {static_cast<const std::byte*>(nla_data(attribute)), size_t(nla_len(attribute))};
+    }
+
+private:
+    std::array<nlattr*, size_t(Max) + 1> m_table {};
+};
+
+} // namespace netvane::netlink

@@ -1,0 +1,228 @@
+#include "radio/nl80211_messages.h"
+
+#include "base/visible_text.h"
+
+#include <linux/nl80211.h>
+
+#include <algorithm>
+#include <functional>
+
+namespace netvane::radio {
+namespace {
+
+constexpr int kBssidSize = 6;
+constexpr double kMbmPerDbm = 100.0;
+constexpr double kMbpsPerRateUnit = 0.1; // rates count in 100 kbit/s
+
+/// BITRATE32 first: the 16 bits of BITRATE end at 6.5 Gbit/s, and drivers leave it out above that.
+std::optional<double> parseRate(netlink::AttributeBytes attributes)
+{
+    const netlink::Attributes<NL80211_RATE_INFO_MAX> rate(attributes);
+    if (const auto wide = rate.number<std::uint32_t>(NL80211_RATE_INFO_BITRATE32))
+        return *wide * kMbpsPerRateUnit;
+    if (const auto narrow = rate.number<std::uint16_t>(NL80211_RATE_INFO_BITRATE))
+        return *narrow * kMbpsPerRateUnit;
+    return {};
+}
+
+/// An interface with several links has no channel of its own; each link in the list has one.
+std::optional<std::uint32_t> firstLinkFrequency(netlink::AttributeBytes links)
+{
+    const auto* link = reinterpret_cast<const nlattr*>(links.data());
+    for (int left = int(links.size()); nla_ok(link, left); link = nla_next(link, &left)) {
+        const netlink::Attributes<NL80211_ATTR_MAX> attributes(
+            {static_cast<const std::byte*>(nla_data(link)), size_t(nla_len(link))});
+        if (const auto frequency = attributes.number<std::uint32_t>(NL80211_ATTR_WIPHY_FREQ))
+            return frequency;
+    }
+    return {};
+}
+
+bool isAccessPoint(const StationRecord& station)
+{
+    return !station.directPeer && station.associated.value_or(true);
+}
+
+/// The first value that any of the records that count holds: a peer may come in several messages,
+/// one of them with the values and the others empty.
+template <typename Value, typename Record, typename Counts>
+std::optional<Value> firstPresent(
+    const std::vector<Record>& records, Counts counts, std::optional<Value> Record::*member)
+{
+    for (const auto& record : records) {
+        if (std::invoke(counts, record) && record.*member)
+            return record.*member;
+    }
+    return {};
+}
+
+std::optional<int> noiseOf(
+    const std::vector<SurveyRecord>& survey, std::optional<std::uint32_t> frequencyMhz)
+{
+    auto current = std::ranges::find_if(survey, &SurveyRecord::inUse);
+    if (current == survey.end() && frequencyMhz)
+        current = std::ranges::find(survey, frequencyMhz, &SurveyRecord::frequencyMhz);
+    return current == survey.end() ? std::nullopt : current->noiseDbm;
+}
+
+} // namespace
+
+InterfaceRecord parseInterface(netlink::AttributeBytes bytes)
+{
+    const netlink::Attributes<NL80211_ATTR_MAX> attributes(bytes);
+    InterfaceRecord record {
+        .index = attributes.number<std::uint32_t>(NL80211_ATTR_IFINDEX),
+        .name = attributes.text(NL80211_ATTR_IFNAME),
+        .type = attributes.number<std::uint32_t>(NL80211_ATTR_IFTYPE),
+        .ssid = attributes.bytes(NL80211_ATTR_SSID),
+        .frequencyMhz = attributes.number<std::uint32_t>(NL80211_ATTR_WIPHY_FREQ),
+    };
+    if (!record.frequencyMhz)
+        record.frequencyMhz = firstLinkFrequency(attributes.nested(NL80211_ATTR_MLO_LINKS));
+    return record;
+}
+
+StationRecord parseStation(netlink::AttributeBytes bytes)
+{
+    const netlink::Attributes<NL80211_ATTR_MAX> attributes(bytes);
+    const netlink::Attributes<NL80211_STA_INFO_MAX> info(attributes.nested(NL80211_ATTR_STA_INFO));
+    StationRecord record;
+    if (const auto flags = info.number<nl80211_sta_flag_update>(NL80211_STA_INFO_STA_FLAGS)) {
+        const auto isSet
+            = [&flags](int flag) { return (flags->set & flags->mask & (1U << flag)) != 0; };
+        if ((flags->mask & (1U << NL80211_STA_FLAG_ASSOCIATED)) != 0)
+            record.associated = isSet(NL80211_STA_FLAG_ASSOCIATED);
+        record.directPeer = isSet(NL80211_STA_FLAG_TDLS_PEER);
+    }
+    for (const int number : {NL80211_STA_INFO_SIGNAL, NL80211_STA_INFO_SIGNAL_AVG,
+             NL80211_STA_INFO_BEACON_SIGNAL_AVG}) {
+        if (const auto signal = info.number<std::int8_t>(number)) {
+            record.signalDbm = *signal;
+            break;
+        }
+    }
+    if (info.has(NL80211_STA_INFO_TX_BITRATE))
+        record.transmitRateMbps = parseRate(info.nested(NL80211_STA_INFO_TX_BITRATE));
+    return record;
+}
+
+SurveyRecord parseSurvey(netlink::AttributeBytes bytes)
+{
+    const netlink::Attributes<NL80211_ATTR_MAX> attributes(bytes);
+    const netlink::Attributes<NL80211_SURVEY_INFO_MAX> info(
+        attributes.nested(NL80211_ATTR_SURVEY_INFO));
+    return {
+        .frequencyMhz = info.number<std::uint32_t>(NL80211_SURVEY_INFO_FREQUENCY),
+        .noiseDbm = info.number<std::int8_t>(NL80211_SURVEY_INFO_NOISE),
+        .inUse = info.has(NL80211_SURVEY_INFO_IN_USE),
+    };
+}
+
+BssRecord parseBss(netlink::AttributeBytes bytes)
+{
+    const netlink::Attributes<NL80211_ATTR_MAX> attributes(bytes);
+    const netlink::Attributes<NL80211_BSS_MAX> bss(attributes.nested(NL80211_ATTR_BSS));
+    BssRecord record {.frequencyMhz = bss.number<std::uint32_t>(NL80211_BSS_FREQUENCY)};
+    record.seenMsAgo = bss.number<std::uint32_t>(NL80211_BSS_SEEN_MS_AGO);
+    if (auto bssid = bss.bytes(NL80211_BSS_BSSID); bssid && bssid->size() == kBssidSize)
+        record.bssid = std::move(bssid);
+    if (const auto signal = bss.number<std::int32_t>(NL80211_BSS_SIGNAL_MBM))
+        record.signalDbm = qRound(*signal / kMbmPerDbm);
+    record.associated
+        = bss.number<std::uint32_t>(NL80211_BSS_STATUS) == NL80211_BSS_STATUS_ASSOCIATED;
+    // Probe responses name a hidden network that its beacons do not.
+    for (const int number : {NL80211_BSS_INFORMATION_ELEMENTS, NL80211_BSS_BEACON_IES}) {
+        if (const auto elements = bss.bytes(number); elements && !record.ssid)
+            record.ssid = ssidElement(*elements);
+    }
+    return record;
+}
+
+std::optional<QByteArray> ssidElement(const QByteArray& elements)
+{
+    for (qsizetype at = 0; at + 2 <= elements.size();) {
+        const int number = uchar(elements[at]);
+        const qsizetype length = uchar(elements[at + 1]);
+        if (at + 2 + length > elements.size())
+            return {};
+        if (number == 0)
+            return elements.sliced(at + 2, length);
+        at += 2 + length;
+    }
+    return {};
+}
+
+platform::ChannelBand bandOf(std::uint32_t frequencyMhz)
+{
+    if (frequencyMhz >= 5925 && frequencyMhz < 7250)
+        return platform::ChannelBand::SixGHz;
+    if (frequencyMhz > 4900 && frequencyMhz < 5925)
+        return platform::ChannelBand::FiveGHz;
+    if (frequencyMhz >= 2400 && frequencyMhz < 2500)
+        return platform::ChannelBand::TwoGHz;
+    return platform::ChannelBand::Unknown;
+}
+
+std::optional<platform::WiFiChannel> channelOf(std::uint32_t frequencyMhz)
+{
+    const int mhz = int(std::min(frequencyMhz, 100'000U));
+    const platform::ChannelBand band = bandOf(frequencyMhz);
+    const auto counted = [mhz, band](int base, int last) -> std::optional<platform::WiFiChannel> {
+        const int number = (mhz - base) / 5;
+        if (number < 1 || number > last)
+            return {};
+        return platform::WiFiChannel {number, band};
+    };
+    switch (band) {
+    case platform::ChannelBand::TwoGHz: // 14 stands apart
+        return mhz == 2484 ? platform::WiFiChannel {14, band} : counted(2407, 13);
+    case platform::ChannelBand::FiveGHz:
+        return mhz >= 4910 && mhz <= 4980 ? counted(4000, 196) : counted(5000, 196);
+    case platform::ChannelBand::SixGHz: // 2 lies below 1
+        return mhz == 5935 ? platform::WiFiChannel {2, band} : counted(5950, 233);
+    case platform::ChannelBand::Unknown:
+        break;
+    }
+    return {};
+}
+
+bool isStation(const InterfaceRecord& interface)
+{
+    return interface.type == NL80211_IFTYPE_STATION && interface.index && interface.name;
+}
+
+bool needsScanTable(const InterfaceRecord& interface, const std::vector<StationRecord>& stations)
+{
+    return std::ranges::any_of(stations, isAccessPoint)
+        && (!interface.ssid || !interface.frequencyMhz);
+}
+
+platform::LinkReading linkReading(const InterfaceRecord& interface,
+    const std::vector<StationRecord>& stations, const std::vector<SurveyRecord>& survey,
+    const std::vector<BssRecord>& networks)
+{
+    auto ssid = interface.ssid;
+    if (!ssid)
+        ssid = firstPresent(networks, &BssRecord::associated, &BssRecord::ssid);
+    // While it looks for a network or asks to join one, an interface has a channel, but no link.
+    const bool isJoined = ssid || std::ranges::any_of(stations, isAccessPoint);
+    auto frequency = isJoined ? interface.frequencyMhz : std::nullopt;
+    if (!frequency)
+        frequency = firstPresent(networks, &BssRecord::associated, &BssRecord::frequencyMhz);
+
+    platform::LinkReading reading {
+        .ssid = ssid ? base::ssidText(*ssid) : std::nullopt,
+        .signalDbm = firstPresent(stations, isAccessPoint, &StationRecord::signalDbm),
+        .noiseDbm = isJoined ? noiseOf(survey, frequency) : std::nullopt,
+        .transmitRateMbps = firstPresent(stations, isAccessPoint, &StationRecord::transmitRateMbps),
+    };
+    if (frequency) {
+        reading.band = bandOf(*frequency);
+        reading.channel = channelOf(*frequency);
+    }
+    if (interface.name)
+        reading.interfaceName = base::withVisibleControls(QString::fromUtf8(*interface.name));
+    return reading;
+}
+
+} // namespace netvane::radio

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "netlink/netlink_attributes.h"
+#include "platform/wifi_client.h"
+
+#include <QByteArray>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace netvane::radio {
+
+// What the answers of nl80211 (linux/nl80211.h) say, one function a kind of message. All take the
+// attributes of one message, believe no length in them, and leave absent what is missing or odd.
+
+/// NL80211_CMD_NEW_INTERFACE.
+struct InterfaceRecord {
+    std::optional<std::uint32_t> index;
+    std::optional<QByteArray> name; ///< absent for devices without a network interface, as P2P ones
+    std::optional<std::uint32_t> type; ///< enum nl80211_iftype
+    std::optional<QByteArray> ssid; ///< raw bytes; only while associated
+    /// Of the first link of several; also while it asks to join a network.
+    std::optional<std::uint32_t> frequencyMhz;
+
+    bool operator==(const InterfaceRecord&) const = default;
+};
+InterfaceRecord parseInterface(netlink::AttributeBytes attributes);
+
+/// NL80211_CMD_NEW_STATION: a peer, in station mode the access point.
+struct StationRecord {
+    std::optional<bool> associated; ///< absent when the driver does not keep the flag
+    bool directPeer = false; ///< a TDLS neighbour, not the access point
+    std::optional<int> signalDbm; ///< last frame, else the average, else the beacons' average
+    std::optional<double> transmitRateMbps;
+
+    bool operator==(const StationRecord&) const = default;
+};
+StationRecord parseStation(netlink::AttributeBytes attributes);
+
+/// NL80211_CMD_NEW_SURVEY_RESULTS: one channel.
+struct SurveyRecord {
+    std::optional<std::uint32_t> frequencyMhz;
+    std::optional<int> noiseDbm;
+    bool inUse = false; ///< many drivers never say so
+
+    bool operator==(const SurveyRecord&) const = default;
+};
+SurveyRecord parseSurvey(netlink::AttributeBytes attributes);
+
+/// NL80211_CMD_NEW_SCAN_RESULTS: one network in the kernel's table.
+struct BssRecord {
+    std::optional<std::uint32_t> frequencyMhz;
+    std::optional<QByteArray> ssid; ///< raw bytes of element 0; present and empty when hidden
+    std::optional<QByteArray> bssid; ///< six bytes
+    std::optional<int> signalDbm; ///< of the frame heard last; some drivers know no dBm
+    std::optional<std::uint32_t> seenMsAgo;
+    bool associated = false;
+
+    bool operator==(const BssRecord&) const = default;
+};
+BssRecord parseBss(netlink::AttributeBytes attributes);
+
+/// The SSID element (number 0) of the elements of a beacon or probe response (IEEE 802.11-2020,
+/// 9.4.2.1); absent when there is none before the first element that does not fit.
+std::optional<QByteArray> ssidElement(const QByteArray& elements);
+
+/// The band of a channel by its centre. 6 GHz begins at 5925 MHz, 5 GHz above 4900 MHz.
+platform::ChannelBand bandOf(std::uint32_t frequencyMhz);
+
+/// The channel with this centre (IEEE 802.11-2020, Annex E); absent where the three bands have
+/// none.
+std::optional<platform::WiFiChannel> channelOf(std::uint32_t frequencyMhz);
+
+/// Whether it is an interface that joins networks, and has a name.
+bool isStation(const InterfaceRecord& interface);
+
+/// Puts the answers about one interface together.
+platform::LinkReading linkReading(const InterfaceRecord& interface,
+    const std::vector<StationRecord>& stations, const std::vector<SurveyRecord>& survey,
+    const std::vector<BssRecord>& networks);
+
+/// Whether the table of networks is needed to complete the reading of an associated interface.
+bool needsScanTable(const InterfaceRecord& interface, const std::vector<StationRecord>& stations);
+
+} // namespace netvane::radio

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "base/file_descriptor.h"
+#include "netlink/netlink_socket.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace netvane::radio {
+
+/// What the kernel tells of a scan, whoever asked for it.
+enum class ScanEvent {
+    Started, ///< NL80211_CMD_TRIGGER_SCAN
+    ResultsReady, ///< NL80211_CMD_NEW_SCAN_RESULTS
+    Aborted, ///< NL80211_CMD_SCAN_ABORTED
+};
+
+/// A socket in nl80211's multicast group "scan", which anybody may join.
+class ScanEvents {
+public:
+    /// What `openScanEvents` has opened, or in tests any socket of datagrams.
+    ScanEvents(base::FileDescriptor socket, int family)
+        : m_socket(std::move(socket))
+        , m_family(family)
+    {
+    }
+
+    /// Readable when there is something to receive.
+    int descriptor() const { return m_socket.get(); }
+
+    /// What has been told since about this interface; never waits.
+    std::vector<ScanEvent> receive(std::uint32_t interfaceIndex) const;
+
+private:
+    base::FileDescriptor m_socket;
+    int m_family; ///< nl80211's number of the day
+};
+
+/// May wait for the kernel, within a bound: for background threads.
+base::Result<ScanEvents> openScanEvents();
+
+/// The events about one interface in a datagram of netlink messages, no length in which is
+/// believed.
+std::vector<ScanEvent> scanEvents(
+    netlink::AttributeBytes datagram, int family, std::uint32_t interfaceIndex);
+
+} // namespace netvane::radio

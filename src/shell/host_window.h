@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QObject>
+
+#include <optional>
+
+class QWindow;
+
+namespace netvane::shell {
+
+/// A window filled with one view, whatever draws it. Main thread.
+class HostWindow : public QObject {
+    Q_OBJECT
+
+public:
+    virtual QWindow& window() = 0;
+    /// The height that the view asks for; absent while it asks for none.
+    virtual std::optional<int> preferredHeight() const = 0;
+    /// Gives a window that has no frame a ground with these corners below its view.
+    virtual void addGround(int cornerRadius) = 0;
+    /// Lets go of the view and of what it shows. The window is empty then.
+    virtual void releaseView() = 0;
+
+Q_SIGNALS:
+    void preferredHeightChanged();
+    /// Escape was pressed and nothing in the view had a use for it.
+    void cancelled();
+};
+
+} // namespace netvane::shell

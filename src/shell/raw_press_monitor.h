@@ -1,0 +1,33 @@
+#pragma once
+
+#include "shell/outside_click_monitor.h"
+#include "shell/xcb_reply.h"
+
+#include <QSocketNotifier>
+
+namespace netvane::shell {
+
+/// Hears of each press of a mouse button on an X server, whatever window it goes to and whoever has
+/// the keyboard (X Input Extension 2.1, RawButtonPress on the root window), by a connection of its
+/// own.
+class RawPressMonitor final : public OutsideClickMonitor {
+public:
+    /// Null where the server cannot be reached or lacks the extension.
+    static std::unique_ptr<RawPressMonitor> create(Handler handler);
+
+private:
+    struct Disconnect {
+        void operator()(xcb_connection_t* server) const { xcb_disconnect(server); }
+    };
+    using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
+
+    RawPressMonitor(Connection server, uint8_t extension, Handler handler);
+    void readEvents();
+
+    Connection m_server;
+    uint8_t m_extension; ///< the major opcode by which its events are known
+    Handler m_handler;
+    QSocketNotifier m_notifier;
+};
+
+} // namespace netvane::shell

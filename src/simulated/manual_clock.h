@@ -1,0 +1,54 @@
+#pragma once
+
+#include "base/clock.h"
+
+#include <atomic>
+#include <memory>
+#include <vector>
+
+namespace netvane::simulated {
+
+/// A clock moved by hand, for tests and for whatever shall not wait for time to pass. Timers run
+/// inside `advance`, each at its time and in order.
+class ManualClock : public base::Clock {
+public:
+    std::chrono::system_clock::time_point now() const override { return m_wall; }
+    std::chrono::steady_clock::time_point monotonicNow() const override { return m_monotonic; }
+    std::chrono::milliseconds timeAsleep() const override { return m_asleep; }
+    std::unique_ptr<base::Timer> repeat(
+        std::chrono::milliseconds interval, std::function<void()> action) override;
+    std::unique_ptr<base::Timer> after(
+        std::chrono::milliseconds delay, std::function<void()> action) override;
+    /// In the next turn of the event loop: what is waited for here happens outside this clock.
+    void soon(QObject* owner, std::function<void()> action) override;
+
+    void advance(std::chrono::milliseconds time);
+    /// Sets the wall clock as a user or a time server would, without time passing.
+    void setWall(std::chrono::system_clock::time_point wall) { m_wall = wall; }
+    /// The machine sleeps: the wall clock goes on, nothing else does.
+    void sleep(std::chrono::milliseconds time);
+    /// How many timers are running.
+    int timerCount() const;
+
+private:
+    struct Alarm {
+        std::chrono::steady_clock::time_point due;
+        std::chrono::milliseconds interval; ///< zero: once
+        std::function<void()> action;
+        bool running = true;
+    };
+    class Handle;
+    std::unique_ptr<base::Timer> add(std::chrono::milliseconds delay,
+        std::chrono::milliseconds interval, std::function<void()> action);
+    std::shared_ptr<Alarm> nextDue(std::chrono::steady_clock::time_point end) const;
+
+    // Read from any thread.
+    std::atomic<std::chrono::system_clock::time_point> m_wall {
+        std::chrono::system_clock::time_point(std::chrono::seconds(1'700'000'000))};
+    std::atomic<std::chrono::steady_clock::time_point> m_monotonic {
+        std::chrono::steady_clock::time_point(std::chrono::hours(1))};
+    std::atomic<std::chrono::milliseconds> m_asleep {std::chrono::milliseconds::zero()};
+    std::vector<std::shared_ptr<Alarm>> m_alarms;
+};
+
+} // namespace netvane::simulated

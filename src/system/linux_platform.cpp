@@ -1,0 +1,58 @@
+#include "system/linux_platform.h"
+
+#include "base/system_clock.h"
+#include "bus/bus_link.h"
+#include "desktop/bus_name_claim.h"
+#include "desktop/freedesktop_notifications.h"
+#include "desktop/portal_appearance.h"
+#include "desktop/session_status_notifier_host.h"
+#include "desktop/settings_file.h"
+#include "desktop/suspend_watch.h"
+#include "net/linux_network_configuration.h"
+#include "net/qt_http_client.h"
+#include "net/qt_http_transfers.h"
+#include "net/socket_connections.h"
+#include "net/socket_hop_probes.h"
+#include "net/system_resolver.h"
+#include "radio/linux_network_scanner.h"
+#include "radio/nl80211_wifi_client.h"
+#include "radio/scan_permission.h"
+
+namespace netvane::system {
+
+platform::Platform makePlatform()
+{
+    platform::Platform platform;
+    platform.queues = std::make_unique<base::WorkQueues>();
+    platform.clock = std::make_unique<base::SystemClock>();
+    const auto linkTo = [&platform](QDBusConnection::BusType bus) {
+        return std::make_unique<bus::BusLink>(bus, *platform.clock, platform.queues->userInitiated);
+    };
+    auto systemBus = linkTo(QDBusConnection::SystemBus);
+    auto sessionBus = linkTo(QDBusConnection::SessionBus);
+    platform.wifiClient = radio::Nl80211WiFiClient::create();
+    platform.networkScanner = std::make_unique<radio::LinuxNetworkScanner>(
+        radio::ScanMeans {*systemBus, *platform.clock, platform.queues->userInitiated,
+            std::make_shared<radio::Nl80211ScanKernel>()},
+        platform.wifiClient);
+    platform.locationManager = std::make_unique<radio::ScanPermission>(*systemBus);
+    platform.appearance = std::make_unique<desktop::PortalAppearance>(*sessionBus);
+    platform.statusNotifierHost = std::make_unique<desktop::SessionStatusNotifierHost>(*sessionBus);
+    platform.instanceClaim = std::make_unique<desktop::BusNameClaim>(*sessionBus, *platform.clock);
+    platform.sleepMonitor = std::make_unique<desktop::SuspendWatch>(*platform.clock);
+    platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
+    platform.networkConfiguration = std::make_unique<net::LinuxNetworkConfiguration>();
+    platform.httpClient
+        = std::make_unique<net::QtHttpClient>(*platform.clock, platform.queues->utility);
+    platform.httpTransfers = std::make_unique<net::QtHttpTransfers>(*platform.clock);
+    platform.connections = std::make_shared<net::SocketConnections>(*platform.clock);
+    platform.hopProbes = std::make_shared<net::SocketHopProbes>(*platform.clock);
+    platform.resolver = std::make_shared<net::SystemResolver>();
+    platform.userDefaults
+        = std::make_unique<desktop::SettingsFile>(desktop::SettingsFile::defaultPath());
+    platform.systemBus = std::move(systemBus);
+    platform.sessionBus = std::move(sessionBus);
+    return platform;
+}
+
+} // namespace netvane::system

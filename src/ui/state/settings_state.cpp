@@ -1,0 +1,103 @@
+#include "ui/state/settings_state.h"
+
+#include "insights/network_notification_service.h"
+#include "insights/onboarding_service.h"
+#include "insights/report_service.h"
+#include "platform/url_opener.h"
+#include "platform/user_defaults.h"
+#include "wifi/location_permission_service.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::ui {
+
+using insights::NetworkNotificationService;
+
+SettingsState::SettingsState(const SettingsServices& services)
+    : m_services(services)
+{
+    auto* service = &m_services.networkNotificationService;
+    connect(service, &NetworkNotificationService::notificationsEnabledChanged, this,
+        &SettingsState::notificationsChanged);
+    connect(service, &NetworkNotificationService::authorizationStatusChanged, this,
+        &SettingsState::notificationsChanged);
+}
+
+QString SettingsState::version() const
+{
+    return QStringLiteral(NETVANE_VERSION);
+}
+
+bool SettingsState::notificationsEnabled() const
+{
+    return m_services.networkNotificationService.notificationsEnabled();
+}
+
+void SettingsState::setNotificationsEnabled(bool enabled)
+{
+    m_services.networkNotificationService.setNotificationsEnabled(enabled);
+}
+
+bool SettingsState::mayNotify() const
+{
+    return m_services.networkNotificationService.authorizationStatus()
+        == platform::NotificationAuthorization::Authorized;
+}
+
+void SettingsState::appear()
+{
+    const bool needsPermission = !m_services.locationPermissionService.isAuthorized();
+    if (std::exchange(m_needsPermission, needsPermission) != needsPermission)
+        Q_EMIT needsPermissionChanged();
+    if (!std::exchange(m_updateAnswer, QString()).isEmpty())
+        Q_EMIT updateAnswerChanged();
+    m_services.networkNotificationService.refreshAuthorizationStatus();
+}
+
+void SettingsState::checkForUpdates()
+{
+    m_updateAnswer = m_services.checkForUpdates();
+    Q_EMIT updateAnswerChanged();
+}
+
+void SettingsState::openLocationSettings()
+{
+    m_services.urlOpener.openUrl(platform::kPrivacySettingsUrl);
+}
+
+void SettingsState::requestNotificationPermission()
+{
+    m_services.networkNotificationService.requestNotificationPermission();
+}
+
+void SettingsState::copyReport()
+{
+    if (const auto report = m_services.reportService.currentReport())
+        m_services.reportService.copyReport(*report);
+}
+
+void SettingsState::shareReport()
+{
+    if (const auto report = m_services.reportService.currentReport())
+        m_services.reportService.shareReport(*report);
+}
+
+void SettingsState::saveReport()
+{
+    if (const auto report = m_services.reportService.currentReport())
+        m_services.reportService.saveReport(*report);
+}
+
+void SettingsState::resetOnboarding()
+{
+    m_services.onboardingService.reset();
+    // The switch of the running service stays as it is until the next start.
+    m_services.userDefaults.remove(u"networkNotificationsEnabled"_s);
+}
+
+void SettingsState::quit()
+{
+    m_services.quit();
+}
+
+} // namespace netvane::ui

@@ -1,0 +1,45 @@
+// The report of a socket's error queue, whose quotes come from whoever claims to be a router.
+#include "fuzz_target.h"
+#include "net/error_queue.h"
+
+#include <sys/socket.h>
+
+#include <cstring>
+
+using namespace netvane;
+
+namespace {
+
+QByteArray g_name;
+QByteArray g_control;
+
+} // namespace
+
+/// In place of the kernel's. It fills no more than it is given, as the kernel does.
+extern "C" ssize_t recvmsg(int, msghdr* message, int)
+{
+    const auto fill = [](void* target, size_t room, const QByteArray& bytes) {
+        const size_t count = std::min(room, size_t(bytes.size()));
+        if (count > 0)
+            std::memcpy(target, bytes.constData(), count);
+        return count;
+    };
+    message->msg_namelen = socklen_t(fill(message->msg_name, message->msg_namelen, g_name));
+    message->msg_controllen = fill(message->msg_control, message->msg_controllen, g_control);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    FuzzedDataProvider input(data, size);
+    g_name = fuzz::takeBytes(input, sizeof(sockaddr_storage));
+    g_control = fuzz::takeRest(input);
+    const auto error = net::takeQueuedError(-1);
+    fuzz::require(error.has_value(), "a report is one, however odd");
+    fuzz::require(error->sentTo.length <= sizeof error->sentTo.storage, "an address has its room");
+    if (error->offender) {
+        const auto family = error->offender->storage.ss_family;
+        fuzz::require(family == AF_INET || family == AF_INET6, "of a family that is known");
+    }
+    return 0;
+}
