@@ -56,8 +56,9 @@ void ReportSession::beginProbes(const std::optional<QString>& gateway)
 
 bool ReportSession::isSampled() const
 {
+    // The first of the metrics was there before any round.
     const auto hasRounds
-        = [](const auto& probe) { return probe && probe->metrics().size() >= kRounds; };
+        = [](const auto& probe) { return probe && probe->metrics().size() > kRounds; };
     return m_hasLink && hasRounds(m_services.internetPingService)
         && (!m_services.routerPingService || hasRounds(m_services.routerPingService));
 }
