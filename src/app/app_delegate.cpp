@@ -23,6 +23,8 @@ using namespace std::chrono_literals;
 namespace netvane::app {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.app")
+
 constexpr std::chrono::milliseconds kMemoryLogInterval = 30s;
 /// A session that begins starts its panel and us in any order.
 constexpr std::chrono::milliseconds kStatusAreaLimit = 3s;
@@ -39,7 +41,8 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
     , m_services(platform)
     , m_statusArea(*platform.statusNotifierHost)
 {
-    base::log(u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
+    base::log(
+        logCategory(), u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
     connect(&m_notifications, &NotificationCenter::openInWindow, this,
         &AppDelegate::handleOpenInWindow);
     connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
@@ -50,21 +53,21 @@ AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationWillFinishLaunching()
 {
-    base::log(u"AppDelegate: applicationWillFinishLaunching called"_s);
+    base::log(logCategory(), u"AppDelegate: applicationWillFinishLaunching called"_s);
 }
 
 void AppDelegate::applicationDidFinishLaunching()
 {
-    base::log(u"Netvane: Application launching..."_s);
+    base::log(logCategory(), u"Netvane: Application launching..."_s);
     // Nothing in the task bar, and no window whose closing would end the program.
-    base::log(u"Netvane: Activation policy set to accessory"_s);
-    base::log(u"Netvane: App activated"_s);
+    base::log(logCategory(), u"Netvane: Activation policy set to accessory"_s);
+    base::log(logCategory(), u"Netvane: App activated"_s);
     m_services.makeAll(m_activity);
     setupStatusBar();
     setupMainMenu();
     m_services.networkUtils->getDefaultGateway(
         this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
-    base::log(u"Netvane: Application launched successfully"_s);
+    base::log(logCategory(), u"Netvane: Application launched successfully"_s);
     m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
 }
 
@@ -74,7 +77,7 @@ void AppDelegate::sampleAfterSleep()
 {
     if (m_isTerminated || !m_popover) // not all of them run
         return;
-    base::log(u"Netvane: Awake after a sleep, reading everything anew"_s);
+    base::log(logCategory(), u"Netvane: Awake after a sleep, reading everything anew"_s);
     m_services.readAnew();
 }
 
@@ -83,7 +86,7 @@ void AppDelegate::setupStatusBar()
     m_statusBarManager = std::make_unique<StatusBarManager>(
         m_notifications, m_statusArea, *m_platform.appearance, *m_platform.clock);
     m_statusBarManager->setup(wifiService());
-    base::log(u"Netvane: Status bar setup complete"_s);
+    base::log(logCategory(), u"Netvane: Status bar setup complete"_s);
 }
 
 /// Works in every window of the program that is the active one.
@@ -93,13 +96,13 @@ void AppDelegate::setupMainMenu()
     auto* open = m_mainMenu->addAction(u"Open in Window"_s);
     open->setShortcut(QKeySequence(u"Ctrl+D"_s));
     connect(open, &QAction::triggered, this, &AppDelegate::handleOpenInWindow);
-    base::log(u"Netvane: Global keyboard shortcut ⌘D configured"_s);
+    base::log(logCategory(), u"Netvane: Global keyboard shortcut ⌘D configured"_s);
 }
 
 void AppDelegate::gatewayAnswered(const std::optional<QString>& address)
 {
     const QString router = address.value_or(probes::kFallbackGateway);
-    base::log(u"Netvane: Default gateway: "_s + router);
+    base::log(logCategory(), u"Netvane: Default gateway: "_s + router);
     m_services.makeProbes(router);
     QMetaObject::invokeMethod(this, &AppDelegate::startServices, Qt::QueuedConnection);
 }
@@ -113,7 +116,7 @@ void AppDelegate::startServices()
     setupPopover();
     connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake, this,
         &AppDelegate::sampleAfterSleep);
-    base::log(u"Netvane: All services started"_s);
+    base::log(logCategory(), u"Netvane: All services started"_s);
     m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
 }
 
@@ -191,8 +194,9 @@ void AppDelegate::followStatusArea()
     m_statusAreaTimer.reset();
     if (m_statusArea.state() == shell::StatusArea::State::Present)
         return;
-    base::log(u"Netvane: This desktop has no status area, so the window opens instead; "
-              "start Netvane again to open it again"_s);
+    base::log(logCategory(),
+        u"Netvane: This desktop has no status area, so the window opens instead; "
+        "start Netvane again to open it again"_s);
     openDetailedWindow();
 }
 
@@ -204,7 +208,7 @@ void AppDelegate::applicationStartedAgain()
 
 void AppDelegate::applicationDidBecomeActive()
 {
-    base::log(u"Netvane: App became active - checking location permission"_s);
+    base::log(logCategory(), u"Netvane: App became active - checking location permission"_s);
     if (auto* permission = locationPermissionService())
         permission->checkAuthorizationStatus();
     if (auto* wifi = wifiService())
@@ -227,7 +231,8 @@ bool AppDelegate::applicationShouldHandleReopen(bool)
 void AppDelegate::logMemoryUsage() const
 {
     if (const auto bytes = base::residentBytes())
-        base::log(u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
+        base::log(
+            logCategory(), u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
 }
 
 } // namespace netvane::app

@@ -6,6 +6,11 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace netvane::demo {
+namespace {
+
+Q_LOGGING_CATEGORY(logCategory, "netvane.demo")
+
+} // namespace
 
 std::optional<bool> MemoryDefaults::boolean(const QString& key) const
 {
@@ -34,13 +39,14 @@ void LoggedNotifications::requestAuthorization(
 void LoggedNotifications::add(
     const platform::NotificationRequest& request, QObject* owner, AddHandler done)
 {
-    base::log(u"Demonstration: notification \"%1\": %2"_s.arg(request.title, request.body));
+    base::log(logCategory(),
+        u"Demonstration: notification \"%1\": %2"_s.arg(request.title, request.body));
     m_stage->later(0ms, owner, [done = std::move(done)] { done({}); });
 }
 
 bool LoggedUrlOpener::openUrl(const QUrl& url)
 {
-    base::log(u"Demonstration: would open "_s + url.toDisplayString());
+    base::log(logCategory(), u"Demonstration: would open "_s + url.toDisplayString());
     return true;
 }
 

@@ -10,6 +10,8 @@ using namespace std::chrono_literals;
 namespace netvane::demo {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.demo")
+
 // How often the services ask.
 constexpr std::chrono::milliseconds kReadingInterval = 5s;
 constexpr std::chrono::milliseconds kProbeInterval = 3s;
@@ -32,7 +34,7 @@ void Stage::begin(size_t index)
 {
     m_index = index;
     m_begunAt = m_clock.monotonicNow();
-    base::log(u"Demonstration: "_s + scene().title);
+    base::log(logCategory(), u"Demonstration: "_s + scene().title);
     Q_EMIT sceneChanged();
 }
 

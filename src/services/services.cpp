@@ -18,10 +18,16 @@
 #include "wifi/wifi_service.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::services {
+namespace {
+
+Q_LOGGING_CATEGORY(logCategory, "netvane.services")
+
+} // namespace
 
 Services::Services(platform::Platform& given)
     : platform(given)
@@ -36,8 +42,9 @@ void Services::makeAll(platform::ApplicationActivity& activity)
     auto& clock = *platform.clock;
     locationPermissionService
         = std::make_unique<wifi::LocationPermissionService>(*platform.locationManager, activity);
-    base::log(u"Netvane: Location permission status: "_s
-        + QString::number(int(locationPermissionService->authorizationStatus())));
+    base::log(logCategory(),
+        u"Netvane: Location permission status: "_s
+            + QString::number(int(locationPermissionService->authorizationStatus())));
     networkNotificationService = std::make_unique<insights::NetworkNotificationService>(
         *platform.userNotifications, *platform.userDefaults, clock);
     makeLink();

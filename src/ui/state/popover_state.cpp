@@ -11,6 +11,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::ui {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.ui")
+
 constexpr int kQuietUpdates = 10; ///< of which one is told even if nothing changed
 
 } // namespace
@@ -98,7 +100,7 @@ void PopoverState::updateState()
     const std::chrono::duration<double, std::milli> elapsed
         = m_services.platform.clock->monotonicNow() - start;
     if (const auto line = updateLine(m_updateCount, elapsed.count(), changes))
-        base::log(*line);
+        base::log(logCategory(), *line);
 }
 
 } // namespace netvane::ui
