@@ -5,18 +5,9 @@
 #include "app/status_bar_manager.h"
 #include "base/log.h"
 #include "base/process_memory.h"
-#include "diagnostics/channel_analysis_service.h"
-#include "diagnostics/speed_test_service.h"
-#include "diagnostics/traceroute_service.h"
-#include "insights/network_notification_service.h"
-#include "insights/onboarding_service.h"
-#include "insights/report_service.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
-#include "probes/captive_portal_service.h"
-#include "probes/dns_service.h"
 #include "probes/network_utils.h"
-#include "probes/ping_service.h"
 #include "probes/probe_targets.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
@@ -47,7 +38,7 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
     , m_activity(activity)
     , m_notifications(notifications)
     , m_views(views)
-    , m_updaterController(QCoreApplication::applicationFilePath())
+    , m_services(platform)
     , m_statusArea(*platform.statusNotifierHost)
 {
     base::log(
@@ -71,48 +62,13 @@ void AppDelegate::applicationDidFinishLaunching()
     // Nothing in the task bar, and no window whose closing would end the program.
     base::log(logCategory(), u"Netvane: Activation policy set to accessory"_s);
     base::log(logCategory(), u"Netvane: App activated"_s);
-    makeServices();
+    m_services.makeAll(m_activity);
     setupStatusBar();
     setupMainMenu();
-    m_networkUtils->getDefaultGateway(
+    m_services.networkUtils->getDefaultGateway(
         this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
     base::log(logCategory(), u"Netvane: Application launched successfully"_s);
     m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
-}
-
-/// In the order in which they need each other; sampling the link begins here, the probes wait for
-/// `startServices`.
-void AppDelegate::makeServices()
-{
-    m_locationPermissionService = std::make_unique<wifi::LocationPermissionService>(
-        *m_platform.locationManager, m_activity);
-    base::log(logCategory(),
-        u"Netvane: Location permission status: "_s
-            + QString::number(int(m_locationPermissionService->authorizationStatus())));
-    m_networkNotificationService = std::make_unique<insights::NetworkNotificationService>(
-        *m_platform.userNotifications, *m_platform.userDefaults, *m_platform.clock);
-    m_wifiService = std::make_unique<wifi::WiFiService>(
-        m_platform.wifiClient, *m_platform.clock, m_platform.queues->userInitiated);
-    m_wifiService->setLocationPermissionService(*m_locationPermissionService);
-    m_wifiService->setNetworkNotificationService(m_networkNotificationService.get());
-    m_networkUtils = std::make_unique<probes::NetworkUtils>(
-        *m_platform.networkConfiguration, m_platform.queues->userInitiated);
-    m_dnsService = std::make_unique<probes::DNSService>(
-        *m_networkUtils, m_platform.resolver, *m_platform.clock, probes::kDnsTestHost);
-    m_speedTestService = std::make_unique<diagnostics::SpeedTestService>(*m_platform.httpTransfers,
-        *m_platform.userDefaults, *m_platform.clock, diagnostics::kSpeedTestServer);
-    m_captivePortalService = std::make_unique<probes::CaptivePortalService>(*m_platform.httpClient,
-        *m_platform.urlOpener, *m_platform.clock, probes::kCaptivePortalProbe);
-    m_channelAnalysisService = std::make_unique<diagnostics::ChannelAnalysisService>(
-        *m_platform.networkScanner, *m_platform.clock);
-    m_channelAnalysisService->setLocationPermissionService(m_locationPermissionService.get());
-    m_tracerouteService = std::make_unique<diagnostics::TracerouteService>(
-        *m_platform.clock, *m_platform.hopProbes);
-    m_onboardingService = std::make_unique<insights::OnboardingService>(*m_platform.userDefaults);
-    m_reportService = std::make_unique<insights::ReportService>(
-        [this] { return currentReadings(); }, *m_platform.clock, m_platform.queues->utility,
-        insights::ReportExits {
-            *m_platform.clipboard, *m_platform.savePanel, *m_platform.sharePicker});
 }
 
 /// What was read before is old. A probe that was under way when the machine fell asleep tells
@@ -122,36 +78,14 @@ void AppDelegate::sampleAfterSleep()
     if (m_isTerminated || !m_popover) // not all of them run
         return;
     base::log(logCategory(), u"Netvane: Awake after a sleep, reading everything anew"_s);
-    m_wifiService->updateWiFiInfo();
-    m_routerPingService->probeAtOnce();
-    m_internetPingService->probeAtOnce();
-    m_dnsService->performLookup();
-    m_captivePortalService->checkForCaptivePortal();
-}
-
-/// For a report. Whatever has not measured yet is absent.
-std::optional<insights::ReportInputs> AppDelegate::currentReadings() const
-{
-    if (!m_dnsService)
-        return {};
-    const auto latestOf = [](const probes::PingService* probe) {
-        return probe ? probe->currentMetrics() : std::nullopt;
-    };
-    return insights::ReportInputs {
-        .wifi = m_wifiService ? m_wifiService->currentWiFi() : std::nullopt,
-        .router = latestOf(m_routerPingService.get()),
-        .internet = latestOf(m_internetPingService.get()),
-        .dnsLookupTime = m_dnsService->lookupTime(),
-        .dnsServer = m_dnsService->dnsServer(),
-        .speedTest = m_speedTestService->result(),
-    };
+    m_services.readAnew();
 }
 
 void AppDelegate::setupStatusBar()
 {
     m_statusBarManager = std::make_unique<StatusBarManager>(
         m_notifications, m_statusArea, *m_platform.appearance, *m_platform.clock);
-    m_statusBarManager->setup(m_wifiService.get());
+    m_statusBarManager->setup(wifiService());
     base::log(logCategory(), u"Netvane: Status bar setup complete"_s);
 }
 
@@ -169,12 +103,7 @@ void AppDelegate::gatewayAnswered(const std::optional<QString>& address)
 {
     const QString router = address.value_or(probes::kFallbackGateway);
     base::log(logCategory(), u"Netvane: Default gateway: "_s + router);
-    const auto probeOf = [this](const QString& host, const QString& name) {
-        return std::make_unique<probes::PingService>(
-            host, name, *m_platform.clock, *m_platform.connections);
-    };
-    m_routerPingService = probeOf(router, u"router"_s);
-    m_internetPingService = probeOf(probes::kInternetTarget, u"internet"_s);
+    m_services.makeProbes(router);
     QMetaObject::invokeMethod(this, &AppDelegate::startServices, Qt::QueuedConnection);
 }
 
@@ -183,10 +112,7 @@ void AppDelegate::startServices()
     // The end of the program may have come before the gateway's answer.
     if (m_isTerminated)
         return;
-    m_routerPingService->start();
-    m_internetPingService->start();
-    m_dnsService->start();
-    m_captivePortalService->start();
+    m_services.start();
     setupPopover();
     connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake, this,
         &AppDelegate::sampleAfterSleep);
@@ -283,10 +209,10 @@ void AppDelegate::applicationStartedAgain()
 void AppDelegate::applicationDidBecomeActive()
 {
     base::log(logCategory(), u"Netvane: App became active - checking location permission"_s);
-    if (m_locationPermissionService)
-        m_locationPermissionService->checkAuthorizationStatus();
-    if (m_wifiService)
-        m_wifiService->updateWiFiInfo();
+    if (auto* permission = locationPermissionService())
+        permission->checkAuthorizationStatus();
+    if (auto* wifi = wifiService())
+        wifi->updateWiFiInfo();
 }
 
 void AppDelegate::applicationWillTerminate()
@@ -294,18 +220,7 @@ void AppDelegate::applicationWillTerminate()
     if (std::exchange(m_isTerminated, true))
         return;
     m_statusAreaTimer.reset();
-    if (m_wifiService)
-        m_wifiService->stopMonitoring();
-    for (auto* probe : {m_routerPingService.get(), m_internetPingService.get()}) {
-        if (probe)
-            probe->stop();
-    }
-    if (m_dnsService)
-        m_dnsService->stop();
-    if (m_captivePortalService)
-        m_captivePortalService->stop();
-    if (m_speedTestService)
-        m_speedTestService->cancelTest();
+    m_services.stop();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool)
