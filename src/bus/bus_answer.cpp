@@ -17,6 +17,13 @@ void askBus(const QDBusConnection& bus, const QDBusMessage& call, int limitMs, Q
         });
 }
 
+QDBusMessage ownerQuestion(const QString& service)
+{
+    return QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+               u"org.freedesktop.DBus"_s, u"GetNameOwner"_s)
+        << service;
+}
+
 bool isNobodyThere(const QDBusMessage& answer)
 {
     return answer.errorName() == "org.freedesktop.DBus.Error.ServiceUnknown"_L1

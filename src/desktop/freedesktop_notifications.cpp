@@ -101,8 +101,7 @@ std::optional<NotificationService> notificationService(const QDBusMessage& answe
     if (!isReply(answer, u"as"_s))
         return {};
     const auto capabilities = answer.arguments().value(0).toStringList();
-    return NotificationService {
-        .owner = answer.service(), .hasBodyMarkup = capabilities.contains(u"body-markup"_s)};
+    return NotificationService {.hasBodyMarkup = capabilities.contains(u"body-markup"_s)};
 }
 
 FreedesktopNotifications::FreedesktopNotifications(bus::BusLink& sessionBus)
@@ -140,13 +139,22 @@ void FreedesktopNotifications::handleOwnerChanged()
 void FreedesktopNotifications::readCapabilities()
 {
     m_isAsking = true;
-    ask(serviceCall(kService, u"GetCapabilities"_s),
-        [this](const QDBusMessage& answer) { takeCapabilities(answer); });
+    ask(bus::ownerQuestion(kService), [this](const QDBusMessage& answer) {
+        if (!isReply(answer, u"s"_s)) {
+            takeCapabilities({}, answer);
+            return;
+        }
+        const auto owner = answer.arguments().value(0).toString();
+        ask(serviceCall(owner, u"GetCapabilities"_s),
+            [this, owner](
+                const QDBusMessage& capabilities) { takeCapabilities(owner, capabilities); });
+    });
 }
 
-void FreedesktopNotifications::takeCapabilities(const QDBusMessage& answer)
+void FreedesktopNotifications::takeCapabilities(const QString& owner, const QDBusMessage& answer)
 {
     if (auto service = notificationService(answer)) {
+        service->owner = owner;
         m_service = std::move(service);
         settle(Authorization::Authorized);
     } else if (bus::isNobodyThere(answer)) {

@@ -12,10 +12,11 @@ namespace netvane::desktop {
 
 /// Who shows notifications.
 struct NotificationService {
-    QString owner; ///< its unique name; another process that takes its place has another
+    QString owner = {}; ///< its unique name; another process that takes its place has another
     bool hasBodyMarkup = false;
 };
-/// The one that gave this answer to GetCapabilities; absent when it is no such answer.
+/// The one that gave this answer to GetCapabilities, without its owner; absent when it is no such
+/// answer.
 std::optional<NotificationService> notificationService(const QDBusMessage& answer);
 
 /// The desktop's notification service (org.freedesktop.Notifications, version 1.2) on the session
@@ -43,7 +44,7 @@ private:
 
     void followSessionBus();
     void readCapabilities();
-    void takeCapabilities(const QDBusMessage& answer);
+    void takeCapabilities(const QString& owner, const QDBusMessage& answer);
     void readActivatableNames();
     void settle(platform::NotificationAuthorization status, std::optional<QString> failure = {});
     void refresh();

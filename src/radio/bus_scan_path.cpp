@@ -1,6 +1,7 @@
 #include "radio/bus_scan_path.h"
 
 #include "base/visible_text.h"
+#include "bus/bus_answer.h"
 
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
@@ -62,6 +63,20 @@ QDBusMessage BusScanPath::methodCall(
 void BusScanPath::ask(const QDBusMessage& call, const QString& signature,
     std::function<void(const QDBusMessage&)> take)
 {
+    if (!m_owner.isEmpty()) {
+        send(call, signature, std::move(take));
+        return;
+    }
+    send(bus::ownerQuestion(m_service), u"s"_s,
+        [this, call, signature, take = std::move(take)](const QDBusMessage& answer) {
+            m_owner = answer.arguments().value(0).toString();
+            send(call, signature, take);
+        });
+}
+
+void BusScanPath::send(const QDBusMessage& call, const QString& signature,
+    std::function<void(const QDBusMessage&)> take)
+{
     auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, kAnswerLimitMs), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
         [this, watcher, signature, take = std::move(take)] {
@@ -73,10 +88,8 @@ void BusScanPath::ask(const QDBusMessage& call, const QString& signature,
                 takeError(answer);
             else if (answer.signature() != signature)
                 fail(m_title + u" gave an answer that makes no sense"_s);
-            else {
-                m_owner = answer.service();
+            else
                 take(answer);
-            }
         });
 }
 

@@ -10,7 +10,7 @@ namespace netvane::radio {
 
 /// What the services on the system bus have in common: some questions, a request that is accepted
 /// or refused, and then a signal. Those come without any check of who sent them (Qt would look up
-/// owners for it, and wait), so their sender is compared with that of the last answer.
+/// owners for it, and wait), so their sender is compared with the owner of the service's name.
 class BusScanPath : public ScanPath {
     Q_OBJECT
 
@@ -39,13 +39,15 @@ private Q_SLOTS:
     void takeOwnerChange(const QDBusMessage& signal);
 
 private:
+    void send(const QDBusMessage& call, const QString& signature,
+        std::function<void(const QDBusMessage&)> take);
     void takeError(const QDBusMessage& error);
     bool end();
 
     QDBusConnection m_bus;
     const QString m_service;
     const QString m_title;
-    QString m_owner; ///< the service's unique name; empty before its first answer
+    QString m_owner; ///< the service's unique name; empty before the first question
     bool m_isAccepted = false;
     bool m_isOver = false;
 };
