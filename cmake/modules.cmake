@@ -43,8 +43,8 @@ endfunction()
 # netvane_loads_views(PROGRAM): a program without the views, which finds them in a library of their own. It has the
 # whole of every module below them, whether it calls it or not, and offers it to the library.
 function(netvane_loads_views program)
-    set(modules netvane_base netvane_platform netvane_probes netvane_wifi netvane_diagnostics netvane_insights netvane_shell
-        netvane_app)
+    set(modules netvane_base netvane_platform netvane_probes netvane_wifi netvane_diagnostics netvane_insights 
+        netvane_services netvane_shell netvane_app)
     list(JOIN modules "," whole)
     target_link_libraries(${program} PRIVATE netvane_app netvane_system)
     add_dependencies(${program} netvane-views)

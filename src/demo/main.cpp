@@ -21,6 +21,8 @@ using namespace netvane;
 
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.demo")
+
 constexpr std::chrono::milliseconds kStartTime = 1s;
 
 struct Options {
@@ -127,7 +129,8 @@ int main(int argc, char** argv)
         return demo::drawScreenshots(application, *options->screenshots) ? 0 : 1;
     }
     qInstallMessageHandler(app::logOfQt);
-    base::log(u"Netvane: This is a demonstration. Everything that it shows is made up, and "
-              "nothing is sent"_s);
+    base::log(logCategory(),
+        u"Netvane: This is a demonstration. Everything that it shows is made up, and "
+        "nothing is sent"_s);
     return run(application, *options);
 }

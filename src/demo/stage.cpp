@@ -20,6 +20,8 @@ using namespace std::chrono_literals;
 namespace netvane::demo {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.demo")
+
 // How often the services ask.
 constexpr std::chrono::milliseconds kReadingInterval = 5s;
 constexpr std::chrono::milliseconds kProbeInterval = 3s;
@@ -76,7 +78,7 @@ void Stage::begin(size_t index)
 {
     m_index = index;
     m_begunAt = parts.clock.monotonicNow();
-    base::log(u"Demonstration: "_s + scene().title);
+    base::log(logCategory(), u"Demonstration: "_s + scene().title);
     parts.network.router = scene().router;
     parts.network.servers = scene().dnsServers;
     parts.network.interfaces = scene().interfaces;
@@ -161,10 +163,11 @@ void Stage::writeScriptsOfDesktop()
     center.addsPending.always.emplace();
     center.addsPending.whenAsked = [&center] {
         const auto& request = center.added.back();
-        base::log(u"Demonstration: notification \"%1\": %2"_s.arg(request.title, request.body));
+        base::log(logCategory(),
+            u"Demonstration: notification \"%1\": %2"_s.arg(request.title, request.body));
     };
     parts.opener.whenOpened = [](const QUrl& url) {
-        base::log(u"Demonstration: would open "_s + url.toDisplayString());
+        base::log(logCategory(), u"Demonstration: would open "_s + url.toDisplayString());
     };
 }
 

@@ -12,6 +12,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::wifi {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.wifi")
+
 constexpr int kPassesPerLogLine = 10;
 
 const QString kNoClient = u"Unable to initialize Wi-Fi client"_s;
@@ -84,7 +86,8 @@ WiFiService::~WiFiService()
 void WiFiService::startMonitoring()
 {
     if (m_updateTimer) {
-        base::log(u"WiFiService: startMonitoring() called but timer already exists"_s);
+        base::log(
+            logCategory(), u"WiFiService: startMonitoring() called but timer already exists"_s);
         return;
     }
     updateWiFiInfo();
@@ -165,7 +168,7 @@ void WiFiService::sampleInterface(base::Clock* soon)
         return;
     }
     if (m_updateCount % kPassesPerLogLine == 0)
-        base::log(u"WiFiService: Update #%1"_s.arg(m_updateCount));
+        base::log(logCategory(), u"WiFiService: Update #%1"_s.arg(m_updateCount));
     const auto readLinkSnapshot
         = [interface = m_interface, clock = &m_clock]() -> std::optional<WiFiInfo> {
         const auto reading = interface->readLink();

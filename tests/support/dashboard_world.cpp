@@ -4,6 +4,8 @@
 
 #include <QTest>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace netvane::test {
 namespace {
 
@@ -14,10 +16,27 @@ std::shared_ptr<platform::WiFiClient> clientOf(std::shared_ptr<FakeWiFiInterface
     return client;
 }
 
+/// Makes what belongs at `place`.
+template <typename Made, typename Kept, typename... Arguments>
+Made& makeAt(std::unique_ptr<Kept>& place, Arguments&&... arguments)
+{
+    auto made = std::make_unique<Made>(std::forward<Arguments>(arguments)...);
+    auto& result = *made;
+    place = std::move(made);
+    return result;
+}
+
 } // namespace
 
 DashboardWorld::DashboardWorld()
-    : wifi(clientOf(interface), clock, queue)
+    : wifi(makeAt<wifi::WiFiService>(services.wifiService, clientOf(interface), clock, queue))
+    , router(makeAt<probes::PingService>(
+          services.routerPingService, u"192.0.2.1"_s, u"Router"_s, clock, routerConnections))
+    , internet(makeAt<probes::PingService>(
+          services.internetPingService, u"192.0.2.2"_s, u"Internet"_s, clock, internetConnections))
+    , portal(makeAt<probes::CaptivePortalService>(
+          services.captivePortalService, http, opener, clock, QUrl(u"https://probe.test/"_s)))
+    , configuration(makeAt<FakeNetworkConfiguration>(platform.networkConfiguration))
 {
     settle(queue);
 }

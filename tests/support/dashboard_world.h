@@ -1,10 +1,12 @@
 #pragma once
 
 #include "base/work_queues.h"
+#include "platform/platform.h"
 #include "probes/captive_portal_service.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
 #include "probes/ping_service.h"
+#include "services/services.h"
 #include "support/fake_connections.h"
 #include "support/fake_http_client.h"
 #include "support/fake_location_manager.h"
@@ -28,22 +30,21 @@ public:
     FakeLocationManager locationManager;
     platform::ApplicationActivity activity;
     wifi::LocationPermissionService permission {locationManager, activity};
-    wifi::WiFiService wifi;
+    platform::Platform platform; ///< holds no more than the readings ask
+    services::Services services {platform};
+    wifi::WiFiService& wifi;
     FakeConnections routerConnections {clock};
     FakeConnections internetConnections {clock};
-    probes::PingService router {
-        QStringLiteral("192.0.2.1"), QStringLiteral("Router"), clock, routerConnections};
-    probes::PingService internet {
-        QStringLiteral("192.0.2.2"), QStringLiteral("Internet"), clock, internetConnections};
+    probes::PingService& router;
+    probes::PingService& internet;
     FakeHttpClient http;
     FakeUrlOpener opener;
-    probes::CaptivePortalService portal {
-        http, opener, clock, QUrl(QStringLiteral("https://probe.test/"))};
-    FakeNetworkConfiguration configuration;
+    probes::CaptivePortalService& portal;
+    FakeNetworkConfiguration& configuration;
     probes::NetworkUtils network {configuration, queue};
     std::shared_ptr<FakeResolver> resolver = std::make_shared<FakeResolver>();
     probes::DNSService dns {network, resolver, clock, QStringLiteral("host.test")};
-    ui::DashboardReadings readings {{wifi, router, internet, portal, configuration}};
+    ui::DashboardReadings readings {services};
 
     DashboardWorld();
     ~DashboardWorld();

@@ -1,8 +1,10 @@
 #include "ui/state/dashboard_readings.h"
 
+#include "platform/platform.h"
 #include "probes/captive_portal_service.h"
 #include "probes/network_utils.h"
 #include "probes/ping_service.h"
+#include "services/services.h"
 #include "wifi/wifi_service.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -47,20 +49,20 @@ QStringList DashboardReadings::refresh()
                                void (DashboardReadings::*changed)()) {
         take(copy, reading, copy == reading, name, changed);
     };
-    const auto& wifi = m_sources.wifiService;
+    const auto& wifi = *m_services.wifiService;
     take(m_currentWiFi, wifi.currentWiFi(), looksAlike(m_currentWiFi, wifi.currentWiFi()),
         u"wifi"_s, &DashboardReadings::currentWiFiChanged);
-    takeMetrics(m_routerMetrics, m_sources.routerPingService, u"router"_s,
+    takeMetrics(m_routerMetrics, *m_services.routerPingService, u"router"_s,
         &DashboardReadings::routerMetricsChanged);
-    takeMetrics(m_internetMetrics, m_sources.internetPingService, u"internet"_s,
+    takeMetrics(m_internetMetrics, *m_services.internetPingService, u"internet"_s,
         &DashboardReadings::internetMetricsChanged);
     takeValue(m_needsLocationPermission, wifi.needsLocationPermission(), u"permission"_s,
         &DashboardReadings::needsLocationPermissionChanged);
     takeValue(
         m_errorMessage, wifi.errorMessage(), u"error"_s, &DashboardReadings::errorMessageChanged);
-    takeValue(m_isCaptive, m_sources.captivePortalService.isCaptive(), u"captive"_s,
+    takeValue(m_isCaptive, m_services.captivePortalService->isCaptive(), u"captive"_s,
         &DashboardReadings::isCaptiveChanged);
-    takeValue(m_vpnActive, probes::isVPNActive(m_sources.networkConfiguration), u"vpn"_s,
+    takeValue(m_vpnActive, probes::isVPNActive(*m_services.platform.networkConfiguration), u"vpn"_s,
         &DashboardReadings::vpnActiveChanged);
     Q_EMIT refreshed();
     return changes;

@@ -8,27 +8,11 @@
 
 #include <optional>
 
-namespace netvane::platform {
-class NetworkConfiguration;
-} // namespace netvane::platform
-namespace netvane::probes {
-class CaptivePortalService;
-class PingService;
-} // namespace netvane::probes
-namespace netvane::wifi {
-class WiFiService;
-} // namespace netvane::wifi
+namespace netvane::services {
+struct Services;
+} // namespace netvane::services
 
 namespace netvane::ui {
-
-/// Where the readings come from. All of it outlives what shows them.
-struct ReadingSources {
-    const wifi::WiFiService& wifiService;
-    const probes::PingService& routerPingService;
-    const probes::PingService& internetPingService;
-    const probes::CaptivePortalService& captivePortalService;
-    platform::NetworkConfiguration& networkConfiguration;
-};
 
 /// A dashboard's own copies of the readings, replaced only when what matters to the display is
 /// different, so that nothing is redrawn while nothing that is shown has changed. Main thread.
@@ -36,8 +20,9 @@ class DashboardReadings : public QObject {
     Q_OBJECT
 
 public:
-    explicit DashboardReadings(const ReadingSources& sources)
-        : m_sources(sources)
+    /// `services` outlive the readings. All of them exist.
+    explicit DashboardReadings(const services::Services& services)
+        : m_services(services)
     {
     }
 
@@ -68,7 +53,7 @@ Q_SIGNALS:
     void refreshed();
 
 private:
-    ReadingSources m_sources;
+    const services::Services& m_services;
     std::optional<wifi::WiFiInfo> m_currentWiFi;
     std::optional<probes::NetworkMetrics> m_routerMetrics;
     std::optional<probes::NetworkMetrics> m_internetMetrics;

@@ -4,7 +4,6 @@
 #include "ui/state/channel_analysis_state.h"
 #include "ui/state/connection_summary_state.h"
 #include "ui/state/dashboard_readings.h"
-#include "ui/state/dashboard_services.h"
 #include "ui/state/dns_state.h"
 #include "ui/state/error_message_state.h"
 #include "ui/state/location_permission_state.h"
@@ -41,9 +40,9 @@ class DashboardState : public QObject {
     Q_PROPERTY(netvane::ui::RecommendationsState* recommendations READ recommendations CONSTANT)
 
 public:
-    /// `loadProbe` tells the speed test how the link lags while it is busy; null for one that is
-    /// not to be told.
-    DashboardState(const DashboardServices& services, probes::PingService* loadProbe);
+    /// All services exist and outlive this. `loadProbe` tells the speed test how the link lags
+    /// while it is busy; null for one that is not to be told.
+    DashboardState(const services::Services& services, probes::PingService* loadProbe);
 
     DashboardReadings& readings() { return m_readings; }
 

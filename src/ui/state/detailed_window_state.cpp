@@ -1,16 +1,17 @@
 #include "ui/state/detailed_window_state.h"
 
+#include "platform/platform.h"
+#include "services/services.h"
 #include "wifi/location_permission_service.h"
 
 namespace netvane::ui {
 
-DetailedWindowState::DetailedWindowState(
-    const DashboardServices& services, const SettingsServices& settingsServices)
-    : m_permission(services.locationPermissionService)
+DetailedWindowState::DetailedWindowState(const services::Services& services)
+    : m_permission(*services.locationPermissionService)
     , m_dashboard(services, nullptr)
-    , m_settings(settingsServices)
-    , m_updateTimer(
-          services.clock.repeat(updateInterval, [this] { m_dashboard.readings().refresh(); }))
+    , m_settings(services)
+    , m_updateTimer(services.platform.clock->repeat(
+          updateInterval, [this] { m_dashboard.readings().refresh(); }))
 {
     connect(m_dashboard.networkInfo(), &NetworkInfoState::settingsRequested, this,
         [this] { setShowSettings(true); });

@@ -22,8 +22,8 @@ class DetailedWindowState : public QObject {
 public:
     static constexpr std::chrono::milliseconds updateInterval {5000};
 
-    DetailedWindowState(
-        const DashboardServices& services, const SettingsServices& settingsServices);
+    /// All services exist and outlive this.
+    explicit DetailedWindowState(const services::Services& services);
 
     bool showSettings() const { return m_showSettings; }
     void setShowSettings(bool show);

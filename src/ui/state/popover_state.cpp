@@ -2,12 +2,16 @@
 
 #include "base/log.h"
 #include "insights/onboarding_service.h"
+#include "platform/platform.h"
+#include "services/services.h"
 #include "wifi/location_permission_service.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::ui {
 namespace {
+
+Q_LOGGING_CATEGORY(logCategory, "netvane.ui")
 
 constexpr int kQuietUpdates = 10; ///< of which one is told even if nothing changed
 
@@ -23,16 +27,15 @@ std::optional<QString> updateLine(int updateCount, double milliseconds, const QS
         + names;
 }
 
-PopoverState::PopoverState(
-    const DashboardServices& services, const SettingsServices& settingsServices)
+PopoverState::PopoverState(const services::Services& services)
     : m_services(services)
-    , m_dashboard(services, &services.routerPingService)
-    , m_settings(settingsServices)
-    , m_onboarding(
-          services.onboardingService, services.locationPermissionService, services.urlOpener)
+    , m_dashboard(services, services.routerPingService.get())
+    , m_settings(services)
+    , m_onboarding(*services.onboardingService, *services.locationPermissionService,
+          *services.platform.urlOpener)
 {
-    connect(&m_services.onboardingService, &insights::OnboardingService::isCompletedChanged, this,
-        &PopoverState::contentChanged);
+    connect(m_services.onboardingService.get(), &insights::OnboardingService::isCompletedChanged,
+        this, &PopoverState::contentChanged);
     connect(m_dashboard.networkInfo(), &NetworkInfoState::settingsRequested, this,
         [this] { setShowSettings(true); });
     connect(&m_settings, &SettingsState::backRequested, this, [this] { setShowSettings(false); });
@@ -41,7 +44,7 @@ PopoverState::PopoverState(
 
 PopoverState::Content PopoverState::content() const
 {
-    if (!m_services.onboardingService.isCompleted())
+    if (!m_services.onboardingService->isCompleted())
         return Onboarding;
     return m_showSettings ? Settings : Dashboard;
 }
@@ -79,9 +82,9 @@ void PopoverState::followContent()
 
 void PopoverState::startUpdates()
 {
-    m_services.locationPermissionService.checkAuthorizationStatus();
+    m_services.locationPermissionService->checkAuthorizationStatus();
     updateState();
-    m_updateTimer = m_services.clock.repeat(updateInterval, [this] { updateState(); });
+    m_updateTimer = m_services.platform.clock->repeat(updateInterval, [this] { updateState(); });
 }
 
 void PopoverState::stopUpdates()
@@ -92,12 +95,12 @@ void PopoverState::stopUpdates()
 void PopoverState::updateState()
 {
     ++m_updateCount;
-    const auto start = m_services.clock.monotonicNow();
+    const auto start = m_services.platform.clock->monotonicNow();
     const QStringList changes = m_dashboard.readings().refresh();
     const std::chrono::duration<double, std::milli> elapsed
-        = m_services.clock.monotonicNow() - start;
+        = m_services.platform.clock->monotonicNow() - start;
     if (const auto line = updateLine(m_updateCount, elapsed.count(), changes))
-        base::log(*line);
+        base::log(logCategory(), *line);
 }
 
 } // namespace netvane::ui

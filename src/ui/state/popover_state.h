@@ -30,7 +30,8 @@ public:
 
     static constexpr std::chrono::milliseconds updateInterval {10'000};
 
-    PopoverState(const DashboardServices& services, const SettingsServices& settingsServices);
+    /// All services exist and outlive this.
+    explicit PopoverState(const services::Services& services);
 
     Content content() const;
     bool showSettings() const { return m_showSettings; }
@@ -57,7 +58,7 @@ private:
     void stopUpdates();
     void updateState();
 
-    const DashboardServices m_services;
+    const services::Services& m_services;
     DashboardState m_dashboard;
     SettingsState m_settings;
     OnboardingState m_onboarding;

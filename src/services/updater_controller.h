@@ -2,7 +2,7 @@
 
 #include <QString>
 
-namespace netvane::app {
+namespace netvane::services {
 
 /// Knows how this copy of the program is updated. It never downloads anything: on Linux the package
 /// manager does, or whoever built the program.
@@ -21,4 +21,4 @@ private:
     QString m_dpkgInfo;
 };
 
-} // namespace netvane::app
+} // namespace netvane::services

@@ -1,11 +1,11 @@
-#include "app/updater_controller.h"
+#include "services/updater_controller.h"
 
 #include <QDir>
 #include <QFile>
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace netvane::app {
+namespace netvane::services {
 namespace {
 
 /// Whether the package's own list of files names the program; `netvane.list` is what dpkg writes
@@ -37,4 +37,4 @@ QString UpdaterController::checkForUpdates() const
         + u", built on this machine. To update it, fetch its source anew and build it again."_s;
 }
 
-} // namespace netvane::app
+} // namespace netvane::services
