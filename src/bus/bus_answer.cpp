@@ -1,6 +1,7 @@
 #include "bus/bus_answer.h"
 
 #include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -17,11 +18,27 @@ void askBus(const QDBusConnection& bus, const QDBusMessage& call, int limitMs, Q
         });
 }
 
+QDBusMessage busCall(const QString& method)
+{
+    const QString name = u"org.freedesktop.DBus"_s;
+    return QDBusMessage::createMethodCall(name, u"/org/freedesktop/DBus"_s, name, method);
+}
+
 QDBusMessage ownerQuestion(const QString& service)
 {
-    return QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-               u"org.freedesktop.DBus"_s, u"GetNameOwner"_s)
-        << service;
+    return busCall(u"GetNameOwner"_s) << service;
+}
+
+bool isReply(const QDBusMessage& answer, const QString& signature)
+{
+    return answer.type() == QDBusMessage::ReplyMessage && answer.signature() == signature;
+}
+
+QVariant propertyValue(const QDBusMessage& answer)
+{
+    if (!isReply(answer, u"v"_s))
+        return {};
+    return answer.arguments().value(0).value<QDBusVariant>().variant();
 }
 
 bool isNobodyThere(const QDBusMessage& answer)

@@ -4,7 +4,6 @@
 #include "bus/bus_answer.h"
 
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
 
 #include <algorithm>
 
@@ -77,11 +76,8 @@ void BusScanPath::ask(const QDBusMessage& call, const QString& signature,
 void BusScanPath::send(const QDBusMessage& call, const QString& signature,
     std::function<void(const QDBusMessage&)> take)
 {
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, kAnswerLimitMs), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-        [this, watcher, signature, take = std::move(take)] {
-            watcher->deleteLater();
-            const QDBusMessage answer = watcher->reply();
+    bus::askBus(m_bus, call, kAnswerLimitMs, this,
+        [this, signature, take = std::move(take)](const auto& answer) {
             if (m_isOver)
                 return;
             if (answer.type() != QDBusMessage::ReplyMessage)

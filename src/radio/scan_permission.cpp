@@ -1,7 +1,5 @@
 #include "radio/scan_permission.h"
 
-#include "bus/bus_answer.h"
-
 #include <QDBusArgument>
 #include <QDBusMetaType>
 
@@ -14,7 +12,6 @@ constexpr auto kScanAction = "org.freedesktop.NetworkManager.wifi.scan"_L1;
 const QString kNetworkManager = u"org.freedesktop.NetworkManager"_s;
 const QString kNetworkManagerPath = u"/org/freedesktop/NetworkManager"_s;
 
-constexpr int kAnswerLimitMs = 25'000; // polkit's own first answer can take most of it
 constexpr int kUserLimitMs = 5 * 60'000; // somebody types a password
 constexpr uint kAllowUserInteraction = 1; // polkit's CheckAuthorizationFlags
 
@@ -40,14 +37,6 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, PolkitSubject&)
     return argument;
 }
 
-QDBusMessage networkManagerCall(const QString& method)
-{
-    auto call = QDBusMessage::createMethodCall(
-        kNetworkManager, kNetworkManagerPath, kNetworkManager, method);
-    call.setAutoStartService(false); // no network manager is one too
-    return call;
-}
-
 QDBusMessage polkitCall(const QString& ownName)
 {
     qDBusRegisterMetaType<PolkitSubject>();
@@ -64,7 +53,7 @@ QDBusMessage polkitCall(const QString& ownName)
 /// The first field of polkit's answer ((bba{ss})): is_authorized.
 bool isGranted(const QDBusMessage& answer)
 {
-    if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != u"(bba{ss})"_s)
+    if (!bus::isReply(answer, u"(bba{ss})"_s))
         return false;
     const auto result = answer.arguments().value(0).value<QDBusArgument>();
     bool granted = false;
@@ -96,60 +85,42 @@ std::optional<platform::AuthorizationStatus> scanAuthorization(const QDBusMessag
 }
 
 ScanPermission::ScanPermission(bus::BusLink& systemBus)
-    : m_systemBus(systemBus)
+    : m_networkManager(systemBus, kNetworkManager, kNetworkManagerPath, kNetworkManager)
 {
-    connect(&m_systemBus, &bus::BusLink::stateChanged, this, &ScanPermission::watchSystemBus);
-    watchSystemBus();
-}
-
-void ScanPermission::watchSystemBus()
-{
-    ++m_questions;
-    if (m_systemBus.state() == bus::BusLink::State::Connecting)
-        return;
-    if (m_systemBus.state() == bus::BusLink::State::Absent) {
-        setStatus(platform::AuthorizationStatus::AuthorizedAlways);
-        return;
-    }
-    // Neither signal is taken at its word, they only have the question asked again; so it does not
-    // matter who sent them, and Qt need not look up owners, for which it would wait.
-    auto bus = m_systemBus.connection();
-    bus.connect(QString(), kNetworkManagerPath, kNetworkManager, u"CheckPermissions"_s, this,
-        SLOT(readPermission()));
-    bus.connect(QString(), u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s,
-        u"NameOwnerChanged"_s, {kNetworkManager}, u"sss"_s, this, SLOT(readPermission()));
-    // polkit's own word as well: on Debian the bus policy keeps it from NetworkManager, which then
-    // never passes it on.
-    bus.connect(QString(), u"/org/freedesktop/PolicyKit1/Authority"_s,
-        u"org.freedesktop.PolicyKit1.Authority"_s, u"Changed"_s, this, SLOT(readPermission()));
-    readPermission();
+    connect(&m_networkManager, &bus::BusService::reachable, this, &ScanPermission::readPermission);
+    connect(&m_networkManager, &bus::BusService::signalled, this, &ScanPermission::readPermission);
+    connect(&m_networkManager, &bus::BusService::gone, this,
+        [this] { setStatus(platform::AuthorizationStatus::AuthorizedAlways); });
+    m_networkManager.listenTo(u"CheckPermissions"_s);
+    // polkit's own signal as well: on Debian the bus policy keeps it from NetworkManager, which
+    // then never passes it on.
+    m_networkManager.listenTo(u"/org/freedesktop/PolicyKit1/Authority"_s,
+        u"org.freedesktop.PolicyKit1.Authority"_s, u"Changed"_s);
+    m_networkManager.begin();
 }
 
 void ScanPermission::readPermission()
 {
-    if (m_systemBus.state() != bus::BusLink::State::Connected)
-        return;
-    bus::askBus(m_systemBus.connection(), networkManagerCall(u"GetPermissions"_s), kAnswerLimitMs,
-        this, [this, question = ++m_questions](const auto& answer) {
-            if (const auto status = scanAuthorization(answer); status && question == m_questions)
-                setStatus(*status);
-        });
+    m_networkManager.ask(m_networkManager.call(u"GetPermissions"_s), [this](const auto& answer) {
+        if (const auto status = scanAuthorization(answer))
+            setStatus(*status);
+    });
 }
 
 void ScanPermission::requestAlwaysAuthorization()
 {
-    if (m_systemBus.state() != bus::BusLink::State::Connected || m_isAskingUser)
+    if (!m_networkManager.isBusThere() || m_isAskingUser)
         return;
     m_isAskingUser = true;
-    bus::askBus(m_systemBus.connection(), polkitCall(m_systemBus.connection().baseService()),
-        kUserLimitMs, this, [this](const auto& answer) {
-            m_isAskingUser = false;
-            // A grant for this once is not among the permissions that NetworkManager lists.
-            if (isGranted(answer))
-                setStatus(platform::AuthorizationStatus::AuthorizedAlways);
-            else
-                readPermission();
-        });
+    const auto& bus = m_networkManager.connection();
+    bus::askBus(bus, polkitCall(bus.baseService()), kUserLimitMs, this, [this](const auto& answer) {
+        m_isAskingUser = false;
+        // A grant for this once is not among the permissions that NetworkManager lists.
+        if (isGranted(answer))
+            setStatus(platform::AuthorizationStatus::AuthorizedAlways);
+        else
+            readPermission();
+    });
 }
 
 void ScanPermission::setStatus(platform::AuthorizationStatus status)
