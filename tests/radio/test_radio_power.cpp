@@ -1,4 +1,4 @@
-#include "radio/nl80211_wifi_client.h"
+#include "radio/radio_power.h"
 #include "support/test_main.h"
 
 #include <QDir>

@@ -130,8 +130,8 @@ private Q_SLOTS:
             return BssRecord {.frequencyMhz = mhz, .bssid = bssid(last), .seenMsAgo = age};
         };
         std::vector<BssRecord> table;
-        addLater(table, {entry(1, 2412, 10), entry(2, 2437, 10), BssRecord {}}, 99h);
-        addLater(table, {entry(1, 2462, 500), BssRecord {}}, 1s); // it has moved meanwhile
+        addNewerTable(table, {entry(1, 2412, 10), entry(2, 2437, 10), BssRecord {}}, 99h);
+        addNewerTable(table, {entry(1, 2462, 500), BssRecord {}}, 1s); // it has moved meanwhile
         const auto networks = nearbyNetworks(table);
         QCOMPARE(networks.size(), 3U);
         QCOMPARE(networks[0].channel->number, 11);
