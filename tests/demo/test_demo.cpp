@@ -54,7 +54,7 @@ QList<int> networkSockets()
     return found;
 }
 
-demo::Wishes held(const QString& scene, std::vector<demo::Scene> scenes = demo::scenes())
+demo::StageOptions held(const QString& scene, std::vector<demo::Scene> scenes = demo::scenes())
 {
     return {.scenes = std::move(scenes), .held = scene, .hasStatusArea = true};
 }
