@@ -19,7 +19,10 @@ using namespace std::chrono_literals;
 using Status = AuthorizationStatus;
 using TextMap = QMap<QString, QString>;
 using test::Answer;
+using test::error;
 using test::FakeBusService;
+using test::kSilence;
+using test::reply;
 
 namespace {
 
@@ -40,18 +43,6 @@ Answer scanning(const QString& word)
     return permissions(
         {{u"org.freedesktop.NetworkManager.wifi.share.open"_s, u"yes"_s}, {kScanAction, word}});
 }
-
-Answer reply(const QVariantList& values)
-{
-    return [values](const QDBusMessage& call) { return call.createReply(values); };
-}
-
-Answer error(const QString& name)
-{
-    return [name](const QDBusMessage& call) { return call.createErrorReply(name, u"no"_s); };
-}
-
-const Answer kSilence = [](const QDBusMessage&) { return std::nullopt; };
 
 /// polkit's (bba{ss}), of which `Details` is the last.
 template <typename Details = TextMap>

@@ -92,7 +92,8 @@ platform::Platform SoakWorld::makePlatform()
     platform.appearance = std::make_unique<desktop::PortalAppearance>(*sessionBus);
     platform.statusNotifierHost = std::make_unique<desktop::SessionStatusNotifierHost>(*sessionBus);
     platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
-    auto settings = std::make_unique<desktop::SettingsFile>(m_folder.filePath(u"settings.json"_s));
+    auto settings = std::make_unique<desktop::SettingsFile>(
+        m_folder.filePath(u"settings.json"_s), m_queues->utility);
     settings->setBoolean(u"netvane.onboarding.completed"_s, true);
     platform.userDefaults = std::move(settings);
     platform.wifiClient = std::make_shared<SoakRadio>(platform.wifiClient, m_fate);
