@@ -1,6 +1,5 @@
 #include "radio/scan_permission.h"
 #include "support/fake_bus_service.h"
-#include "support/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
@@ -67,14 +66,9 @@ private Q_SLOTS:
     {
         qRegisterMetaType<Status>();
         qDBusRegisterMetaType<TextMap>();
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
     }
 
-    void init()
-    {
-        QVERIFY(m_bus.start());
-        m_clock = std::make_unique<test::ManualClock>();
-    }
+    void init() { QVERIFY(m_world.bus.start()); }
 
     void cleanup()
     {
@@ -82,7 +76,6 @@ private Q_SLOTS:
         m_link.reset();
         m_networkManager.reset();
         m_polkit.reset();
-        m_pool.waitForDone();
     }
 
     void answers_data()
@@ -174,15 +167,15 @@ private Q_SLOTS:
 
     void retriesBecomeRare()
     {
-        m_bus.stop();
+        m_world.bus.stop();
         start();
-        QTRY_COMPARE(m_clock->timerCount(), 1);
+        QTRY_COMPARE(m_world.clock.timerCount(), 1);
         for (const auto delay : {1s, 2s, 5s, 15s, 60s, 60s}) {
-            m_clock->advance(delay - 1ms);
-            QCOMPARE(m_clock->timerCount(), 1);
-            m_clock->advance(1ms);
-            QCOMPARE(m_clock->timerCount(), 0);
-            QTRY_COMPARE(m_clock->timerCount(), 1);
+            m_world.clock.advance(delay - 1ms);
+            QCOMPARE(m_world.clock.timerCount(), 1);
+            m_world.clock.advance(1ms);
+            QCOMPARE(m_world.clock.timerCount(), 0);
+            QTRY_COMPARE(m_world.clock.timerCount(), 1);
         }
     }
 
@@ -246,15 +239,15 @@ private Q_SLOTS:
         startAuthorizable();
         m_permission->requestAlwaysAuthorization();
         QTRY_COMPARE(m_polkit->calls.size(), 1);
-        m_bus.stop();
+        m_world.bus.stop();
         QTRY_COMPARE(m_link->state(), BusLink::State::Absent);
         m_permission->requestAlwaysAuthorization(); // of nobody
         m_networkManager.reset();
         m_polkit.reset();
-        QVERIFY(m_bus.start());
+        QVERIFY(m_world.bus.start());
         startNetworkManager(scanning(u"auth"_s));
         startPolkit(polkitSays(true));
-        m_clock->advance(1s);
+        m_world.clock.advance(1s);
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
         m_permission->requestAlwaysAuthorization();
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::AuthorizedAlways);
@@ -263,7 +256,7 @@ private Q_SLOTS:
 private:
     void start()
     {
-        m_link = std::make_unique<BusLink>(QDBusConnection::SystemBus, *m_clock, m_pool);
+        m_link = m_world.makeLink();
         m_permission = std::make_unique<ScanPermission>(*m_link);
     }
 
@@ -279,12 +272,13 @@ private:
     void startNetworkManager(const Answer& answer)
     {
         m_networkManager = std::make_unique<FakeBusService>(
-            m_bus.address(), kNetworkManager, kNetworkManagerPath, answer);
+            m_world.bus.address(), kNetworkManager, kNetworkManagerPath, answer);
     }
 
     void startPolkit(const Answer& answer)
     {
-        m_polkit = std::make_unique<FakeBusService>(m_bus.address(), kPolkit, kPolkitPath, answer);
+        m_polkit
+            = std::make_unique<FakeBusService>(m_world.bus.address(), kPolkit, kPolkitPath, answer);
     }
 
     static QDBusMessage checkPermissions()
@@ -293,9 +287,7 @@ private:
             kNetworkManagerPath, kNetworkManager, u"CheckPermissions"_s);
     }
 
-    test::PrivateBus m_bus;
-    base::WorkQueue m_pool;
-    std::unique_ptr<test::ManualClock> m_clock;
+    test::BusFixture m_world {QDBusConnection::SystemBus};
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<ScanPermission> m_permission;
     std::unique_ptr<FakeBusService> m_networkManager;
