@@ -69,7 +69,7 @@ void DNSService::timeLookup()
             if (!base::hasSlept(asleepBefore, m_clock.timeAsleep()))
                 finishLookup(lookup);
         },
-        &m_clock);
+        m_clock, base::Delivery::Batched);
     if (started)
         ++m_lookupsInFlight;
     else

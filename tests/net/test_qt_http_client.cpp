@@ -173,8 +173,8 @@ private Q_SLOTS:
         QVERIFY(server.connectionCount() >= 4);
         QCOMPARE(server.requests()[2], server.requests()[0]);
         QCOMPARE(server.requests()[3], server.requests()[1]);
-        QVERIFY(server.requests()[0].contains("\r\nAccept-Encoding: identity\r\n"));
-        QVERIFY(!server.requests()[1].contains("Cookie"));
+        QVERIFY(server.requests()[0].toLower().contains("\r\naccept-encoding: identity\r\n"));
+        QVERIFY(!server.requests()[1].toLower().contains("cookie"));
         // Each transfer had one of its own. One of an earlier test may have been ending at the
         // start.
         QTRY_VERIFY(threads() <= threadsBefore);
