@@ -6,7 +6,7 @@
 #include "demo/scripted_platform.h"
 #include "demo/window_mark.h"
 #include "shell/popover_window.h"
-#include "windows/program_views.h"
+#include "windows/quick_views.h"
 
 #include <QCommandLineParser>
 #include <QSystemTrayIcon>
@@ -92,8 +92,8 @@ int run(QApplication& application, const Options& options)
                 .hasStatusArea = options.showsPopover || QSystemTrayIcon::isSystemTrayAvailable()});
         auto& clock = *scripted.platform.clock;
         mark = std::make_unique<demo::WindowMark>(application, *scripted.stage);
-        auto program = std::make_unique<app::Program>(application, std::move(scripted.platform),
-            &std::make_unique<windows::ProgramViews, platform::Platform&>);
+        auto program = std::make_unique<app::Program>(
+            application, std::move(scripted.platform), &windows::makeQuickViews);
         if (options.showsPopover)
             opening = clock.after(kStartTime, [&delegate = program->delegate()] {
                 if (delegate.popover())

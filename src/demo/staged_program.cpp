@@ -1,7 +1,7 @@
 #include "demo/staged_program.h"
 
 #include "probes/dns_service.h"
-#include "windows/program_views.h"
+#include "windows/quick_views.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -26,8 +26,7 @@ StagedProgram::StagedProgram(
     : m_clock(*clock)
     , m_scripted(makeScriptedPlatform(std::move(clock), std::move(wishes)))
     , m_queue(m_scripted.platform.queues->userInitiated)
-    , m_program(application, std::move(m_scripted.platform),
-          &std::make_unique<windows::ProgramViews, platform::Platform&>)
+    , m_program(application, std::move(m_scripted.platform), &windows::makeQuickViews)
 {
     m_program.start();
     settle();

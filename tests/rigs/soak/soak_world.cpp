@@ -8,7 +8,7 @@
 #include "desktop/settings_file.h"
 #include "probes/dns_service.h"
 #include "radio/scan_permission.h"
-#include "windows/program_views.h"
+#include "windows/quick_views.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -57,8 +57,8 @@ SoakWorld::SoakWorld(QApplication& application)
         qputenv(bus, m_desktop.address().toUtf8());
     if (!m_folder.isValid() || !m_desktop.start())
         qFatal("no temporary folder or no bus");
-    m_program = std::make_unique<app::Program>(
-        application, makePlatform(), &std::make_unique<windows::ProgramViews, platform::Platform&>);
+    m_program
+        = std::make_unique<app::Program>(application, makePlatform(), &windows::makeQuickViews);
     m_program->start();
     // The program gives the desktop three seconds, which here are none.
     if (!until([this] { return m_panel->isPresent() == true; }))
