@@ -49,9 +49,10 @@ struct FakedWorld {
         platform.statusNotifierHost.reset(host);
     }
 
-    void makeDelegate(app::DashboardViews& shown)
+    void makeDelegate(app::MakeViews makeViews)
     {
-        delegate = std::make_unique<app::AppDelegate>(platform, activity, notifications, shown);
+        delegate = std::make_unique<app::AppDelegate>(
+            platform, activity, notifications, std::move(makeViews));
     }
 
     void launch()

@@ -6,7 +6,8 @@
 #include "shell/popover_window.h"
 #include "ui/state/popover_state.h"
 #include "wifi/wifi_service.h"
-#include "windows/program_views.h"
+#include "windows/quick_views.h"
+#include "windows/quick_window.h"
 
 #include <QQuickItem>
 #include <QTest>
@@ -17,7 +18,7 @@ namespace netvane::test {
 struct Program : FakedWorld {
     explicit Program(bool isIntroduced = true, bool isOpened = true)
     {
-        makeDelegate(programViews);
+        makeDelegate(windows::makeQuickViews);
         auto client = std::make_shared<FakeWiFiClient>();
         client->list = {interface};
         platform.wifiClient = client;
@@ -32,7 +33,6 @@ struct Program : FakedWorld {
     {
         delegate->applicationWillTerminate();
         settle();
-        delegate.reset(); // before its views
     }
 
     void click()
@@ -65,7 +65,6 @@ struct Program : FakedWorld {
     }
 
     std::shared_ptr<FakeWiFiInterface> interface = std::make_shared<FakeWiFiInterface>();
-    windows::ProgramViews programViews {platform};
 };
 
 /// The visible items below `item` that have a text, by that text, in the order of the tree.
