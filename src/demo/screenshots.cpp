@@ -99,7 +99,7 @@ QWindow* performance(StagedProgram& program)
 QWindow* diagnostics(StagedProgram& program)
 {
     auto* window = detailedWindow(program);
-    auto& dashboard = *stateOf<ui::DetailedWindowState>(*window).dashboard();
+    auto& dashboard = stateOf<ui::DetailedWindowState>(*window);
     dashboard.channelAnalysis()->scan();
     dashboard.speedTest()->runTest();
     dashboard.traceroute()->run();

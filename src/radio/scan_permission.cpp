@@ -12,40 +12,22 @@ constexpr auto kScanAction = "org.freedesktop.NetworkManager.wifi.scan"_L1;
 const QString kNetworkManager = u"org.freedesktop.NetworkManager"_s;
 const QString kNetworkManagerPath = u"/org/freedesktop/NetworkManager"_s;
 
-constexpr int kUserLimitMs = 5 * 60'000; // somebody types a password
+constexpr int kUserLimitMs = 5 * 60'000; // the user types a password
 constexpr uint kAllowUserInteraction = 1; // polkit's CheckAuthorizationFlags
 
 using TextMap = QMap<QString, QString>;
 
-/// polkit's Subject: a kind, and what tells who it is.
-struct PolkitSubject {
-    QString kind;
-    QVariantMap details;
-};
-
-QDBusArgument& operator<<(QDBusArgument& argument, const PolkitSubject& subject)
-{
-    argument.beginStructure();
-    argument << subject.kind << subject.details;
-    argument.endStructure();
-    return argument;
-}
-
-// Qt wants both directions; nothing sends us a subject.
-const QDBusArgument& operator>>(const QDBusArgument& argument, PolkitSubject&)
-{
-    return argument;
-}
-
 QDBusMessage polkitCall(const QString& ownName)
 {
-    qDBusRegisterMetaType<PolkitSubject>();
     qDBusRegisterMetaType<TextMap>();
     auto call = QDBusMessage::createMethodCall(u"org.freedesktop.PolicyKit1"_s,
         u"/org/freedesktop/PolicyKit1/Authority"_s, u"org.freedesktop.PolicyKit1.Authority"_s,
         u"CheckAuthorization"_s);
-    const PolkitSubject self {u"system-bus-name"_s, {{u"name"_s, ownName}}};
-    call << QVariant::fromValue(self) << QString(kScanAction) << QVariant::fromValue(TextMap())
+    QDBusArgument subject; // polkit's Subject: a kind and its details
+    subject.beginStructure();
+    subject << u"system-bus-name"_s << QVariantMap {{u"name"_s, ownName}};
+    subject.endStructure();
+    call << QVariant::fromValue(subject) << QString(kScanAction) << QVariant::fromValue(TextMap())
          << kAllowUserInteraction << QString();
     return call;
 }
@@ -59,7 +41,7 @@ bool isGranted(const QDBusMessage& answer)
     bool granted = false;
     result.beginStructure();
     result >> granted;
-    result.endStructure(); // frees what Qt keeps about an open one
+    result.endStructure(); // frees Qt's data about an open structure
     return granted;
 }
 
@@ -75,13 +57,13 @@ std::optional<platform::AuthorizationStatus> scanAuthorization(const QDBusMessag
     }
     if (answer.signature() != u"a{ss}"_s)
         return platform::AuthorizationStatus::Restricted;
-    const QString word = qdbus_cast<TextMap>(answer.arguments().value(0)).value(kScanAction);
-    if (word == "yes"_L1)
+    const QString permission = qdbus_cast<TextMap>(answer.arguments().value(0)).value(kScanAction);
+    if (permission == "yes"_L1)
         return platform::AuthorizationStatus::AuthorizedAlways;
-    if (word == "auth"_L1)
+    if (permission == "auth"_L1)
         return platform::AuthorizationStatus::NotDetermined;
-    return word == "no"_L1 ? platform::AuthorizationStatus::Denied
-                           : platform::AuthorizationStatus::Restricted;
+    return permission == "no"_L1 ? platform::AuthorizationStatus::Denied
+                                 : platform::AuthorizationStatus::Restricted;
 }
 
 ScanPermission::ScanPermission(bus::BusLink& systemBus)
@@ -92,8 +74,8 @@ ScanPermission::ScanPermission(bus::BusLink& systemBus)
     connect(&m_networkManager, &bus::BusService::gone, this,
         [this] { setStatus(platform::AuthorizationStatus::AuthorizedAlways); });
     m_networkManager.listenTo(u"CheckPermissions"_s);
-    // polkit's own signal as well: on Debian the bus policy keeps it from NetworkManager, which
-    // then never passes it on.
+    // polkit's own signal as well: on Debian the bus policy does not deliver it to
+    // NetworkManager, which therefore never forwards it.
     m_networkManager.listenTo(u"/org/freedesktop/PolicyKit1/Authority"_s,
         u"org.freedesktop.PolicyKit1.Authority"_s, u"Changed"_s);
     m_networkManager.begin();

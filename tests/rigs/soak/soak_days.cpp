@@ -127,7 +127,7 @@ void SoakDays::openPopover()
     if (!delegate.popover()->window())
         return;
     auto& state = stateOf<ui::PopoverState>(*delegate.popover()->window());
-    runDiagnostics(*state.dashboard());
+    runDiagnostics(state);
     state.setShowSettings(true);
     look(3s);
     state.settings()->copyReport();
@@ -146,7 +146,7 @@ void SoakDays::openWindow()
         return delegate.windowController() && delegate.windowController()->isWindowVisible();
     });
     auto& window = delegate.windowController()->window();
-    runDiagnostics(*stateOf<ui::DetailedWindowState>(window).dashboard());
+    runDiagnostics(stateOf<ui::DetailedWindowState>(window));
     window.resize(window.width() + (m_random() % 2 == 0 ? 20 : -20), window.height());
     look(3s);
     window.close();

@@ -7,15 +7,15 @@
 
 namespace netvane::radio {
 
-/// One conversation with nl80211 over generic netlink (linux/nl80211.h). May wait for a driver,
-/// within the bounds of `NetlinkSocket`: for background threads, one at a time.
-class Nl80211Conversation {
+/// A generic netlink socket for requests to nl80211 (linux/nl80211.h). May wait for a driver,
+/// within the limits of `NetlinkSocket`: for background threads, one at a time.
+class Nl80211Socket {
 public:
     /// NotAvailable or NotFound where the kernel has no nl80211 at all.
-    static base::Result<Nl80211Conversation> open();
+    static base::Result<Nl80211Socket> open();
 
-    /// Everything that `command` lists, about one interface or (index 0) about all. What came
-    /// before a failure counts: half an answer is better than none.
+    /// All records that `command` lists, about one interface or (index 0) about all. After a
+    /// failure the records that came before it are returned.
     template <typename Parse>
     auto dump(std::uint8_t command, std::uint32_t index, Parse parse)
     {
@@ -24,7 +24,7 @@ public:
         return records;
     }
 
-    /// The same where nothing must not be taken for an empty list.
+    /// The same for callers that must tell a failure from an empty list.
     template <typename Record, typename Parse>
     base::Result<std::monostate> dumpInto(
         std::vector<Record>& records, std::uint8_t command, std::uint32_t index, Parse parse)
@@ -35,12 +35,12 @@ public:
             [&records] { records.clear(); });
     }
 
-    /// Has the driver look for every network, on all channels (NL80211_CMD_TRIGGER_SCAN, wants
-    /// CAP_NET_ADMIN). Returns when it has begun.
+    /// Starts a scan of all channels for all networks (NL80211_CMD_TRIGGER_SCAN, requires
+    /// CAP_NET_ADMIN). Returns when it has started.
     base::Result<std::monostate> triggerScan(std::uint32_t index);
 
 private:
-    Nl80211Conversation(netlink::NetlinkSocket socket, int family)
+    Nl80211Socket(netlink::NetlinkSocket socket, int family)
         : m_socket(std::move(socket))
         , m_family(family)
     {
