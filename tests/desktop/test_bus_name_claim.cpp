@@ -1,5 +1,5 @@
 #include "desktop/bus_name_claim.h"
-#include "support/manual_clock.h"
+#include "simulated/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
@@ -50,7 +50,7 @@ private Q_SLOTS:
 
     void firstAndSecond()
     {
-        test::ManualClock clock;
+        simulated::ManualClock clock;
         auto first = std::make_unique<Copy>(clock);
         first->claim.claim();
         QTRY_COMPARE(first->decided.count(), 1);
@@ -77,7 +77,7 @@ private Q_SLOTS:
     void noBus()
     {
         m_bus.stop();
-        test::ManualClock clock;
+        simulated::ManualClock clock;
         Copy copy(clock);
         copy.claim.claim();
         QTRY_COMPARE(copy.decided.count(), 1);
@@ -93,7 +93,7 @@ private Q_SLOTS:
     void silentBus()
     {
         m_bus.suspend();
-        test::ManualClock clock;
+        simulated::ManualClock clock;
         {
             Copy copy(clock);
             copy.claim.claim();
@@ -113,7 +113,7 @@ private Q_SLOTS:
 
     void busFallsSilent()
     {
-        test::ManualClock clock;
+        simulated::ManualClock clock;
         Copy copy(clock);
         QTRY_COMPARE(copy.link.state(), BusLink::State::Connected);
         m_bus.suspend();
@@ -131,7 +131,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_otherBus.start());
         m_otherBus.suspend();
-        test::ManualClock clock;
+        simulated::ManualClock clock;
         base::WorkQueue pool;
         const BusLink other(QDBusConnection::SystemBus, clock, pool);
         Copy copy(clock);

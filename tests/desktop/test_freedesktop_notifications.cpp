@@ -1,6 +1,6 @@
 #include "desktop/freedesktop_notifications.h"
+#include "simulated/manual_clock.h"
 #include "support/fake_bus_service.h"
-#include "support/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
@@ -74,7 +74,7 @@ private Q_SLOTS:
     {
         m_bus.setActivatable(kName, {});
         QVERIFY(m_bus.start());
-        m_clock = std::make_unique<test::ManualClock>();
+        m_clock = std::make_unique<simulated::ManualClock>();
         m_told = {};
     }
 
@@ -323,7 +323,7 @@ private:
     test::PrivateBus m_bus;
     base::WorkQueue m_pool;
     Told m_told;
-    std::unique_ptr<test::ManualClock> m_clock;
+    std::unique_ptr<simulated::ManualClock> m_clock;
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<FreedesktopNotifications> m_center;
     std::unique_ptr<test::FakeBusService> m_daemon;

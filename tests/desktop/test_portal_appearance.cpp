@@ -1,6 +1,6 @@
 #include "desktop/portal_appearance.h"
+#include "simulated/manual_clock.h"
 #include "support/fake_bus_service.h"
-#include "support/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
@@ -90,7 +90,7 @@ private:
     }
 
     test::PrivateBus m_bus;
-    test::ManualClock m_clock;
+    simulated::ManualClock m_clock;
     base::WorkQueue m_pool;
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<PortalAppearance> m_appearance;

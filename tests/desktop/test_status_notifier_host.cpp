@@ -1,5 +1,5 @@
 #include "desktop/session_status_notifier_host.h"
-#include "support/manual_clock.h"
+#include "simulated/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
@@ -66,7 +66,7 @@ private Q_SLOTS:
 
 private:
     test::PrivateBus m_bus;
-    test::ManualClock m_clock;
+    simulated::ManualClock m_clock;
     base::WorkQueue m_pool;
 };
 

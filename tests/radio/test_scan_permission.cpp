@@ -1,6 +1,6 @@
 #include "radio/scan_permission.h"
+#include "simulated/manual_clock.h"
 #include "support/fake_bus_service.h"
-#include "support/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
@@ -82,7 +82,7 @@ private Q_SLOTS:
     void init()
     {
         QVERIFY(m_bus.start());
-        m_clock = std::make_unique<test::ManualClock>();
+        m_clock = std::make_unique<simulated::ManualClock>();
     }
 
     void cleanup()
@@ -248,7 +248,7 @@ private:
 
     test::PrivateBus m_bus;
     base::WorkQueue m_pool;
-    std::unique_ptr<test::ManualClock> m_clock;
+    std::unique_ptr<simulated::ManualClock> m_clock;
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<ScanPermission> m_permission;
     std::unique_ptr<FakeBusService> m_networkManager;

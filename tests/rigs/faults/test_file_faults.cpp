@@ -3,9 +3,9 @@
 #include "fault_rows.h"
 #include "insights/report_service.h"
 #include "net/linux_network_configuration.h"
+#include "simulated/desktop.h"
+#include "simulated/manual_clock.h"
 #include "support/captured_log.h"
-#include "support/fake_report_exits.h"
-#include "support/manual_clock.h"
 #include "support/test_main.h"
 
 #include <QDir>
@@ -142,10 +142,10 @@ private Q_SLOTS:
     {
         QFETCH(Fault, fault);
         QFETCH(QString, published);
-        test::FakeSavePanel panel;
-        test::FakeClipboard clipboard;
-        test::FakeSharePicker picker;
-        test::ManualClock clock;
+        simulated::SavePanel panel;
+        simulated::Clipboard clipboard;
+        simulated::SharePicker picker;
+        simulated::ManualClock clock;
         base::WorkQueue queue;
         insights::ReportService service(
             [] { return std::nullopt; }, clock, queue, {clipboard, panel, picker});

@@ -7,8 +7,8 @@
 #include "fault_rows.h"
 #include "net/qt_http_transfers.h"
 #include "radio/scan_permission.h"
+#include "simulated/manual_clock.h"
 #include "support/fake_bus_service.h"
-#include "support/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
@@ -149,7 +149,7 @@ private Q_SLOTS:
     {
         QFETCH(Fault, fault);
         const int descriptors = faults::openDescriptors();
-        test::ManualClock clock;
+        simulated::ManualClock clock;
         {
             const ArmedFault armed(fault);
             desktop::SuspendWatch watch(clock);
@@ -186,7 +186,7 @@ private Q_SLOTS:
             });
         const int descriptors = faults::openDescriptors();
         {
-            test::ManualClock clock;
+            simulated::ManualClock clock;
             base::WorkQueue queue;
             std::optional<ArmedFault> armed(fault);
             bus::BusLink link(QDBusConnection::SystemBus, clock, queue);
@@ -220,7 +220,7 @@ private Q_SLOTS:
     {
         QFETCH(test::Answer, answer);
         QFETCH(Status, status);
-        test::ManualClock clock;
+        simulated::ManualClock clock;
         base::WorkQueue queue;
         auto service = std::make_unique<test::FakeBusService>(
             m_bus.address(), kNetworkManager, u"/org/freedesktop/NetworkManager"_s, answer);
