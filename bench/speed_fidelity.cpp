@@ -9,7 +9,7 @@
 #include "figure.h"
 #include "net/qt_http_client.h"
 #include "net/qt_http_transfers.h"
-#include "support/fake_user_defaults.h"
+#include "simulated/desktop.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -193,7 +193,7 @@ private:
     const Plan m_plan;
     base::SystemClock m_clock;
     net::QtHttpTransfers m_transfers {m_clock, tls()};
-    test::FakeUserDefaults m_defaults;
+    simulated::UserDefaults m_defaults;
     SpeedTestService m_service {m_transfers, m_defaults, m_clock, m_plan.server};
     double m_memoryMb = 0;
     double m_blockedMs = 0;

@@ -19,9 +19,7 @@ struct Program : FakedWorld {
     explicit Program(bool isIntroduced = true, bool isOpened = true)
     {
         makeDelegate(windows::makeQuickViews);
-        auto client = std::make_shared<FakeWiFiClient>();
-        client->list = {interface};
-        platform.wifiClient = client;
+        simulated.wifi.list = {interface};
         defaults->setBoolean(QStringLiteral("netvane.onboarding.completed"), isIntroduced);
         location->status = platform::AuthorizationStatus::AuthorizedAlways;
         host->setPresent(true);
@@ -64,7 +62,8 @@ struct Program : FakedWorld {
         QCoreApplication::processEvents();
     }
 
-    std::shared_ptr<FakeWiFiInterface> interface = std::make_shared<FakeWiFiInterface>();
+    std::shared_ptr<simulated::WiFiInterface>
+        interface = std::make_shared<simulated::WiFiInterface>();
 };
 
 /// The visible items below `item` that have a text, by that text, in the order of the tree.

@@ -1,6 +1,6 @@
 #include "base/work_queues.h"
 #include "net/qt_http_client.h"
-#include "support/manual_clock.h"
+#include "simulated/manual_clock.h"
 #include "support/scripted_http_server.h"
 #include "support/test_main.h"
 
@@ -198,7 +198,7 @@ private:
         m_client->get({.url = url, .bodyLimit = kBodyLimit}, m_owner.get(), keep());
     }
 
-    test::ManualClock m_clock;
+    simulated::ManualClock m_clock;
     base::WorkQueue m_queue;
     std::unique_ptr<net::QtHttpClient> m_client;
     std::unique_ptr<QObject> m_owner; // goes before the client

@@ -1,5 +1,5 @@
 #include "net/qt_http_transfers.h"
-#include "support/manual_clock.h"
+#include "simulated/manual_clock.h"
 #include "support/scripted_http_server.h"
 #include "support/test_main.h"
 
@@ -188,7 +188,7 @@ private:
         m_transfer = m_transfers.start(request, keep());
     }
 
-    test::ManualClock m_clock;
+    simulated::ManualClock m_clock;
     net::QtHttpTransfers m_transfers {m_clock, ScriptedHttpServer::trustingClient()};
     std::unique_ptr<ScriptedHttpServer> m_server;
     std::unique_ptr<platform::HttpTransfer> m_transfer;

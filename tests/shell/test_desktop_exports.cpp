@@ -1,5 +1,5 @@
 #include "shell/desktop_exports.h"
-#include "support/fake_report_exits.h"
+#include "simulated/desktop.h"
 #include "support/settle.h"
 #include "support/test_main.h"
 
@@ -151,7 +151,7 @@ private:
 
     base::WorkQueue m_queue;
     QList<QUrl> m_opened;
-    test::FakeClipboard m_clipboard;
+    simulated::Clipboard m_clipboard;
     std::unique_ptr<shell::DesktopSharePicker> m_picker;
 };
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bus/bus_link.h"
-#include "support/manual_clock.h"
+#include "simulated/manual_clock.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -51,7 +51,7 @@ struct BusFixture {
 
     const QDBusConnection::BusType type;
     PrivateBus bus;
-    ManualClock clock;
+    simulated::ManualClock clock;
     base::WorkQueue queue;
 };
 

@@ -14,8 +14,8 @@
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
 #include "support/captured_log.h"
-#include "support/fake_report_exits.h"
-#include "support/manual_clock.h"
+#include "simulated/desktop.h"
+#include "simulated/manual_clock.h"
 #include "support/own_network.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
@@ -126,7 +126,7 @@ private Q_SLOTS:
     void aBrokenFileIsSetAside()
     {
         write(m_path, "{cut o");
-        desktop::SettingsFile settings(m_path);
+        desktop::SettingsFile settings(m_path, m_queues.utility);
         QSignalSpy stored(&settings, &desktop::SettingsFile::stored);
         m_log.take();
         {
@@ -141,7 +141,7 @@ private Q_SLOTS:
         settings.setBoolean(u"other"_s, true);
         QVERIFY(stored.wait());
         QCOMPARE(files(), 2);
-        QVERIFY(desktop::SettingsFile(m_path).boolean(u"switch"_s).value_or(false));
+        QVERIFY(desktop::SettingsFile(m_path, m_queues.utility).boolean(u"switch"_s).value_or(false));
     }
 
 private:
@@ -177,7 +177,7 @@ private:
 QString TestFaults::storeSettings()
 {
     write(m_path, kEarlier);
-    desktop::SettingsFile settings(m_path);
+    desktop::SettingsFile settings(m_path, m_queues.utility);
     QSignalSpy stored(&settings, &desktop::SettingsFile::stored);
     settings.setText(u"name"_s, u"later"_s);
     if (!stored.wait() || settings.text(u"name"_s) != u"later"_s)
@@ -190,7 +190,7 @@ QString TestFaults::readSettings()
 {
     write(m_path, kEarlier);
     {
-        desktop::SettingsFile settings(m_path);
+        desktop::SettingsFile settings(m_path, m_queues.utility);
         settings.setText(u"name"_s, u"later"_s);
     }
     return logged() + (content(m_path) == kEarlier ? u" earlier"_s : u" later"_s);
@@ -199,9 +199,9 @@ QString TestFaults::readSettings()
 QString TestFaults::saveReport()
 {
     write(m_path, kEarlier);
-    test::FakeSavePanel panel;
-    test::FakeClipboard clipboard;
-    test::FakeSharePicker picker;
+    simulated::SavePanel panel;
+    simulated::Clipboard clipboard;
+    simulated::SharePicker picker;
     insights::ReportService service(
         [] { return std::nullopt; }, m_clock, m_queues.utility, {clipboard, panel, picker});
     std::optional<bool> written;
