@@ -260,7 +260,7 @@ QString TestFaults::lookUp()
 
 QString TestFaults::wakeUp()
 {
-    test::ManualClock clock;
+    simulated::ManualClock clock;
     desktop::SuspendWatch watch(clock);
     const QSignalSpy woken(&watch, &platform::SleepMonitor::didWake);
     clock.sleep(1h);
@@ -270,7 +270,7 @@ QString TestFaults::wakeUp()
 
 QString TestFaults::connectToBus()
 {
-    test::ManualClock clock;
+    simulated::ManualClock clock;
     bus::BusLink link(QDBusConnection::SystemBus, clock, m_queues.userInitiated);
     const auto isDecided = [&] { return link.state() != bus::BusLink::State::Connecting; };
     if (!QTest::qWaitFor(isDecided) || link.state() == bus::BusLink::State::Connected)
