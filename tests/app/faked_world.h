@@ -15,9 +15,10 @@ namespace netvane::test {
 struct FakedWorld {
     FakedWorld() { simulated.wifi.list.clear(); }
 
-    void makeDelegate(app::DashboardViews& shown)
+    void makeDelegate(app::MakeViews makeViews)
     {
-        delegate = std::make_unique<app::AppDelegate>(platform, activity, notifications, shown);
+        delegate = std::make_unique<app::AppDelegate>(
+            platform, activity, notifications, std::move(makeViews));
     }
 
     void launch()

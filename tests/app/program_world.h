@@ -6,7 +6,8 @@
 #include "shell/popover_window.h"
 #include "ui/state/popover_state.h"
 #include "wifi/wifi_service.h"
-#include "windows/program_views.h"
+#include "windows/quick_views.h"
+#include "windows/quick_window.h"
 
 #include <QQuickItem>
 #include <QTest>
@@ -17,7 +18,7 @@ namespace netvane::test {
 struct Program : FakedWorld {
     explicit Program(bool isIntroduced = true, bool isOpened = true)
     {
-        makeDelegate(programViews);
+        makeDelegate(windows::makeQuickViews);
         simulated.wifi.list = {interface};
         defaults->setBoolean(QStringLiteral("netvane.onboarding.completed"), isIntroduced);
         location->status = platform::AuthorizationStatus::AuthorizedAlways;
@@ -30,7 +31,6 @@ struct Program : FakedWorld {
     {
         delegate->applicationWillTerminate();
         settle();
-        delegate.reset(); // before its views
     }
 
     void click()
@@ -62,9 +62,7 @@ struct Program : FakedWorld {
         QCoreApplication::processEvents();
     }
 
-    std::shared_ptr<simulated::WiFiInterface>
-        interface = std::make_shared<simulated::WiFiInterface>();
-    windows::ProgramViews programViews {platform};
+    std::shared_ptr<simulated::WiFiInterface> interface = simulated.interface;
 };
 
 /// The visible items below `item` that have a text, by that text, in the order of the tree.

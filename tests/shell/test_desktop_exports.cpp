@@ -1,6 +1,4 @@
-#include "shell/desktop_clipboard.h"
-#include "shell/desktop_save_panel.h"
-#include "shell/desktop_share_picker.h"
+#include "shell/desktop_exports.h"
 #include "simulated/desktop.h"
 #include "support/settle.h"
 #include "support/test_main.h"

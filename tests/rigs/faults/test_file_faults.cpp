@@ -59,7 +59,7 @@ private Q_SLOTS:
     {
         QFETCH(Fault, fault);
         QFETCH(QString, published);
-        desktop::SettingsFile settings(m_path);
+        desktop::SettingsFile settings(m_path, m_queue);
         QSignalSpy stored(&settings, &desktop::SettingsFile::stored);
         test::CapturedLog log;
         {
@@ -74,7 +74,7 @@ private Q_SLOTS:
         QCOMPARE(files(), 1); // nothing half done lies about
         settings.setBoolean(u"switch"_s, true);
         QVERIFY(stored.wait());
-        QCOMPARE(desktop::SettingsFile(m_path).text(u"name"_s), std::optional(u"later"_s));
+        QCOMPARE(desktop::SettingsFile(m_path, m_queue).text(u"name"_s), std::optional(u"later"_s));
         QCOMPARE(log.take(), QStringList());
     }
 
@@ -93,14 +93,15 @@ private Q_SLOTS:
         test::CapturedLog log;
         {
             const ArmedFault armed(fault);
-            desktop::SettingsFile settings(m_path);
+            desktop::SettingsFile settings(m_path, m_queue);
             QVERIFY(armed.hits() > 0);
             settings.setText(u"name"_s, u"later"_s);
             QCOMPARE(settings.text(u"name"_s), std::optional(u"later"_s));
         }
         QCOMPARE(log.take(), QStringList {u"Settings: the file cannot be used: "_s + published});
         QCOMPARE(content(m_path), kEarlier);
-        QCOMPARE(desktop::SettingsFile(m_path).text(u"name"_s), std::optional(u"earlier"_s));
+        QCOMPARE(
+            desktop::SettingsFile(m_path, m_queue).text(u"name"_s), std::optional(u"earlier"_s));
     }
 
     /// A broken file is not written over before there is a copy of it.
@@ -119,7 +120,7 @@ private Q_SLOTS:
             QVERIFY(file.open(QIODevice::WriteOnly) && file.write("{cut o") > 0);
         }
         test::CapturedLog log;
-        desktop::SettingsFile settings(m_path);
+        desktop::SettingsFile settings(m_path, m_queue);
         QCOMPARE(log.take().size(), 1);
         QSignalSpy stored(&settings, &desktop::SettingsFile::stored);
         {
@@ -134,7 +135,7 @@ private Q_SLOTS:
         settings.setBoolean(u"other"_s, true);
         QVERIFY(stored.wait());
         QCOMPARE(files(), 2);
-        QVERIFY(desktop::SettingsFile(m_path).boolean(u"switch"_s).value_or(false));
+        QVERIFY(desktop::SettingsFile(m_path, m_queue).boolean(u"switch"_s).value_or(false));
     }
 
     void reportIsSaved_data() { addWriting(); }
@@ -226,6 +227,7 @@ private:
         return int(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden).size());
     }
 
+    base::WorkQueue m_queue;
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_path;
     int m_descriptors = 0;
