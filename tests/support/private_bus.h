@@ -51,7 +51,7 @@ struct BusFixture {
 
     const QDBusConnection::BusType type;
     PrivateBus bus;
-    ManualClock clock;
+    simulated::ManualClock clock;
     base::WorkQueue queue;
 };
 
