@@ -62,8 +62,7 @@ struct Program : FakedWorld {
         QCoreApplication::processEvents();
     }
 
-    std::shared_ptr<simulated::WiFiInterface>
-        interface = std::make_shared<simulated::WiFiInterface>();
+    std::shared_ptr<simulated::WiFiInterface> interface = simulated.interface;
 };
 
 /// The visible items below `item` that have a text, by that text, in the order of the tree.
