@@ -43,7 +43,7 @@ private Q_SLOTS:
     void init()
     {
         QVERIFY(m_bus.start());
-        m_clock = std::make_unique<simulated::ManualClock>();
+        m_clock = std::make_unique<netvane::simulated::ManualClock>();
         m_kernel = std::make_shared<FakeScanKernel>(kWiFiFamily);
         m_owner = std::make_unique<QObject>();
         m_results.clear();
@@ -352,7 +352,7 @@ private:
 
     PrivateBus m_bus;
     WorkQueue m_pool;
-    std::unique_ptr<simulated::ManualClock> m_clock;
+    std::unique_ptr<netvane::simulated::ManualClock> m_clock;
     std::shared_ptr<FakeScanKernel> m_kernel;
     std::unique_ptr<BusLink> m_link;
     std::map<QString, std::unique_ptr<FakeBusService>> m_services;
