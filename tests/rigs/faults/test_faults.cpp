@@ -13,9 +13,9 @@
 #include "net/system_resolver.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
-#include "support/captured_log.h"
 #include "simulated/desktop.h"
 #include "simulated/manual_clock.h"
+#include "support/captured_log.h"
 #include "support/own_network.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
@@ -141,7 +141,8 @@ private Q_SLOTS:
         settings.setBoolean(u"other"_s, true);
         QVERIFY(stored.wait());
         QCOMPARE(files(), 2);
-        QVERIFY(desktop::SettingsFile(m_path, m_queues.utility).boolean(u"switch"_s).value_or(false));
+        QVERIFY(
+            desktop::SettingsFile(m_path, m_queues.utility).boolean(u"switch"_s).value_or(false));
     }
 
 private:
