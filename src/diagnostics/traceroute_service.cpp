@@ -1,11 +1,7 @@
 #include "diagnostics/traceroute_service.h"
 
-#include "base/main_thread.h"
 #include "probes/probe_targets.h"
 
-#include <QPointer>
-
-#include <atomic>
 #include <numeric>
 
 using namespace std::chrono_literals;
@@ -18,22 +14,10 @@ struct TracerouteService::ProbeResult {
     std::optional<double> timeMs;
 };
 
-/// One question and its answer. The network thread and the timeout share the flag: who sets it
-/// says how the probe ended.
-struct TracerouteService::Probe : std::enable_shared_from_this<Probe> {
-    Probe(TracerouteService* owner, std::chrono::steady_clock::time_point start)
-        : service(owner)
-        , startedAt(start)
-    {
-    }
-
-    const QPointer<TracerouteService> service; ///< asked for on the main thread only
+/// One question. It goes when it is over, and its connection with it.
+struct TracerouteService::Probe {
     const std::chrono::steady_clock::time_point startedAt;
-    std::unique_ptr<platform::Connection> connection;
-    std::atomic_flag hasEnded;
-
-    void handleEvent(const platform::ConnectionEvent& event);
-    void end(std::optional<ProbeResult> result);
+    std::unique_ptr<platform::Connection> connection {};
 };
 
 struct TracerouteService::Run {
@@ -50,32 +34,6 @@ struct TracerouteService::Run {
     std::shared_ptr<Probe> probe; ///< absent in a pause
     std::unique_ptr<base::Timer> timer; ///< the probe's timeout, or the end of the pause
 };
-
-void TracerouteService::Probe::handleEvent(const platform::ConnectionEvent& event)
-{
-    if (event.state == platform::ConnectionState::Ready) {
-        const auto elapsed = event.at - startedAt;
-        // Too late: the timeout is due, and only a busy main thread has not run it yet.
-        if (elapsed < timeoutPerHop)
-            end(ProbeResult {.address = event.answeredBy,
-                .timeMs = std::chrono::duration<double, std::milli>(elapsed).count()});
-    } else {
-        end({});
-    }
-}
-
-/// Any thread. What follows on the main thread is dropped if the probe is of no interest by then.
-void TracerouteService::Probe::end(std::optional<ProbeResult> result)
-{
-    if (hasEnded.test_and_set())
-        return;
-    base::postToMainThread(
-        [service = service, probe = weak_from_this(), result = std::move(result)] {
-            const auto held = probe.lock();
-            if (service && held)
-                service->finishProbe(held.get(), result);
-        });
-}
 
 TracerouteService::TracerouteService(base::Clock& clock, platform::HopProbeFactory& probes)
     : m_clock(clock)
@@ -132,24 +90,34 @@ void TracerouteService::performTrace()
 void TracerouteService::sendProbe()
 {
     ++m_run->probeNumber;
-    const auto probe = std::make_shared<Probe>(this, m_clock.monotonicNow());
+    const auto probe = std::make_shared<Probe>(Probe {.startedAt = m_clock.monotonicNow()});
     // Weakly: when the run goes its probe goes with it, and the connection with that.
     probe->connection = m_probes.probeHop(m_run->target,
         quint16(portBeforeFirst + m_run->probeNumber), m_run->hopNumber,
-        [weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
+        [this, weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
             if (const auto held = weakProbe.lock())
-                held->handleEvent(event);
+                handleEvent(*held, event);
         });
     m_run->probe = probe;
-    m_run->timer = m_clock.after(timeoutPerHop, [probe = probe.get()] { probe->end({}); });
+    m_run->timer = m_clock.after(timeoutPerHop, [this] { finishProbe({}); });
     probe->connection->start();
 }
 
-void TracerouteService::finishProbe(const Probe* probe, const std::optional<ProbeResult>& result)
+void TracerouteService::handleEvent(const Probe& probe, const platform::ConnectionEvent& event)
 {
-    // One that was replaced may live a moment longer, held by the network thread.
-    if (!m_run || m_run->probe.get() != probe)
+    if (event.state != platform::ConnectionState::Ready) {
+        finishProbe({});
         return;
+    }
+    const auto elapsed = event.at - probe.startedAt;
+    // Too late: the timeout is due, and only a busy main thread has not run it yet.
+    if (elapsed < timeoutPerHop)
+        finishProbe(ProbeResult {.address = event.answeredBy,
+            .timeMs = std::chrono::duration<double, std::milli>(elapsed).count()});
+}
+
+void TracerouteService::finishProbe(const std::optional<ProbeResult>& result)
+{
     m_run->probe.reset();
     if (result)
         m_run->results.push_back(*result);

@@ -63,7 +63,8 @@ private:
 
     void performTrace();
     void sendProbe();
-    void finishProbe(const Probe* probe, const std::optional<ProbeResult>& result);
+    void handleEvent(const Probe& probe, const platform::ConnectionEvent& event);
+    void finishProbe(const std::optional<ProbeResult>& result);
     void pause(std::chrono::milliseconds length);
     void afterPause();
     void finishHop();

@@ -25,19 +25,20 @@ struct ConnectionEvent {
     QString answeredBy;
 };
 
-/// Is told of each state once, on one thread that the factory chooses and never inside a call of
-/// the connection's own. Must not wait for anything, nor end the factory. It may still be called
-/// when the connection object is gone, so it owns, or holds weakly, what it touches.
+/// Is told of each state once, on the main thread and never inside a call of the connection's own.
+/// Must not wait for anything, nor end the factory. It may still be called when the connection
+/// object is gone, so it owns, or holds weakly, what it touches.
 using ConnectionHandler = std::function<void(const ConnectionEvent&)>;
 
 /// A connection that is set up and torn down, with nothing sent over it. Destroying it cancels it.
+/// Main thread.
 class Connection {
 public:
     virtual ~Connection() = default;
 
     /// Once, while the factory is there; one that was cancelled before stays silent.
     virtual void start() = 0;
-    /// Closes the connection whatever its state. Any thread, the handler included; a second call
+    /// Closes the connection whatever its state. May be called by the handler; a second call
     /// does nothing.
     virtual void cancel() = 0;
 };

@@ -1,13 +1,9 @@
 #include "probes/ping_service.h"
 
 #include "base/log.h"
-#include "base/main_thread.h"
 #include "probes/bounded_history.h"
 
-#include <QPointer>
-
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,67 +24,13 @@ quint16 portOf(const QString& host)
 
 } // namespace
 
-/// How a probe ended: a latency or a loss, and what the log says about the loss.
-struct PingService::Outcome {
-    std::optional<double> latencyMs;
-    QString messageStart; ///< empty: nothing is logged
-    QString messageEnd;
-};
-
-/// One connection being timed. Its events, on whatever thread, and the timeout on the main thread
-/// share the flag and nothing else: who sets it delivers.
+/// One connection being timed. It goes when it is over, and then its connection and its timeout.
 struct PingService::Probe {
-    explicit Probe(PingService* owner)
-        : service(owner)
-        , startedAt(owner->m_clock.monotonicNow())
-        , asleepBefore(owner->m_clock.timeAsleep())
-    {
-    }
-
-    const QPointer<PingService> service; ///< asked for on the main thread only
     const std::chrono::steady_clock::time_point startedAt;
     const std::chrono::milliseconds asleepBefore;
-    std::unique_ptr<platform::Connection> connection;
-    std::atomic_flag hasCompleted;
-
-    void handleEvent(const platform::ConnectionEvent& event);
-    void complete(Outcome outcome);
+    std::unique_ptr<platform::Connection> connection {};
+    std::unique_ptr<base::Timer> timeout {};
 };
-
-void PingService::Probe::handleEvent(const platform::ConnectionEvent& event)
-{
-    switch (event.state) {
-    case platform::ConnectionState::Ready: {
-        const auto latency = event.at - startedAt;
-        // Too late: the timeout is due, and only a busy main thread has not run it yet.
-        if (latency < probeTimeout)
-            complete({.latencyMs = std::chrono::duration<double, std::milli>(latency).count()});
-        return;
-    }
-    case platform::ConnectionState::Failed:
-        complete({.messageStart = u"Connection failed to "_s, .messageEnd = u": "_s + event.error});
-        return;
-    case platform::ConnectionState::Cancelled:
-        complete({});
-        return;
-    }
-}
-
-/// Any thread. What follows on the main thread is dropped if the service is gone by then.
-void PingService::Probe::complete(Outcome outcome)
-{
-    if (hasCompleted.test_and_set())
-        return;
-    connection->cancel();
-    base::postToMainThread([service = service, probe = this, outcome = std::move(outcome)] {
-        if (!outcome.messageStart.isEmpty())
-            base::log(logCategory(),
-                u"PingService: "_s + outcome.messageStart
-                    + (service ? service->targetHost() : u"unknown"_s) + outcome.messageEnd);
-        if (service)
-            service->finishProbe(probe, outcome.latencyMs);
-    });
-}
 
 PingService::PingService(QString targetHost, QString targetName, base::Clock& clock,
     platform::ConnectionFactory& connections)
@@ -153,29 +95,52 @@ void PingService::performPing()
 
 void PingService::measureLatency()
 {
-    const auto probe = std::make_shared<Probe>(this);
+    const auto probe = std::make_shared<Probe>(
+        Probe {.startedAt = m_clock.monotonicNow(), .asleepBefore = m_clock.timeAsleep()});
     // Weakly: when the service goes its probes go with it, and the connections with them.
     probe->connection = m_connections.connectTcp(m_targetHost, portOf(m_targetHost),
-        [weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
+        [this, weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
             if (const auto held = weakProbe.lock())
-                held->handleEvent(event);
+                handleEvent(*held, event);
         });
-    m_inFlight.push_back({.probe = probe,
-        .timeout = m_clock.after(probeTimeout, [this, probe] { probeTimedOut(*probe); })});
+    probe->timeout = m_clock.after(probeTimeout, [this, probe = probe.get()] {
+        finishProbe(*probe, {}, u"Timeout waiting for connection to "_s + m_targetHost);
+    });
+    m_inFlight.push_back(probe);
     probe->connection->start();
 }
 
-void PingService::probeTimedOut(Probe& probe)
+void PingService::handleEvent(const Probe& probe, const platform::ConnectionEvent& event)
 {
-    probe.complete({.messageStart = u"Timeout waiting for connection to "_s});
+    switch (event.state) {
+    case platform::ConnectionState::Ready: {
+        const auto latency = event.at - probe.startedAt;
+        // Too late: the timeout is due, and only a busy main thread has not run it yet.
+        if (latency < probeTimeout)
+            finishProbe(probe, std::chrono::duration<double, std::milli>(latency).count(), {});
+        return;
+    }
+    case platform::ConnectionState::Failed:
+        finishProbe(probe, {}, u"Connection failed to "_s + m_targetHost + u": "_s + event.error);
+        return;
+    case platform::ConnectionState::Cancelled:
+        finishProbe(probe, {}, {});
+        return;
+    }
 }
 
-/// Also cancels the timeout, which found nothing to do since the probe completed.
-void PingService::finishProbe(const Probe* probe, std::optional<double> latencyMs)
+/// `message`, if there is one, is logged. The connection is cancelled.
+void PingService::finishProbe(
+    const Probe& probe, std::optional<double> latencyMs, const QString& message)
 {
-    const bool hasSlept = base::hasSlept(probe->asleepBefore, m_clock.timeAsleep());
-    std::erase_if(m_inFlight, [probe](const InFlight& each) { return each.probe.get() == probe; });
-    if (!hasSlept)
+    const auto place = std::ranges::find(m_inFlight, &probe, &std::shared_ptr<Probe>::get);
+    if (place == m_inFlight.end())
+        return;
+    const auto held = std::move(*place); // what it holds goes last
+    m_inFlight.erase(place);
+    if (!message.isEmpty())
+        base::log(logCategory(), u"PingService: "_s + message);
+    if (!base::hasSlept(held->asleepBefore, m_clock.timeAsleep()))
         recordResult(latencyMs);
 }
 

@@ -62,16 +62,11 @@ Q_SIGNALS:
 
 private:
     struct Probe;
-    struct Outcome;
-    struct InFlight {
-        std::shared_ptr<Probe> probe;
-        std::unique_ptr<base::Timer> timeout;
-    };
 
     void performPing();
     void measureLatency();
-    void probeTimedOut(Probe& probe);
-    void finishProbe(const Probe* probe, std::optional<double> latencyMs);
+    void handleEvent(const Probe& probe, const platform::ConnectionEvent& event);
+    void finishProbe(const Probe& probe, std::optional<double> latencyMs, const QString& message);
     void recordResult(std::optional<double> latencyMs);
     std::optional<double> jitter() const;
     double updatePacketLoss(bool success);
@@ -85,7 +80,7 @@ private:
     std::vector<NetworkMetrics> m_metrics;
     std::vector<double> m_pingHistory;
     std::vector<bool> m_recentResults; ///< of the last `packetLossWindow` probes, oldest first
-    std::vector<InFlight> m_inFlight;
+    std::vector<std::shared_ptr<Probe>> m_inFlight;
     std::unique_ptr<base::Timer> m_pingTimer;
     LatestValueThrottle<NetworkMetrics> m_metricsSubject;
     int m_pingCount = 0;

@@ -3,9 +3,7 @@
 #include "base/clock.h"
 #include "platform/hop_probe.h"
 
-#include <atomic>
 #include <optional>
-#include <thread>
 #include <vector>
 
 namespace netvane::simulated {
@@ -20,7 +18,7 @@ public:
         int hopLimit = 0; ///< only of hop probes
         platform::ConnectionHandler handler;
         bool isStarted = false;
-        std::atomic<bool> isCancelled = false;
+        bool isCancelled = false;
         std::unique_ptr<base::Timer> timer; ///< runs while an answer of the script is on its way
     };
     struct Answer {
@@ -46,10 +44,10 @@ public:
 
     /// All so far, the newest last. Empty with a script.
     const std::vector<std::shared_ptr<Made>>& made() const { return m_made; }
-    /// Ends the newest one, or the one that was made `back` earlier, on another thread.
+    /// Ends the newest one, or the one that was made `back` earlier.
     void tell(const platform::ConnectionEvent& event, size_t back = 0)
     {
-        std::jthread([&] { m_made.at(m_made.size() - 1 - back)->handler(event); });
+        m_made.at(m_made.size() - 1 - back)->handler(event);
     }
     void tell(platform::ConnectionState state, const QString& error = {}, size_t back = 0)
     {
