@@ -80,23 +80,6 @@ private Q_SLOTS:
         QVERIFY(!shell.popover().isShown());
     }
 
-    /// Without X11 a click outside shows as the loss of the keyboard.
-    void clickOutside()
-    {
-        Shell shell(true);
-        QWindow other;
-        other.show();
-        other.requestActivate();
-        QTRY_VERIFY(!shell.popover().isShown());
-        QVERIFY(!shell.delegate->popoverMonitor());
-        // The press may have been the beginning of a click on the item.
-        shell.click();
-        QVERIFY(!shell.popover().isShown());
-        shell.clock->advance(250ms);
-        shell.click();
-        QVERIFY(shell.popover().isShown());
-    }
-
     void popoverHeight()
     {
         Shell shell(true);
