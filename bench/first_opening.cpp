@@ -26,12 +26,11 @@ int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
     base::setLogSink([](const QString&) {});
-    test::FakedWorld world;
     app::ViewsLibrary views(QStringLiteral(NETVANE_VIEWS));
-    world.makeDelegate(std::bind_front(&app::ViewsLibrary::makeViews, &views));
-    world.host->setPresent(true);
+    test::FakedWorld world(std::bind_front(&app::ViewsLibrary::makeViews, &views));
+    world.host.setPresent(true);
     // Seen, as on every day but the first.
-    world.defaults->setBoolean(QStringLiteral("netvane.onboarding.completed"), true);
+    world.defaults.setBoolean(QStringLiteral("netvane.onboarding.completed"), true);
     world.launchAll();
 
     QTimer::singleShot(kLimit, qApp, [] { QCoreApplication::exit(1); });

@@ -2,23 +2,22 @@
 
 #include "app/app_delegate.h"
 #include "app/notification_center.h"
+#include "app/status_bar_manager.h"
 #include "platform/application_activity.h"
-#include "platform/platform.h"
 #include "simulated/manual_clock.h"
 #include "simulated/simulated_platform.h"
 #include "support/settle.h"
 
 namespace netvane::test {
 
-/// The simulated platform without a Wi-Fi interface, and a delegate on it once `makeDelegate` was
-/// called. Knows of no views.
-struct FakedWorld {
-    FakedWorld() { simulated.wifi.list.clear(); }
-
-    void makeDelegate(app::MakeViews makeViews)
+/// The simulated platform without a Wi-Fi interface, and a delegate on it. Links no views.
+struct FakedWorld : simulated::SimulatedPlatform {
+    explicit FakedWorld(app::MakeViews makeViews = [](const auto&, const auto&) { return nullptr; })
+        : SimulatedPlatform(std::make_unique<simulated::ManualClock>())
+        , delegate(std::make_unique<app::AppDelegate>(
+              platform, activity, notificationCenter, std::move(makeViews)))
     {
-        delegate = std::make_unique<app::AppDelegate>(
-            platform, activity, notifications, std::move(makeViews));
+        wifi.list.clear();
     }
 
     void launch()
@@ -33,22 +32,14 @@ struct FakedWorld {
         settle();
     }
     void settle() { test::settle(platform.queues->userInitiated); }
+    void clickItem(QSystemTrayIcon::ActivationReason reason = QSystemTrayIcon::Trigger)
+    {
+        Q_EMIT delegate->statusBarManager()->statusItem()->activated(reason);
+    }
 
-    simulated::ManualClock* clock = new simulated::ManualClock; // owned by the platform
-    simulated::SimulatedPlatform simulated {std::unique_ptr<base::Clock>(clock)};
-    platform::Platform& platform = simulated.platform;
-    simulated::NetworkConfiguration* network = &simulated.network;
-    simulated::Appearance* appearance = &simulated.appearance;
-    simulated::LocationManager* location = &simulated.location;
-    simulated::NetworkScanner* scanner = &simulated.scanner;
-    simulated::HttpTransfers* transfers = &simulated.transfers;
-    simulated::UserNotifications* userNotifications = &simulated.notifications;
-    simulated::HttpClient* http = &simulated.http;
-    simulated::Connections* connections = &simulated.connections;
-    simulated::UserDefaults* defaults = &simulated.defaults;
-    simulated::StatusNotifierHost* host = &simulated.host;
+    simulated::ManualClock* clock = static_cast<simulated::ManualClock*>(platform.clock.get());
     platform::ApplicationActivity activity;
-    app::NotificationCenter notifications;
+    app::NotificationCenter notificationCenter;
     std::unique_ptr<app::AppDelegate> delegate;
 };
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/status_bar_manager.h"
 #include "faked_world.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
@@ -14,15 +13,15 @@
 
 namespace netvane::test {
 
-/// The program with its real views; the introduction was seen.
+/// The program with its real views on a desktop with a status area, with its services running.
 struct Program : FakedWorld {
     explicit Program(bool isIntroduced = true, bool isOpened = true)
+        : FakedWorld(windows::makeQuickViews)
     {
-        makeDelegate(windows::makeQuickViews);
-        simulated.wifi.list = {interface};
-        defaults->setBoolean(QStringLiteral("netvane.onboarding.completed"), isIntroduced);
-        location->status = platform::AuthorizationStatus::AuthorizedAlways;
-        host->setPresent(true);
+        wifi.list = {interface};
+        defaults.setBoolean(QStringLiteral("netvane.onboarding.completed"), isIntroduced);
+        location.status = platform::AuthorizationStatus::AuthorizedAlways;
+        host.setPresent(true);
         launchAll();
         if (isOpened)
             click();
@@ -33,12 +32,14 @@ struct Program : FakedWorld {
         settle();
     }
 
+    shell::PopoverWindow& popover() { return *delegate->popover(); }
     void click()
     {
-        Q_EMIT delegate->statusBarManager()->statusItem()->activated(QSystemTrayIcon::Trigger);
-        (void)QTest::qWaitForWindowActive(delegate->popover()->window());
+        clickItem();
+        if (popover().isShown())
+            (void)QTest::qWaitForWindowActive(popover().window());
     }
-    QQuickItem& root() { return windows::rootOf(*delegate->popover()->window()); }
+    QQuickItem& root() { return windows::rootOf(*popover().window()); }
     ui::PopoverState& state() { return *root().property("viewState").value<ui::PopoverState*>(); }
     QQuickItem& windowRoot()
     {
@@ -56,58 +57,12 @@ struct Program : FakedWorld {
         delegate->wifiService()->updateWiFiInfo();
         settle();
     }
-    void key(Qt::Key key)
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {})
     {
-        QTest::keyClick(QGuiApplication::focusWindow(), key);
+        QTest::keyClick(QGuiApplication::focusWindow(), key, modifiers);
         QCoreApplication::processEvents();
     }
-
-    std::shared_ptr<simulated::WiFiInterface> interface = simulated.interface;
 };
-
-/// The visible items below `item` that have a text, by that text, in the order of the tree.
-inline QStringList texts(QQuickItem& item)
-{
-    QStringList found;
-    if (!item.isVisible())
-        return found;
-    if (item.inherits("QQuickText") && !item.property("text").toString().isEmpty())
-        found.append(item.property("text").toString());
-    for (auto* child : item.childItems())
-        found.append(texts(*child));
-    return found;
-}
-
-inline QQuickItem* control(QQuickItem& item, const QString& text)
-{
-    if (!item.isVisible())
-        return nullptr;
-    if (item.inherits("QQuickAbstractButton") && item.property("text") == text)
-        return &item;
-    for (auto* child : item.childItems()) {
-        if (auto* found = control(*child, text))
-            return found;
-    }
-    return nullptr;
-}
-
-/// Presses it as the keyboard would.
-inline bool press(QQuickItem& root, const QString& text)
-{
-    auto* found = control(root, text);
-    if (!found || !found->isEnabled())
-        return false;
-    found->forceActiveFocus(Qt::TabFocusReason);
-    QTest::keyClick(root.window(), Qt::Key_Space);
-    QCoreApplication::processEvents();
-    return true;
-}
-
-inline bool isShown(QQuickItem& root, const QString& name)
-{
-    const auto* item = root.findChild<QQuickItem*>(name);
-    return item && item->isVisible();
-}
 
 inline const platform::LinkReading kHome {.ssid = QStringLiteral("Home"),
     .signalDbm = -50,

@@ -1,4 +1,3 @@
-#include "app/status_bar_manager.h"
 #include "app/views_library.h"
 #include "faked_world.h"
 #include "shell/popover_window.h"
@@ -30,24 +29,22 @@ private Q_SLOTS:
     void noLibrary()
     {
         QFETCH(QString, path);
-        test::FakedWorld world;
         app::ViewsLibrary views(path);
-        open(world, views);
+        test::FakedWorld world(std::bind_front(&app::ViewsLibrary::makeViews, &views));
+        open(world);
         QVERIFY(!world.delegate->popover()->isShown());
         QVERIFY(!world.delegate->popoverMonitor());
-        QCOMPARE(m_log.take().filter(u"Netvane: The windows cannot be loaded: "_s).size(), 1);
-        world.delegate->statusBarManager()->openInWindow();
         QVERIFY(!world.delegate->windowController());
-        std::vector<QMessageBox*> messages;
+        QCOMPARE(m_log.take().filter(u"Netvane: The windows cannot be loaded: "_s).size(), 2);
+        QList<QMessageBox*> messages;
         for (auto* widget : QApplication::topLevelWidgets()) {
             if (auto* message = qobject_cast<QMessageBox*>(widget))
-                messages.push_back(message);
+                messages.append(message);
         }
-        QCOMPARE(messages.size(), 1U);
+        QCOMPARE(messages.size(), 1);
         QVERIFY(messages[0]->isVisible());
         QVERIFY(messages[0]->informativeText().endsWith(path));
         delete messages[0];
-        world.delegate.reset();
     }
 
     /// Before the first window, the package may have been updated or removed. (After the others:
@@ -57,26 +54,22 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"views.so"_s);
         QVERIFY(QFile::copy(QStringLiteral(NETVANE_VIEWS), path));
-        test::FakedWorld world;
         app::ViewsLibrary views(path);
         QVERIFY(QFile::remove(path));
-        open(world, views);
-        QVERIFY2(world.delegate->popover()->isShown(), qPrintable(m_log.take().join(u'\n')));
-        world.delegate->statusBarManager()->openInWindow();
-        QVERIFY(world.delegate->windowController());
+        test::FakedWorld world(std::bind_front(&app::ViewsLibrary::makeViews, &views));
+        open(world);
+        QVERIFY2(world.delegate->windowController(), qPrintable(m_log.take().join(u'\n')));
         world.delegate->applicationWillTerminate();
-        world.delegate.reset();
     }
 
 private:
-    void open(test::FakedWorld& world, app::ViewsLibrary& views)
+    void open(test::FakedWorld& world)
     {
-        world.makeDelegate(std::bind_front(&app::ViewsLibrary::makeViews, &views));
-        world.host->setPresent(true);
+        world.host.setPresent(true);
         world.launchAll();
         m_log.take();
-        Q_EMIT world.delegate->statusBarManager()->statusItem()->activated(
-            QSystemTrayIcon::Trigger);
+        world.clickItem();
+        world.delegate->statusBarManager()->openInWindow();
     }
 
     test::CapturedLog m_log;

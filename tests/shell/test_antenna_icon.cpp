@@ -9,43 +9,34 @@
 using namespace Qt::Literals::StringLiterals;
 using namespace netvane;
 
-namespace {
-
-const QString kName = u"org.netvane.Netvane-symbolic"_s;
-
-QColor mast(const QIcon& icon)
-{
-    return icon.pixmap(32, 32).toImage().pixelColor(16, 24);
-}
-
-} // namespace
-
 class TestAntennaIcon : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void hasTheThemesNameAndItsOwnPixels()
     {
-        QIcon::setThemeSearchPaths({m_themes.path()});
+        const QTemporaryDir themes;
+        const QString name = u"org.netvane.Netvane-symbolic"_s;
+        const auto mast = [](bool isDark) {
+            return shell::antennaIcon(isDark).pixmap(32, 32).toImage().pixelColor(16, 24);
+        };
+        QIcon::setThemeSearchPaths({themes.path()});
         QIcon::setThemeName(u"hicolor"_s);
         QVERIFY2(shell::antennaIcon(false).name().isEmpty(), "a name that no panel would find");
 
-        QVERIFY(QDir(m_themes.path()).mkpath(u"installed/apps"_s));
-        QFile index(m_themes.filePath(u"installed/index.theme"_s));
+        QVERIFY(QDir(themes.path()).mkpath(u"installed/apps"_s));
+        QFile index(themes.filePath(u"installed/index.theme"_s));
         QVERIFY(index.open(QIODevice::WriteOnly));
         index.write("[Icon Theme]\nName=installed\nDirectories=apps\n"
                     "[apps]\nSize=16\nMinSize=8\nMaxSize=512\nType=Scalable\n");
         index.close();
-        QVERIFY(QFile::copy(QStringLiteral(NETVANE_PACKAGING) + u"/icons/"_s + kName + u".svg"_s,
-            m_themes.filePath(u"installed/apps/"_s + kName + u".svg"_s)));
+        QVERIFY(QFile::copy(QStringLiteral(NETVANE_PACKAGING) + u"/icons/"_s + name + u".svg"_s,
+            themes.filePath(u"installed/apps/"_s + name + u".svg"_s)));
         QIcon::setThemeName(u"installed"_s);
-        QCOMPARE(shell::antennaIcon(false).name(), kName);
-        QVERIFY(mast(shell::antennaIcon(true)).lightness() > 200);
-        QVERIFY(mast(shell::antennaIcon(false)).lightness() < 80);
+        QCOMPARE(shell::antennaIcon(false).name(), name);
+        QVERIFY(mast(true).lightness() > 200);
+        QVERIFY(mast(false).lightness() < 80);
     }
-
-private:
-    QTemporaryDir m_themes;
 };
 
 NETVANE_TEST(TestAntennaIcon)

@@ -11,101 +11,63 @@ class TestWindowGeometry : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void popoverFrame_data()
+    void popoverFrame()
     {
-        QTest::addColumn<std::optional<QRect>>("anchor");
-        QTest::addColumn<QRect>("screen");
-        QTest::addColumn<QRect>("workArea");
-        QTest::addColumn<QRect>("expected");
         const QRect screen(0, 0, 1280, 900);
         const QRect topPanel(0, 30, 1280, 870);
         const QRect bottomPanel(0, 0, 1280, 870);
-        using Anchor = std::optional<QRect>;
-        const auto row = [](const char* name, const Anchor& anchor, const QRect& whole,
-                             const QRect& area, const QRect& expected) {
-            QTest::newRow(name) << anchor << whole << area << expected;
+        struct Row {
+            const char* name;
+            std::optional<QRect> anchor;
+            QRect screen;
+            QRect workArea;
+            QRect expected;
         };
-        row("below an item", QRect(600, 0, 30, 30), screen, topPanel, {405, 34, 420, 600});
-        row("above an item", QRect(600, 870, 30, 30), screen, bottomPanel, {405, 266, 420, 600});
-        row("item in the right corner", QRect(1250, 0, 30, 30), screen, topPanel,
-            {860, 34, 420, 600});
-        row("item in the left corner", QRect(0, 870, 30, 30), screen, bottomPanel,
-            {0, 266, 420, 600});
-        row("panel on the left", QRect(0, 440, 40, 40), screen, {40, 0, 1240, 900},
-            {40, 0, 420, 600});
-        row("panel over the work area", QRect(600, 870, 30, 30), screen, screen,
-            {405, 266, 420, 600});
-        row("pointer in a panel", QRect(1200, 10, 0, 0), screen, topPanel, {860, 30, 420, 600});
-        row("pointer in the last pixel", QRect(1279, 899, 0, 0), screen, screen,
-            {860, 295, 420, 600});
-        row("nothing known, panel at the top", {}, screen, topPanel, {860, 30, 420, 600});
-        row("nothing known, panel at the bottom", {}, screen, bottomPanel, {860, 270, 420, 600});
-        row("nothing known, no panel", {}, screen, screen, {860, 300, 420, 600});
-        row("second screen to the left and above", QRect(-400, -1000, 20, 20),
-            {-1280, -1000, 1280, 900}, {-1280, -980, 1280, 880}, {-600, -976, 420, 600});
-        row("low screen", QRect(600, 450, 30, 30), {0, 0, 1024, 480}, {0, 0, 1024, 450},
-            {405, 0, 420, 450});
-        row("narrow screen", QRect(300, 0, 20, 20), {0, 0, 320, 480}, {0, 20, 320, 460},
-            {0, 20, 320, 460});
-    }
-
-    void popoverFrame()
-    {
-        QFETCH(std::optional<QRect>, anchor);
-        QFETCH(QRect, screen);
-        QFETCH(QRect, workArea);
-        QFETCH(QRect, expected);
-        const QRect frame = shell::popoverFrame({420, 600}, anchor, screen, workArea);
-        QCOMPARE(frame, expected);
-        QVERIFY(workArea.contains(frame));
+        const Row rows[] = {
+            {"below an item", QRect(600, 0, 30, 30), screen, topPanel, {405, 34, 420, 600}},
+            {"right corner", QRect(1250, 0, 30, 30), screen, topPanel, {860, 34, 420, 600}},
+            {"left corner", QRect(0, 870, 30, 30), screen, bottomPanel, {0, 266, 420, 600}},
+            {"panel over the area", QRect(600, 870, 30, 30), screen, screen, {405, 266, 420, 600}},
+            {"pointer in a panel", QRect(1200, 10, 0, 0), screen, topPanel, {860, 30, 420, 600}},
+            {"pointer at the end", QRect(1279, 899, 0, 0), screen, screen, {860, 295, 420, 600}},
+            {"unknown, panel above", {}, screen, topPanel, {860, 30, 420, 600}},
+            {"unknown, panel below", {}, screen, bottomPanel, {860, 270, 420, 600}},
+            {"second screen", QRect(-400, -1000, 20, 20), {-1280, -1000, 1280, 900},
+                {-1280, -980, 1280, 880}, {-600, -976, 420, 600}},
+            {"low screen", QRect(600, 450, 30, 30), {0, 0, 1024, 480}, {0, 0, 1024, 450},
+                {405, 0, 420, 450}},
+            {"narrow screen", QRect(300, 0, 20, 20), {0, 0, 320, 480}, {0, 20, 320, 460},
+                {0, 20, 320, 460}},
+        };
+        for (const auto& row : rows) {
+            const auto frame
+                = shell::popoverFrame({420, 600}, row.anchor, row.screen, row.workArea);
+            QVERIFY2(frame == row.expected, row.name);
+        }
     }
 
     void windowFrameText()
     {
-        for (const QRect& frame : {QRect(0, 0, 600, 800), QRect(-1280, -5, 400, 600)})
-            QCOMPARE(shell::windowFrame(shell::windowFrameText(frame)), frame);
         QCOMPARE(shell::windowFrameText({-12, 34, 600, 800}), u"-12 34 600 800"_s);
-    }
-
-    void brokenFrameText_data()
-    {
-        QTest::addColumn<QString>("text");
+        QCOMPARE(shell::windowFrame(u"-12 34 600 800"_s), QRect(-12, 34, 600, 800));
         for (const char* text : {"", "1 2 3", "1 2 3 4 5", "1 2 3 x", "1 2  3 4", "1 2 0 600",
                  "1 2 -600 800", "1 2 600 40000", "99999999999 2 600 800", "-2147483648 0 600 800"})
-            QTest::newRow(text) << QString::fromUtf8(text);
-    }
-
-    void brokenFrameText()
-    {
-        QFETCH(QString, text);
-        QVERIFY(!shell::windowFrame(text));
-    }
-
-    void restoredFrame_data()
-    {
-        QTest::addColumn<QRect>("frame");
-        QTest::addColumn<std::optional<QRect>>("expected");
-        using Frame = std::optional<QRect>;
-        QTest::newRow("as it was") << QRect(100, 50, 600, 800) << Frame({100, 50, 600, 800});
-        QTest::newRow("on the second screen")
-            << QRect(1400, 50, 600, 800) << Frame({1400, 50, 600, 800});
-        QTest::newRow("half out") << QRect(-300, -10, 600, 800) << Frame({0, 30, 600, 800});
-        QTest::newRow("between the screens")
-            << QRect(1200, 50, 600, 800) << Frame({1280, 50, 600, 800});
-        QTest::newRow("too large") << QRect(0, 0, 3000, 3000) << Frame({1280, 0, 1920, 1080});
-        QTest::newRow("too small") << QRect(100, 100, 10, 10) << Frame({100, 100, 400, 600});
-        QTest::newRow("screen is gone") << QRect(5000, 50, 600, 800) << Frame();
+            QVERIFY2(!shell::windowFrame(QString::fromLatin1(text)), text);
     }
 
     void restoredFrame()
     {
-        QFETCH(QRect, frame);
-        QFETCH(std::optional<QRect>, expected);
         const QList<QRect> workAreas {{0, 30, 1280, 870}, {1280, 0, 1920, 1080}};
-        QCOMPARE(shell::restoredFrame(frame, {400, 600}, workAreas), expected);
+        for (const auto& [frame, expected] :
+            {std::pair(QRect(1400, 50, 600, 800), QRect(1400, 50, 600, 800)), // as it was
+                {{-300, -10, 600, 800}, {0, 30, 600, 800}}, // half out
+                {{1200, 50, 600, 800}, {1280, 50, 600, 800}}, // between the screens
+                {{0, 0, 3000, 3000}, {1280, 0, 1920, 1080}}, // too large
+                {{100, 100, 10, 10}, {100, 100, 400, 600}}}) // too small
+            QCOMPARE(shell::restoredFrame(frame, {400, 600}, workAreas), expected);
+        QVERIFY(!shell::restoredFrame({5000, 50, 600, 800}, {400, 600}, workAreas));
+        QVERIFY(!shell::restoredFrame({0, 0, 600, 800}, {400, 600}, {}));
     }
-
-    void noScreen() { QVERIFY(!shell::restoredFrame({0, 0, 600, 800}, {400, 600}, {})); }
 };
 
 NETVANE_TEST(TestWindowGeometry)
