@@ -33,17 +33,7 @@ std::atomic<int> g_hits = 0;
 
 const char* familyName(int family)
 {
-    switch (family) {
-    case AF_UNIX:
-        return "unix";
-    case AF_INET:
-    case AF_INET6:
-        return "inet";
-    case AF_NETLINK:
-        return "netlink";
-    default:
-        return "other";
-    }
+    return family == AF_UNIX ? "unix" : family == AF_NETLINK ? "netlink" : "inet";
 }
 
 /// Past the functions below, which would come back here.
@@ -151,9 +141,6 @@ NETVANE_CALL(
     ssize_t, sendmsg, (int fd, const msghdr* message, int flags), (fd, message, flags), fd, )
 NETVANE_CALL(
     ssize_t, recv, (int fd, void* bytes, size_t size, int flags), (fd, bytes, size, flags), fd, )
-NETVANE_CALL(ssize_t, recvfrom,
-    (int fd, void* bytes, size_t size, int flags, sockaddr* address, socklen_t* length),
-    (fd, bytes, size, flags, address, length), fd, )
 NETVANE_CALL(ssize_t, recvmsg, (int fd, msghdr* message, int flags), (fd, message, flags), fd, )
 NETVANE_CALL(int, poll, (pollfd * watched, nfds_t count, int timeout), (watched, count, timeout),
     count == 1 ? watched->fd : -1, )
