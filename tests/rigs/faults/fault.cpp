@@ -5,7 +5,6 @@
 #include <sys/syscall.h>
 #include <sys/timerfd.h>
 
-#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <netdb.h>
@@ -94,17 +93,6 @@ ArmedFault::~ArmedFault()
 int ArmedFault::hits() const
 {
     return g_hits;
-}
-
-int openDescriptors()
-{
-    DIR* folder = ::opendir("/proc/self/fd");
-    int count = -3; // two dots and the folder itself
-    while (folder && ::readdir(folder))
-        ++count;
-    if (folder)
-        ::closedir(folder);
-    return count;
 }
 
 } // namespace netvane::faults
