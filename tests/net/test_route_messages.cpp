@@ -62,11 +62,6 @@ QByteArray group(std::initializer_list<quint32> members)
 const QByteArray kHead = head(&rtmsg::rtm_tos, 0);
 const QByteArray kIPv6 = QByteArray("\xfe\x80", 2) + QByteArray(14, '\1');
 
-QByteArray through(quint32 id)
-{
-    return kHead + attribute(RTA_NH_ID, raw(id));
-}
-
 } // namespace
 
 class TestRouteMessages : public QObject {
@@ -81,6 +76,7 @@ private Q_SLOTS:
             QTest::newRow(name) << routes << last;
         };
         const QByteArray main = attribute(RTA_TABLE, raw(quint32(RT_TABLE_MAIN)));
+        const auto through = [](quint32 id) { return kHead + attribute(RTA_NH_ID, raw(id)); };
         const QByteArray other = attribute(RTA_TABLE, raw(quint32(51820)));
         const QByteArray link = attribute(RTA_OIF, raw(quint32(4)));
         row("lowest metric", 2,
