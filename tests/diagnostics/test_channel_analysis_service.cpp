@@ -48,32 +48,25 @@ private Q_SLOTS:
         m_log.take();
     }
 
-    void counting_data()
-    {
-        QTest::addColumn<std::vector<int>>("channels");
-        QTest::addColumn<Table>("table");
-        QTest::addColumn<int>("recommended"); // 0: absent
-        QTest::newRow("nothing found") << std::vector<int> {} << Table {} << 0;
-        QTest::newRow("some") << std::vector {1, 1, 6, 6, 6, 11} << Table {{1, 2}, {6, 3}, {11, 1}}
-                              << 11;
-        QTest::newRow("equals: the lowest, and never an unused one")
-            << std::vector {11, 1} << Table {{1, 1}, {11, 1}} << 1;
-        QTest::newRow("without channel") << std::vector {0, 0, 36} << Table {{36, 1}} << 36;
-    }
-
     void counting()
     {
-        QFETCH(std::vector<int>, channels);
-        QFETCH(Table, table);
-        const auto networks = onChannels(channels);
+        const auto networks = onChannels({1, 1, 0, 6, 6, 6, 11});
         m_service->scanNetworks();
         QVERIFY(m_service->isScanning() && !m_service->lastScanTime());
         m_scanner.finish(networks);
         QCOMPARE(m_service->nearbyNetworks(), networks);
-        QCOMPARE(m_service->channelUtilization(), table);
-        QTEST(m_service->recommendedChannel().value_or(0), "recommended");
+        QCOMPARE(m_service->channelUtilization(), (Table {{1, 2}, {6, 3}, {11, 1}}));
+        QCOMPARE(m_service->recommendedChannel(), 11);
         QCOMPARE(m_service->lastScanTime(), m_clock.now());
         QVERIFY(!m_service->isScanning());
+        const std::pair<std::vector<int>, int> others[] // equals: the lowest; 0: absent
+            = {{{11, 1}, 1}, {{0, 36}, 36}, {{0}, 0}, {{}, 0}};
+        for (const auto& [channels, recommended] : others) {
+            m_clock.advance(30s);
+            m_service->scanNetworks();
+            m_scanner.finish(onChannels(channels));
+            QCOMPARE(m_service->recommendedChannel().value_or(0), recommended);
+        }
         QCOMPARE(m_log.take(), QStringList());
     }
 
