@@ -16,33 +16,26 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("text");
 
-        QTest::newRow("plain") << "NetvaneHome"_ba << u"NetvaneHome"_s;
         QTest::newRow("UTF-8") << QByteArray("Café ☕ 网络") << u"Café ☕ 网络"_s;
-        QTest::newRow("markup stays text") << "<b>&amp;\"x\""_ba << u"<b>&amp;\"x\""_s;
-        QTest::newRow("placeholders stay text") << "%1 %s {0}"_ba << u"%1 %s {0}"_s;
+        QTest::newRow("markup, placeholders") << "<b>&amp;%1"_ba << u"<b>&amp;%1"_s;
         QTest::newRow("bad byte") << "<b>ne\xffv😀"_ba << u"<b>ne\\xffv😀"_s;
         QTest::newRow("cut sequence at the end") << "ab\xf0\x9f\x98"_ba << u"ab\\xf0\\x9f\\x98"_s;
         QTest::newRow("overlong and surrogate")
             << "\xc0\xaf\xed\xa0\x80"_ba << u"\\xc0\\xaf\\xed\\xa0\\x80"_s;
         QTest::newRow("byte order mark") << "\xef\xbb\xbfx"_ba << u"\\xef\\xbb\\xbfx"_s;
-        QTest::newRow("line break") << "a\nb\rc"_ba << u"a\\x0ab\\x0dc"_s;
-        QTest::newRow("zero inside") << QByteArray("a\0b", 3) << u"a\\x00b"_s;
+        QTest::newRow("line break, zero") << QByteArray("a\nb\0c", 5) << u"a\\x0ab\\x00c"_s;
         QTest::newRow("escape look-alike") << "a\\x0ab"_ba << u"a\\\\x0ab"_s;
         QTest::newRow("override") << QByteArray("a\u202egnp.exe") << u"a\\u{202e}gnp.exe"_s;
         QTest::newRow("line separator, C1")
             << QByteArray("a\u2028b\u0085") << u"a\\u{2028}b\\u{85}"_s;
-        QTest::newRow("zero width") << QByteArray("Ho\u200bme") << u"Ho\\u{200b}me"_s;
-        QTest::newRow("no-break space") << QByteArray("a\u00a0b") << u"a\\u{a0}b"_s;
-        QTest::newRow("space at the end") << "Home "_ba << u"Home\\x20"_s;
-        QTest::newRow("combining accent that would merge")
-            << QByteArray("Cafe\u0301") << u"Cafe\\u{301}"_s;
+        QTest::newRow("spaces") << QByteArray("H\u200bo\u00a0m ") << u"H\\u{200b}o\\u{a0}m\\x20"_s;
+        QTest::newRow("mark that would merge") << QByteArray("Cafe\u0301") << u"Cafe\\u{301}"_s;
         QTest::newRow("ångström sign") << QByteArray("\u212b") << u"\\u{212b}"_s;
         QTest::newRow("emoji with joiner and selector")
             << QByteArray("👨‍👩‍👧 ❤️") << u"👨‍👩‍👧 ❤️"_s;
         QTest::newRow("joiner without emoji") << QByteArray("a\u200db") << u"a\\u{200d}b"_s;
         QTest::newRow("arabic and hebrew") << QByteArray("شبكة רשת") << u"شبكة רשת"_s;
     }
-
     void ssid()
     {
         QFETCH(QByteArray, bytes);
@@ -74,15 +67,9 @@ private Q_SLOTS:
 
     void logLineStaysOneLine()
     {
-        QCOMPARE(withVisibleControls(u"a\nb\x1b[31m\u2028 C:\\x"_s),
-            u"a\\x0ab\\x1b[31m\\u{2028} C:\\x"_s);
-    }
-
-    void halfAPairIsSeen()
-    {
-        const QString text = u"a"_s + QChar(0xd83d) + u"b"_s;
-        QCOMPARE(withVisibleControls(text), u"a\\u{d83d}b"_s);
-        QCOMPARE(withVisibleControls(u"a\U0001F600"_s), u"a\U0001F600"_s);
+        QCOMPARE(withVisibleControls(u"a\nb\x1b[31m\u2028 C:\\x\U0001F600"_s),
+            u"a\\x0ab\\x1b[31m\\u{2028} C:\\x\U0001F600"_s);
+        QCOMPARE(withVisibleControls(QChar(0xd83d) + u"b"_s), u"\\u{d83d}b"_s); // half a pair
     }
 };
 

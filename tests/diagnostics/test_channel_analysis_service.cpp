@@ -6,7 +6,6 @@
 #include "support/test_main.h"
 #include "wifi/location_permission_service.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace netvane;
@@ -41,118 +40,96 @@ class TestChannelAnalysisService : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_clock = std::make_unique<simulated::ManualClock>();
-        m_scanner = std::make_unique<simulated::NetworkScanner>();
         m_manager.status = Status::AuthorizedAlways;
-        m_permission = std::make_unique<wifi::LocationPermissionService>(m_manager, m_activity);
-        m_service = std::make_unique<ChannelAnalysisService>(*m_scanner, *m_clock);
-        m_service->setLocationPermissionService(m_permission.get());
+        m_permission.checkAuthorizationStatus();
+        m_scanner.scans = 0;
+        m_service = std::make_unique<ChannelAnalysisService>(m_scanner, m_clock);
+        m_service->setLocationPermissionService(&m_permission);
         m_log.take();
-    }
-
-    void counting_data()
-    {
-        QTest::addColumn<std::vector<int>>("channels");
-        QTest::addColumn<Table>("table");
-        QTest::addColumn<int>("recommended"); // 0: absent
-        QTest::newRow("nothing found") << std::vector<int> {} << Table {} << 0;
-        QTest::newRow("some") << std::vector {1, 1, 6, 6, 6, 11} << Table {{1, 2}, {6, 3}, {11, 1}}
-                              << 11;
-        QTest::newRow("equals: the lowest, and never an unused one")
-            << std::vector {11, 1} << Table {{1, 1}, {11, 1}} << 1;
-        QTest::newRow("without channel") << std::vector {0, 0, 36} << Table {{36, 1}} << 36;
-        QTest::newRow("none with channel") << std::vector {0} << Table {} << 0;
     }
 
     void counting()
     {
-        QFETCH(std::vector<int>, channels);
-        QFETCH(Table, table);
-        const auto networks = onChannels(channels);
+        const auto networks = onChannels({1, 1, 0, 6, 6, 6, 11});
         m_service->scanNetworks();
         QVERIFY(m_service->isScanning() && !m_service->lastScanTime());
-        m_scanner->finish(networks);
+        m_scanner.finish(networks);
         QCOMPARE(m_service->nearbyNetworks(), networks);
-        QCOMPARE(m_service->channelUtilization(), table);
-        QTEST(m_service->recommendedChannel().value_or(0), "recommended");
-        QCOMPARE(m_service->lastScanTime(), m_clock->now());
+        QCOMPARE(m_service->channelUtilization(), (Table {{1, 2}, {6, 3}, {11, 1}}));
+        QCOMPARE(m_service->recommendedChannel(), 11);
+        QCOMPARE(m_service->lastScanTime(), m_clock.now());
         QVERIFY(!m_service->isScanning());
+        const std::pair<std::vector<int>, int> others[] // equals: the lowest; 0: absent
+            = {{{11, 1}, 1}, {{0, 36}, 36}, {{0}, 0}, {{}, 0}};
+        for (const auto& [channels, recommended] : others) {
+            m_clock.advance(30s);
+            m_service->scanNetworks();
+            m_scanner.finish(onChannels(channels));
+            QCOMPARE(m_service->recommendedChannel().value_or(0), recommended);
+        }
         QCOMPARE(m_log.take(), QStringList());
     }
 
     void withoutPermission()
     {
-        const QStringList line {
-            u"ChannelAnalysisService: Location permission required for scanning"_s};
+        const QString line = u"ChannelAnalysisService: Location permission required for scanning"_s;
         m_manager.status = Status::Denied;
-        m_permission->checkAuthorizationStatus();
+        m_permission.checkAuthorizationStatus();
         m_log.take();
-        const QSignalSpy changes(m_service.get(), &ChannelAnalysisService::isScanningChanged);
         m_service->scanNetworks();
-        QCOMPARE(m_log.take(), line);
         m_service->setLocationPermissionService(nullptr);
         m_service->scanNetworks();
-        QCOMPARE(m_log.take(), line);
-        QCOMPARE(m_scanner->scans, 0);
-        QCOMPARE(changes.count(), 0);
+        QCOMPARE(m_log.take(), (QStringList {line, line}));
+        QVERIFY(m_scanner.scans == 0 && !m_service->isScanning());
     }
 
     /// One at a time, and so long after the end of a success, whatever is done to the wall clock.
     void throttle()
     {
         m_service->scanNetworks();
-        m_clock->advance(60s);
+        m_clock.advance(60s);
         m_service->scanNetworks();
-        QCOMPARE(m_scanner->scans, 1);
-        m_scanner->finish(onChannels({1}));
-        m_clock->setWall(m_clock->now() + 24h);
-        m_clock->advance(29'999ms);
+        QCOMPARE(m_scanner.scans, 1);
+        m_scanner.finish(onChannels({1}));
+        m_clock.setWall(m_clock.now() + 24h);
+        m_clock.advance(29'999ms);
         m_service->scanNetworks();
-        QCOMPARE(m_scanner->scans, 1);
-        m_clock->setWall(m_clock->now() - 48h);
-        m_clock->advance(1ms);
+        QCOMPARE(m_scanner.scans, 1);
+        m_clock.setWall(m_clock.now() - 48h);
+        m_clock.advance(1ms);
         m_service->scanNetworks();
-        QCOMPARE(m_scanner->scans, 2);
+        QCOMPARE(m_scanner.scans, 2);
         m_service.reset(); // during a scan
-        m_scanner->finish(onChannels({1}));
+        m_scanner.finish(onChannels({1}));
         QCOMPARE(m_log.take(), QStringList());
-    }
-
-    void failures_data()
-    {
-        QTest::addColumn<base::FailureKind>("kind");
-        QTest::addColumn<QStringList>("lines");
-        QTest::newRow("refused") << base::FailureKind::NotAllowed
-                                 << QStringList {u"ChannelAnalysisService: Scan failed: not now"_s};
-        QTest::newRow("no interface") << base::FailureKind::NotFound << QStringList();
     }
 
     void failures()
     {
-        QFETCH(base::FailureKind, kind);
         const auto networks = onChannels({1, 6});
         m_service->scanNetworks();
-        m_scanner->finish(networks);
+        m_scanner.finish(networks);
         const auto scanned = m_service->lastScanTime();
-        m_clock->advance(30s);
-        m_service->scanNetworks();
-        m_scanner->finish(base::Failure {kind, u"not now"_s});
-        QTEST(m_log.take(), "lines");
-        QVERIFY(!m_service->isScanning());
+        m_clock.advance(30s);
+        for (const auto kind : {base::FailureKind::NotAllowed, base::FailureKind::NotFound}) {
+            m_service->scanNetworks(); // at once after a failure
+            m_scanner.finish(base::Failure {kind, u"not now"_s});
+            QVERIFY(!m_service->isScanning());
+        }
+        QCOMPARE(m_scanner.scans, 3);
+        QCOMPARE(m_log.take(), QStringList {u"ChannelAnalysisService: Scan failed: not now"_s});
         QCOMPARE(m_service->nearbyNetworks(), networks);
         QCOMPARE(m_service->channelUtilization(), (Table {{1, 1}, {6, 1}}));
         QCOMPARE(m_service->lastScanTime(), scanned);
-        m_service->scanNetworks(); // at once
-        QCOMPARE(m_scanner->scans, 3);
     }
 
 private:
     test::CapturedLog m_log;
     platform::ApplicationActivity m_activity;
     simulated::LocationManager m_manager;
-    std::unique_ptr<simulated::ManualClock> m_clock;
-    std::unique_ptr<simulated::NetworkScanner> m_scanner;
-    std::unique_ptr<wifi::LocationPermissionService> m_permission;
+    simulated::ManualClock m_clock;
+    simulated::NetworkScanner m_scanner;
+    wifi::LocationPermissionService m_permission {m_manager, m_activity};
     std::unique_ptr<ChannelAnalysisService> m_service;
 };
 

@@ -17,14 +17,6 @@ using State = platform::ConnectionState;
 namespace {
 
 const QString kTarget = u"host.example"_s;
-const QString kRouter = u"10.0.0.1"_s;
-
-/// "10.0.0.1 12.5 complete"
-QString summary(const TracerouteHop& hop)
-{
-    return hop.ipAddress + u' ' + (hop.latency ? QString::number(*hop.latency) : u"-"_s)
-        + (hop.isComplete ? u" complete"_s : QString());
-}
 
 } // namespace
 
@@ -40,7 +32,7 @@ private Q_SLOTS:
         m_service = std::make_unique<TracerouteService>(*m_clock, *m_network);
     }
 
-    /// Each letter is what becomes of one probe: r and s two routers, t the target, each after as
+    /// Each letter is the answer to one probe: r and s two routers, t the target, each after as
     /// many ms as the probe's number; - silence, x refused at once, l an answer that comes too
     /// late.
     void traces_data()
@@ -48,61 +40,49 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("answers");
         QTest::addColumn<QStringList>("hops");
         const QString silent = u"Timeout -"_s;
-        QTest::newRow("target at once") << "ttt"_ba << QStringList {kTarget + u" 2 complete"_s};
-        QTest::newRow("on the way")
-            << "rrrttt"_ba << QStringList {u"10.0.0.1 2 complete"_s, kTarget + u" 2 complete"_s};
+        const QString router = u"10.0.0.1 2 complete"_s;
+        const QString target = kTarget + u" 2 complete"_s;
         QTest::newRow("some probes are lost")
             << "r-rt-x"_ba << QStringList {u"10.0.0.1 2"_s, kTarget + u" 1 complete"_s};
         QTest::newRow("the first that answers names the hop")
-            << "-srttt"_ba << QStringList {u"10.0.0.2 2.5"_s, kTarget + u" 2 complete"_s};
-        QTest::newRow("nobody") << QByteArray(12, '-') << QStringList(4, silent);
-        QTest::newRow("refused everywhere") << QByteArray(12, 'x') << QStringList(4, silent);
-        QTest::newRow("too late") << QByteArray(12, 'l') << QStringList(4, silent);
+            << "-srttt"_ba << QStringList {u"10.0.0.2 2.5"_s, target};
+        QTest::newRow("nobody, refused, too late") << "---xxxlll---"_ba << QStringList(4, silent);
         QTest::newRow("silent start")
-            << "---------ttt"_ba
-            << QStringList {silent, silent, silent, kTarget + u" 2 complete"_s};
+            << "---------ttt"_ba << QStringList {silent, silent, silent, target};
         QTest::newRow("silent later")
-            << "rrrrrrrrrrrr---"_ba
-            << QStringList(4, u"10.0.0.1 2 complete"_s) + QStringList {silent};
-        QTest::newRow("no end in sight")
-            << QByteArray(90, 'r') << QStringList(30, u"10.0.0.1 2 complete"_s);
+            << "rrrrrrrrrrrr---"_ba << QStringList(4, router) + QStringList {silent};
+        QTest::newRow("no end in sight") << QByteArray(90, 'r') << QStringList(30, router);
     }
     void traces()
     {
         QFETCH(QByteArray, answers);
         QSignalSpy published(m_service.get(), &TracerouteService::hopsChanged);
         start(kTarget);
-        for (qsizetype i = 0; i < answers.size(); ++i) {
-            QCOMPARE(qsizetype(m_network->made().size()), i + 1);
+        for (int i = 0; i < int(answers.size()); ++i) {
+            QCOMPARE(probes(), i + 1);
             const auto& probe = *m_network->made().back();
-            QVERIFY(probe.isStarted);
+            QVERIFY(probe.isStarted && m_service->isRunning());
             QCOMPARE(probe.host, kTarget);
-            QCOMPARE(probe.hopLimit, int(i / 3 + 1));
-            QCOMPARE(int(probe.port), 33435 + int(i % 3));
-            QVERIFY(m_service->isRunning());
+            QCOMPARE(probe.hopLimit, i / 3 + 1);
+            QCOMPARE(int(probe.port), 33435 + i % 3);
             play(answers[i], std::chrono::milliseconds(i % 3 + 1));
             QVERIFY(probe.isCancelled);
-            QCOMPARE(published.count(), int(i / 3)); // not before the pause is over
+            QCOMPARE(published.count(), i / 3); // not before the pause is over
             m_clock->advance(99ms);
-            QCOMPARE(qsizetype(m_network->made().size()), i + 1);
+            QCOMPARE(probes(), i + 1);
             m_clock->advance(1ms);
         }
         QTEST(hops(), "hops");
-        for (int i = 0; i < int(m_service->hops().size()); ++i)
-            QCOMPARE(m_service->hops()[size_t(i)].hopNumber, i + 1);
+        QCOMPARE(m_service->hops().back().hopNumber, int(m_service->hops().size()));
         QVERIFY(!m_service->isRunning());
         QCOMPARE(m_clock->timerCount(), 0);
-        QCOMPARE(qsizetype(m_network->made().size()), answers.size());
     }
 
     void hostsWithoutADot()
     {
         for (const auto& host : {QString(), u"localhost"_s, u"2001:db8::1"_s}) {
-            const QSignalSpy running(m_service.get(), &TracerouteService::isRunningChanged);
             start(host);
-            QCOMPARE(running.count(), 2);
-            QVERIFY(!m_service->isRunning());
-            QVERIFY(m_service->hops().empty() && m_network->made().empty());
+            QVERIFY(!m_service->isRunning() && m_service->hops().empty() && probes() == 0);
             QCOMPARE(m_service->targetHost(), host);
         }
     }
@@ -111,64 +91,50 @@ private Q_SLOTS:
     void busyMainThread()
     {
         start(kTarget);
-        const auto at = m_clock->monotonicNow() + 12'300us;
-        m_network->tell({State::Ready, at, {}, kTarget});
+        m_network->tell({State::Ready, m_clock->monotonicNow() + 12'300us, {}, kTarget});
         m_clock->advance(10s);
         QCoreApplication::sendPostedEvents();
         m_clock->advance(100ms);
-        for (const char each : {'-', '-'}) {
-            play(each, 0ms);
-            m_clock->advance(100ms);
-        }
+        playAll("--");
         QCOMPARE(hops(), QStringList {kTarget + u" 12.3 complete"_s});
     }
 
     /// The hop under way is completed, without pauses, and is the last.
-    void stopping_data()
-    {
-        QTest::addColumn<bool>("inPause");
-        QTest::newRow("during a probe") << false;
-        QTest::newRow("in a pause") << true;
-    }
     void stopping()
     {
-        QFETCH(bool, inPause);
-        start(kTarget);
-        if (inPause)
-            play('r', 5ms);
-        m_service->stopTrace();
-        QVERIFY(!m_service->isRunning());
-        if (!inPause)
-            play('r', 5ms);
-        for (int probe = 2; probe <= 3; ++probe) {
+        for (const bool inPause : {false, true}) {
+            init();
+            start(kTarget);
+            if (inPause)
+                play('r', 5ms);
+            m_service->stopTrace();
+            QVERIFY(!m_service->isRunning());
+            for (int probe = inPause ? 2 : 1; probe <= 3; ++probe) {
+                m_clock->advance(0ms);
+                QCOMPARE(probes(), probe);
+                play('r', 5ms);
+            }
             m_clock->advance(0ms);
-            QCOMPARE(int(m_network->made().size()), probe);
-            play('r', 5ms);
+            QCOMPARE(hops(), QStringList {u"10.0.0.1 5 complete"_s});
+            m_clock->advance(10s);
+            QCOMPARE(probes(), 3);
+            QCOMPARE(m_clock->timerCount(), 0);
         }
-        m_clock->advance(0ms);
-        QCOMPARE(hops(), QStringList {u"10.0.0.1 5 complete"_s});
-        m_clock->advance(10s);
-        QCOMPARE(m_network->made().size(), size_t(3));
-        QCOMPARE(m_clock->timerCount(), 0);
     }
 
     /// Neither the answers of a stopped trace nor its end touch the one that follows.
     void startedAgainAtOnce()
     {
         start(kTarget);
-        play('r', 5ms);
-        m_clock->advance(100ms);
+        playAll("r");
         m_network->answer(kTarget); // on its way to the main thread
         m_service->stopTrace();
         m_service->startTrace(u"other.example"_s);
         QVERIFY(m_network->made()[1]->isCancelled);
         QCoreApplication::sendPostedEvents();
         m_clock->advance(0ms);
-        QCOMPARE(m_network->made().size(), size_t(3));
-        for (int probe = 0; probe < 3; ++probe) {
-            play('s', 7ms);
-            m_clock->advance(100ms);
-        }
+        QCOMPARE(probes(), 3);
+        playAll("sss");
         QCOMPARE(hops(), QStringList {u"10.0.0.2 7 complete"_s});
         QVERIFY(m_service->isRunning());
         QCOMPARE(m_network->made().back()->hopLimit, 2);
@@ -184,12 +150,9 @@ private Q_SLOTS:
             m_service->startTrace(u"other.example"_s);
         });
         start(kTarget);
-        for (int probe = 0; probe < 3; ++probe) {
-            play('t', 1ms);
-            m_clock->advance(100ms);
-        }
+        playAll("ttt");
         QVERIFY(m_service->isRunning() && m_service->hops().empty());
-        QCOMPARE(m_network->made().size(), size_t(4));
+        QCOMPARE(probes(), 4);
         QCOMPARE(m_network->made().back()->host, u"other.example"_s);
     }
 
@@ -210,6 +173,7 @@ private:
         m_service->startTrace(host);
         m_clock->advance(0ms);
     }
+    int probes() const { return int(m_network->made().size()); }
 
     void play(char answer, std::chrono::milliseconds after)
     {
@@ -222,16 +186,28 @@ private:
             m_network->tell(State::Failed, u"No route to host"_s);
         } else {
             m_clock->advance(after);
-            m_network->answer(answer == 't' ? kTarget : answer == 'r' ? kRouter : u"10.0.0.2"_s);
+            m_network->answer(answer == 't' ? kTarget
+                    : answer == 'r'         ? u"10.0.0.1"_s
+                                            : u"10.0.0.2"_s);
         }
         QCoreApplication::sendPostedEvents();
     }
+    /// With the pauses after each.
+    void playAll(const char* answers)
+    {
+        for (; *answers; ++answers) {
+            play(*answers, 7ms);
+            m_clock->advance(100ms);
+        }
+    }
 
+    /// Each as "10.0.0.1 12.5 complete".
     QStringList hops() const
     {
         QStringList all;
         for (const auto& hop : m_service->hops())
-            all += summary(hop);
+            all += hop.ipAddress + u' ' + (hop.latency ? QString::number(*hop.latency) : u"-"_s)
+                + (hop.isComplete ? u" complete"_s : QString());
         return all;
     }
 

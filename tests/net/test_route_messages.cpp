@@ -33,24 +33,16 @@ QByteArray gateway(quint8 last)
     return attribute(RTA_GATEWAY, address(last));
 }
 
-QByteArray via(quint16 family, const QByteArray& bytes)
-{
-    return attribute(RTA_VIA, raw(family) + bytes);
-}
-
 QByteArray metric(quint32 value)
 {
     return attribute(RTA_PRIORITY, raw(value));
 }
 
-QByteArray hop(quint8 flags, const QByteArray& attributes, int claimed = -1)
+QByteArray hop(quint8 flags, const QByteArray& attributes)
 {
-    const rtnexthop header {
-        .rtnh_len
-        = quint16(claimed >= 0 ? claimed : attributes.size() + qsizetype(sizeof(rtnexthop))),
-        .rtnh_flags = flags,
-    };
-    return raw(header) + attributes;
+    return raw(rtnexthop {.rtnh_len = quint16(attributes.size() + qsizetype(sizeof(rtnexthop))),
+               .rtnh_flags = flags})
+        + attributes;
 }
 
 QByteArray nextHop(quint32 id, quint32 flags, const QByteArray& attributes, quint8 family = AF_INET)
@@ -70,30 +62,12 @@ QByteArray group(std::initializer_list<quint32> members)
 const QByteArray kHead = head(&rtmsg::rtm_tos, 0);
 const QByteArray kIPv6 = QByteArray("\xfe\x80", 2) + QByteArray(14, '\1');
 
-QByteArray through(quint32 id)
-{
-    return kHead + attribute(RTA_NH_ID, raw(id));
-}
-
-QByteArray paths(const QByteArray& hops)
-{
-    return kHead + attribute(RTA_MULTIPATH, hops);
-}
-
 } // namespace
 
 class TestRouteMessages : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void routeWhole()
-    {
-        const auto route = parseRoute(bytesOf(head(&rtmsg::rtm_dst_len, 24)
-            + attribute(RTA_TABLE, raw(quint32(1000))) + gateway(7) + metric(600)));
-        const RouteRecord expected {1000, RTN_UNICAST, 24, 0, 600, u"192.168.1.7"_s, {}};
-        QCOMPARE(route, expected);
-    }
-
     void router_data()
     {
         QTest::addColumn<QByteArrayList>("routes");
@@ -102,17 +76,14 @@ private Q_SLOTS:
             QTest::newRow(name) << routes << last;
         };
         const QByteArray main = attribute(RTA_TABLE, raw(quint32(RT_TABLE_MAIN)));
+        const auto through = [](quint32 id) { return kHead + attribute(RTA_NH_ID, raw(id)); };
         const QByteArray other = attribute(RTA_TABLE, raw(quint32(51820)));
         const QByteArray link = attribute(RTA_OIF, raw(quint32(4)));
-        row("none", 0, {});
-        row("one", 1, {kHead + main + gateway(1)});
         row("lowest metric", 2,
-            {kHead + metric(600) + gateway(1), kHead + metric(100) + gateway(2),
+            {kHead + main + metric(600) + gateway(1), kHead + metric(100) + gateway(2),
                 kHead + metric(3000000000) + gateway(3)});
         row("no metric", 2, {kHead + metric(1) + gateway(1), kHead + gateway(2)});
-        row("two alike", 1, {kHead + gateway(1), kHead + gateway(2)});
-        row("point to point first", 2, {kHead + link, kHead + metric(9) + gateway(2)});
-        row("point to point alone", 0, {kHead + link});
+        row("point to point", 2, {kHead + link, kHead + metric(9) + gateway(2)});
         row("some destinations", 0, {head(&rtmsg::rtm_dst_len, 1) + gateway(1)});
         row("another table", 0, {head(&rtmsg::rtm_table, RT_TABLE_LOCAL) + gateway(1)});
         row("a large table", 0, {head(&rtmsg::rtm_table, RT_TABLE_COMPAT) + other + gateway(1)});
@@ -121,16 +92,14 @@ private Q_SLOTS:
         row("dead", 0, {head(&rtmsg::rtm_flags, RTNH_F_DEAD) + gateway(1)});
         row("no carrier", 1, {head(&rtmsg::rtm_flags, RTNH_F_LINKDOWN) + gateway(1)});
         row("IPv6", 0, {head(&rtmsg::rtm_family, AF_INET6) + gateway(1)});
-        row("by way of IPv4", 5, {kHead + via(AF_INET, address(5))});
-        row("by way of IPv6", 0, {kHead + via(AF_INET6, kIPv6)});
-        row("by way of three bytes", 0, {kHead + via(AF_INET, "\1\2\3"_ba)});
-        row("gateway of odd size", 0, {kHead + attribute(RTA_GATEWAY, kIPv6)});
+        row("via IPv4", 5, {kHead + attribute(RTA_VIA, raw(quint16(AF_INET)) + address(5))});
+        row("via IPv6", 0, {kHead + attribute(RTA_VIA, raw(quint16(AF_INET6)) + kIPv6)});
         row("gateway 0.0.0.0", 0, {kHead + attribute(RTA_GATEWAY, QByteArray(4, '\0'))});
         row("several paths", 3,
-            {paths(hop(RTNH_F_DEAD, gateway(1)) + hop(0, {}) + hop(0, gateway(3))
-                + hop(0, gateway(4)))});
-        row("paths without length", 0, {paths(hop(0, gateway(1), 0))});
-        row("paths too long", 0, {paths(hop(0, gateway(1), 200))});
+            {kHead
+                + attribute(RTA_MULTIPATH,
+                    hop(RTNH_F_DEAD, gateway(1)) + hop(0, {}) + hop(0, gateway(3))
+                        + hop(0, gateway(4)))});
         row("next hop object", 11, {through(1)});
         row("dead object", 0, {through(2)});
         row("object over IPv6", 0, {through(3)});

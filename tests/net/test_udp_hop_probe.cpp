@@ -3,9 +3,9 @@
 #include "support/test_main.h"
 
 #include <QTest>
+#include <QUdpSocket>
 
 #include <netinet/icmp6.h>
-#include <netinet/in.h>
 #include <netinet/ip_icmp.h>
 
 using namespace netvane::base;
@@ -16,6 +16,10 @@ using namespace Qt::Literals::StringLiterals;
 using Answer = HopAnswer;
 
 namespace {
+
+constexpr const char* kPeer = "192.0.2.9";
+constexpr const char* kPeer6 = "2001:db8::9";
+constexpr const char* kRouter = "10.0.0.1";
 
 SocketAddress address(const char* text, std::uint16_t port = 33435)
 {
@@ -30,60 +34,37 @@ class TestUdpHopProbe : public QObject {
 private Q_SLOTS:
     void meaning_data()
     {
-        QTest::addColumn<SocketAddress>("peer");
         QTest::addColumn<QueuedError>("error");
         QTest::addColumn<Answer>("meaning");
-        const auto row = [](const char* name, const char* peer, const char* sentTo, int origin,
-                             std::pair<int, int> icmp, const char* offender, Answer meaning) {
-            QueuedError error {.sentTo = address(sentTo),
+        const auto row = [](const char* name, Answer meaning, int type, int code,
+                             const char* offender = kRouter, int origin = SO_EE_ORIGIN_ICMP,
+                             const SocketAddress& sentTo = address(kPeer)) {
+            QTest::newRow(name) << QueuedError {.sentTo = sentTo,
                 .report = {.ee_origin = std::uint8_t(origin),
-                    .ee_type = std::uint8_t(icmp.first),
-                    .ee_code = std::uint8_t(icmp.second)}};
-            if (offender)
-                error.offender = address(offender, 0);
-            QTest::newRow(name) << address(peer) << error << meaning;
+                    .ee_type = std::uint8_t(type),
+                    .ee_code = std::uint8_t(code)},
+                .offender = offender ? std::optional(address(offender, 0)) : std::nullopt}
+                                << meaning;
         };
-        const int v4 = SO_EE_ORIGIN_ICMP;
-        const int v6 = SO_EE_ORIGIN_ICMP6;
-        const std::pair expired(ICMP_TIME_EXCEEDED, ICMP_EXC_TTL);
-        const std::pair closed(ICMP_DEST_UNREACH, ICMP_PORT_UNREACH);
-        const char* peer = "192.0.2.9";
-        const char* hop = "10.0.0.1";
-        row("router", peer, peer, v4, expired, hop, Answer::Good);
-        row("target", peer, peer, v4, closed, peer, Answer::Good);
-        row("firewall", peer, peer, v4, closed, hop, Answer::Bad);
-        row("fragments too old", peer, peer, v4, {ICMP_TIME_EXCEEDED, ICMP_EXC_FRAGTIME}, hop,
-            Answer::Bad);
-        for (const int code : {ICMP_NET_UNREACH, ICMP_HOST_UNREACH, ICMP_PKT_FILTERED})
-            row("unreachable", peer, peer, v4, {ICMP_DEST_UNREACH, code}, peer, Answer::Bad);
-        row("another datagram's address", peer, "192.0.2.8", v4, expired, hop, Answer::None);
-        row("nobody", peer, peer, v4, expired, nullptr, Answer::None);
-        row("our own kernel", peer, peer, SO_EE_ORIGIN_LOCAL, expired, hop, Answer::None);
-        row("the other family's numbers", peer, peer, v6, expired, hop, Answer::None);
-
-        const std::pair expired6(ICMP6_TIME_EXCEEDED, ICMP6_TIME_EXCEED_TRANSIT);
-        const std::pair closed6(ICMP6_DST_UNREACH, ICMP6_DST_UNREACH_NOPORT);
-        const char* peer6 = "2001:db8::9";
-        const char* hop6 = "fe80::1%lo";
-        row("IPv6 router", peer6, peer6, v6, expired6, hop6, Answer::Good);
-        row("IPv6 target", peer6, peer6, v6, closed6, peer6, Answer::Good);
-        row("IPv6 firewall", peer6, peer6, v6, closed6, hop6, Answer::Bad);
-        row("IPv6 prohibited", peer6, peer6, v6, {ICMP6_DST_UNREACH, ICMP6_DST_UNREACH_ADMIN},
-            peer6, Answer::Bad);
+        const int expired = ICMP_TIME_EXCEEDED;
+        row("router", Answer::Good, expired, ICMP_EXC_TTL);
+        row("target", Answer::Good, ICMP_DEST_UNREACH, ICMP_PORT_UNREACH, kPeer);
+        row("firewall", Answer::Bad, ICMP_DEST_UNREACH, ICMP_PORT_UNREACH);
+        row("fragments too old", Answer::Bad, expired, ICMP_EXC_FRAGTIME);
+        row("unreachable", Answer::Bad, ICMP_DEST_UNREACH, ICMP_HOST_UNREACH, kPeer);
+        row("nobody", Answer::None, expired, 0, nullptr);
+        row("our own kernel", Answer::None, expired, 0, kRouter, SO_EE_ORIGIN_LOCAL);
+        row("the other family's numbers", Answer::None, expired, 0, kRouter, SO_EE_ORIGIN_ICMP6);
+        for (const auto& other : {address("192.0.2.8"), address(kPeer, 33436)})
+            row("another datagram", Answer::None, expired, 0, kRouter, SO_EE_ORIGIN_ICMP, other);
+        row("IPv6 firewall", Answer::Bad, ICMP6_DST_UNREACH, ICMP6_DST_UNREACH_NOPORT, "fe80::1%lo",
+            SO_EE_ORIGIN_ICMP6, address(kPeer6));
     }
     void meaning()
     {
-        QFETCH(SocketAddress, peer);
         QFETCH(QueuedError, error);
-        QTEST(meaningOf(error, peer), "meaning");
-    }
-
-    void anotherDatagramsPort()
-    {
-        const QueuedError error {.sentTo = address("192.0.2.9", 33436),
-            .report = {.ee_origin = SO_EE_ORIGIN_ICMP, .ee_type = ICMP_TIME_EXCEEDED},
-            .offender = address("10.0.0.1", 0)};
-        QCOMPARE(meaningOf(error, address("192.0.2.9")), Answer::None);
+        const bool isIPv6 = error.sentTo.storage.ss_family == AF_INET6;
+        QTEST(meaningOf(error, address(isIPv6 ? kPeer6 : kPeer)), "meaning");
     }
 
     void addressesAsText()
@@ -92,28 +73,22 @@ private Q_SLOTS:
         QCOMPARE(addressText(address("::ffff:10.0.0.1")), std::string("10.0.0.1"));
     }
 
-    /// Somebody who listens and says nothing is not an answer.
+    /// A listener that says nothing is not an answer.
     void silenceLastsUntilCancelled()
     {
-        const FileDescriptor listener(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-        auto own = address("127.0.0.1", 0);
-        auto* generic = reinterpret_cast<sockaddr*>(&own.storage);
-        QCOMPARE(::bind(listener.get(), generic, own.length), 0);
-        QCOMPARE(::getsockname(listener.get(), generic, &own.length), 0);
-        const auto port = ntohs(reinterpret_cast<sockaddr_in*>(generic)->sin_port);
+        QUdpSocket listener;
+        QVERIFY(listener.bind(QHostAddress::LocalHost));
         std::vector<ConnectionState> told;
-        SocketHopProbes connections(m_clock);
-        const auto probe = connections.probeHop(u"127.0.0.1"_s, port, 1,
+        SystemClock clock;
+        SocketHopProbes connections(clock);
+        const auto probe = connections.probeHop(u"127.0.0.1"_s, listener.localPort(), 1,
             [&](const ConnectionEvent& event) { told.push_back(event.state); });
         probe->start();
-        char byte = 0;
-        QCOMPARE(::recv(listener.get(), &byte, 1, 0), ssize_t(0)); // it carries nothing
+        QTRY_VERIFY(listener.hasPendingDatagrams());
+        QCOMPARE(listener.pendingDatagramSize(), 0); // it carries nothing
         probe->cancel();
         QTRY_COMPARE(told, std::vector {ConnectionState::Cancelled});
     }
-
-private:
-    SystemClock m_clock;
 };
 
 NETVANE_TEST(TestUdpHopProbe)

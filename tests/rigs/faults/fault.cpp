@@ -5,7 +5,6 @@
 #include <sys/syscall.h>
 #include <sys/timerfd.h>
 
-#include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <netdb.h>
@@ -33,17 +32,7 @@ std::atomic<int> g_hits = 0;
 
 const char* familyName(int family)
 {
-    switch (family) {
-    case AF_UNIX:
-        return "unix";
-    case AF_INET:
-    case AF_INET6:
-        return "inet";
-    case AF_NETLINK:
-        return "netlink";
-    default:
-        return "other";
-    }
+    return family == AF_UNIX ? "unix" : family == AF_NETLINK ? "netlink" : "inet";
 }
 
 /// Past the functions below, which would come back here.
@@ -106,17 +95,6 @@ int ArmedFault::hits() const
     return g_hits;
 }
 
-int openDescriptors()
-{
-    DIR* folder = ::opendir("/proc/self/fd");
-    int count = -3; // two dots and the folder itself
-    while (folder && ::readdir(folder))
-        ++count;
-    if (folder)
-        ::closedir(folder);
-    return count;
-}
-
 } // namespace netvane::faults
 
 // The C library's headers say what may be thrown and may not be null; these say it again.
@@ -151,9 +129,6 @@ NETVANE_CALL(
     ssize_t, sendmsg, (int fd, const msghdr* message, int flags), (fd, message, flags), fd, )
 NETVANE_CALL(
     ssize_t, recv, (int fd, void* bytes, size_t size, int flags), (fd, bytes, size, flags), fd, )
-NETVANE_CALL(ssize_t, recvfrom,
-    (int fd, void* bytes, size_t size, int flags, sockaddr* address, socklen_t* length),
-    (fd, bytes, size, flags, address, length), fd, )
 NETVANE_CALL(ssize_t, recvmsg, (int fd, msghdr* message, int flags), (fd, message, flags), fd, )
 NETVANE_CALL(int, poll, (pollfd * watched, nfds_t count, int timeout), (watched, count, timeout),
     count == 1 ? watched->fd : -1, )

@@ -31,9 +31,6 @@ public:
     int hits() const;
 };
 
-/// The open descriptors of this process.
-int openDescriptors();
-
 } // namespace netvane::faults
 
 Q_DECLARE_METATYPE(netvane::faults::Fault)
