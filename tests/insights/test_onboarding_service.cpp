@@ -7,14 +7,6 @@
 using namespace netvane;
 using namespace Qt::Literals::StringLiterals;
 
-using insights::OnboardingService;
-
-namespace {
-
-const QString kKey = u"netvane.onboarding.completed"_s;
-
-} // namespace
-
 class TestOnboardingService : public QObject {
     Q_OBJECT
 
@@ -22,17 +14,18 @@ private Q_SLOTS:
     /// Publishes before it stores, also when the value is the same again.
     void publishesAndStores()
     {
+        const QString key = u"netvane.onboarding.completed"_s;
         simulated::UserDefaults defaults;
-        OnboardingService service(defaults);
+        insights::OnboardingService service(defaults);
         QList<std::pair<bool, QVariant>> seen;
-        connect(&service, &OnboardingService::isCompletedChanged, this, [&] {
-            seen.append({service.isCompleted(), defaults.values.value(kKey)});
+        connect(&service, &insights::OnboardingService::isCompletedChanged, this, [&] {
+            seen.append({service.isCompleted(), defaults.values.value(key)});
         });
         service.setIsCompleted(true);
         service.setIsCompleted(true);
         QCOMPARE(seen, (QList<std::pair<bool, QVariant>> {{true, {}}, {true, true}}));
         service.reset();
-        QVERIFY(!service.isCompleted() && !defaults.values.contains(kKey));
+        QVERIFY(!service.isCompleted() && !defaults.values.contains(key));
     }
 };
 

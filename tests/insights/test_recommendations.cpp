@@ -7,7 +7,6 @@ using namespace netvane;
 using namespace Qt::Literals::StringLiterals;
 
 using insights::RecommendationInputs;
-using Frequency = wifi::WiFiFrequency;
 
 namespace {
 
@@ -19,7 +18,7 @@ const QString kNotIdeal
     = u"Signal strength is functional but not ideal - consider moving closer to the router."_s;
 const QString kJitter = u"High jitter detected - check your router and network congestion."_s;
 
-RecommendationInputs inputs(Frequency frequency, std::optional<int> signal,
+RecommendationInputs inputs(wifi::WiFiFrequency frequency, std::optional<int> signal,
     std::optional<double> routerJitter = {}, std::optional<double> internetJitter = {})
 {
     return {wifi::WiFiInfo {.frequency = frequency, .signalStrength = signal},
@@ -33,38 +32,28 @@ class TestRecommendations : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void advice_data()
-    {
-        QTest::addColumn<RecommendationInputs>("inputs");
-        QTest::addColumn<QStringList>("expected");
-        const auto row
-            = [](const char* name, const RecommendationInputs& given, const QStringList& expected) {
-                  QTest::newRow(name) << given << expected;
-              };
-        const auto five = Frequency::fiveGHz;
-        row("nothing known", {}, {});
-        row("everything wrong", inputs(Frequency::twoPointFourGHz, -80, 45.0),
-            {kBand, kVeryLow, kJitter});
-        row("no signal", inputs(Frequency::twoPointFourGHz, {}), {kBand});
-        row("6 GHz", inputs(Frequency::sixGHz, {}), {});
-        row("unknown band", inputs(Frequency::unknown, {}), {});
-        row("-76", inputs(five, -76), {kVeryLow});
-        row("-75", inputs(five, -75), {kNotIdeal});
-        row("-61", inputs(five, -61), {kNotIdeal});
-        row("-60", inputs(five, -60), {});
-        row("jitter of 30", inputs(five, {}, 30.0), {});
-        row("jitter above", inputs(five, {}, 30.01), {kJitter});
-        row("jitter of the internet", inputs(five, {}, 1.0, 500.0), {});
-        auto withoutLink = inputs(five, -90, 31.0);
-        withoutLink.wifiInfo.reset();
-        row("no link", withoutLink, {kJitter});
-    }
-
     void advice()
     {
-        QFETCH(RecommendationInputs, inputs);
-        QFETCH(QStringList, expected);
-        QCOMPARE(recommendations(inputs), expected);
+        using enum wifi::WiFiFrequency;
+        auto withoutLink = inputs(fiveGHz, -90, 31.0);
+        withoutLink.wifiInfo.reset();
+        const std::pair<RecommendationInputs, QStringList> rows[] = {
+            {{}, {}},
+            {inputs(twoPointFourGHz, -80, 45.0), {kBand, kVeryLow, kJitter}},
+            {inputs(twoPointFourGHz, {}), {kBand}},
+            {inputs(sixGHz, {}), {}},
+            {inputs(unknown, {}), {}},
+            {inputs(fiveGHz, -76), {kVeryLow}},
+            {inputs(fiveGHz, -75), {kNotIdeal}},
+            {inputs(fiveGHz, -61), {kNotIdeal}},
+            {inputs(fiveGHz, -60), {}},
+            {inputs(fiveGHz, {}, 30.0), {}},
+            {inputs(fiveGHz, {}, 30.01), {kJitter}},
+            {inputs(fiveGHz, {}, 1.0, 500.0), {}}, // the jitter of the internet
+            {withoutLink, {kJitter}},
+        };
+        for (const auto& [given, expected] : rows)
+            QCOMPARE(recommendations(given), expected);
     }
 };
 

@@ -26,13 +26,16 @@ QString flawOfText(const QQuickItem& item)
     return fits || item.property("text") == QString() ? QString() : u"does not fit"_s;
 }
 
-QString flawOfControl(QQuickItem& item)
+QString flawOf(QQuickItem& item)
 {
+    if (item.inherits("QQuickText"))
+        return flawOfText(item);
+    if (!item.inherits("QQuickAbstractButton") && !item.inherits("QQuickTextField"))
+        return {};
     const auto* interface = QAccessible::queryAccessibleInterface(&item);
     if (!interface || interface->text(QAccessible::Name).isEmpty())
         return u"has no name"_s;
-    return item.isEnabled() && !item.activeFocusOnTab() ? u"is out of the keyboard's reach"_s
-                                                        : QString();
+    return item.isEnabled() && !item.activeFocusOnTab() ? u"is not reached by Tab"_s : QString();
 }
 
 } // namespace
@@ -43,20 +46,24 @@ QString describe(const QQuickItem& item)
         + item.property("text").toString().left(60) + u'\'';
 }
 
+QList<QQuickItem*> visibleItems(QQuickItem& root)
+{
+    QList<QQuickItem*> items;
+    if (!root.isVisible())
+        return items;
+    items.append(&root);
+    for (auto* child : root.childItems())
+        items += visibleItems(*child);
+    return items;
+}
+
 QStringList auditView(QQuickItem& root)
 {
     QStringList flaws;
-    if (!root.isVisible())
-        return flaws;
-    QString flaw;
-    if (root.inherits("QQuickText"))
-        flaw = flawOfText(root);
-    else if (root.inherits("QQuickAbstractButton") || root.inherits("QQuickTextField"))
-        flaw = flawOfControl(root);
-    if (!flaw.isEmpty())
-        flaws.append(flaw + u": "_s + describe(root));
-    for (auto* child : root.childItems())
-        flaws.append(auditView(*child));
+    for (auto* item : visibleItems(root)) {
+        if (const QString flaw = flawOf(*item); !flaw.isEmpty())
+            flaws.append(flaw + u": "_s + describe(*item));
+    }
     return flaws;
 }
 

@@ -6,16 +6,18 @@ class QQuickItem;
 
 namespace netvane::test {
 
-/// What no view may have, among its visible items: a text that could be drawn as anything but plain
-/// text, a text that is cut (except one in an ElidedText, which offers the whole of it), a control
-/// without a name for screen readers or out of the keyboard's reach. One line each.
+/// `root` and what is below it, in the order of the tree; hidden items are left out.
+QList<QQuickItem*> visibleItems(QQuickItem& root);
+
+/// The faults of the visible items, one line each: a text that may be drawn as rich text, a text
+/// that is cut (an ElidedText offers the whole of it), a control without a name for screen readers
+/// or one that Tab does not reach.
 QStringList auditView(QQuickItem& root);
 
-/// The controls that the Tab key visits, in its order, from the first one on. Moves the focus of
-/// the item's window, which must be the active one.
+/// The controls that Tab visits, in order. The item's window must be the active one.
 QList<QQuickItem*> tabChain(QQuickItem& root);
 
-/// What a control or text is called, for messages.
+/// Names a control or text in a message.
 QString describe(const QQuickItem& item);
 
 } // namespace netvane::test

@@ -16,24 +16,22 @@ public:
     explicit ViewFixture(const QString& name, const QVariantMap& properties = {}, int width = 388);
 
     QQuickItem& root() { return *m_window.rootObject(); }
-    /// The outermost visible item that has the value in the property; null when there is none.
+    /// The outermost visible item that has the value in the property, or null.
     QQuickItem* find(const char* property, const QVariant& value);
-    /// The visible texts in the order of the item tree; only those below the item with that object
-    /// name, when one is given.
+    bool shows(const QString& text) { return find("text", text); }
+    /// The visible texts in the order of the tree, those below the item with that object name.
     QStringList texts(const QString& below = {});
     /// Clicks the middle of the item that has the text.
     void click(const QString& text);
-    /// Renders the view in both schemes. When NETVANE_PICTURES names a folder, writes the pictures
-    /// there, for people to look at. Returns what QML complained of, and what `auditView` finds.
-    QStringList problems(const QString& picture);
-
-    simulated::Appearance appearance;
+    /// Renders the view in both schemes; what QML warned of so far and what `auditView` finds.
+    QStringList problems();
 
 private:
-    ui::Theme m_theme {appearance};
+    simulated::Appearance m_appearance;
+    ui::Theme m_theme {m_appearance};
     ui::ViewEngine m_engine {m_theme};
     QQuickView m_window {&m_engine, nullptr};
-    QStringList m_problems;
+    QStringList m_warnings;
 };
 
 } // namespace netvane::test

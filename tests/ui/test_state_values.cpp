@@ -14,53 +14,53 @@ using ui::Accent;
 using ui::ConnectionStatus;
 using Milliseconds = std::chrono::milliseconds;
 
+namespace {
+
+const QList<Accent> kAccents {Accent::Green, Accent::Orange, Accent::Orange, Accent::Red};
+
+} // namespace
+
 class TestStateValues : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void figures_data()
-    {
-        QTest::addColumn<int>("card");
-        QTest::addColumn<double>("value");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<Accent>("accent");
-        const auto row = [](int card, double value, const char* text, Accent accent) {
-            QTest::addRow("%d: %g", card, value)
-                << card << value << QString::fromLatin1(text) << accent;
-        };
-        row(0, 19.6, "20 ms", Accent::Green); // graded before it is rounded
-        row(0, 20, "20 ms", Accent::Orange);
-        row(0, 49.9, "50 ms", Accent::Orange);
-        row(0, 50, "50 ms", Accent::Red);
-        row(1, 9.99, "10.0 ms", Accent::Green);
-        row(1, 10, "10.0 ms", Accent::Orange);
-        row(1, 30, "30.0 ms", Accent::Red);
-        row(2, 0.9, "1%", Accent::Green);
-        row(2, 1, "1%", Accent::Orange);
-        row(2, 5, "5%", Accent::Red);
-        row(3, 4.0, "4.0", Accent::Green);
-        row(3, 3.99, "4.0", Accent::Orange);
-        row(3, 3.5, "3.5", Accent::Orange);
-        row(3, 3.49, "3.5", Accent::Red);
-    }
+    /// Each figure is graded before it is rounded; the values stand around the two bounds.
     void figures()
     {
-        QFETCH(int, card);
-        QFETCH(double, value);
-        if (card == 3) {
-            const auto mos = ui::mosCard(value, u"Fair"_s);
-            QTEST(mos.score.toString(), "text");
-            QTEST(mos.accent, "accent");
-            return;
+        const std::tuple<std::optional<double> NetworkMetrics::*, QList<double>, QStringList> rows[]
+            = {
+                {&NetworkMetrics::ping, {19.6, 20, 49.9, 50},
+                    {u"20 ms"_s, u"20 ms"_s, u"50 ms"_s, u"50 ms"_s}},
+                {&NetworkMetrics::jitter, {9.99, 10, 29.9, 30},
+                    {u"10.0 ms"_s, u"10.0 ms"_s, u"29.9 ms"_s, u"30.0 ms"_s}},
+                {&NetworkMetrics::packetLoss, {0.9, 1, 4.9, 5},
+                    {u"1%"_s, u"1%"_s, u"5%"_s, u"5%"_s}},
+            };
+        for (int card = 0; card < 3; ++card) {
+            const auto& [figure, values, texts] = rows[card];
+            for (int index = 0; index < values.size(); ++index) {
+                NetworkMetrics metrics;
+                metrics.*figure = values[index];
+                const auto cards = ui::pathCards(metrics, {});
+                for (int each = 0; each < 3; ++each)
+                    QCOMPARE(cards[each].value.isValid(), each == card);
+                QCOMPARE(cards[card].value.toString(), texts[index]);
+                QCOMPARE(cards[card].accent, kAccents[index]);
+            }
         }
-        NetworkMetrics metrics;
-        std::array {&metrics.ping, &metrics.jitter, &metrics.packetLoss}[size_t(card)]->emplace(
-            value);
-        const auto cards = ui::pathCards(metrics, {});
-        for (int each = 0; each < 3; ++each)
-            QCOMPARE(cards[each].value.isValid(), each == card);
-        QTEST(cards[card].value.toString(), "text");
-        QTEST(cards[card].accent, "accent");
+    }
+
+    void gradesOfVoiceAndSignal()
+    {
+        QList<Accent> accents;
+        for (const double score : {4.0, 3.99, 3.5, 3.49})
+            accents.append(ui::mosCard(score, {}).accent);
+        QCOMPARE(accents, kAccents);
+        QCOMPARE(ui::mosCard(3.99, {}).score.toString(), u"4.0"_s);
+        accents.clear();
+        for (const int dbm : {-69, -70, -79, -80})
+            accents.append(ui::signalAccent(dbm));
+        QCOMPARE(accents, kAccents);
     }
 
     void seriesLeaveOutWhatIsAbsent()
@@ -76,62 +76,34 @@ private Q_SLOTS:
         QCOMPARE(series.loss.size(), 10);
     }
 
-    void grades_data()
+    void connectionStatus()
     {
-        QTest::addColumn<NetworkMetrics>("metrics");
-        QTest::addColumn<ConnectionStatus>("status");
-        const auto row = [](const char* name, const NetworkMetrics& metrics, auto status) {
-            QTest::newRow(name) << metrics << status;
-        };
-        row("some loss, fast", {.ping = 2, .packetLoss = 0.5}, ConnectionStatus::highLoss);
-        row("just far", {.ping = 100, .packetLoss = 0}, ConnectionStatus::slow);
-        row("not quite far", {.ping = 99.9}, ConnectionStatus::ok);
-        row("unsteady", {.ping = 20, .jitter = 30}, ConnectionStatus::slow);
-        row("steady", {.ping = 20, .jitter = 29.9}, ConnectionStatus::ok);
-        row("jitter alone", {.jitter = 1}, ConnectionStatus::ok);
-        row("no loss alone", {.packetLoss = 0}, ConnectionStatus::unknown);
-    }
-    void grades()
-    {
-        QFETCH(NetworkMetrics, metrics);
-        QTEST(ui::pathStatus(metrics), "status");
+        using enum ConnectionStatus;
+        QCOMPARE(ui::pathStatus(NetworkMetrics {.ping = 2, .packetLoss = 0.5}), highLoss);
+        QCOMPARE(ui::pathStatus(NetworkMetrics {.ping = 100, .packetLoss = 0}), slow);
+        QCOMPARE(ui::pathStatus(NetworkMetrics {.ping = 99.9}), ok);
+        QCOMPARE(ui::pathStatus(NetworkMetrics {.ping = 20, .jitter = 30}), slow);
+        QCOMPARE(ui::pathStatus(NetworkMetrics {.jitter = 29.9}), ok);
+        QCOMPARE(ui::pathStatus(NetworkMetrics {.packetLoss = 0}), unknown);
+        QCOMPARE(ui::wifiStatus(wifi::WiFiInfo {}), unknown);
+        QCOMPARE(ui::wifiStatus(wifi::WiFiInfo {.signalStrength = -70}), weak);
+        QCOMPARE(ui::wifiStatus(wifi::WiFiInfo {.signalStrength = -69}), ok);
+        QCOMPARE(ui::dnsStatus(49.9), ok);
+        QCOMPARE(ui::dnsStatus(50.0), slow);
     }
 
-    void thresholdsOfLinkAndLookup()
-    {
-        QCOMPARE(ui::wifiStatus(wifi::WiFiInfo {}), ConnectionStatus::unknown);
-        QCOMPARE(ui::wifiStatus(wifi::WiFiInfo {.signalStrength = -70}), ConnectionStatus::weak);
-        QCOMPARE(ui::wifiStatus(wifi::WiFiInfo {.signalStrength = -69}), ConnectionStatus::ok);
-        QCOMPARE(ui::dnsStatus(49.9), ConnectionStatus::ok);
-        QCOMPARE(ui::dnsStatus(50.0), ConnectionStatus::slow);
-        QCOMPARE(ui::signalAccent(-69), Accent::Green);
-        QCOMPARE(ui::signalAccent(-70), Accent::Orange);
-        QCOMPARE(ui::signalAccent(-79), Accent::Orange);
-        QCOMPARE(ui::signalAccent(-80), Accent::Red);
-    }
-
-    void relativeTimes_data()
-    {
-        QTest::addColumn<Milliseconds>("elapsed");
-        QTest::addColumn<Milliseconds>("untilNext");
-        const auto row = [](Milliseconds elapsed, const char* text, Milliseconds untilNext) {
-            QTest::newRow(text) << elapsed << untilNext;
-        };
-        row(-2s, "0 sec ago", 3s); // the clock was set back
-        row(12'300ms, "12 sec ago", 700ms);
-        row(59'999ms, "59 sec ago", 1ms);
-        row(60s, "1 min ago", 60s);
-        row(59min + 59s, "59 min ago", 1s);
-        row(1h, "1 hr ago", 1h);
-        row(23h + 59min, "23 hr ago", 1min);
-        row(24h, "1 day ago", 24h);
-        row(49h, "2 days ago", 23h);
-    }
     void relativeTimes()
     {
-        QFETCH(Milliseconds, elapsed);
-        QCOMPARE(ui::relativeTime(elapsed), QString::fromLatin1(QTest::currentDataTag()));
-        QTEST(ui::untilRelativeTimeChanges(elapsed), "untilNext");
+        const std::tuple<Milliseconds, QString, Milliseconds> rows[]
+            = {{-2s, u"0 sec ago"_s, 3s}, // the clock was set back
+                {12'300ms, u"12 sec ago"_s, 700ms}, {59'999ms, u"59 sec ago"_s, 1ms},
+                {60s, u"1 min ago"_s, 60s}, {59min + 59s, u"59 min ago"_s, 1s},
+                {1h, u"1 hr ago"_s, 1h}, {23h + 59min, u"23 hr ago"_s, 1min},
+                {24h, u"1 day ago"_s, 24h}, {49h, u"2 days ago"_s, 23h}};
+        for (const auto& [elapsed, text, untilNext] : rows) {
+            QCOMPARE(ui::relativeTime(elapsed), text);
+            QCOMPARE(ui::untilRelativeTimeChanges(elapsed), untilNext);
+        }
     }
 
     void timesTickOnlyWhileShownAndWhenATextChanges()

@@ -48,12 +48,8 @@ void World::ping(std::optional<std::chrono::milliseconds> routerTime,
         connections.tell(
             time ? platform::ConnectionState::Ready : platform::ConnectionState::Failed);
     };
-    const bool isRouterFirst = routerTime < internetTime;
-    if (isRouterFirst)
-        end(services.routerPingService, routerConnections, routerTime);
+    end(services.routerPingService, routerConnections, routerTime);
     end(services.internetPingService, internetConnections, internetTime);
-    if (!isRouterFirst)
-        end(services.routerPingService, routerConnections, routerTime);
     QCoreApplication::processEvents();
     clock.advance(probes::PingService::pingInterval - passed);
     settle(simulated.queues.userInitiated);
@@ -73,20 +69,6 @@ void World::permit(platform::AuthorizationStatus status)
 {
     simulated.location.change(status);
     QCoreApplication::processEvents();
-}
-
-void World::endSpeedTest(
-    std::optional<std::chrono::seconds> download, std::optional<std::chrono::seconds> upload)
-{
-    for (const auto& half : {download, upload}) {
-        clock.advance(half.value_or(1s));
-        platform::TransferOutcome outcome {
-            .receivedBytes = 5'000'000, .endedAt = clock.monotonicNow()};
-        if (!half)
-            outcome.errorText = u"no route"_s;
-        simulated.transfers.end(outcome);
-        QCoreApplication::processEvents();
-    }
 }
 
 void World::hop(const QString& address)

@@ -31,16 +31,13 @@ public:
 
     /// The next pass over the link, and with it the readings, find this.
     void link(const std::optional<platform::LinkReading>& reading);
-    /// The probes that were started end after these times, or are lost without one; then the next
-    /// ones begin.
+    /// The probes that were started end after these times, that of the router first, or are lost
+    /// without one; then the next ones begin.
     void ping(std::optional<std::chrono::milliseconds> routerTime,
         std::optional<std::chrono::milliseconds> internetTime);
     /// One look-up that ends at once.
     void lookUp();
     void permit(platform::AuthorizationStatus status);
-    /// Both halves of the speed test move 5,000,000 bytes in that time; absent: the half fails.
-    void endSpeedTest(
-        std::optional<std::chrono::seconds> download, std::optional<std::chrono::seconds> upload);
     /// All probes of the next hop are answered after 12 ms, or none is.
     void hop(const QString& address);
 

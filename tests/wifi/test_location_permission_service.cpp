@@ -35,49 +35,38 @@ private Q_SLOTS:
         }
     }
 
-    /// How the service learns of a grant, and what it logs; a second time changes nothing.
-    void grants_data()
-    {
-        QTest::addColumn<QString>("way");
-        QTest::addColumn<QString>("line");
-        const QString start = u"LocationPermissionService: Authorization status "_s;
-        const QString changed = start + u"changed - isAuthorized: true, status: 3"_s;
-        QTest::newRow("checked") << u"check"_s << changed;
-        QTest::newRow("becoming active") << u"active"_s << changed;
-        QTest::newRow("signal of the system") << u"signal"_s << QString();
-        QTest::newRow("told by another service")
-            << u"update"_s << start + u"updated externally - status: 3, isAuthorized: true"_s;
-    }
+    /// However the service learns of a grant, it logs it once; a second time changes nothing.
     void grants()
     {
-        QFETCH(QString, way);
-        QFETCH(QString, line);
-        const QSignalSpy statuses(
-            m_service.get(), &LocationPermissionService::authorizationStatusChanged);
-        for (int time = 0; time < 2; ++time) {
-            if (way != u"update")
-                m_manager->status = Status::AuthorizedAlways;
-            if (way == u"check")
-                m_service->checkAuthorizationStatus();
-            else if (way == u"active")
-                Q_EMIT m_activity.didBecomeActive();
-            else if (way == u"signal")
-                m_manager->change(Status::AuthorizedAlways);
-            else
-                m_service->updateAuthorizationStatus(Status::AuthorizedAlways);
-            // Not inside the call of who tells it.
-            if (way == u"update" && time == 0)
-                QVERIFY(!m_service->isAuthorized());
+        const QString line = u"LocationPermissionService: Authorization status "_s;
+        const QString changed = line + u"changed - isAuthorized: true, status: 3"_s;
+        const std::pair<std::function<void()>, QStringList> ways[] = {
+            {[&] { m_service->checkAuthorizationStatus(); }, {changed}},
+            {[&] { Q_EMIT m_activity.didBecomeActive(); }, {changed}},
+            {[&] { Q_EMIT m_manager->didChangeAuthorization(m_manager->status); }, {}},
+            {[&] { m_service->updateAuthorizationStatus(Status::AuthorizedAlways); },
+                {line + u"updated externally - status: 3, isAuthorized: true"_s}},
+        };
+        for (const auto& [learn, lines] : ways) {
+            init();
+            const QSignalSpy statuses(
+                m_service.get(), &LocationPermissionService::authorizationStatusChanged);
+            m_manager->status = Status::AuthorizedAlways;
+            learn();
             QCoreApplication::processEvents();
+            QVERIFY(m_service->isAuthorized());
+            learn();
+            QCoreApplication::processEvents();
+            QCOMPARE(statuses.count(), 1);
+            QCOMPARE(m_log.take(), lines);
         }
-        QVERIFY(m_service->isAuthorized());
-        QCOMPARE(statuses.count(), 1);
-        QCOMPARE(m_log.take(), line.isEmpty() ? QStringList() : QStringList {line});
     }
 
-    void asking()
+    void askingAndToldByAnotherService()
     {
         QCOMPARE(m_manager->requests, 0); // never by itself
+        m_service->updateAuthorizationStatus(Status::AuthorizedAlways);
+        QVERIFY(!m_service->isAuthorized()); // not inside the caller's call
         m_manager->status = Status::AuthorizedAlways;
         m_service->requestPermission();
         QCOMPARE(m_manager->requests, 1);
