@@ -158,10 +158,10 @@ private:
 
     void unplugAdapter()
     {
-        parts().wifi.isUnplugged = true;
+        isUnplugged = true;
         pass(120s);
         expect("no link", [&] { return !delegate().wifiService()->currentWiFi(); });
-        parts().wifi.isUnplugged = false;
+        isUnplugged = false;
     }
 
     /// Past access points whose names never come again.

@@ -113,6 +113,7 @@ public:
 
     std::unique_ptr<demo::StagedProgram> program;
     std::atomic<int> journey = 0; ///< not zero: the number in the name of a new network
+    std::atomic<bool> isUnplugged = false; ///< the adapter is gone
     bool isScanConstant = false; ///< each scan finds the same networks
     qint64 logLines = 0;
     qint64 shownNotifications = 0;
@@ -150,7 +151,7 @@ private:
         platform.userDefaults->setBoolean(u"netvane.onboarding.completed"_s, true);
         m_sleepMonitor = platform.sleepMonitor.get();
         parts.interface->script = [this, &stage]() -> std::optional<platform::LinkReading> {
-            if (stage.parts.wifi.isUnplugged)
+            if (isUnplugged)
                 return {};
             auto reading = stage.link();
             if (journey != 0 && reading.ssid)
