@@ -113,12 +113,12 @@ int main(int argc, char** argv)
         close(program);
         later.push_back(open(program));
     }
-    auto& readings = program.state().dashboard()->readings();
-    readings.refresh();
+    auto& dashboard = program.state();
+    dashboard.refresh();
     QElapsedTimer timer;
     timer.start();
     for (int i = 0; i < kLooks; ++i)
-        readings.refresh();
+        dashboard.refresh();
     const double look = double(timer.nsecsElapsed()) / 1e6 / kLooks;
 
     const auto cycle = [&program](int times) {

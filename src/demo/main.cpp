@@ -25,13 +25,6 @@ Q_LOGGING_CATEGORY(logCategory, "netvane.demo")
 
 constexpr std::chrono::milliseconds kStartTime = 1s;
 
-struct Options {
-    std::optional<QString> scene;
-    platform::ColorScheme colorScheme = platform::ColorScheme::NoPreference;
-    bool showsPopover = false;
-    std::optional<QString> screenshots;
-};
-
 QString sceneNames()
 {
     QStringList names;
@@ -40,10 +33,9 @@ QString sceneNames()
     return names.join(u", "_s);
 }
 
-/// Absent when there is no scene of the name. Ends the program when it is asked for help.
-std::optional<Options> parse(const QApplication& application)
+/// Ends the program when it is asked for help, or for an option that there is not.
+void parse(QCommandLineParser& parser, const QApplication& application)
 {
-    QCommandLineParser parser;
     parser.setApplicationDescription(
         u"Netvane on made-up networks. Nothing is measured, sent or stored."_s);
     parser.addHelpOption();
@@ -53,20 +45,24 @@ std::optional<Options> parse(const QApplication& application)
         {u"dark"_s, u"Dark colours."_s},
         {u"screenshots"_s, u"Draw the views into a folder and end."_s, u"folder"_s}});
     parser.process(application);
-    Options options;
-    options.showsPopover = parser.isSet(u"popover"_s);
-    if (parser.isSet(u"screenshots"_s))
-        options.screenshots = parser.value(u"screenshots"_s);
+}
+
+/// Absent when there is no scene of the name.
+std::optional<demo::StageOptions> stageOptions(const QCommandLineParser& parser)
+{
+    demo::StageOptions options {.scenes = demo::scenes()};
+    if (parser.isSet(u"scene"_s))
+        options.held = parser.value(u"scene"_s);
+    if (options.held
+        && std::ranges::find(options.scenes, *options.held, &demo::Scene::name)
+            == options.scenes.end())
+        return {};
     if (parser.isSet(u"light"_s))
         options.colorScheme = platform::ColorScheme::Light;
     if (parser.isSet(u"dark"_s))
         options.colorScheme = platform::ColorScheme::Dark;
-    if (!parser.isSet(u"scene"_s))
-        return options;
-    options.scene = parser.value(u"scene"_s);
-    const auto all = demo::scenes();
-    if (std::ranges::find(all, *options.scene, &demo::Scene::name) == all.end())
-        return {};
+    // Without one the window would take the popover's place.
+    options.hasStatusArea = parser.isSet(u"popover"_s) || QSystemTrayIcon::isSystemTrayAvailable();
     return options;
 }
 
@@ -78,22 +74,17 @@ bool asksForText(int argc, char** argv)
     });
 }
 
-int run(QApplication& application, const Options& options)
+int run(QApplication& application, const demo::StageOptions& options, bool showsPopover)
 {
     std::unique_ptr<demo::Stage> stage;
     std::unique_ptr<demo::WindowMark> mark;
     std::unique_ptr<base::Timer> opening;
     return app::runProgram(application, [&] {
-        stage = std::make_unique<demo::Stage>(std::make_unique<base::SystemClock>(),
-            demo::StageOptions {.scenes = demo::scenes(),
-                .held = options.scene,
-                .colorScheme = options.colorScheme,
-                // Without one the window would take the popover's place.
-                .hasStatusArea = options.showsPopover || QSystemTrayIcon::isSystemTrayAvailable()});
+        stage = std::make_unique<demo::Stage>(std::make_unique<base::SystemClock>(), options);
         mark = std::make_unique<demo::WindowMark>(application, *stage);
         auto program = std::make_unique<app::Program>(
             application, std::move(stage->parts.platform), &windows::makeQuickViews);
-        if (options.showsPopover)
+        if (showsPopover)
             opening = stage->parts.clock.after(kStartTime, [&delegate = program->delegate()] {
                 if (delegate.popover())
                     delegate.popover()->show({});
@@ -117,20 +108,22 @@ int main(int argc, char** argv)
     }
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    const auto options = parse(application);
+    QCommandLineParser parser;
+    parse(parser, application);
+    const auto options = stageOptions(parser);
     if (!options) {
         std::fputs(qPrintable(u"netvane-demo: There is no such scene. There are: "_s + sceneNames()
                        + u"\n"_s),
             stderr);
         return 2;
     }
-    if (options->screenshots) {
+    if (parser.isSet(u"screenshots"_s)) {
         base::setLogSink([](const QString&) {});
-        return demo::drawScreenshots(application, *options->screenshots) ? 0 : 1;
+        return demo::drawScreenshots(application, parser.value(u"screenshots"_s)) ? 0 : 1;
     }
     qInstallMessageHandler(app::logOfQt);
     base::log(logCategory(),
         u"Netvane: This is a demonstration. Everything that it shows is made up, and "
         "nothing is sent"_s);
-    return run(application, *options);
+    return run(application, *options, parser.isSet(u"popover"_s));
 }

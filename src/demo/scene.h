@@ -34,7 +34,7 @@ struct Scene {
 
     QString router;
     QStringList dnsServers;
-    QStringList interfaces;
+    QStringList interfaces {QStringLiteral("lo"), QStringLiteral("wlan0")};
     platform::AuthorizationStatus permission = platform::AuthorizationStatus::AuthorizedAlways;
     bool isIntroduced = true; ///< the user has been through the introduction
 };

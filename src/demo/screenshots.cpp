@@ -2,11 +2,8 @@
 
 #include "demo/script.h"
 #include "demo/staged_program.h"
-#include "shell/detailed_window_controller.h"
-#include "shell/popover_window.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
-#include "windows/quick_window.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -35,18 +32,9 @@ struct Picture {
     std::function<QWindow*(StagedProgram&)> show;
 };
 
-template <typename State>
-State& stateOf(QWindow& window)
-{
-    return *windows::rootOf(window).property("viewState").value<State*>();
-}
-
 QWindow* popover(StagedProgram& program)
 {
-    auto* popover = program.delegate().popover();
-    popover->show({});
-    program.pass(kFullHistory);
-    return popover->window();
+    return &program.openPopover(kFullHistory);
 }
 
 QWindow* settings(StagedProgram& program)
@@ -70,9 +58,7 @@ std::function<QWindow*(StagedProgram&)> introduction(int page)
 
 QWindow* detailedWindow(StagedProgram& program)
 {
-    program.delegate().mainMenu()->actions().constFirst()->trigger();
-    program.pass(kFullHistory);
-    return &program.delegate().windowController()->window();
+    return &program.openDetailedWindow(kFullHistory);
 }
 
 /// Makes the window as high as these sections of its dashboard and shows nothing else.

@@ -19,10 +19,10 @@ platform::LinkReading link(const QString& name, ChannelBand band, int channel)
 }
 
 /// Near the access point of the living room.
-Scene home()
+Scene home(const QString& name = u"home"_s, const QString& title = u"at home, all is well"_s)
 {
-    return {.name = u"home"_s,
-        .title = u"at home, all is well"_s,
+    return {.name = name,
+        .title = title,
         .link = link(kHomeName, ChannelBand::FiveGHz, 36),
         .signalDbm = {-51, -52, -50, -49, -51, -53, -52, -50, -48, -49, -51, -54, -52, -50, -51,
             -49, -47, -50, -52, -53, -51, -50, -49},
@@ -36,16 +36,13 @@ Scene home()
         .downloadMbps = 238.6,
         .uploadMbps = 41.8,
         .router = u"192.168.1.1"_s,
-        .dnsServers = {u"192.168.1.1"_s},
-        .interfaces = {u"lo"_s, u"wlan0"_s}};
+        .dnsServers = {u"192.168.1.1"_s}};
 }
 
 /// On the way upstairs, still with the access point below.
 Scene leaving()
 {
-    Scene scene = home();
-    scene.name = u"leaving"_s;
-    scene.title = u"walking away from the access point"_s;
+    Scene scene = home(u"leaving"_s, u"walking away from the access point"_s);
     scene.duration = 30s;
     scene.signalDbm = {-57, -61, -64, -68, -72, -75, -77};
     scene.rateMbps = {780, 585, 520, 390, 263, 175, 117};
@@ -59,9 +56,7 @@ Scene leaving()
 /// The access point upstairs took over, on the other band.
 Scene upstairs()
 {
-    Scene scene = home();
-    scene.name = u"upstairs"_s;
-    scene.title = u"taken over by the access point upstairs"_s;
+    Scene scene = home(u"upstairs"_s, u"taken over by the access point upstairs"_s);
     scene.link = link(kHomeName, ChannelBand::TwoGHz, 6);
     scene.signalDbm = {-58, -56, -57, -55, -56, -58, -57};
     scene.noiseDbm = {-88, -89, -88, -87, -88};
@@ -77,9 +72,7 @@ Scene upstairs()
 /// In the garden: hardly any signal, slow, and every seventh packet is lost.
 Scene weak()
 {
-    Scene scene = home();
-    scene.name = u"weak"_s;
-    scene.title = u"a weak link"_s;
+    Scene scene = home(u"weak"_s, u"a weak link"_s);
     scene.link = link(kHomeName, ChannelBand::TwoGHz, 6);
     scene.signalDbm = {-81, -83, -80, -84, -82, -85, -83, -81, -84};
     scene.noiseDbm = {-87, -86, -88, -87, -85, -86, -87, -88, -87};
@@ -103,15 +96,13 @@ Scene cafe()
         .noiseDbm = {-91, -90, -91, -92, -91, -90, -91, -92, -93},
         .rateMbps = {260, 234, 260, 195, 234, 260, 234, 175, 195, 234, 260},
         .routerTimes = {6.4, 8.1, 7.2, 9.6, 6.9, 7.8, 12.3, 8.4, 7.1},
-        .internetTimes = {},
         .timeUnderLoad = 60,
         .lookupTime = 31'400us,
         .portal = QUrl(u"https://login.cafe-meridian.example/welcome"_s),
         .downloadMbps = 9.6,
         .uploadMbps = 3.1,
         .router = u"10.20.0.1"_s,
-        .dnsServers = {u"10.20.0.1"_s},
-        .interfaces = {u"lo"_s, u"wlan0"_s}};
+        .dnsServers = {u"10.20.0.1"_s}};
 }
 
 /// 6 GHz, a name server of its own, and a tunnel.
@@ -137,9 +128,7 @@ Scene office()
 /// By cable, with the radio switched off.
 Scene cable()
 {
-    Scene scene = home();
-    scene.name = u"off"_s;
-    scene.title = u"Wi-Fi switched off, on a cable"_s;
+    Scene scene = home(u"off"_s, u"Wi-Fi switched off, on a cable"_s);
     scene.duration = 30s;
     scene.hasRadio = false;
     scene.link = {};
@@ -150,9 +139,7 @@ Scene cable()
 
 Scene withoutPermission()
 {
-    Scene scene = home();
-    scene.name = u"permission"_s;
-    scene.title = u"the permission is missing"_s;
+    Scene scene = home(u"permission"_s, u"the permission is missing"_s);
     scene.duration = 0s;
     scene.link.ssid.reset();
     scene.permission = platform::AuthorizationStatus::Denied;
@@ -161,9 +148,7 @@ Scene withoutPermission()
 
 Scene firstStart()
 {
-    Scene scene = home();
-    scene.name = u"first-start"_s;
-    scene.title = u"the first start"_s;
+    Scene scene = home(u"first-start"_s, u"the first start"_s);
     scene.duration = 0s;
     scene.isIntroduced = false;
     return scene;

@@ -72,8 +72,6 @@ Stage::Stage(std::unique_ptr<base::Clock> clock, StageOptions options)
         parts.defaults.setText(diagnostics::SpeedTestService::historyKey, tests.value());
 }
 
-Stage::~Stage() = default;
-
 void Stage::begin(size_t index)
 {
     m_index = index;

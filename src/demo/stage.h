@@ -27,7 +27,6 @@ class Stage : public QObject {
 
 public:
     Stage(std::unique_ptr<base::Clock> clock, StageOptions options);
-    ~Stage() override;
 
     /// Any thread.
     const Scene& scene() const { return m_scenes[m_index]; }

@@ -1,6 +1,8 @@
 #include "demo/staged_program.h"
 
 #include "probes/dns_service.h"
+#include "shell/detailed_window_controller.h"
+#include "shell/popover_window.h"
 #include "windows/quick_views.h"
 
 #include <QDeadlineTimer>
@@ -26,6 +28,20 @@ StagedProgram::StagedProgram(
     m_program->start();
     settle();
     pass(250ms);
+}
+
+QWindow& StagedProgram::openPopover(std::chrono::milliseconds time)
+{
+    delegate().popover()->show({});
+    pass(time);
+    return *delegate().popover()->window();
+}
+
+QWindow& StagedProgram::openDetailedWindow(std::chrono::milliseconds time)
+{
+    delegate().mainMenu()->actions().constFirst()->trigger();
+    pass(time);
+    return delegate().windowController()->window();
 }
 
 void StagedProgram::pass(std::chrono::milliseconds time, std::chrono::milliseconds step)

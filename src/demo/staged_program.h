@@ -3,8 +3,18 @@
 #include "app/program_run.h"
 #include "demo/stage.h"
 #include "simulated/manual_clock.h"
+#include "windows/quick_window.h"
+
+#include <QQuickItem>
 
 namespace netvane::demo {
+
+/// What a window of the program shows.
+template <typename State>
+State& stateOf(QWindow& window)
+{
+    return *windows::rootOf(window).property("viewState").value<State*>();
+}
 
 /// The whole program on the simulated platform with a clock that is moved by hand, so that minutes
 /// pass in no time. Its services run. Main thread.
@@ -17,6 +27,11 @@ public:
     app::AppDelegate& delegate() { return m_program->delegate(); }
     Stage& stage() { return m_stage; }
     simulated::ManualClock& clock() { return *m_clock; }
+
+    /// Opens the popover, and lets that time pass.
+    QWindow& openPopover(std::chrono::milliseconds time);
+    /// The same with the detailed window.
+    QWindow& openDetailedWindow(std::chrono::milliseconds time);
 
     /// Lets time pass with all that it brings about. What is read in the background arrives within
     /// `step`.

@@ -2,8 +2,9 @@
 
 #include "demo/stage.h"
 
-class QApplication;
-class QWindow;
+#include <QApplication>
+#include <QEvent>
+#include <QQuickView>
 
 namespace netvane::demo {
 
@@ -11,13 +12,31 @@ namespace netvane::demo {
 class WindowMark final : public QObject {
 public:
     /// Both outlive it.
-    WindowMark(QApplication& application, const Stage& stage);
+    WindowMark(QApplication& application, const Stage& stage)
+        : m_stage(stage)
+    {
+        application.installEventFilter(this);
+        connect(&stage, &Stage::sceneChanged, this, [this] {
+            for (QWindow* window : QGuiApplication::topLevelWindows())
+                mark(window);
+        });
+    }
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Show)
+            mark(watched);
+        return false;
+    }
 
 private:
-    void mark(QWindow& window);
+    /// Menus and dialogues are those of the window that they belong to.
+    void mark(QObject* object)
+    {
+        if (auto* window = qobject_cast<QQuickView*>(object))
+            window->setTitle(QStringLiteral("Netvane – Demonstration: ") + m_stage.scene().title);
+    }
 
     const Stage& m_stage;
 };

@@ -18,18 +18,6 @@ private:
     std::shared_ptr<Alarm> m_alarm;
 };
 
-std::unique_ptr<base::Timer> ManualClock::repeat(
-    std::chrono::milliseconds interval, std::function<void()> action)
-{
-    return add(interval, interval, std::move(action));
-}
-
-std::unique_ptr<base::Timer> ManualClock::after(
-    std::chrono::milliseconds delay, std::function<void()> action)
-{
-    return add(delay, std::chrono::milliseconds::zero(), std::move(action));
-}
-
 void ManualClock::soon(QObject* owner, std::function<void()> action)
 {
     QMetaObject::invokeMethod(owner, std::move(action), Qt::QueuedConnection);
@@ -60,14 +48,19 @@ std::shared_ptr<ManualClock::Alarm> ManualClock::nextDue(
     return next;
 }
 
+void ManualClock::moveTo(std::chrono::steady_clock::time_point time)
+{
+    m_wall = m_wall.load()
+        + std::chrono::duration_cast<std::chrono::system_clock::duration>(
+            time - m_monotonic.load());
+    m_monotonic = time;
+}
+
 void ManualClock::advance(std::chrono::milliseconds time)
 {
     const auto end = m_monotonic.load() + time;
     while (const auto alarm = nextDue(end)) {
-        m_wall = m_wall.load()
-            + std::chrono::duration_cast<std::chrono::system_clock::duration>(
-                alarm->due - m_monotonic.load());
-        m_monotonic = alarm->due;
+        moveTo(alarm->due);
         if (alarm->interval.count() > 0)
             alarm->due += alarm->interval;
         else
@@ -76,9 +69,7 @@ void ManualClock::advance(std::chrono::milliseconds time)
         action();
         std::erase_if(m_alarms, [](const auto& each) { return !each->running; });
     }
-    m_wall = m_wall.load()
-        + std::chrono::duration_cast<std::chrono::system_clock::duration>(end - m_monotonic.load());
-    m_monotonic = end;
+    moveTo(end);
 }
 
 int ManualClock::timerCount() const

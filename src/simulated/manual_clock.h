@@ -16,9 +16,15 @@ public:
     std::chrono::steady_clock::time_point monotonicNow() const override { return m_monotonic; }
     std::chrono::milliseconds timeAsleep() const override { return m_asleep; }
     std::unique_ptr<base::Timer> repeat(
-        std::chrono::milliseconds interval, std::function<void()> action) override;
+        std::chrono::milliseconds interval, std::function<void()> action) override
+    {
+        return add(interval, interval, std::move(action));
+    }
     std::unique_ptr<base::Timer> after(
-        std::chrono::milliseconds delay, std::function<void()> action) override;
+        std::chrono::milliseconds delay, std::function<void()> action) override
+    {
+        return add(delay, std::chrono::milliseconds::zero(), std::move(action));
+    }
     /// In the next turn of the event loop: what is waited for here happens outside this clock.
     void soon(QObject* owner, std::function<void()> action) override;
 
@@ -40,6 +46,7 @@ private:
     class Handle;
     std::unique_ptr<base::Timer> add(std::chrono::milliseconds delay,
         std::chrono::milliseconds interval, std::function<void()> action);
+    void moveTo(std::chrono::steady_clock::time_point time);
     std::shared_ptr<Alarm> nextDue(std::chrono::steady_clock::time_point end) const;
 
     // Read from any thread.

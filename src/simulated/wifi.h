@@ -37,12 +37,8 @@ public:
 
 class WiFiClient final : public platform::WiFiClient {
 public:
-    std::vector<std::shared_ptr<platform::WiFiInterface>> interfaces() override
-    {
-        return isUnplugged ? decltype(list) {} : list;
-    }
+    std::vector<std::shared_ptr<platform::WiFiInterface>> interfaces() override { return list; }
 
-    std::atomic<bool> isUnplugged = false; ///< there is no interface at all
     std::vector<std::shared_ptr<platform::WiFiInterface>> list;
 };
 

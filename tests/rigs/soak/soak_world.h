@@ -1,50 +1,195 @@
 #pragma once
 
+#include "bus/bus_link.h"
+#include "demo/script.h"
 #include "demo/staged_program.h"
-#include "desktop_services.h"
+#include "desktop/freedesktop_notifications.h"
+#include "desktop/portal_appearance.h"
+#include "desktop/session_status_notifier_host.h"
+#include "desktop/settings_file.h"
+#include "radio/scan_permission.h"
 #include "support/captured_log.h"
+#include "support/fake_bus_service.h"
+#include "support/private_bus.h"
 #include "usage.h"
 
+#include <QDeadlineTimer>
 #include <QTemporaryDir>
+#include <QThread>
 
 namespace netvane::soak {
 
-/// The whole program on the demonstration's platform, with the real settings file, the real buses
-/// and the classes that use them. Main thread.
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+/// The whole program on the demonstration's platform, with the real settings file, a real bus
+/// and the classes that use it. Main thread.
 class SoakWorld {
 public:
-    explicit SoakWorld(QApplication& application);
-    ~SoakWorld();
+    explicit SoakWorld(QApplication& application)
+    {
+        for (const char* variable : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
+            qputenv(variable, m_bus.address().toUtf8());
+        if (!m_folder.isValid() || !startBus())
+            qFatal("no temporary folder or no bus");
+        program = std::make_unique<demo::StagedProgram>(application,
+            demo::StageOptions {.scenes = scenes(), .held = u"home"_s, .hasStatusArea = true},
+            [this](demo::Stage& stage) { change(stage); });
+        pass(5s);
+    }
+    ~SoakWorld()
+    {
+        delegate().applicationWillTerminate();
+        program->settle();
+        m_permission.reset();
+        m_appearance.reset();
+        m_panel.reset();
+        program.reset();
+    }
 
-    void pass(std::chrono::milliseconds time,
-        std::chrono::milliseconds step = std::chrono::milliseconds(2500));
-    /// Waits, in real time, for what the bus brings; false when it does not come.
-    bool until(const std::function<bool()>& isReached);
+    void pass(std::chrono::milliseconds time, std::chrono::milliseconds step = 2500ms)
+    {
+        program->pass(time, step);
+        const auto lines = m_log.take();
+        logLines += lines.size();
+        complaints += lines.filter(u".qml:"_s);
+    }
+    /// Waits, in real time, for what the bus brings; complains when it does not come.
+    void expect(const char* what, const std::function<bool()>& isReached)
+    {
+        QDeadlineTimer deadline(10s);
+        while (!isReached() && !deadline.hasExpired()) {
+            QThread::msleep(1);
+            program->settle();
+        }
+        if (!isReached())
+            complaints.append(QString::fromLatin1(what));
+    }
+    /// A bus with a service that shows notifications.
+    bool startBus()
+    {
+        if (!m_bus.start())
+            return false;
+        m_shower = std::make_unique<test::FakeBusService>(m_bus.address(),
+            u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s,
+            [this](const QDBusMessage& call) {
+                m_shower->calls.clear();
+                return call.member() == u"GetCapabilities"_s
+                    ? call.createReply(QStringList {u"body"_s})
+                    : call.createReply(uint(++shownNotifications));
+            });
+        return true;
+    }
+    /// It goes without notice, with all who are on it.
+    void stopBus()
+    {
+        m_shower.reset();
+        m_bus.stop();
+    }
     /// The machine sleeps and wakes.
-    void sleep(std::chrono::milliseconds time);
+    void sleep(std::chrono::milliseconds time)
+    {
+        program->clock().sleep(time);
+        Q_EMIT m_sleepMonitor->didWake();
+        program->settle();
+    }
     /// What the program holds when nothing is under way.
-    Usage settledUsage();
+    std::vector<Figure> settledUsage(int watchedTests)
+    {
+        parts().queues.utility.waitForDone();
+        // Threads of look-ups end a moment after their answer.
+        for (int round = 0; round < 20; ++round) {
+            QThread::msleep(10);
+            program->settle();
+        }
+        auto usage = usageNow(watchedTests);
+        usage.push_back({"running timers", program->clock().timerCount()});
+        usage.push_back({"files of settings", entries(m_folder.path())});
+        return usage;
+    }
 
     app::AppDelegate& delegate() { return program->delegate(); }
     simulated::SimulatedPlatform& parts() { return program->stage().parts; }
 
-    DesktopServices desktop;
     std::unique_ptr<demo::StagedProgram> program;
-    const platform::Appearance* appearance = nullptr;
-    const platform::StatusNotifierHost* panel = nullptr;
     std::atomic<int> journey = 0; ///< not zero: the number in the name of a new network
+    std::atomic<bool> isUnplugged = false; ///< the adapter is gone
     bool isScanConstant = false; ///< each scan finds the same networks
-    QStringList complaints; ///< of the views' engine
+    qint64 logLines = 0;
+    qint64 shownNotifications = 0;
+    QStringList complaints; ///< of the views' engine, and what did not happen
 
 private:
-    void change(demo::Stage& stage);
-    void useRealDesktop(platform::Platform& platform, simulated::SimulatedPlatform& parts);
-    void endScan();
+    /// The demonstration's, with look-ups that end at once, and a place without any network.
+    static std::vector<demo::Scene> scenes()
+    {
+        auto all = demo::scenes();
+        for (auto& scene : all) {
+            if (scene.lookupTime)
+                scene.lookupTime = 0us;
+        }
+        all.push_back({.name = u"lost"_s,
+            .link = {.interfaceName = u"wlan0"_s},
+            .downloadMbps = 1,
+            .uploadMbps = 1});
+        return all;
+    }
+
+    void change(demo::Stage& stage)
+    {
+        auto& parts = stage.parts;
+        auto& platform = parts.platform;
+        auto bus = std::make_unique<bus::BusLink>(
+            QDBusConnection::SessionBus, parts.clock, parts.queues.userInitiated);
+        m_permission = std::make_unique<radio::ScanPermission>(*bus);
+        m_appearance = std::make_unique<desktop::PortalAppearance>(*bus);
+        m_panel = std::make_unique<desktop::SessionStatusNotifierHost>(*bus);
+        platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*bus);
+        platform.sessionBus = std::move(bus);
+        platform.userDefaults = std::make_unique<desktop::SettingsFile>(
+            m_folder.filePath(u"settings.json"_s), platform.queues->utility);
+        platform.userDefaults->setBoolean(u"netvane.onboarding.completed"_s, true);
+        m_sleepMonitor = platform.sleepMonitor.get();
+        parts.interface->script = [this, &stage]() -> std::optional<platform::LinkReading> {
+            if (isUnplugged)
+                return {};
+            auto reading = stage.link();
+            if (journey != 0 && reading.ssid)
+                reading.ssid = u"Train %1"_s.arg(journey.load());
+            return reading;
+        };
+        parts.scanner.waiting.whenAsked = [this, &clock = parts.clock] {
+            ++m_scans;
+            m_scanEnd = clock.after(3s, [this] { endScan(); });
+        };
+    }
+
+    /// Every third scan fails; the others find hundreds of networks that were never there before.
+    void endScan()
+    {
+        const int scan = isScanConstant ? 0 : m_scans;
+        if (scan != 0 && scan % 3 == 0) {
+            parts().scanner.finish(
+                base::Failure {base::FailureKind::Other, u"the driver is busy"_s});
+            return;
+        }
+        std::vector<platform::NearbyNetwork> found;
+        for (int i = 0; i < 200 + scan * 37 % 800; ++i)
+            found.push_back({.ssid = u"neighbour %1 of %2"_s.arg(i).arg(scan),
+                .bssid = QString::asprintf("02:00:00:00:%02x:%02x", i / 256, i % 256),
+                .channel = platform::WiFiChannel {1 + i % 13, platform::ChannelBand::TwoGHz},
+                .signalDbm = -40 - i % 50});
+        parts().scanner.finish(found);
+    }
 
     test::CapturedLog m_log;
-    qint64 m_logLines = 0;
     QTemporaryDir m_folder;
-    std::unique_ptr<platform::LocationManager> m_unusedPermission; ///< the scenes still set it
+    test::PrivateBus m_bus;
+    std::unique_ptr<test::FakeBusService> m_shower;
+    // They follow the bus beside the program, which asks the simulated ones.
+    std::unique_ptr<radio::ScanPermission> m_permission;
+    std::unique_ptr<desktop::PortalAppearance> m_appearance;
+    std::unique_ptr<desktop::SessionStatusNotifierHost> m_panel;
     platform::SleepMonitor* m_sleepMonitor = nullptr;
     int m_scans = 0;
     std::unique_ptr<base::Timer> m_scanEnd;
