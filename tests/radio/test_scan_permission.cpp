@@ -17,30 +17,23 @@ using namespace std::chrono_literals;
 
 using Status = AuthorizationStatus;
 using TextMap = QMap<QString, QString>;
-using test::Answer;
-using test::error;
-using test::FakeBusService;
-using test::kSilence;
-using test::reply;
+using namespace test;
 
 namespace {
 
 const QString kScanAction = u"org.freedesktop.NetworkManager.wifi.scan"_s;
 const QString kNetworkManager = u"org.freedesktop.NetworkManager"_s;
+const QString kLate = u"org.freedesktop.DBus.Error.NoReply"_s;
 const QString kNetworkManagerPath = u"/org/freedesktop/NetworkManager"_s;
-const QString kPolkit = u"org.freedesktop.PolicyKit1"_s;
-const QString kPolkitPath = u"/org/freedesktop/PolicyKit1/Authority"_s;
 
-Answer permissions(const TextMap& words)
+Answer permission(const QString& action, const QString& word)
 {
-    return
-        [words](const QDBusMessage& call) { return call.createReply(QVariant::fromValue(words)); };
+    return reply({QVariant::fromValue(TextMap {{action, word}})});
 }
 
 Answer scanning(const QString& word)
 {
-    return permissions(
-        {{u"org.freedesktop.NetworkManager.wifi.share.open"_s, u"yes"_s}, {kScanAction, word}});
+    return permission(kScanAction, word);
 }
 
 /// polkit's (bba{ss}), of which `Details` is the last.
@@ -82,31 +75,31 @@ private Q_SLOTS:
     {
         QTest::addColumn<Answer>("answer");
         QTest::addColumn<Status>("status");
-        QTest::newRow("yes") << scanning(u"yes"_s) << Status::AuthorizedAlways;
-        QTest::newRow("auth") << scanning(u"auth"_s) << Status::NotDetermined;
-        QTest::newRow("no") << scanning(u"no"_s) << Status::Denied;
-        QTest::newRow("odd word") << scanning(u"YES"_s) << Status::Restricted;
-        QTest::newRow("not listed") << permissions({{u"other"_s, u"yes"_s}}) << Status::Restricted;
-        QTest::newRow("no map") << reply({u"yes"_s}) << Status::Restricted;
-        QTest::newRow("refused") << error(u"org.freedesktop.DBus.Error.AccessDenied"_s)
-                                 << Status::Restricted;
+        const auto row = [](const char* name, Status status, const Answer& answer) {
+            QTest::newRow(name) << answer << status;
+        };
+        row("yes", Status::AuthorizedAlways, scanning(u"yes"_s));
+        row("auth", Status::NotDetermined, scanning(u"auth"_s));
+        row("no", Status::Denied, scanning(u"no"_s));
+        row("odd word", Status::Restricted, scanning(u"YES"_s));
+        row("not listed", Status::Restricted, permission(u"other"_s, u"yes"_s));
+        row("no map", Status::Restricted, reply({u"yes"_s}));
+        row("refused", Status::Restricted, error(u"org.freedesktop.DBus.Error.AccessDenied"_s));
     }
 
     void answers()
     {
         QFETCH(Answer, answer);
         QFETCH(Status, status);
-        const Status before = status == Status::Denied ? Status::AuthorizedAlways : Status::Denied;
-        startNetworkManager(scanning(before == Status::Denied ? u"no"_s : u"yes"_s));
+        startNetworkManager(scanning(status == Status::Denied ? u"yes"_s : u"no"_s));
         start();
-        QTRY_COMPARE(m_permission->authorizationStatus(), before);
-        m_networkManager->answer
-            = error(u"org.freedesktop.DBus.Error.NoReply"_s); // changes nothing
-        m_networkManager->send(checkPermissions());
+        QTRY_VERIFY(m_permission->authorizationStatus() != Status::NotDetermined);
+        m_networkManager->answer = error(kLate); // changes nothing
+        checkPermissions();
         QTRY_COMPARE(m_networkManager->calls.size(), 2);
         QSignalSpy changes(m_permission.get(), &ScanPermission::didChangeAuthorization);
         m_networkManager->answer = answer;
-        m_networkManager->send(checkPermissions());
+        checkPermissions();
         QTRY_COMPARE(m_permission->authorizationStatus(), status);
         QCOMPARE(changes.count(), 1);
     }
@@ -119,13 +112,13 @@ private Q_SLOTS:
         QCOMPARE(m_networkManager->calls.first().member(), u"GetPermissions"_s);
         QCOMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
         m_networkManager->answer = scanning(u"no"_s);
-        m_networkManager->send(checkPermissions());
+        checkPermissions();
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::Denied);
         const QSignalSpy changes(m_permission.get(), &ScanPermission::didChangeAuthorization);
         // The first answer comes after all, when it is not true any more.
         const auto late = scanning(u"yes"_s)(m_networkManager->calls.first());
         m_networkManager->send(*late);
-        m_networkManager->send(checkPermissions());
+        checkPermissions();
         QTRY_COMPARE(m_networkManager->calls.size(), 3);
         QCOMPARE(changes.count(), 0);
     }
@@ -166,7 +159,7 @@ private Q_SLOTS:
         QTest::newRow("granted") << polkitSays(true) << true;
         QTest::newRow("denied") << polkitSays(false) << false;
         QTest::newRow("other structure") << polkitSays(true, u"yes"_s) << false;
-        QTest::newRow("nothing in it") << reply({}) << false;
+        QTest::newRow("nothing in it") << reply() << false;
     }
 
     void asking()
@@ -235,17 +228,17 @@ private:
 
     void startPolkit(const Answer& answer)
     {
-        m_polkit
-            = std::make_unique<FakeBusService>(m_world.bus.address(), kPolkit, kPolkitPath, answer);
+        m_polkit = std::make_unique<FakeBusService>(m_world.bus.address(),
+            u"org.freedesktop.PolicyKit1"_s, u"/org/freedesktop/PolicyKit1/Authority"_s, answer);
     }
 
-    static QDBusMessage checkPermissions()
+    void checkPermissions()
     {
-        return QDBusMessage::createSignal(
-            kNetworkManagerPath, kNetworkManager, u"CheckPermissions"_s);
+        m_networkManager->send(QDBusMessage::createSignal(
+            kNetworkManagerPath, kNetworkManager, u"CheckPermissions"_s));
     }
 
-    test::BusFixture m_world {QDBusConnection::SystemBus};
+    BusFixture m_world {QDBusConnection::SystemBus};
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<ScanPermission> m_permission;
     std::unique_ptr<FakeBusService> m_networkManager;
