@@ -69,8 +69,7 @@ private Q_SLOTS:
         const auto row = [](const char* name, const QString& scanner, const Scripts& scripts) {
             QTest::newRow(name) << scripts << scanner;
         };
-        row("all three", kManager,
-            {{kManager, manager()}, {kIwd, iwd()}, {kSupplicant, supplicant()}});
+        row("all three", kManager, everyService());
         row("NetworkManager leaves it alone", kIwd,
             {{kManager, manager(reply(), false)}, {kIwd, iwd()}, {kSupplicant, supplicant()}});
         row("NetworkManager does not know it", kSupplicant,

@@ -8,32 +8,25 @@
 #include <QTest>
 
 using namespace netvane;
-using namespace base;
 using namespace bus;
-using namespace platform;
 using namespace radio;
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
-using Status = AuthorizationStatus;
-using TextMap = QMap<QString, QString>;
 using namespace test;
+using Status = platform::AuthorizationStatus;
+using TextMap = QMap<QString, QString>;
 
 namespace {
 
 const QString kScanAction = u"org.freedesktop.NetworkManager.wifi.scan"_s;
 const QString kNetworkManager = u"org.freedesktop.NetworkManager"_s;
-const QString kLate = u"org.freedesktop.DBus.Error.NoReply"_s;
-const QString kNetworkManagerPath = u"/org/freedesktop/NetworkManager"_s;
+const QString kPath = u"/org/freedesktop/NetworkManager"_s;
 
-Answer permission(const QString& action, const QString& word)
+/// What NetworkManager says of one action.
+Answer scanning(const QString& word, const QString& action = kScanAction)
 {
     return reply({QVariant::fromValue(TextMap {{action, word}})});
-}
-
-Answer scanning(const QString& word)
-{
-    return permission(kScanAction, word);
 }
 
 /// polkit's (bba{ss}), of which `Details` is the last.
@@ -82,7 +75,7 @@ private Q_SLOTS:
         row("auth", Status::NotDetermined, scanning(u"auth"_s));
         row("no", Status::Denied, scanning(u"no"_s));
         row("odd word", Status::Restricted, scanning(u"YES"_s));
-        row("not listed", Status::Restricted, permission(u"other"_s, u"yes"_s));
+        row("not listed", Status::Restricted, scanning(u"yes"_s, u"other"_s));
         row("no map", Status::Restricted, reply({u"yes"_s}));
         row("refused", Status::Restricted, error(u"org.freedesktop.DBus.Error.AccessDenied"_s));
     }
@@ -94,7 +87,8 @@ private Q_SLOTS:
         startNetworkManager(scanning(status == Status::Denied ? u"yes"_s : u"no"_s));
         start();
         QTRY_VERIFY(m_permission->authorizationStatus() != Status::NotDetermined);
-        m_networkManager->answer = error(kLate); // changes nothing
+        // Changes nothing.
+        m_networkManager->answer = error(u"org.freedesktop.DBus.Error.NoReply"_s);
         checkPermissions();
         QTRY_COMPARE(m_networkManager->calls.size(), 2);
         QSignalSpy changes(m_permission.get(), &ScanPermission::didChangeAuthorization);
@@ -223,7 +217,7 @@ private:
     void startNetworkManager(const Answer& answer)
     {
         m_networkManager = std::make_unique<FakeBusService>(
-            m_world.bus.address(), kNetworkManager, kNetworkManagerPath, answer);
+            m_world.bus.address(), kNetworkManager, kPath, answer);
     }
 
     void startPolkit(const Answer& answer)
@@ -234,8 +228,8 @@ private:
 
     void checkPermissions()
     {
-        m_networkManager->send(QDBusMessage::createSignal(
-            kNetworkManagerPath, kNetworkManager, u"CheckPermissions"_s));
+        m_networkManager->send(
+            QDBusMessage::createSignal(kPath, kNetworkManager, u"CheckPermissions"_s));
     }
 
     BusFixture m_world {QDBusConnection::SystemBus};

@@ -112,28 +112,23 @@ private Q_SLOTS:
         QCOMPARE(networks[1].channel->number, 6);
     }
 
-    void events_data()
-    {
-        QTest::addColumn<QByteArray>("datagram");
-        QTest::addColumn<Events>("expected");
-        const QByteArray done = scanEventMessage(NL80211_CMD_NEW_SCAN_RESULTS);
-        const int start = NL80211_CMD_TRIGGER_SCAN;
-        QTest::newRow("one") << done << Events {ScanEvent::ResultsReady};
-        QTest::newRow("several") << scanEventMessage(start)
-                + scanEventMessage(NL80211_CMD_SCAN_ABORTED)
-                                 << Events {ScanEvent::Started, ScanEvent::Aborted};
-        QTest::newRow("another interface") << scanEventMessage(start, kWiFiFamily, 4) << Events {};
-        QTest::newRow("another family") << scanEventMessage(start, kWiFiFamily + 1) << Events {};
-        QTest::newRow("claims too much")
-            << scanEventMessage(start, kWiFiFamily, 3, 400) << Events {};
-        QTest::newRow("claims nothing")
-            << scanEventMessage(start, kWiFiFamily, 3, 0) + done << Events {};
-    }
-
     void events()
     {
-        QFETCH(QByteArray, datagram);
-        QTEST(scanEvents(bytesOf(datagram), kWiFiFamily, 3), "expected");
+        const auto found = [](const QByteArray& datagram) {
+            return scanEvents(bytesOf(datagram), kWiFiFamily, 3);
+        };
+        const int start = NL80211_CMD_TRIGGER_SCAN;
+        const QByteArray done = scanEventMessage(NL80211_CMD_NEW_SCAN_RESULTS);
+        const QByteArray aborted = scanEventMessage(NL80211_CMD_SCAN_ABORTED);
+        QCOMPARE(found(done), Events {ScanEvent::ResultsReady});
+        QCOMPARE(found(scanEventMessage(start) + aborted),
+            (Events {ScanEvent::Started, ScanEvent::Aborted}));
+        const int otherFamily = kWiFiFamily + 1;
+        for (const auto& other : {scanEventMessage(start, kWiFiFamily, 4),
+                 scanEventMessage(start, otherFamily), // then two with a wrong length
+                 scanEventMessage(start, kWiFiFamily, 3, 400),
+                 scanEventMessage(start, kWiFiFamily, 3, 0) + done})
+            QCOMPARE(found(other), Events {});
     }
 };
 
