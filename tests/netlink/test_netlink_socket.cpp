@@ -23,30 +23,29 @@ namespace {
 
 constexpr quint16 kRecordType = 0x20;
 
-/// One message on the wire; without `missing` bytes at its end.
 struct Message {
     quint16 type = kRecordType;
     QByteArray payload;
     int flags = NLM_F_MULTI;
+    int missing = 0; ///< bytes at its end
     int requestsAgo = 0;
-    int missing = 0;
 };
 using Datagram = std::vector<Message>;
 using Datagrams = std::deque<Datagram>;
 
 Message record(quint32 number, int flags = NLM_F_MULTI, int missing = 0)
 {
-    return {.payload = raw(number), .flags = flags, .missing = missing};
+    return {kRecordType, raw(number), flags, missing};
 }
 
 Message done(int error = 0)
 {
-    return {.type = NLMSG_DONE, .payload = raw(-error)};
+    return {NLMSG_DONE, raw(-error)};
 }
 
 Message errorReply(int error, int missing = 0)
 {
-    return {NLMSG_ERROR, raw(-error) + QByteArray(NLMSG_HDRLEN, '\0'), 0, 0, missing};
+    return {NLMSG_ERROR, raw(-error) + QByteArray(NLMSG_HDRLEN, '\0'), 0, missing};
 }
 
 constexpr int kInterrupted = NLM_F_MULTI | NLM_F_DUMP_INTR;
@@ -91,9 +90,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<Datagrams>("datagrams");
         QTest::addColumn<FailureKind>("kind");
-        QTest::addColumn<int>("requests");
         const auto row = [](const char* name, FailureKind kind, const Datagrams& datagrams) {
-            QTest::newRow(name) << datagrams << kind << 1;
+            QTest::newRow(name) << datagrams << kind;
         };
         row("ESRCH", FailureKind::NotFound, {{errorReply(ESRCH)}});
         row("EOPNOTSUPP", FailureKind::NotAvailable, {{errorReply(EOPNOTSUPP)}});
@@ -102,10 +100,9 @@ private Q_SLOTS:
         row("failed halfway", FailureKind::NotAllowed, {{record(1)}, {done(EPERM)}});
         row("no end", FailureKind::TimedOut, {{record(1)}});
         row("cut record", FailureKind::TimedOut, {{record(1, NLM_F_MULTI, 4)}});
-        row("cut header", FailureKind::TimedOut, {{record(1, NLM_F_MULTI, 10)}});
         row("cut error", FailureKind::TimedOut, {{errorReply(EPERM, 20)}});
-        QTest::newRow("always interrupted")
-            << Datagrams(10, {record(1, kInterrupted), done()}) << FailureKind::Interrupted << 3;
+        row("always interrupted", FailureKind::Interrupted,
+            Datagrams(10, {record(1, kInterrupted), done()}));
     }
 
     void failures()
@@ -114,7 +111,7 @@ private Q_SLOTS:
         const auto answer = request(datagrams);
         QVERIFY(!answer);
         QTEST(answer.failure().kind, "kind");
-        QTEST(int(g_requests.size()), "requests");
+        QCOMPARE(g_requests.size(), answer.failure().kind == FailureKind::Interrupted ? 3U : 1U);
     }
 
     void interruptedDumpIsRequestedAgain()
@@ -130,25 +127,18 @@ private Q_SLOTS:
     /// The rest of an abandoned dump arrives during the next request.
     void lateAnswerIsIgnored()
     {
-        Message late = record(2);
-        Message lateEnd = done();
-        late.requestsAgo = lateEnd.requestsAgo = 1;
-        QVERIFY(request({{late}, {lateEnd}, {record(3)}, {done()}}));
+        Datagram late {record(2), done()};
+        late[0].requestsAgo = late[1].requestsAgo = 1;
+        QVERIFY(request({late, {record(3)}, {done()}}));
         QCOMPARE(m_records, (std::vector<quint32> {3}));
-    }
-
-    void endless_data()
-    {
-        QTest::addColumn<Datagram>("datagram");
-        QTest::newRow("messages") << Datagram(1000, record(1));
-        QTest::newRow("no message") << Datagram {record(1, NLM_F_MULTI, 10)};
     }
 
     void endless()
     {
-        QFETCH(Datagram, datagram);
-        QVERIFY(!request({datagram}, true));
-        QVERIFY(m_records.size() <= 200'000); // a scan table holds 1,000
+        for (const auto& datagram : {Datagram(1000, record(1)), {record(1, NLM_F_MULTI, 10)}}) {
+            QVERIFY(!request({datagram}, true));
+            QVERIFY(m_records.size() <= 200'000); // a scan table holds 1,000
+        }
     }
 
     /// The kernel itself, which got no request and so does not answer.

@@ -51,7 +51,7 @@ inline Script manager(const Answer& scan = reply(), bool isManaged = true)
         {u"RequestScan"_s, scan}};
 }
 
-inline Script iwd(const Answer& scan = reply(), const QString& device = u"wlan0"_s,
+inline Script iwd(const Answer& scan = reply(), const QVariant& device = u"wlan0"_s,
     const QString& mode = u"Station"_s)
 {
     const ManagedObjects objects {{QDBusObjectPath(u"/net/connman/iwd"_s), {}},

@@ -21,6 +21,7 @@ using namespace std::chrono_literals;
 using namespace netvane::test;
 using Networks = Result<std::vector<NearbyNetwork>>;
 using Scripts = std::map<QString, Script>;
+using Step = std::function<void()>;
 
 namespace {
 
@@ -68,8 +69,7 @@ private Q_SLOTS:
         const auto row = [](const char* name, const QString& scanner, const Scripts& scripts) {
             QTest::newRow(name) << scripts << scanner;
         };
-        row("all three", kManager,
-            {{kManager, manager()}, {kIwd, iwd()}, {kSupplicant, supplicant()}});
+        row("all three", kManager, everyService());
         row("NetworkManager leaves it alone", kIwd,
             {{kManager, manager(reply(), false)}, {kIwd, iwd()}, {kSupplicant, supplicant()}});
         row("NetworkManager does not know it", kSupplicant,
@@ -77,6 +77,8 @@ private Q_SLOTS:
         row("iwd", kIwd, {{kIwd, iwd()}, {kSupplicant, supplicant()}});
         row("iwd without it", kSupplicant, {{kIwd, stranger}, {kSupplicant, supplicant()}});
         row("iwd as access point", kSupplicant, {{kIwd, accessPoint}, {kSupplicant, supplicant()}});
+        row("iwd's names are numbers", kSupplicant,
+            {{kIwd, iwd(reply(), 5)}, {kSupplicant, supplicant()}});
         row("wpa_supplicant without it", kKernel, {{kSupplicant, notGiven}});
         row("nobody", kKernel, {});
     }
@@ -91,14 +93,17 @@ private Q_SLOTS:
         else
             QTRY_COMPARE(scansAskedOf(scanner), 1);
         settle();
-        qsizetype asked = m_kernel->triggers;
-        for (const auto& [name, service] : m_services)
-            asked += scansAskedOf(name);
-        QCOMPARE(asked, 1);
+        QCOMPARE(scansAsked(), 1);
         QVERIFY(m_results.empty());
     }
 
-    void endsByTheServicesSignal_data() { services(); }
+    void endsByTheServicesSignal_data()
+    {
+        QTest::addColumn<QString>("service");
+        for (const auto& [name, traits] : kTraits)
+            QTest::newRow(qPrintable(traits.title)) << name;
+    }
+
     void endsByTheServicesSignal()
     {
         QFETCH(QString, service);
@@ -124,7 +129,7 @@ private Q_SLOTS:
     /// It is that of a scan which somebody else wanted.
     void anEndBeforeTheRequestWasAccepted()
     {
-        start({{kManager, manager({})}});
+        start({{kManager, manager(kSilence)}});
         QTRY_COMPARE(scansAskedOf(kManager), 1);
         auto& service = *m_services.at(kManager);
         service.send(endSignal(kManager));
@@ -161,110 +166,95 @@ private Q_SLOTS:
     void failures_data()
     {
         QTest::addColumn<Scripts>("scripts");
-        QTest::addColumn<FailureKind>("kind");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("NetworkManager's permission")
-            << Scripts {{kManager, manager(error(kManager + u".PermissionDenied"_s))}}
-            << FailureKind::NotAllowed << u"NetworkManager does not allow this user to scan"_s;
-        QTest::newRow("the bus's policy")
-            << Scripts {{kIwd, {{u"GetManagedObjects"_s, error(kBusError + u".AccessDenied"_s)}}},
-                   {kSupplicant, supplicant()}}
-            << FailureKind::NotAllowed << u"iwd does not allow this user to scan"_s;
-        QTest::newRow("a reason of many lines")
-            << Scripts {{kIwd, iwd(error(kIwd + u".Busy"_s, u"a\nb"_s + QString(999, u'c')))}}
-            << FailureKind::Other << u"iwd refused to scan: a\\x0ab"_s + QString(117, u'c');
-        QTest::newRow("an odd path")
-            << Scripts {{kManager, {{u"GetDeviceByIpIface"_s, reply({u"/x"_s})}}}}
-            << FailureKind::Other << u"NetworkManager gave an answer that makes no sense"_s;
+        QTest::addColumn<Failure>("failure");
+        QTest::addColumn<Step>("before");
+        QTest::addColumn<Step>("during"); // once the scan was asked for
+        const auto row = [](const QString& name, const Scripts& scripts, FailureKind kind,
+                             const QString& text, const Step& before, const Step& during = {}) {
+            QTest::newRow(qPrintable(name)) << scripts << Failure {kind, text} << before << during;
+        };
+        row(u"NetworkManager's permission"_s,
+            {{kManager, manager(error(kManager + u".PermissionDenied"_s))}},
+            FailureKind::NotAllowed, u"NetworkManager does not allow this user to scan"_s, {});
+        row(u"the bus's policy"_s,
+            {{kIwd, {{u"GetManagedObjects"_s, error(kBusError + u".AccessDenied"_s)}}},
+                {kSupplicant, supplicant()}},
+            FailureKind::NotAllowed, u"iwd does not allow this user to scan"_s, {});
+        row(u"a reason of many lines"_s,
+            {{kIwd, iwd(error(kIwd + u".Busy"_s, u"a\nb"_s + QString(999, u'c')))}},
+            FailureKind::Other, u"iwd refused to scan: a\\x0ab"_s + QString(117, u'c'), {});
+        row(u"an odd path"_s, {{kManager, {{u"GetDeviceByIpIface"_s, reply({u"/x"_s})}}}},
+            FailureKind::Other, u"NetworkManager gave an answer that makes no sense"_s, {});
+        row(u"objects of odd types"_s,
+            {{kIwd, {{u"GetManagedObjects"_s, reply({QVariantMap {{u"/"_s, 1}}})}}}},
+            FailureKind::Other, u"iwd gave an answer that makes no sense"_s, {});
+
+        const Failure off {FailureKind::NotAvailable, u"Wi-Fi is turned off"_s};
+        row(u"turned off"_s, {}, off.kind, off.text, [=, this] { m_kernel->absence = off; });
+        row(u"not permitted"_s, {}, FailureKind::NotAllowed,
+            u"Scanning takes NetworkManager, iwd or wpa_supplicant, or more rights"_s, [this] {
+                m_kernel->refusal = {FailureKind::NotAllowed, u"EPERM"_s};
+            });
+        row(u"busy"_s, {}, FailureKind::Other, u"The kernel refused to scan: Object busy"_s,
+            [this] {
+                m_kernel->refusal = {FailureKind::Other, u"Object busy"_s};
+            });
+        row(
+            u"no results"_s, {}, FailureKind::Other,
+            u"The results of the scan cannot be read: gone"_s,
+            [this] {
+                m_kernel->unreadable = {FailureKind::NotFound, u"gone"_s};
+            },
+            [this] { endByKernel(); });
+
+        row(u"wpa_supplicant's scan fails"_s, {{kSupplicant, supplicant()}}, FailureKind::Other,
+            u"The scan of wpa_supplicant failed"_s, {},
+            [this] { m_services.at(kSupplicant)->send(endSignal(kSupplicant, false)); });
+        row(u"aborted"_s, {{kManager, manager()}}, FailureKind::Interrupted,
+            u"The scan was aborted"_s, {}, [this] {
+                tell(NL80211_CMD_TRIGGER_SCAN);
+                tell(NL80211_CMD_SCAN_ABORTED);
+            });
+        row(u"no answer to the request"_s, {{kManager, manager(kSilence)}}, FailureKind::TimedOut,
+            u"The scan took more than 30 seconds"_s, {}, [this] {
+                m_clock->advance(29'999ms);
+                settle();
+                QVERIFY(m_results.empty());
+                m_clock->advance(1ms);
+            });
+        const Step busGoes = [this] { m_bus.stop(); };
+        for (const auto& [service, script] : everyService()) {
+            const QString title = kTraits.at(service).title;
+            row(title + u" goes"_s, {{service, script}}, FailureKind::NotAvailable,
+                title + u" went away during the scan"_s, {}, [this] { m_services.clear(); });
+            row(u"the bus goes during the scan of "_s + title, {{service, script}},
+                FailureKind::NotAvailable, u"The system bus went away during the scan"_s, {},
+                busGoes);
+        }
+        row(u"the bus goes with a question open"_s, {{kManager, manager(kSilence)}},
+            FailureKind::NotAvailable, u"The system bus went away during the scan"_s, {}, busGoes);
     }
 
     void failures()
     {
         QFETCH(Scripts, scripts);
+        QFETCH(Step, before);
+        QFETCH(Step, during);
+        if (before)
+            before();
         start(scripts);
-        QTRY_COMPARE(m_results.size(), 1U);
-        QTEST(m_results[0].failure().kind, "kind");
-        QTEST(m_results[0].failure().text, "text");
-        QCOMPARE(m_kernel->reads + m_kernel->triggers, 0);
-        QCOMPARE(m_clock->timerCount(), 0);
-    }
-
-    void kernelFailures_data()
-    {
-        QTest::addColumn<int>("where");
-        QTest::addColumn<Failure>("told");
-        QTest::addColumn<Failure>("delivered");
-        const Failure denied {FailureKind::NotAllowed, u"Operation not permitted"_s};
-        const Failure busy {FailureKind::Other, u"Object busy"_s};
-        const Failure gone {FailureKind::NotFound, u"No such device"_s};
-        const Failure off {FailureKind::NotAvailable, u"Wi-Fi is turned off"_s};
-        QTest::newRow("no interface") << 0 << gone << gone;
-        QTest::newRow("turned off") << 0 << off << off;
-        QTest::newRow("not permitted")
-            << 1 << denied
-            << Failure {FailureKind::NotAllowed,
-                   u"Scanning takes NetworkManager, iwd or wpa_supplicant, or more rights"_s};
-        QTest::newRow("busy") << 1 << busy
-                              << Failure {FailureKind::Other,
-                                     u"The kernel refused to scan: Object busy"_s};
-        QTest::newRow("gone before the results were read")
-            << 2 << gone
-            << Failure {
-                   FailureKind::Other, u"The results of the scan cannot be read: No such device"_s};
-    }
-
-    void kernelFailures()
-    {
-        QFETCH(int, where);
-        QFETCH(Failure, told);
-        (where == 0          ? m_kernel->absence
-                : where == 1 ? m_kernel->refusal
-                             : m_kernel->unreadable)
-            = told;
-        start({});
-        if (where == 2) {
-            QTRY_COMPARE(m_kernel->triggers, 1);
-            endByKernel();
+        if (during) {
+            QTRY_COMPARE(scansAsked(), 1);
+            settle();
+            during();
         }
         QTRY_COMPARE(m_results.size(), 1U);
-        QTEST(m_results[0].failure(), "delivered");
-        QCOMPARE(m_clock->timerCount(), 0);
-    }
-
-    void theScanFails()
-    {
-        startThrough(kSupplicant);
-        m_services.at(kSupplicant)->send(endSignal(kSupplicant, false));
-        QTRY_COMPARE(failureText(), u"The scan of wpa_supplicant failed"_s);
-        cleanup();
-        init();
-        startThrough(kManager);
-        tell(NL80211_CMD_TRIGGER_SCAN);
-        tell(NL80211_CMD_SCAN_ABORTED);
-        QTRY_COMPARE(failureText(), u"The scan was aborted"_s);
-    }
-
-    /// The service does not answer the request, which waits as long as one that never ends.
-    void silence()
-    {
-        start({{kManager, manager({})}});
-        QTRY_COMPARE(m_services.at(kManager)->calls.size(), 3);
+        QTEST(m_results[0].failure(), "failure");
+        QVERIFY(scripts.empty() || m_kernel->reads + m_kernel->triggers == 0);
+        m_clock->advance(NetworkScan::kTimeLimit);
         settle();
-        m_clock->advance(29'999ms);
-        settle();
-        QVERIFY(m_results.empty());
-        m_clock->advance(1ms);
-        QTRY_COMPARE(failureText(), u"The scan took more than 30 seconds"_s);
-        QCOMPARE(m_clock->timerCount(), 0);
-    }
-
-    void theServiceGoes_data() { services(); }
-    void theServiceGoes()
-    {
-        QFETCH(QString, service);
-        startThrough(service);
-        m_services.clear();
-        QTRY_COMPARE(failureText(), kTraits.at(service).title + u" went away during the scan"_s);
+        QCOMPARE(m_results.size(), 1U);
+        QVERIFY(m_owner->children().isEmpty());
     }
 
     void theOwnerGoes()
@@ -278,20 +268,17 @@ private Q_SLOTS:
     }
 
 private:
-    static void services()
+    static Scripts everyService()
     {
-        QTest::addColumn<QString>("service");
-        for (const auto& [name, traits] : kTraits)
-            QTest::newRow(qPrintable(traits.title)) << name;
+        return {{kManager, manager()}, {kIwd, iwd()}, {kSupplicant, supplicant()}};
     }
 
     void start(const Scripts& scripts)
     {
         for (const auto& [name, script] : scripts) {
-            const Answer answer
-                = [script = script](const QDBusMessage& call) -> std::optional<QDBusMessage> {
+            const Answer answer = [script = script](const QDBusMessage& call) {
                 const auto found = script.find(call.member());
-                return found != script.end() && found->second ? found->second(call) : std::nullopt;
+                return found != script.end() ? found->second(call) : std::nullopt;
             };
             m_services[name] = std::make_unique<FakeBusService>(
                 m_bus.address(), name, kTraits.at(name).root, answer);
@@ -305,8 +292,7 @@ private:
     /// Until the service has accepted.
     void startThrough(const QString& service)
     {
-        const Scripts all = {{kManager, manager()}, {kIwd, iwd()}, {kSupplicant, supplicant()}};
-        start({{service, all.at(service)}});
+        start({{service, everyService().at(service)}});
         QTRY_COMPARE(scansAskedOf(service), 1);
         settle();
     }
@@ -315,6 +301,14 @@ private:
     {
         const auto& calls = m_services.at(service)->calls;
         return std::ranges::count(calls, kTraits.at(service).scanMethod, &QDBusMessage::member);
+    }
+
+    qsizetype scansAsked() const
+    {
+        qsizetype asked = m_kernel->triggers;
+        for (const auto& [name, service] : m_services)
+            asked += scansAskedOf(name);
+        return asked;
     }
 
     void tell(int command)
@@ -343,11 +337,6 @@ private:
     bool hasNetworks() const
     {
         return m_results.size() == 1 && m_results[0] && m_results[0].value().size() == 1;
-    }
-
-    QString failureText() const
-    {
-        return m_results.size() == 1 && !m_results[0] ? m_results[0].failure().text : QString();
     }
 
     PrivateBus m_bus;

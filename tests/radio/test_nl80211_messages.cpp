@@ -19,11 +19,6 @@ QByteArray station(const QByteArray& info)
     return attribute(NL80211_ATTR_STA_INFO, info);
 }
 
-QByteArray rate(const QByteArray& values)
-{
-    return station(attribute(NL80211_STA_INFO_TX_BITRATE, values));
-}
-
 QByteArray flags(quint32 mask, quint32 set)
 {
     return attribute(NL80211_STA_INFO_STA_FLAGS, raw(mask) + raw(set));
@@ -39,34 +34,27 @@ class TestNl80211Messages : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void interfaceWhole()
+    void interfaces()
     {
-        const auto record = parseInterface(bytesOf(attribute(NL80211_ATTR_IFINDEX, raw(quint32(3)))
+        const auto whole = parseInterface(bytesOf(attribute(NL80211_ATTR_IFINDEX, raw(quint32(3)))
             + attribute(NL80211_ATTR_IFNAME, "wlan0\0junk"_ba)
             + attribute(NL80211_ATTR_IFTYPE, raw(quint32(2))) + attribute(9999, "unknown"_ba)
             + attribute(NL80211_ATTR_SSID, QByteArray("a\0b", 3))
             + attribute(NL80211_ATTR_WIPHY_FREQ, raw(quint32(2437)))));
         const InterfaceRecord expected {
             3, "wlan0"_ba, NL80211_IFTYPE_STATION, QByteArray("a\0b", 3), 2437};
-        QCOMPARE(record, expected);
-    }
+        QCOMPARE(whole, expected);
 
-    void interfaceWithOddSizesLosesOnlyThose()
-    {
-        const auto record = parseInterface(bytesOf(attribute(NL80211_ATTR_IFINDEX, raw(quint16(3)))
-            + attribute(NL80211_ATTR_IFTYPE, raw(quint64(2)))
-            + attribute(NL80211_ATTR_IFNAME, "w"_ba) + attribute(NL80211_ATTR_WIPHY_FREQ, {})));
-        QCOMPARE(record, (InterfaceRecord {.name = "w"_ba}));
-    }
+        const auto oddSizes
+            = parseInterface(bytesOf(attribute(NL80211_ATTR_IFINDEX, raw(quint16(3)))
+                + attribute(NL80211_ATTR_IFTYPE, raw(quint64(2)))
+                + attribute(NL80211_ATTR_IFNAME, "w"_ba) + attribute(NL80211_ATTR_WIPHY_FREQ, {})));
+        QCOMPARE(oddSizes, (InterfaceRecord {.name = "w"_ba}));
 
-    void interfaceOfSeveralLinksHasTheFirstChannelTold()
-    {
-        const QByteArray quiet = attribute(1, attribute(NL80211_ATTR_MLO_LINK_ID, raw(quint8(0))));
-        const QByteArray link
-            = attribute(2, attribute(NL80211_ATTR_WIPHY_FREQ, raw(quint32(5955))));
-        const auto record
-            = parseInterface(bytesOf(attribute(NL80211_ATTR_MLO_LINKS, quiet + link)));
-        QCOMPARE(record.frequencyMhz, 5955);
+        const auto severalLinks = parseInterface(bytesOf(attribute(NL80211_ATTR_MLO_LINKS,
+            attribute(1, attribute(NL80211_ATTR_MLO_LINK_ID, raw(quint8(0))))
+                + attribute(2, attribute(NL80211_ATTR_WIPHY_FREQ, raw(quint32(5955)))))));
+        QCOMPARE(severalLinks.frequencyMhz, 5955);
     }
 
     void stations_data()
@@ -74,22 +62,19 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("message");
         QTest::addColumn<int>("signal"); // 0: absent
         QTest::addColumn<double>("mbps"); // -1: absent
-
-        QTest::newRow("nothing") << QByteArray() << 0 << -1.0;
-        QTest::newRow("signal first") << station(kBeacon65 + kAverage63 + kSignal61) << -61 << -1.0;
-        QTest::newRow("average second") << station(kBeacon65 + kAverage63) << -63 << -1.0;
-        QTest::newRow("beacons last") << station(kBeacon65) << -65 << -1.0;
-        QTest::newRow("odd signal passed over")
-            << station(attribute(NL80211_STA_INFO_SIGNAL, raw(qint32(-61))) + kAverage63) << -63
-            << -1.0;
-        QTest::newRow("narrow rate")
-            << rate(attribute(NL80211_RATE_INFO_BITRATE, raw(quint16(8667)))) << 0 << 866.7;
-        QTest::newRow("wide rate wins")
-            << rate(attribute(NL80211_RATE_INFO_BITRATE, raw(quint16(65535)))
-                   + attribute(NL80211_RATE_INFO_BITRATE32, raw(quint32(115296))))
-            << 0 << 11529.6;
-        QTest::newRow("nested attribute that claims too much")
-            << station(attribute(NL80211_STA_INFO_SIGNAL, raw(qint8(-61)), 200)) << 0 << -1.0;
+        const auto row = [](const char* name, const QByteArray& info, int dbm, double mbps = -1) {
+            QTest::newRow(name) << station(info) << dbm << mbps;
+        };
+        row("nothing", {}, 0);
+        row("signal first", kBeacon65 + kAverage63 + kSignal61, -61);
+        row("average second", kBeacon65 + kAverage63, -63);
+        row("beacons last", kBeacon65, -65);
+        row("odd signal", attribute(NL80211_STA_INFO_SIGNAL, raw(qint32(-61))) + kAverage63, -63);
+        row("claims too much", attribute(NL80211_STA_INFO_SIGNAL, raw(qint8(-61)), 200), 0);
+        const QByteArray narrow = attribute(NL80211_RATE_INFO_BITRATE, raw(quint16(8667)));
+        row("narrow rate", attribute(NL80211_STA_INFO_TX_BITRATE, narrow), 0, 866.7);
+        const QByteArray wide = attribute(NL80211_RATE_INFO_BITRATE32, raw(quint32(115296)));
+        row("wide rate", attribute(NL80211_STA_INFO_TX_BITRATE, narrow + wide), 0, 11529.6);
     }
 
     void stations()
@@ -108,21 +93,13 @@ private Q_SLOTS:
                     + attribute(NL80211_SURVEY_INFO_NOISE, raw(qint8(dbm)))
                     + (inUse ? attribute(NL80211_SURVEY_INFO_IN_USE, {}) : QByteArray()))));
         };
-        const InterfaceRecord interface {
-            .frequencyMhz = 2437
-        };
+        InterfaceRecord interface;
+        interface.frequencyMhz = 2437;
         std::vector survey = {entry(2412, -80, false), entry(2437, -92, false)};
         QCOMPARE(linkReading(interface, {StationRecord {}}, survey, {}).noiseDbm, -92);
         QVERIFY(!linkReading({}, {}, survey, {}).noiseDbm);
         survey.push_back(entry(5180, -95, true));
         QCOMPARE(linkReading(interface, {StationRecord {}}, survey, {}).noiseDbm, -95);
-    }
-
-    void channelWithoutALinkIsNone()
-    {
-        const auto reading = linkReading({.name = "wlan0"_ba, .frequencyMhz = 5180},
-            {StationRecord {.associated = false}}, {}, {});
-        QCOMPARE(reading, LinkReading {.interfaceName = u"wlan0"_s});
     }
 
     void accessPointIsToldFromOtherPeers()
@@ -138,7 +115,10 @@ private Q_SLOTS:
         const auto blank = peer({});
         const auto mine = peer(flags(kAssociated, kAssociated) + kSignal61);
         QCOMPARE(linkReading({}, {tdls, leaving, blank, mine}, {}, {}).signalDbm, -61);
-        QVERIFY(!linkReading({}, {tdls, leaving}, {}, {}).signalDbm);
+        // Without a link there is no channel either.
+        const auto none
+            = linkReading({.name = "wlan0"_ba, .frequencyMhz = 5180}, {tdls, leaving}, {}, {});
+        QCOMPARE(none, LinkReading {.interfaceName = u"wlan0"_s});
     }
 
     void networkFillsWhatTheInterfaceLacks()
@@ -161,34 +141,21 @@ private Q_SLOTS:
         QVERIFY(!needsScanTable({}, {}));
     }
 
-    void channels_data()
-    {
-        QTest::addColumn<quint32>("mhz");
-        QTest::addColumn<int>("number"); // 0: absent
-        QTest::addColumn<ChannelBand>("band");
-        const auto row = [](quint32 mhz, int number, ChannelBand band) {
-            QTest::addRow("%u", mhz) << mhz << number << band;
-        };
-        for (const auto& [mhz, number] : {std::pair(2412U, 1), {2437U, 6}, {2472U, 13}, {2484U, 14},
-                 {2407U, 0}, {2478U, 0}, {2489U, 0}})
-            row(mhz, number, ChannelBand::TwoGHz);
-        for (const auto& [mhz, number] : {std::pair(4920U, 184), {4980U, 196}, {5180U, 36},
-                 {5885U, 177}, {4905U, 0}, {5000U, 0}})
-            row(mhz, number, ChannelBand::FiveGHz);
-        for (const auto& [mhz, number] : {std::pair(5935U, 2), {5955U, 1}, {5975U, 5}, {7115U, 233},
-                 {5950U, 0}, {5930U, 0}, {7125U, 0}})
-            row(mhz, number, ChannelBand::SixGHz);
-        for (const quint32 mhz : {0U, 920U, 60480U, 4294967295U})
-            row(mhz, 0, ChannelBand::Unknown);
-    }
-
     void channels()
     {
-        QFETCH(quint32, mhz);
-        QFETCH(ChannelBand, band);
-        const auto channel = channelOf(mhz);
-        QTEST(channel ? channel->number : 0, "number");
-        QVERIFY(!channel || channel->band == band);
+        const std::map<ChannelBand, std::map<quint32, int>> expected {// number 0: no channel
+            {ChannelBand::TwoGHz,
+                {{2407, 0}, {2412, 1}, {2472, 13}, {2478, 0}, {2484, 14}, {2489, 0}}},
+            {ChannelBand::FiveGHz,
+                {{4905, 0}, {4920, 184}, {4980, 196}, {5000, 0}, {5180, 36}, {5885, 177}}},
+            {ChannelBand::SixGHz,
+                {{5930, 0}, {5935, 2}, {5950, 0}, {5955, 1}, {7115, 233}, {7125, 0}}},
+            {ChannelBand::Unknown, {{0, 0}, {920, 0}, {60480, 0}, {4294967295U, 0}}}};
+        for (const auto& [band, numbers] : expected) {
+            for (const auto& [mhz, number] : numbers)
+                QCOMPARE(channelOf(mhz),
+                    number == 0 ? std::nullopt : std::optional(WiFiChannel {number, band}));
+        }
     }
 };
 

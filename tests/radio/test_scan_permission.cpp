@@ -8,39 +8,25 @@
 #include <QTest>
 
 using namespace netvane;
-using namespace base;
 using namespace bus;
-using namespace platform;
 using namespace radio;
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
-using Status = AuthorizationStatus;
+using namespace test;
+using Status = platform::AuthorizationStatus;
 using TextMap = QMap<QString, QString>;
-using test::Answer;
-using test::error;
-using test::FakeBusService;
-using test::kSilence;
-using test::reply;
 
 namespace {
 
 const QString kScanAction = u"org.freedesktop.NetworkManager.wifi.scan"_s;
 const QString kNetworkManager = u"org.freedesktop.NetworkManager"_s;
-const QString kNetworkManagerPath = u"/org/freedesktop/NetworkManager"_s;
-const QString kPolkit = u"org.freedesktop.PolicyKit1"_s;
-const QString kPolkitPath = u"/org/freedesktop/PolicyKit1/Authority"_s;
+const QString kPath = u"/org/freedesktop/NetworkManager"_s;
 
-Answer permissions(const TextMap& words)
+/// What NetworkManager says of one action.
+Answer scanning(const QString& word, const QString& action = kScanAction)
 {
-    return
-        [words](const QDBusMessage& call) { return call.createReply(QVariant::fromValue(words)); };
-}
-
-Answer scanning(const QString& word)
-{
-    return permissions(
-        {{u"org.freedesktop.NetworkManager.wifi.share.open"_s, u"yes"_s}, {kScanAction, word}});
+    return reply({QVariant::fromValue(TextMap {{action, word}})});
 }
 
 /// polkit's (bba{ss}), of which `Details` is the last.
@@ -82,31 +68,32 @@ private Q_SLOTS:
     {
         QTest::addColumn<Answer>("answer");
         QTest::addColumn<Status>("status");
-        QTest::newRow("yes") << scanning(u"yes"_s) << Status::AuthorizedAlways;
-        QTest::newRow("auth") << scanning(u"auth"_s) << Status::NotDetermined;
-        QTest::newRow("no") << scanning(u"no"_s) << Status::Denied;
-        QTest::newRow("odd word") << scanning(u"YES"_s) << Status::Restricted;
-        QTest::newRow("not listed") << permissions({{u"other"_s, u"yes"_s}}) << Status::Restricted;
-        QTest::newRow("no map") << reply({u"yes"_s}) << Status::Restricted;
-        QTest::newRow("refused") << error(u"org.freedesktop.DBus.Error.AccessDenied"_s)
-                                 << Status::Restricted;
+        const auto row = [](const char* name, Status status, const Answer& answer) {
+            QTest::newRow(name) << answer << status;
+        };
+        row("yes", Status::AuthorizedAlways, scanning(u"yes"_s));
+        row("auth", Status::NotDetermined, scanning(u"auth"_s));
+        row("no", Status::Denied, scanning(u"no"_s));
+        row("odd word", Status::Restricted, scanning(u"YES"_s));
+        row("not listed", Status::Restricted, scanning(u"yes"_s, u"other"_s));
+        row("no map", Status::Restricted, reply({u"yes"_s}));
+        row("refused", Status::Restricted, error(u"org.freedesktop.DBus.Error.AccessDenied"_s));
     }
 
     void answers()
     {
         QFETCH(Answer, answer);
         QFETCH(Status, status);
-        const Status before = status == Status::Denied ? Status::AuthorizedAlways : Status::Denied;
-        startNetworkManager(scanning(before == Status::Denied ? u"no"_s : u"yes"_s));
+        startNetworkManager(scanning(status == Status::Denied ? u"yes"_s : u"no"_s));
         start();
-        QTRY_COMPARE(m_permission->authorizationStatus(), before);
-        m_networkManager->answer
-            = error(u"org.freedesktop.DBus.Error.NoReply"_s); // changes nothing
-        m_networkManager->send(checkPermissions());
+        QTRY_VERIFY(m_permission->authorizationStatus() != Status::NotDetermined);
+        // Changes nothing.
+        m_networkManager->answer = error(u"org.freedesktop.DBus.Error.NoReply"_s);
+        checkPermissions();
         QTRY_COMPARE(m_networkManager->calls.size(), 2);
         QSignalSpy changes(m_permission.get(), &ScanPermission::didChangeAuthorization);
         m_networkManager->answer = answer;
-        m_networkManager->send(checkPermissions());
+        checkPermissions();
         QTRY_COMPARE(m_permission->authorizationStatus(), status);
         QCOMPARE(changes.count(), 1);
     }
@@ -119,13 +106,13 @@ private Q_SLOTS:
         QCOMPARE(m_networkManager->calls.first().member(), u"GetPermissions"_s);
         QCOMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
         m_networkManager->answer = scanning(u"no"_s);
-        m_networkManager->send(checkPermissions());
+        checkPermissions();
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::Denied);
         const QSignalSpy changes(m_permission.get(), &ScanPermission::didChangeAuthorization);
         // The first answer comes after all, when it is not true any more.
         const auto late = scanning(u"yes"_s)(m_networkManager->calls.first());
         m_networkManager->send(*late);
-        m_networkManager->send(checkPermissions());
+        checkPermissions();
         QTRY_COMPARE(m_networkManager->calls.size(), 3);
         QCOMPARE(changes.count(), 0);
     }
@@ -159,28 +146,28 @@ private Q_SLOTS:
         }
     }
 
-    void asking_data()
-    {
-        QTest::addColumn<Answer>("answer");
-        QTest::addColumn<bool>("granted");
-        QTest::newRow("granted") << polkitSays(true) << true;
-        QTest::newRow("denied") << polkitSays(false) << false;
-        QTest::newRow("other structure") << polkitSays(true, u"yes"_s) << false;
-        QTest::newRow("nothing in it") << reply({}) << false;
-    }
-
     void asking()
     {
-        QFETCH(Answer, answer);
-        QFETCH(bool, granted);
-        startPolkit(answer);
+        startPolkit(kSilence);
         startAuthorizable();
+        // While a password is typed, a further request raises no further dialogue.
         m_permission->requestAlwaysAuthorization();
-        if (granted)
-            QTRY_COMPARE(m_permission->authorizationStatus(), Status::AuthorizedAlways);
-        else // what it is now is asked anew
-            QTRY_COMPARE(m_networkManager->calls.size(), 2);
+        m_permission->requestAlwaysAuthorization();
+        QTRY_COMPARE(m_polkit->calls.size(), 1);
+        m_polkit->send(*polkitSays(false)(m_polkit->calls.first()));
+        qsizetype questions = 2; // after a refusal the permission is read anew
+        QTRY_COMPARE(m_networkManager->calls.size(), questions);
         QCOMPARE(m_polkit->calls.size(), 1);
+        for (const Answer& oddAnswer : {polkitSays(true, u"yes"_s), reply()}) {
+            m_polkit->answer = oddAnswer;
+            m_permission->requestAlwaysAuthorization();
+            ++questions;
+            QTRY_COMPARE(m_networkManager->calls.size(), questions);
+            QCOMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
+        }
+        m_polkit->answer = polkitSays(true);
+        m_permission->requestAlwaysAuthorization();
+        QTRY_COMPARE(m_permission->authorizationStatus(), Status::AuthorizedAlways);
         const QDBusMessage call = m_polkit->calls.first();
         QCOMPARE(call.member(), u"CheckAuthorization"_s);
         QCOMPARE(call.signature(), u"(sa{sv})sa{ss}us"_s);
@@ -194,21 +181,6 @@ private Q_SLOTS:
         subject.endStructure();
         QCOMPARE(kind, u"system-bus-name"_s);
         QCOMPARE(details.value(u"name"_s), call.service());
-    }
-
-    /// While a password is typed, further requests raise no further dialogues.
-    void askingWhileTheUserIsAsked()
-    {
-        startPolkit(kSilence);
-        startAuthorizable();
-        m_permission->requestAlwaysAuthorization();
-        m_permission->requestAlwaysAuthorization();
-        QTRY_COMPARE(m_polkit->calls.size(), 1);
-        m_polkit->send(*polkitSays(false)(m_polkit->calls.first()));
-        QTRY_COMPARE(m_networkManager->calls.size(), 2);
-        QCOMPARE(m_polkit->calls.size(), 1);
-        m_permission->requestAlwaysAuthorization();
-        QTRY_COMPARE(m_polkit->calls.size(), 2);
     }
 
 private:
@@ -230,22 +202,22 @@ private:
     void startNetworkManager(const Answer& answer)
     {
         m_networkManager = std::make_unique<FakeBusService>(
-            m_world.bus.address(), kNetworkManager, kNetworkManagerPath, answer);
+            m_world.bus.address(), kNetworkManager, kPath, answer);
     }
 
     void startPolkit(const Answer& answer)
     {
-        m_polkit
-            = std::make_unique<FakeBusService>(m_world.bus.address(), kPolkit, kPolkitPath, answer);
+        m_polkit = std::make_unique<FakeBusService>(m_world.bus.address(),
+            u"org.freedesktop.PolicyKit1"_s, u"/org/freedesktop/PolicyKit1/Authority"_s, answer);
     }
 
-    static QDBusMessage checkPermissions()
+    void checkPermissions()
     {
-        return QDBusMessage::createSignal(
-            kNetworkManagerPath, kNetworkManager, u"CheckPermissions"_s);
+        m_networkManager->send(
+            QDBusMessage::createSignal(kPath, kNetworkManager, u"CheckPermissions"_s));
     }
 
-    test::BusFixture m_world {QDBusConnection::SystemBus};
+    BusFixture m_world {QDBusConnection::SystemBus};
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<ScanPermission> m_permission;
     std::unique_ptr<FakeBusService> m_networkManager;

@@ -34,14 +34,8 @@ BssRecord bss(const QByteArray& attributes)
     return parseBss(bytesOf(attribute(NL80211_ATTR_BSS, attributes)));
 }
 
-NearbyNetwork networkOf(const QByteArray& attributes)
-{
-    return nearbyNetworks({bss(attributes)}).at(0);
-}
-
 const QByteArray kBssid = attribute(NL80211_BSS_BSSID, bssid(7));
 const QByteArray kChannel6 = attribute(NL80211_BSS_FREQUENCY, raw(quint32(2437)));
-const QByteArray kSignal = attribute(NL80211_BSS_SIGNAL_MBM, raw(qint32(-6150)));
 
 QByteArray elements(const QByteArray& bytes)
 {
@@ -63,54 +57,45 @@ private Q_SLOTS:
             .signalDbm = -62};
         auto named = nameless;
         named.ssid = u"Home"_s;
-        const QByteArray rest = kBssid + kChannel6 + kSignal;
+        const QByteArray rest
+            = kBssid + kChannel6 + attribute(NL80211_BSS_SIGNAL_MBM, raw(qint32(-6150)));
         const QByteArray name = element(0, "Home"_ba);
-
-        QTest::newRow("whole") << rest + elements(element(1, "\x82"_ba) + name) << named;
-        QTest::newRow("hidden: empty") << rest + elements(element(0, {})) << nameless;
-        QTest::newRow("name longer than any")
-            << rest + elements(element(0, QByteArray(33, 'x'))) << nameless;
-        QTest::newRow("element that lies before the name")
-            << rest + elements(QByteArray("\x01\xff", 2) + name) << nameless;
-        QTest::newRow("name only in the beacon")
-            << rest + attribute(NL80211_BSS_BEACON_IES, name) << named;
-        QTest::newRow("everything in an odd size") << attribute(NL80211_BSS_BSSID, "12345"_ba)
+        const auto row
+            = [](const char* title, const QByteArray& attributes, const NearbyNetwork& network) {
+                  QTest::newRow(title) << attributes << network;
+              };
+        row("whole", rest + elements(element(1, "\x82"_ba) + name), named);
+        row("hidden: empty", rest + elements(element(0, {})), nameless);
+        row("name longer than any", rest + elements(element(0, QByteArray(33, 'x'))), nameless);
+        row("element that lies", rest + elements(QByteArray("\x01\xff", 2) + name), nameless);
+        row("name only in the beacon", rest + attribute(NL80211_BSS_BEACON_IES, name), named);
+        row("odd sizes",
+            attribute(NL80211_BSS_BSSID, "12345"_ba)
                 + attribute(NL80211_BSS_FREQUENCY, raw(quint16(2437)))
-                + attribute(NL80211_BSS_SIGNAL_MBM, raw(qint8(-61)))
-                + elements(name) << NearbyNetwork {.ssid = u"Home"_s};
-        QTest::newRow("nothing") << QByteArray() << NearbyNetwork {};
+                + attribute(NL80211_BSS_SIGNAL_MBM, raw(qint8(-61))) + elements(name),
+            NearbyNetwork {.ssid = u"Home"_s});
     }
 
     void networks()
     {
         QFETCH(QByteArray, attributes);
-        QTEST(networkOf(attributes), "network");
-    }
-
-    void anAccessPointCountsOnce_data()
-    {
-        const auto entry = [](quint32 mhz, int age, const QByteArray& name) {
-            return bss(kBssid + attribute(NL80211_BSS_FREQUENCY, raw(mhz))
-                + (age < 0 ? QByteArray() : attribute(NL80211_BSS_SEEN_MS_AGO, raw(quint32(age))))
-                + elements(element(0, name)));
-        };
-        QTest::addColumn<std::vector<BssRecord>>("table");
-        QTest::addColumn<int>("channel");
-        QTest::newRow("moved") << std::vector {entry(2412, 9000, "a"_ba), entry(2437, 10, "a"_ba)}
-                               << 6;
-        QTest::newRow("hidden, and named later")
-            << std::vector {entry(2437, 10, {}), entry(2412, 9000, "a"_ba)} << 6;
-        QTest::newRow("named, and hidden later")
-            << std::vector {entry(2412, 9000, "a"_ba), entry(2437, 10, {})} << 6;
+        QTEST(nearbyNetworks({bss(attributes)}).at(0), "network");
     }
 
     void anAccessPointCountsOnce()
     {
-        QFETCH(std::vector<BssRecord>, table);
-        const auto networks = nearbyNetworks(table);
-        QCOMPARE(networks.size(), 1U);
-        QCOMPARE(networks[0].ssid, u"a"_s);
-        QTEST(networks[0].channel->number, "channel");
+        const auto entry = [](quint32 mhz, quint32 age, const QByteArray& name) {
+            return bss(kBssid + attribute(NL80211_BSS_FREQUENCY, raw(mhz))
+                + attribute(NL80211_BSS_SEEN_MS_AGO, raw(age)) + elements(element(0, name)));
+        };
+        for (const auto& table : {std::vector {entry(2412, 9000, "a"_ba), entry(2437, 10, "a"_ba)},
+                 {entry(2437, 10, {}), entry(2412, 9000, "a"_ba)},
+                 {entry(2412, 9000, "a"_ba), entry(2437, 10, {})}}) {
+            const auto networks = nearbyNetworks(table);
+            QCOMPARE(networks.size(), 1U);
+            QCOMPARE(networks[0].ssid, u"a"_s);
+            QCOMPARE(networks[0].channel->number, 6);
+        }
     }
 
     void tablesOfPartialScans()
@@ -127,29 +112,23 @@ private Q_SLOTS:
         QCOMPARE(networks[1].channel->number, 6);
     }
 
-    void events_data()
-    {
-        QTest::addColumn<QByteArray>("datagram");
-        QTest::addColumn<Events>("expected");
-        const QByteArray done = scanEventMessage(NL80211_CMD_NEW_SCAN_RESULTS);
-        QTest::newRow("one") << done << Events {ScanEvent::ResultsReady};
-        QTest::newRow("several") << scanEventMessage(NL80211_CMD_TRIGGER_SCAN)
-                + scanEventMessage(NL80211_CMD_SCAN_ABORTED)
-                                 << Events {ScanEvent::Started, ScanEvent::Aborted};
-        QTest::newRow("another interface")
-            << scanEventMessage(NL80211_CMD_TRIGGER_SCAN, kWiFiFamily, 4) << Events {};
-        QTest::newRow("another family")
-            << scanEventMessage(NL80211_CMD_TRIGGER_SCAN, kWiFiFamily + 1) << Events {};
-        QTest::newRow("claims too much")
-            << scanEventMessage(NL80211_CMD_TRIGGER_SCAN, kWiFiFamily, 3, 400) << Events {};
-        QTest::newRow("claims nothing")
-            << scanEventMessage(NL80211_CMD_TRIGGER_SCAN, kWiFiFamily, 3, 0) + done << Events {};
-    }
-
     void events()
     {
-        QFETCH(QByteArray, datagram);
-        QTEST(scanEvents(bytesOf(datagram), kWiFiFamily, 3), "expected");
+        const auto found = [](const QByteArray& datagram) {
+            return scanEvents(bytesOf(datagram), kWiFiFamily, 3);
+        };
+        const int start = NL80211_CMD_TRIGGER_SCAN;
+        const QByteArray done = scanEventMessage(NL80211_CMD_NEW_SCAN_RESULTS);
+        const QByteArray aborted = scanEventMessage(NL80211_CMD_SCAN_ABORTED);
+        QCOMPARE(found(done), Events {ScanEvent::ResultsReady});
+        QCOMPARE(found(scanEventMessage(start) + aborted),
+            (Events {ScanEvent::Started, ScanEvent::Aborted}));
+        const int otherFamily = kWiFiFamily + 1;
+        for (const auto& other : {scanEventMessage(start, kWiFiFamily, 4),
+                 scanEventMessage(start, otherFamily), // then two with a wrong length
+                 scanEventMessage(start, kWiFiFamily, 3, 400),
+                 scanEventMessage(start, kWiFiFamily, 3, 0) + done})
+            QCOMPARE(found(other), Events {});
     }
 };
 

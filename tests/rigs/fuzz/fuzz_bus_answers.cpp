@@ -127,10 +127,8 @@ void netvane::fuzz::tryInput(FuzzedDataProvider& input)
     static int count = 1;
     static char name[] = "fuzz_bus_answers";
     static char* arguments[] = {name, nullptr};
-    static auto* application = new QCoreApplication(count, arguments);
+    [[maybe_unused]] static auto* application = new QCoreApplication(count, arguments);
     static auto* wire = new Wire; // stays to the end, as does the application
-    (void)application;
-
     auto& far = wire->farEnd;
     far.isError = input.ConsumeIntegralInRange(0, 9) == 0;
     far.values = takeAnswer(input);
@@ -138,9 +136,9 @@ void netvane::fuzz::tryInput(FuzzedDataProvider& input)
     const QDBusMessage answer = wire->ask();
     (void)radio::scanAuthorization(answer);
     const auto service = desktop::notificationService(answer);
-    fuzz::require(!service || !far.isError, "an error is no service");
+    require(!service || !far.isError, "an error is no service");
     (void)desktop::colorSchemeOf(answer.arguments().value(0));
     const auto changed
         = radio::changedProperties(answer, u"org.freedesktop.NetworkManager.Device.Wireless"_s);
-    fuzz::require(!changed || answer.arguments().size() >= 1, "a change is about something");
+    require(!changed || answer.arguments().size() >= 1, "a change is about something");
 }

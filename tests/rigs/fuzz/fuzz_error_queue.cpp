@@ -6,8 +6,6 @@
 
 #include <cstring>
 
-using namespace netvane;
-
 namespace {
 
 QByteArray g_name;
@@ -31,13 +29,13 @@ extern "C" ssize_t recvmsg(int, msghdr* message, int)
 
 void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
-    g_name = fuzz::takeBytes(input, sizeof(sockaddr_storage));
-    g_control = fuzz::takeRest(input);
+    g_name = takeBytes(input, sizeof(sockaddr_storage));
+    g_control = takeRest(input);
     const auto error = net::takeQueuedError(-1);
-    fuzz::require(error.has_value(), "a report is one, however odd");
-    fuzz::require(error->sentTo.length <= sizeof error->sentTo.storage, "an address has its room");
+    require(error.has_value(), "a report is one, however odd");
+    require(error->sentTo.length <= sizeof error->sentTo.storage, "an address has its room");
     if (error->offender) {
         const auto family = error->offender->storage.ss_family;
-        fuzz::require(family == AF_INET || family == AF_INET6, "of a family that is known");
+        require(family == AF_INET || family == AF_INET6, "of a family that is known");
     }
 }

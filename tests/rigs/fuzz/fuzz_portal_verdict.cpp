@@ -2,28 +2,24 @@
 #include "fuzz_target.h"
 #include "probes/portal_verdict.h"
 
-using namespace netvane;
-
 void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
-    constexpr size_t kLongestAddress = 4096;
-    constexpr size_t kLongestError = 64;
     platform::HttpAnswer answer;
     if (input.ConsumeBool())
         answer.status = input.ConsumeIntegral<uint16_t>();
     if (input.ConsumeBool())
-        answer.errorText = QString::fromUtf8(fuzz::takeBytes(input, kLongestError));
+        answer.errorText = QString::fromUtf8(takeBytes(input, 64));
     answer.truncated = input.ConsumeBool();
-    answer.finalUrl = QUrl(QString::fromUtf8(fuzz::takeBytes(input, kLongestAddress)));
+    answer.finalUrl = QUrl(QString::fromUtf8(takeBytes(input, 4096)));
     if (input.ConsumeBool())
-        answer.body = fuzz::takeRest(input);
+        answer.body = takeRest(input);
     const auto verdict = probes::judgePortal(answer);
-    fuzz::require(verdict.isCaptive || !verdict.redirectAddress, "no way to a portal that is not");
+    require(verdict.isCaptive || !verdict.redirectAddress, "no way to a portal that is not");
     if (verdict.redirectAddress) {
         const QUrl& url = *verdict.redirectAddress;
-        fuzz::require(probes::isSafeAddress(url), "what is opened is safe");
-        fuzz::require(url.isValid() && !url.host().isEmpty(), "it leads somewhere");
-        fuzz::require(url.scheme() == u"http" || url.scheme() == u"https", "it is a page");
+        require(probes::isSafeAddress(url), "what is opened is safe");
+        require(url.isValid() && !url.host().isEmpty(), "it leads somewhere");
+        require(url.scheme() == u"http" || url.scheme() == u"https", "it is a page");
     }
-    fuzz::require(probes::judgePortal(answer) == verdict, "it does not change its mind");
+    require(probes::judgePortal(answer) == verdict, "it does not change its mind");
 }

@@ -4,24 +4,20 @@
 
 #include <QHostAddress>
 
-using namespace netvane;
-
 void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
-    constexpr size_t kLongestMessage = 256;
     std::vector<net::RouteRecord> routes;
     std::vector<net::NextHopRecord> nextHops;
     while (input.remaining_bytes() > 0) {
         const bool isRoute = input.ConsumeBool();
-        const QByteArray message = fuzz::takeBytes(input, kLongestMessage);
+        const QByteArray message = takeBytes(input, 256);
         if (!isRoute) {
-            if (auto hop = net::parseNextHop(fuzz::asBytes(message)))
+            if (auto hop = net::parseNextHop(asBytes(message)))
                 nextHops.push_back(*hop);
-        } else if (auto route = net::parseRoute(fuzz::asBytes(message))) {
+        } else if (auto route = net::parseRoute(asBytes(message))) {
             routes.push_back(*route);
         }
     }
     if (const auto router = net::defaultRouterOf(routes, nextHops))
-        fuzz::require(
-            QHostAddress(*router).protocol() == QAbstractSocket::IPv4Protocol, "an address");
+        require(QHostAddress(*router).protocol() == QAbstractSocket::IPv4Protocol, "an address");
 }

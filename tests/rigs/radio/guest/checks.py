@@ -16,14 +16,13 @@ def chosen(names):
     """The scenarios whose names hold one of these, or all of them if there is none."""
     modules = (link_scenarios, adapter_scenarios, cost_scenarios, scan_scenarios,
                permission_scenarios, day_scenarios)
-    every = [scenario for module in modules for scenario in module.SCENARIOS]
-    every += scan_scenarios.MANAGED_SCENARIOS
+    every = {scenario.__name__: scenario for module in modules
+             for scenario in (*module.SCENARIOS, *getattr(module, 'MANAGED_SCENARIOS', ()))}
     for name in names:
-        if not any(name in scenario.__name__ for scenario in every):
-            known = ', '.join(scenario.__name__ for scenario in every)
-            sys.exit(f'no scenario is called {name}; there are {known}')
-    return [scenario for scenario in every
-            if not names or any(name in scenario.__name__ for name in names)]
+        if not any(name in known for known in every):
+            sys.exit(f'no scenario is called {name}; there are {", ".join(every)}')
+    return [scenario for known, scenario in every.items()
+            if not names or any(name in known for name in names)]
 
 
 def main():

@@ -10,8 +10,8 @@ from iw_reading import iw, read_iw
 from world import HOME, HOME_5_GHZ, shown
 
 PROBE = 'https://captive.apple.com/hotspot-detect.html'
-THROTTLE_SECONDS = 30  # between two notifications
-LOOK_SECONDS = 5  # between two looks at the link
+# 30 s between two notifications, and three looks at the link
+PAST_THROTTLE_SECONDS = 45
 
 
 class Day:
@@ -24,37 +24,36 @@ class Day:
         self.told_at = time.monotonic()
 
     def check(self, name, got, want=True):
-        return self.report.check(f'day: {name}', got, want)
+        self.report.check(f'day: {name}', got, want)
 
-    def same(self, name, ours, theirs, seconds=60):
+    def becomes(self, name, condition, seconds=60):
+        self.check(name, bool(eventually(condition, seconds)))
+
+    def same(self, name, ours, theirs):
         """Both are asked, the other program before and after Netvane, until they agree."""
-        got, want = None, None
-        end = time.monotonic() + seconds
-        while True:
-            before, got, want = theirs(), ours(), theirs()
-            if got in (before, want) or time.monotonic() > end:
-                return self.check(name, got, before if got == before else want)
-            time.sleep(0.5)
+        seen = []
+
+        def agree():
+            seen[:] = theirs(), ours(), theirs()
+            return seen[1] in (seen[0], seen[2])
+        self.check(name, seen if not eventually(agree, 60) else True)
 
     def shows(self, name, panel, text, seconds=60):
-        self.check(name, bool(eventually(lambda: text in self.desktop.texts(panel), seconds)))
+        self.becomes(name, lambda: text in self.desktop.texts(panel), seconds)
 
-    def notifies(self, title, text, seconds=60):
-        self.check(f'"{title}" reaches the notification daemon', bool(eventually(
-            lambda: (title, text) in self.desktop.notified(), seconds)))
+    def notifies(self, title, text):
+        self.becomes(f'"{title}" reaches the notification daemon',
+                     lambda: (title, text) in self.desktop.notified())
         self.told_at = time.monotonic()
 
     def past_throttle(self):
         """Evaluations rest after a notification; the next of them has to see the good state."""
-        until = self.told_at + THROTTLE_SECONDS + 3 * LOOK_SECONDS
-        time.sleep(max(0, until - time.monotonic()))
+        time.sleep(max(0, self.told_at + PAST_THROTTLE_SECONDS - time.monotonic()))
 
     def link_agrees(self, when):
-        self.same(f'{when}: name and signal are those of iw',
-                  lambda: self._connection(), _connection_by_iw)
-
-    def _connection(self):
-        return [text for text in self.desktop.texts('Connection') if text != 'Connection']
+        def shown_here():
+            return [text for text in self.desktop.texts('Connection') if text != 'Connection']
+        self.same(f'{when}: name and signal are those of iw', shown_here, _connection_by_iw)
 
     def card(self, name):
         """The value that a card shows, without its unit."""
@@ -72,12 +71,12 @@ class Day:
         self.link_agrees('connected')
         self.metrics_agree()
         for panel in ('Router', 'Internet'):
-            self.check(f'{panel} is timed', bool(eventually(
-                lambda panel=panel: self._milliseconds(panel), 60)))
-        self.check('the name service is the one of resolv.conf', bool(eventually(
-            lambda: 'Router assigned: 10.9.2.1' in self.desktop.every_text('Netvane'), 30)))
-        self.check('all is well', bool(eventually(
-            lambda: self.desktop.every_text('Connection Summary').count('OK') == 4, 60)))
+            self.becomes(f'{panel} is timed', lambda panel=panel: re.search(
+                r'^[\d.]+ ms$', '\n'.join(self.desktop.every_text(panel)), re.M))
+        self.becomes('the name service is the one of resolv.conf',
+                     lambda: 'Router assigned: 10.9.2.1' in self.desktop.every_text('Netvane'))
+        self.becomes('all is well',
+                     lambda: self.desktop.every_text('Connection Summary').count('OK') == 4)
 
     def metrics_agree(self):
         """The cards follow a change of the signal; a rate is one of those meanwhile."""
@@ -85,16 +84,13 @@ class Day:
         rates = set()
 
         def followed():
-            rates.add(_rate_by_iw())
+            rates.add(str(max(read_iw().rates)))
             return self.card('Signal Strength') == str(HOME.dbm + 3)
-        self.check('the signal strength follows', eventually(followed, 60))
+        self.becomes('the signal strength follows', followed)
         rate = self.card('Link Rate')
         self.check('the link rate is one of iw', rate if rate in rates else rates, rate)
         self.same('the noise is that of iw', lambda: self.card('Noise Level'),
                   lambda: str(read_iw().noise))
-
-    def _milliseconds(self, panel):
-        return [text for text in self.desktop.every_text(panel) if re.fullmatch(r'[\d.]+ ms', text)]
 
     def roams(self):
         # In emulation it takes longer than from one look at the link to the next.
@@ -120,8 +116,7 @@ class Day:
         self.shows('a portal is noticed', title, title, 90)
         self.check('curl is sent to a login page', _http_status(), '302')
         self.world.do('portal', 'off')
-        self.check('the portal is forgotten', bool(eventually(
-            lambda: not self.desktop.texts(title), 90)))
+        self.becomes('the portal is forgotten', lambda: not self.desktop.texts(title), 90)
         self.check('curl gets the page', _http_status(), '200')
 
     def ends(self):
@@ -139,10 +134,6 @@ def _connection_by_iw():
         return ['Not Connected']
     band = '2.4 GHz' if reading.frequency < 3000 else '5 GHz'
     return [shown(reading.ssid), band, f'{max(reading.signals)} dBm']
-
-
-def _rate_by_iw():
-    return str(max(read_iw().rates))
 
 
 def _http_status():

@@ -12,7 +12,8 @@ from watcher import UNPRIVILEGED
 from world import WorldError
 
 HOME = pathlib.Path('/run/radio-desktop')
-SETTINGS = {'networkNotificationsEnabled': True, 'netvane.onboarding.completed': True}
+SETTINGS = '{"networkNotificationsEnabled": true, "netvane.onboarding.completed": true}'
+BUS = f'unix:path={HOME}/run/bus'
 DISPLAY = ':7'
 ITEM = ('15', '885')  # the panel's only icon
 DUNST = '[global]\nfont = DejaVu Sans 10\n'
@@ -31,11 +32,10 @@ class Desktop:
         self._logs = pathlib.Path(os.environ['NETVANE_RADIO_LOGS'])
         self._started = []
         self._make_home()
-        bus = f'unix:path={HOME}/run/bus'
         self._environment = {
             'PATH': os.environ['PATH'], 'LANG': 'C.UTF-8', 'HOME': str(HOME), 'DISPLAY': DISPLAY,
             'XDG_RUNTIME_DIR': str(HOME / 'run'), 'XDG_CONFIG_HOME': str(HOME / 'config'),
-            'DBUS_SESSION_BUS_ADDRESS': bus, 'XDG_SESSION_TYPE': 'x11', 'QT_QPA_PLATFORM': 'xcb',
+            'DBUS_SESSION_BUS_ADDRESS': BUS, 'XDG_SESSION_TYPE': 'x11', 'QT_QPA_PLATFORM': 'xcb',
             'QT_LINUX_ACCESSIBILITY_ALWAYS_ON': '1', 'PYTHONDONTWRITEBYTECODE': '1'}
 
     def _make_home(self):
@@ -43,7 +43,7 @@ class Desktop:
         os.chmod('/tmp/.X11-unix', 0o1777)
         for folder in (HOME, HOME / 'run', HOME / 'config', HOME / 'config/netvane'):
             folder.mkdir(mode=0o700)
-        (HOME / 'config/netvane/settings.json').write_text(json.dumps(SETTINGS), 'utf-8')
+        (HOME / 'config/netvane/settings.json').write_text(SETTINGS, 'utf-8')
         (HOME / 'dunstrc').write_text(DUNST, 'utf-8')
         for path in (HOME, *HOME.rglob('*')):
             os.chown(path, 65534, 65534)
@@ -52,8 +52,7 @@ class Desktop:
         self._run('xvfb', 'Xvfb', DISPLAY, '-screen', '0', '1280x900x24', '-nolisten', 'tcp',
                   '-noreset')
         self._await('a display', lambda: os.path.exists('/tmp/.X11-unix/X7'))
-        self._run('bus', 'dbus-daemon', '--session', '--nofork',
-                  f"--address={self._environment['DBUS_SESSION_BUS_ADDRESS']}")
+        self._run('bus', 'dbus-daemon', '--session', '--nofork', f'--address={BUS}')
         self._await('a bus', lambda: (HOME / 'run/bus').exists())
         self._run('openbox', 'openbox', '--sm-disable')
         self._run('at-spi', '/usr/libexec/at-spi-bus-launcher', '--launch-immediately')
@@ -73,11 +72,10 @@ class Desktop:
         self._started.append(process)
         return process
 
-    def tool(self, *command, seconds=60, **options):
+    def tool(self, *command):
         """What a program of this user's writes to standard output."""
         return subprocess.run([*UNPRIVILEGED, *command], capture_output=True, text=True,
-                              timeout=seconds, check=False, env=self._environment, cwd=HOME,
-                              **options).stdout
+                              timeout=60, check=False, env=self._environment, cwd=HOME).stdout
 
     def _await(self, what, condition, seconds=60):
         if not eventually(condition, seconds):
@@ -106,11 +104,11 @@ class Desktop:
 
     def texts(self, name):
         """The visible texts of the item of that name and of what is in it."""
-        return [text for _, text, visible in self._read(name) or () if visible and text]
+        return [text for text, visible in self._read(name) or () if visible and text]
 
     def every_text(self, name):
         """Those that one would have to scroll to as well, and those that are hidden."""
-        return [text for _, text, _ in self._read(name) or () if text]
+        return [text for text, _ in self._read(name) or () if text]
 
     def end(self):
         for process in reversed(self._started):

@@ -57,8 +57,7 @@ def read_iw_scan(interface='wlan0'):
 
 
 def _noise(interface, frequency):
-    channels = iw('dev', interface, 'survey', 'dump').split('Survey data')
-    for channel in channels:
+    for channel in iw('dev', interface, 'survey', 'dump').split('Survey data'):
         noise = re.search(r'\bnoise:\s*(-?\d+) dBm', channel)
         if noise and re.search(rf'\bfrequency:\s*{frequency} MHz', channel):
             return int(noise[1])

@@ -54,8 +54,8 @@ def out_of_range(report, world, watchers):
     becomes(report, 'before the link is lost', watchers, {'ssid': shown(HOME.ssid), 'error': None})
     world.do('out_of_range', HOME.phy)
     becomes(report, 'out of range', watchers, LOST | {'error': UNREADABLE})
-    link = iw('dev', 'wlan0', 'link').strip()
-    report.check('out of range: iw says the same', link, 'Not connected.')
+    report.check('out of range: iw says the same', iw('dev', 'wlan0', 'link').strip(),
+                 'Not connected.')
     world.do('in_range', HOME.phy)
     world.await_link(HOME)
     want = {'ssid': shown(HOME.ssid), 'signal': HOME.dbm, 'error': None}

@@ -3,19 +3,13 @@ from watcher import (AUTHORIZED, NO_SNAPSHOT, NOT_PERMITTED, UNREADABLE, Watcher
                      becomes)
 from world import HOME, shown
 
-# polkit's answer, NetworkManager's word for it, the status of the permission.
-ANSWERS = (('AUTH_ADMIN', 'auth', 0), ('NO', 'no', 2), ('YES', 'yes', 3))
-
 
 def _published(status):
     """What is published where there was no link yet, under this status of the permission."""
     allowed = status == 3
-    return NO_SNAPSHOT | {
-        'error': UNREADABLE if allowed else NOT_PERMITTED,
-        'needsPermission': not allowed,
-        'authorization': status,
-        'isAuthorized': allowed,
-    }
+    return NO_SNAPSHOT | {'error': UNREADABLE if allowed else NOT_PERMITTED,
+                          'needsPermission': not allowed, 'authorization': status,
+                          'isAuthorized': allowed}
 
 
 def permissions(report, world):
@@ -24,7 +18,8 @@ def permissions(report, world):
     running = Watcher('unprivileged', 'running.log')
     becomes(report, 'a system bus without NetworkManager', [running], AUTHORIZED)
     world.start_manager()
-    for answer, word, status in ANSWERS:
+    # polkit's answer, NetworkManager's word for it, the status of the permission.
+    for answer, word, status in (('AUTH_ADMIN', 'auth', 0), ('NO', 'no', 2), ('YES', 'yes', 3)):
         world.grant_scans(answer, word)
         want = _published(status)
         becomes(report, f'permission changes to "{word}" while running', [running], want)

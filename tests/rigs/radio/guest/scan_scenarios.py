@@ -12,7 +12,6 @@ CHANNELS = {2412: [1, 'twoPointFourGHz'], 2437: [6, 'twoPointFourGHz'],
 # Whether 6 GHz is scanned is up to whoever scans.
 ALWAYS_HEARD = {(shown(network.ssid), *CHANNELS[network.frequency], network.dbm)
                 for network in (*NETWORKS, ELEVEN) if network.frequency < 5950}
-SCAN_SECONDS = 60
 NO_RIGHTS = 'Scanning takes NetworkManager, iwd or wpa_supplicant, or more rights'
 
 
@@ -51,7 +50,7 @@ def _scans(report, name, watcher, keeps_table=True):
 
 def _scan(watcher):
     begin = time.monotonic()
-    state = watcher.scan(SCAN_SECONDS)
+    state = watcher.ask('scan')
     table = read_iw_scan()
     got = {network['bssid']: (network['ssid'], *network['channel'], network['signal'])
            for network in state['networks']}
@@ -59,21 +58,17 @@ def _scan(watcher):
 
 
 def _has_what_iwd_found(report, name, got):
-    found = _names_of_iwd()
-    missing = found - {network[0] for network in got.values()}
-    report.check(f'{name}: what iwd found', (bool(found), missing), (True, set()))
-
-
-def _names_of_iwd():
     objects = subprocess.run(
         ['gdbus', 'call', '--system', '-d', 'net.connman.iwd', '-o', '/',
          '-m', 'org.freedesktop.DBus.ObjectManager.GetManagedObjects'],
         capture_output=True, text=True, timeout=60, check=True).stdout
-    return set(re.findall(r"iwd\.Network': \{[^}]*'Name': <'([^']*)'>", objects))
+    found = set(re.findall(r"iwd\.Network': \{[^}]*'Name': <'([^']*)'>", objects))
+    missing = found - {network[0] for network in got.values()}
+    report.check(f'{name}: what iwd found', (bool(found), missing), (True, set()))
 
 
 def _refused(report, name, watcher, error):
-    state = watcher.scan(SCAN_SECONDS)
+    state = watcher.ask('scan')
     report.check(name, (state['error'], state['networks']), (error, []))
 
 
@@ -98,29 +93,24 @@ def scan_by_kernel(report, world):
     _end(report, 'scan by the kernel', root, nobody)
 
 
-def scan_by_supplicant(report, world):
+def _scan_by_service(report, world, name, up, down, keeps_table):
     world.do('supplicant_down')
     world.start_eleven()
     world.do('bus_up')
-    world.do('supplicant_on_bus', seconds=240)
+    world.do(up, seconds=240)
     root, nobody = _watcher('root'), _watcher('unprivileged')
-    _scans(report, 'scan by wpa_supplicant', root)
-    _refused(report, 'scan by wpa_supplicant: policy', nobody,
-             'wpa_supplicant does not allow this user to scan')
-    _end(report, 'scan by wpa_supplicant', root, nobody)
-    world.do('supplicant_down')
+    _scans(report, f'scan by {name}', root, keeps_table)
+    _refused(report, f'scan by {name}: policy', nobody, f'{name} does not allow this user to scan')
+    _end(report, f'scan by {name}', root, nobody)
+    world.do(down)
+
+
+def scan_by_supplicant(report, world):
+    _scan_by_service(report, world, 'wpa_supplicant', 'supplicant_on_bus', 'supplicant_down', True)
 
 
 def scan_by_iwd(report, world):
-    world.do('supplicant_down')
-    world.start_eleven()
-    world.do('bus_up')
-    world.do('iwd_up', seconds=240)
-    root, nobody = _watcher('root'), _watcher('unprivileged')
-    _scans(report, 'scan by iwd', root, keeps_table=False)
-    _refused(report, 'scan by iwd: policy', nobody, 'iwd does not allow this user to scan')
-    _end(report, 'scan by iwd', root, nobody)
-    world.do('iwd_down')
+    _scan_by_service(report, world, 'iwd', 'iwd_up', 'iwd_down', False)
 
 
 def scan_by_manager(report, world):

@@ -1,6 +1,6 @@
 """What a screen reader finds in the visible windows of a program: screen_reader.py PROGRAM. Each line
 of its input is the name of an item as JSON, answered by one line of JSON: a list of
-[role, name, whether visible] of that item and all below it, or null if there is none."""
+[name, whether visible] of that item and all below it, or null if there is none."""
 import json
 import sys
 
@@ -8,8 +8,6 @@ import gi
 
 gi.require_version('Atspi', '2.0')
 from gi.repository import Atspi, GLib  # noqa: E402  pylint: disable=wrong-import-position
-
-DEPTH = 40
 
 
 def children(item):
@@ -21,7 +19,7 @@ def visible(item):
     return item.get_state_set().contains(Atspi.StateType.VISIBLE)
 
 
-def walk(item, depth=DEPTH):
+def walk(item, depth=40):
     yield item
     for child in children(item) if depth else ():
         yield from walk(child, depth - 1)
@@ -42,12 +40,11 @@ class Reader:
         """Looks in the windows that are shown; what was found there once is asked at once."""
         for window in self._windows():
             key = (window.path, name)
-            if key not in self._found:
-                items = (item for item in walk(window) if item.get_name() == name)
-                self._found[key] = next(items, None)
-            if self._found[key]:
-                return self._found[key]
-            del self._found[key]
+            item = self._found.get(key) or next(
+                (item for item in walk(window) if item.get_name() == name), None)
+            if item:
+                self._found[key] = item
+                return item
         return None
 
     def read(self, name):
@@ -55,18 +52,14 @@ class Reader:
         if not item:
             return None
         item.clear_cache()
-        return [[each.get_role_name(), each.get_name(), visible(each)] for each in walk(item)]
+        return [[each.get_name(), visible(each)] for each in walk(item)]
 
 
-def main():
-    reader = Reader(sys.argv[1])
-    for line in sys.stdin:
-        try:
-            answer = reader.read(json.loads(line))
-        except GLib.Error as error:  # an item that went away meanwhile
-            print(f'screen reader: {error}', file=sys.stderr, flush=True)
-            answer = None
-        print(json.dumps(answer), flush=True)
-
-
-main()
+reader = Reader(sys.argv[1])
+for request in sys.stdin:
+    try:
+        answer = reader.read(json.loads(request))
+    except GLib.Error as error:  # an item that went away meanwhile
+        print(f'screen reader: {error}', file=sys.stderr, flush=True)
+        answer = None
+    print(json.dumps(answer), flush=True)

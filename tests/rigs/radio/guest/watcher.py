@@ -25,9 +25,7 @@ AUTHORIZED = {'needsPermission': False, 'authorization': 3, 'isAuthorized': True
 class Watcher:
     def __init__(self, user, log):
         self.user = user
-        command = ['/run/radio/wifi_watch']
-        if user != 'root':
-            command = [*UNPRIVILEGED, *command]
+        command = [*(UNPRIVILEGED if user != 'root' else ()), '/run/radio/wifi_watch']
         # What it publishes is logged beside what it writes to standard error itself.
         self._log = open(os.path.join(os.environ['NETVANE_RADIO_LOGS'], log), 'ab', buffering=0)
         self._process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
@@ -41,8 +39,7 @@ class Watcher:
         while b'\n' not in self._unread:
             if not select.select([output], [], [], max(0, end - time.monotonic()))[0]:
                 raise WorldError(f'wifi_watch as {self.user} said nothing for {seconds} s')
-            piece = os.read(output, 65536)
-            if not piece:
+            if not (piece := os.read(output, 65536)):
                 status = self._process.wait(10)
                 raise WorldError(f'wifi_watch as {self.user} ended with status {status}')
             self._unread += piece
@@ -50,24 +47,17 @@ class Watcher:
         self._log.write(line + b'\n')
         return json.loads(line)
 
-    def sample(self, seconds=30):
-        """The state that is published after one more pass."""
-        return self._ask(b'link\n', seconds)
-
-    def scan(self, seconds):
-        """The networks that one more scan has found."""
-        return self._ask(b'scan\n', seconds)
-
-    def _ask(self, request, seconds):
-        self._process.stdin.write(request)
+    def ask(self, request):
+        """'link': the state that is published after one more pass; 'scan': what one scan found."""
+        self._process.stdin.write(request.encode() + b'\n')
         self._process.stdin.flush()
-        return self._line(seconds)
+        return self._line(60)
 
     def settle(self, want, seconds=40):
         """Samples until the fields of want have those values, and returns what they are at last."""
         end = time.monotonic() + seconds
         while True:
-            state = self.sample()
+            state = self.ask('link')
             got = {field: state.get(field, 'missing') for field in want}
             if got == want or time.monotonic() > end:
                 return got
@@ -99,7 +89,7 @@ def agrees_with_iw(report, name, watchers, world=None, phy=None):
         for _ in range(12):
             if world:
                 world.do('traffic', phy)
-            before, state, after = read_iw(), watcher.sample(), read_iw()
+            before, state, after = read_iw(), watcher.ask('link'), read_iw()
             fields = (*LINK, 'error', 'needsPermission')
             got = {field: state.get(field, 'missing') for field in fields}
             want = _wanted_by_iw(got, before, after)

@@ -28,15 +28,10 @@ class Answers(http.server.BaseHTTPRequestHandler):
         self.wfile.write(body)
 
 
-def main():
-    context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-    context.load_cert_chain(f'{sys.argv[1]}/web.pem', f'{sys.argv[1]}/web.key')
-    plain = http.server.ThreadingHTTPServer(('', 80), Answers)
-    secure = http.server.ThreadingHTTPServer((WEB, 443), Answers)
-    secure.socket = context.wrap_socket(secure.socket, server_side=True,
-                                        do_handshake_on_connect=False)
-    threading.Thread(target=plain.serve_forever, daemon=True).start()
-    secure.serve_forever()
-
-
-main()
+context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+context.load_cert_chain(f'{sys.argv[1]}/web.pem', f'{sys.argv[1]}/web.key')
+plain = http.server.ThreadingHTTPServer(('', 80), Answers)
+secure = http.server.ThreadingHTTPServer((WEB, 443), Answers)
+secure.socket = context.wrap_socket(secure.socket, server_side=True, do_handshake_on_connect=False)
+threading.Thread(target=plain.serve_forever, daemon=True).start()
+secure.serve_forever()

@@ -64,13 +64,11 @@ class World:
         self._shell.stdin.flush()
         end = time.monotonic() + seconds
         while select.select([self._answers], [], [], max(0, end - time.monotonic()))[0]:
-            answer = self._answers.readline().split()
-            if not answer:
-                raise WorldError(f'the shell ended at: {text}')
-            if int(answer[0]) < self._asked:
+            number, status = self._answers.readline().split() or (self._asked, 'the shell ended')
+            if int(number) < self._asked:
                 continue  # the late answer of a command that was given up
-            if answer[1] != b'0':
-                raise WorldError(f'failed: {text}')
+            if status != b'0':
+                raise WorldError(f'failed with {status}: {text}')
             return
         raise WorldError(f'took more than {seconds} s: {text}')
 
@@ -93,7 +91,7 @@ class World:
     def start_eleven(self):
         if not self._has_eleven:
             self.start(ELEVEN)
-            self._has_eleven = True
+        self._has_eleven = True
 
     def grant_scans(self, answer, word):
         """polkit's answer to the unprivileged user, and NetworkManager's word for it."""

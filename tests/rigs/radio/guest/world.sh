@@ -42,13 +42,11 @@ access_point_settings() { # access_point_settings PHY SSID_HEX FREQUENCY PASSPHR
         printf '%s\n' hw_mode=g "channel=$((($3 - 2407) / 5))" ieee80211n=1
     elif [ "$3" -lt 5950 ]; then
         printf '%s\n' hw_mode=a "channel=$((($3 - 5000) / 5))" ieee80211n=1 ieee80211ac=1
-    else
-        printf '%s\n' hw_mode=a "channel=$((($3 - 5950) / 5))" op_class=131 ieee80211ax=1
+    else # only WPA3 is allowed there
+        printf '%s\n' hw_mode=a "channel=$((($3 - 5950) / 5))" op_class=131 ieee80211ax=1 wpa=2 \
+            wpa_key_mgmt=SAE rsn_pairwise=CCMP ieee80211w=2 sae_pwe=1 "sae_password=$4"
     fi
-    if [ "$3" -ge 5950 ]; then # only WPA3 is allowed there
-        printf '%s\n' wpa=2 wpa_key_mgmt=SAE rsn_pairwise=CCMP ieee80211w=2 sae_pwe=1 \
-            "sae_password=$4"
-    elif [ -n "$4" ]; then
+    if [ "$3" -lt 5950 ] && [ -n "$4" ]; then
         printf '%s\n' wpa=2 wpa_key_mgmt=WPA-PSK rsn_pairwise=CCMP "wpa_passphrase=$4"
     fi
 }
@@ -79,15 +77,17 @@ supplicant_network() { # supplicant_network SSID_HEX FREQUENCY PASSPHRASE: they 
         echo '}'
     } >>$state/networks
 }
+supplicant() { # supplicant OPTION LOG
+    wpa_supplicant -B "$1" -i wlan0 -D nl80211 -c $state/supplicant.conf \
+        -P $state/supplicant.pid -f "$logs/$2.log"
+}
 supplicant_up() { # wpa_supplicant alone, without D-Bus
     printf '%s\n' ctrl_interface=$state/control country=$country sae_pwe=1 >$state/supplicant.conf
     cat $state/networks >>$state/supplicant.conf
-    wpa_supplicant -B -t -i wlan0 -D nl80211 -c $state/supplicant.conf -P $state/supplicant.pid \
-        -f "$logs/wpa_supplicant.log" && wait_for 60 'cli status'
+    supplicant -t wpa_supplicant && wait_for 60 'cli status'
 }
 supplicant_on_bus() { # wpa_supplicant that other programs reach by D-Bus
-    wpa_supplicant -B -u -i wlan0 -D nl80211 -c $state/supplicant.conf -P $state/supplicant.pid \
-        -f "$logs/wpa_supplicant_alone.log" && wait_for 60 'owns fi.w1.wpa_supplicant1'
+    supplicant -u wpa_supplicant_alone && wait_for 60 'owns fi.w1.wpa_supplicant1'
 }
 iwd_up() {
     # It shall neither replace the interface nor scan by itself.
@@ -99,14 +99,10 @@ iwd_up() {
     wait_for 60 'owns net.connman.iwd && gdbus call --system -d net.connman.iwd -o / \
         -m org.freedesktop.DBus.ObjectManager.GetManagedObjects | grep -q iwd.Station'
 }
-iwd_down() {
-    kill "$(<$state/iwd.pid)"
-    wait_for 30 '! owns net.connman.iwd'
-}
+iwd_down() { kill "$(<$state/iwd.pid)" && wait_for 30 '! owns net.connman.iwd'; }
 cli() { wpa_cli -p $state/control -i wlan0 "$@"; }
 supplicant_down() {
-    [ -s $state/supplicant.pid ] || return 0
-    kill "$(<$state/supplicant.pid)"
+    [ ! -s $state/supplicant.pid ] || kill "$(<$state/supplicant.pid)"
     wait_for 30 "[ ! -e $state/supplicant.pid ]"
 }
 choose() { cli select_network "$1" | grep -qx OK; }
@@ -134,8 +130,7 @@ RULE
 }
 bus_up() { # the system bus and polkit
     [ ! -S /run/dbus/system_bus_socket ] || return 0
-    # The machine's own settings of polkit and NetworkManager are of no account here.
-    local folder
+    local folder # the machine's own settings of polkit and NetworkManager do not count here
     for folder in /etc/polkit-1 /etc/NetworkManager /var/lib/NetworkManager; do
         mkdir -p $folder && mount -t tmpfs -o mode=755 tmpfs $folder || return 1
     done
