@@ -4,7 +4,6 @@
 #include "support/test_main.h"
 
 #include <QDBusArgument>
-#include <QDeadlineTimer>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
@@ -16,19 +15,16 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 using Status = NotificationAuthorization;
+using Failure = std::optional<QString>;
 using test::Answer;
 using test::error;
-using test::kSilence;
 using test::reply;
 
 namespace {
 
 const QString kName = u"org.freedesktop.Notifications"_s;
-const QString kPath = u"/org/freedesktop/Notifications"_s;
 const NotificationRequest kRequest {
-    u"id"_s, u"A <b> & title"_s, u"Connected to <b>&amp;\"x\""_s, NotificationCategory::Network};
-
-const Answer kLate = error(u"org.freedesktop.DBus.Error.NoReply"_s);
+    u"id"_s, u"title"_s, u"<"_s, NotificationCategory::NetworkDisconnected};
 
 /// A whole service: what it says to GetCapabilities and to Notify.
 Answer daemon(const Answer& capabilities, const Answer& notify = reply({7u}))
@@ -38,17 +34,8 @@ Answer daemon(const Answer& capabilities, const Answer& notify = reply({7u}))
     };
 }
 
-Answer daemonThatCan(const QStringList& capabilities)
-{
-    return daemon(reply({capabilities}));
-}
-
-/// What the handlers of one requester were told.
-struct Told {
-    std::vector<Status> settings;
-    std::vector<std::pair<bool, std::optional<QString>>> permissions;
-    std::vector<std::optional<QString>> adds;
-};
+const Answer kPlain = daemon(reply({QStringList {u"body"_s, u"body-hyperlinks"_s}}));
+const Answer kMarkup = daemon(reply({QStringList {u"body"_s, u"body-markup"_s}}));
 
 } // namespace
 
@@ -58,47 +45,34 @@ class TestFreedesktopNotifications : public QObject {
 private Q_SLOTS:
     void init()
     {
-        QVERIFY(m_world.bus.start());
-        m_told = {};
-    }
-
-    void cleanup()
-    {
         m_center.reset();
         m_link.reset();
         m_daemon.reset();
-    }
-
-    void answers_data()
-    {
-        QTest::addColumn<Answer>("answer");
-        QTest::addColumn<Status>("status");
-        QTest::addColumn<bool>("hasError");
-        QTest::newRow("capabilities")
-            << reply({QStringList {u"body"_s}}) << Status::Authorized << false;
-        QTest::newRow("none of them") << reply({QStringList()}) << Status::Authorized << false;
-        QTest::newRow("list of another type")
-            << reply({QVariantList {u"body"_s}}) << Status::Denied << true;
-        QTest::newRow("refused") << error(u"org.freedesktop.DBus.Error.AccessDenied"_s)
-                                 << Status::Denied << true;
-        QTest::newRow("silent") << kLate << Status::NotDetermined << true;
+        m_settings.clear();
+        m_adds.clear();
+        QVERIFY(m_world.bus.start());
     }
 
     void answers()
     {
-        QFETCH(Answer, answer);
-        QFETCH(Status, status);
-        QFETCH(bool, hasError);
-        startDaemon(daemon(answer));
-        start();
-        askSettings();
-        QVERIFY(m_told.settings.empty()); // never inside the call
-        QTRY_COMPARE(m_told.settings, std::vector {status});
-        m_center->requestAuthorization(NotificationOption::Alert, this,
-            [this](auto... values) { m_told.permissions.push_back({values...}); });
-        QTRY_COMPARE(m_told.permissions.size(), 1u);
-        QCOMPARE(m_told.permissions[0].first, status == Status::Authorized);
-        QCOMPARE(m_told.permissions[0].second.has_value(), hasError);
+        const std::pair<Answer, Status> answers[] = {{reply({QStringList()}), Status::Authorized},
+            {reply({QVariantList {u"body"_s}}), Status::Denied},
+            {error(u"org.freedesktop.DBus.Error.NoReply"_s), Status::NotDetermined}};
+        for (const auto& [answer, status] : answers) {
+            init();
+            startDaemon(daemon(answer));
+            start();
+            askSettings();
+            QVERIFY(m_settings.empty()); // never inside the call
+            QTRY_COMPARE(m_settings, std::vector {status});
+            std::vector<bool> permissions;
+            m_center->requestAuthorization(
+                NotificationOption::Alert, this, [&](bool isGranted, const Failure& failure) {
+                    permissions = {isGranted, failure.has_value()};
+                });
+            const bool isGood = status == Status::Authorized;
+            QTRY_COMPARE(permissions, (std::vector {isGood, !isGood}));
+        }
     }
 
     void noBus()
@@ -106,120 +80,103 @@ private Q_SLOTS:
         m_world.bus.stop();
         start();
         askSettings();
-        add(kRequest);
-        QTRY_COMPARE(m_told.settings, std::vector {Status::Denied});
-        QTRY_COMPARE(m_told.adds.size(), 1u);
-        QCOMPARE(
-            m_told.adds[0], std::optional(u"There is no notification service in this session"_s));
+        add();
+        QTRY_COMPARE(m_settings, std::vector {Status::Denied});
+        QTRY_COMPARE(
+            m_adds, std::vector {Failure(u"There is no notification service in this session"_s)});
         QVERIFY(m_world.bus.start());
-        startDaemon(daemonThatCan({}));
+        startDaemon(kPlain);
         const QSignalSpy changes(m_center.get(), &UserNotificationCenter::settingsChanged);
         m_world.clock.advance(1s);
         QTRY_COMPARE(changes.count(), 1);
         askSettings();
-        QTRY_COMPARE(m_told.settings, (std::vector {Status::Denied, Status::Authorized}));
+        QTRY_COMPARE(m_settings, (std::vector {Status::Denied, Status::Authorized}));
     }
 
-    /// It holds nothing up, and what it says in the end counts.
+    /// It holds nothing up, and what it says in the end counts, but not for an owner that is gone.
     void slow()
     {
-        startDaemon(daemon(kSilence));
+        startDaemon(daemon(test::kSilence));
         start();
+        bool isCalled = false;
+        auto owner = std::make_unique<QObject>();
+        m_center->getNotificationSettings(owner.get(), [&](Status) { isCalled = true; });
+        m_center->add(kRequest, owner.get(), [&](const auto&) { isCalled = true; });
         askSettings();
-        add(kRequest);
+        add();
         QTRY_COMPARE(m_daemon->calls.size(), 1);
-        QVERIFY(m_told.settings.empty());
+        QVERIFY(m_settings.empty());
+        owner.reset();
         m_daemon->send(m_daemon->calls[0].createReply(QStringList {u"body-markup"_s}));
-        QTRY_COMPARE(m_told.settings, std::vector {Status::Authorized});
-        QTRY_COMPARE(m_daemon->calls.size(), 2);
-        QCOMPARE(m_daemon->calls[1].member(), u"Notify"_s);
-    }
-
-    void notify_data()
-    {
-        QTest::addColumn<QStringList>("capabilities");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("body");
-        const QString text = u"to <b>&amp;\"x\""_s;
-        QTest::newRow("plain") << QStringList {u"body"_s, u"body-hyperlinks"_s} << text << text
-                               << text;
-        const QStringList markup {u"body"_s, u"body-markup"_s};
-        QTest::newRow("markup") << markup << text << text
-                                << u"to &lt;b&gt;&amp;amp;&quot;x&quot;"_s;
-        QTest::newRow("longest") << markup << QString(200, u'<') << QString(200, u'<')
-                                 << u"&lt;"_s.repeated(200);
-        QTest::newRow("too long") << markup << QString(198, u'<') + u"\U0001F6DC and more"_s
-                                  << QString(198, u'<') + u'…' << u"&lt;"_s.repeated(198) + u'…';
+        QTRY_COMPARE(m_settings, std::vector {Status::Authorized});
+        QTRY_COMPARE(m_adds, std::vector {Failure()});
+        QVERIFY(!isCalled);
     }
 
     void notify()
     {
-        QFETCH(QStringList, capabilities);
-        QFETCH(QString, text);
-        startDaemon(daemonThatCan(capabilities));
-        start();
-        add({u"id"_s, text, text, NotificationCategory::NetworkDisconnected});
-        QTRY_COMPARE(m_told.adds, std::vector {std::optional<QString>()});
-        QCOMPARE(m_daemon->calls.size(), 2);
-        const QDBusMessage call = m_daemon->calls[1];
-        QCOMPARE(call.signature(), u"susssasa{sv}i"_s);
-        const QVariantList arguments = call.arguments();
-        QCOMPARE(arguments[0], u"Netvane"_s);
-        QCOMPARE(arguments[1], 0u);
-        QTEST(arguments[3].toString(), "title");
-        QTEST(arguments[4].toString(), "body");
+        const QString text = u"to <b>&amp;\"x\""_s;
+        const QString most = QString(198, u'<');
+        const std::tuple<Answer, QString, QString, QString> requests[]
+            = {{kPlain, text, text, text},
+                {kMarkup, text, text, u"to &lt;b&gt;&amp;amp;&quot;x&quot;"_s},
+                {kMarkup, most + u"<<"_s, most + u"<<"_s, u"&lt;"_s.repeated(200)},
+                {kMarkup, most + u"\U0001F6DC and more"_s, most + u'…',
+                    u"&lt;"_s.repeated(198) + u'…'}};
         const QVariantMap hints {{u"desktop-entry"_s, u"org.netvane.Netvane"_s},
             {u"category"_s, u"network.disconnected"_s},
             {u"sound-name"_s, u"message-new-instant"_s}};
-        QCOMPARE(qdbus_cast<QVariantMap>(arguments[6]), hints);
-        QCOMPARE(arguments[7], -1);
+        for (const auto& [service, given, title, body] : requests) {
+            init();
+            startDaemon(service);
+            start();
+            add({u"id"_s, given, given, NotificationCategory::NetworkDisconnected});
+            QTRY_COMPARE(m_adds, std::vector {Failure()});
+            QCOMPARE(m_daemon->calls[1].signature(), u"susssasa{sv}i"_s);
+            auto arguments = m_daemon->calls[1].arguments();
+            QCOMPARE(qdbus_cast<QVariantMap>(arguments.takeAt(6)), hints);
+            QCOMPARE(arguments,
+                (QVariantList {u"Netvane"_s, 0U, QString(), title, body, QStringList(), -1}));
+        }
     }
 
     /// What a daemon can do is asked once, and again of the next one.
     void restarts()
     {
-        startDaemon(daemonThatCan({u"body-markup"_s}));
+        startDaemon(kMarkup);
         start();
-        add(kRequest);
-        add({u"id"_s, u"Disconnected"_s, u"<"_s});
-        QTRY_COMPARE(m_told.adds.size(), 2u);
+        add();
+        add();
+        QTRY_COMPARE(m_adds.size(), 2u);
         QCOMPARE(m_daemon->calls.size(), 3);
         QCOMPARE(m_daemon->calls[2].arguments()[4], u"&lt;"_s);
         const QSignalSpy changes(m_center.get(), &UserNotificationCenter::settingsChanged);
         m_daemon.reset();
         QTRY_COMPARE(changes.count(), 1);
-        startDaemon(daemonThatCan({}));
+        startDaemon(kPlain);
         QTRY_COMPARE(changes.count(), 2);
-        add({u"id"_s, u"Connected"_s, u"<"_s});
-        QTRY_COMPARE(m_told.adds.size(), 3u);
-        QCOMPARE(m_daemon->calls.size(), 2);
-        QCOMPARE(m_daemon->calls[1].arguments()[4], u"<"_s);
-        QCOMPARE(m_told.adds, std::vector<std::optional<QString>>(3));
-    }
-
-    void requestFails_data()
-    {
-        QTest::addColumn<Answer>("answer");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("error") << error(u"org.example.Full"_s, u"too many"_s) << u"too many"_s;
-        QTest::newRow("error without words")
-            << error(u"org.example.Full"_s, {}) << u"org.example.Full"_s;
-        QTest::newRow("wrong type")
-            << reply({u"7"_s}) << u"The notification service gave an answer that makes no sense"_s;
+        add();
+        QTRY_COMPARE(m_adds, std::vector<Failure>(3));
+        QCOMPARE(m_daemon->calls.last().arguments()[4], u"<"_s);
     }
 
     void requestFails()
     {
-        QFETCH(Answer, answer);
-        QFETCH(QString, text);
-        startDaemon(daemon(reply({QStringList()}), answer));
+        const std::pair<Answer, QString> answers[] = {
+            {error(u"org.example.Full"_s, u"too many"_s), u"too many"_s},
+            {error(u"org.example.Full"_s, {}), u"org.example.Full"_s},
+            {reply({u"7"_s}), u"The notification service gave an answer that makes no sense"_s}};
+        startDaemon(kPlain);
         start();
-        add(kRequest);
-        QTRY_COMPARE(m_told.adds, std::vector {std::optional(text)});
+        for (const auto& [answer, text] : answers) {
+            m_daemon->answer = daemon(reply({QStringList()}), answer);
+            m_adds.clear();
+            add();
+            QTRY_COMPARE(m_adds, std::vector {Failure(text)});
+        }
     }
 
-    /// Only a notification starts it, no question does.
+    /// Only a notification starts it, no question does. The last one, since the bus keeps it.
     void activatable()
     {
         const QTemporaryDir folder;
@@ -229,40 +186,24 @@ private Q_SLOTS:
         QVERIFY(m_world.bus.start());
         start();
         askSettings();
-        QTRY_COMPARE(m_told.settings, std::vector {Status::Authorized});
+        QTRY_COMPARE(m_settings, std::vector {Status::Authorized});
         QVERIFY(!QFile::exists(mark));
-        add(kRequest);
+        add();
         QTRY_VERIFY(QFile::exists(mark));
-        startDaemon(daemonThatCan({u"body-markup"_s}));
-        QTRY_COMPARE(m_told.adds, std::vector {std::optional<QString>()});
-        QVERIFY(m_daemon->calls.last().arguments()[4].toString().contains(u"&lt;b&gt;"_s));
+        startDaemon(kMarkup);
+        QTRY_COMPARE(m_adds, std::vector {Failure()});
+        QCOMPARE(m_daemon->calls.last().arguments()[4], u"&lt;"_s);
         QCOMPARE(m_daemon->calls.size(), 2); // it is asked once, too
         // Some end by themselves when there is nothing to show. We have not heard of it yet.
         QFile::remove(mark);
         m_daemon.reset();
         const QDeadlineTimer limit(5s);
         while (m_world.isOwned(kName) && !limit.hasExpired()) { }
-        add(kRequest);
+        add();
         QTRY_VERIFY(QFile::exists(mark));
-        startDaemon(daemonThatCan({}));
-        QTRY_COMPARE(m_told.adds, std::vector<std::optional<QString>>(2));
-        QCOMPARE(m_daemon->calls.last().arguments()[4], kRequest.body);
-        m_world.bus.stop();
-        m_world.bus.setActivatable(kName, {});
-    }
-
-    void ownerIsGone()
-    {
-        startDaemon(daemonThatCan({}));
-        start();
-        bool isCalled = false;
-        auto owner = std::make_unique<QObject>();
-        m_center->getNotificationSettings(owner.get(), [&](Status) { isCalled = true; });
-        m_center->add(kRequest, owner.get(), [&](const auto&) { isCalled = true; });
-        owner.reset();
-        add(kRequest);
-        QTRY_COMPARE(m_told.adds.size(), 1u);
-        QVERIFY(!isCalled);
+        startDaemon(kPlain);
+        QTRY_COMPARE(m_adds, std::vector<Failure>(2));
+        QCOMPARE(m_daemon->calls.last().arguments()[4], u"<"_s);
     }
 
 private:
@@ -271,27 +212,24 @@ private:
         m_link = m_world.makeLink();
         m_center = std::make_unique<FreedesktopNotifications>(*m_link);
     }
-
     void startDaemon(const Answer& answer)
     {
-        m_daemon
-            = std::make_unique<test::FakeBusService>(m_world.bus.address(), kName, kPath, answer);
+        m_daemon = std::make_unique<test::FakeBusService>(
+            m_world.bus.address(), kName, u"/org/freedesktop/Notifications"_s, answer);
     }
-
     void askSettings()
     {
         m_center->getNotificationSettings(
-            this, [this](Status status) { m_told.settings.push_back(status); });
+            this, [this](Status status) { m_settings.push_back(status); });
     }
-
-    void add(const NotificationRequest& request)
+    void add(const NotificationRequest& request = kRequest)
     {
-        m_center->add(request, this,
-            [this](const std::optional<QString>& failure) { m_told.adds.push_back(failure); });
+        m_center->add(request, this, [this](const Failure& failure) { m_adds.push_back(failure); });
     }
 
     test::BusFixture m_world;
-    Told m_told;
+    std::vector<Status> m_settings; ///< what askSettings() was told
+    std::vector<Failure> m_adds; ///< what add() was told
     std::unique_ptr<bus::BusLink> m_link;
     std::unique_ptr<FreedesktopNotifications> m_center;
     std::unique_ptr<test::FakeBusService> m_daemon;

@@ -50,22 +50,20 @@ private Q_SLOTS:
     void keepsTheLastTenSuccesses()
     {
         auto& [clock, configuration, pool, network, resolver, service] = *m_world;
-        QVERIFY(!service->lookupTime());
         service->start();
-        QTRY_COMPARE(service->history().size(), size_t(1));
-        QCOMPARE(service->lookupTime(), service->history().front().value);
-        QVERIFY(resolver->lastHostIsExpected);
-        for (int tick = 2; tick <= 12; ++tick) {
-            clock.advance(5s);
-            QTRY_COMPARE(service->history().back().timestamp, clock.now());
+        for (int tick = 1; tick <= 12; ++tick) {
+            QTRY_VERIFY(
+                !service->history().empty() && service->history().back().timestamp == clock.now());
             QCOMPARE(service->history().size(), size_t(std::min(tick, 10)));
+            clock.advance(5s);
         }
+        QVERIFY(resolver->lastHostIsExpected);
+        QTRY_COMPARE(service->history().back().timestamp, clock.now());
         QCOMPARE(service->history().front().timestamp, clock.now() - 45s);
         QCOMPARE(service->lookupTime(), service->history().back().value);
-        const int count = service->lookupCount();
         service->stop();
         clock.advance(60s);
-        QCOMPARE(service->lookupCount(), count);
+        QCOMPARE(service->lookupCount(), 13);
     }
 
     void timesTheResolver()
@@ -87,32 +85,25 @@ private Q_SLOTS:
     {
         auto& [clock, configuration, pool, network, resolver, service] = *m_world;
         test::CapturedLog log;
-        service->start();
-        QTRY_VERIFY(service->lookupTime());
-        const auto before = service->lookupTime();
         resolver->status = -2;
-        clock.advance(5s);
+        service->start();
         QStringList lines;
         QTRY_VERIFY(!(lines += log.take()).isEmpty());
         QCOMPARE(lines,
             QStringList {
                 u"DNSService: DNS lookup failed for host.test: Name or service not known (status: -2)"_s});
-        clock.advance(500ms);
-        QCOMPARE(service->lookupTime(), before);
-        QCOMPARE(service->history().size(), size_t(1));
+        QVERIFY(!service->lookupTime() && service->history().empty());
     }
 
     void namesTheFirstServer()
     {
         auto& [clock, configuration, pool, network, resolver, service] = *m_world;
-        QSignalSpy changes(service.get(), &probes::DNSService::dnsServerChanged);
         service->start();
         QVERIFY(!service->dnsServer());
         QTRY_COMPARE(service->dnsServer(), u"Unknown"_s);
         configuration.servers = {u"fe80::1%wlan0"_s, u"9.9.9.9"_s};
-        clock.advance(10s);
+        clock.advance(5s);
         QTRY_COMPARE(service->dnsServer(), u"fe80::1%wlan0"_s);
-        QCOMPARE(changes.size(), 2);
     }
 
     void hangingLookupsGatherNoFurtherOnes()

@@ -51,9 +51,9 @@ public:
     /// Returns when the bus has passed on everything that was sent.
     void flush()
     {
-        m_connection.call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-            QStringLiteral("/org/freedesktop/DBus"), QStringLiteral("org.freedesktop.DBus"),
-            QStringLiteral("GetId")));
+        const auto bus = QStringLiteral("org.freedesktop.DBus");
+        m_connection.call(
+            QDBusMessage::createMethodCall(bus, QStringLiteral("/"), bus, QStringLiteral("GetId")));
     }
 
     Answer answer;

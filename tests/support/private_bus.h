@@ -6,6 +6,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <csignal>
+
 namespace netvane::test {
 
 /// A message bus (dbus-daemon) of the test's own, whose address stays the same when it is stopped
@@ -13,25 +15,23 @@ namespace netvane::test {
 class PrivateBus {
 public:
     PrivateBus();
-    ~PrivateBus();
+    ~PrivateBus() { stop(); }
 
-    QString address() const;
-
-    /// Once it is started again, runs `command` for who calls `name` while nobody owns it; nothing
-    /// any more when that is empty.
+    QString address() const { return QStringLiteral("unix:path=") + path(QStringLiteral("bus")); }
+    /// Once it is started again, runs `command` for who calls `name` while nobody owns it.
     void setActivatable(const QString& name, const QString& command);
 
     /// True once it takes connections.
     bool start();
     /// Ends it at once; the connections only close.
     void stop();
-    bool isRunning() const { return m_daemon.state() == QProcess::Running; }
-
     /// Connections are still made but nobody answers on them, until it is resumed.
-    void suspend();
-    void resume();
+    void suspend() { signalDaemon(SIGSTOP); }
+    void resume() { signalDaemon(SIGCONT); }
 
 private:
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+    void write(const QString& name, const QString& text);
     void signalDaemon(int number);
 
     QTemporaryDir m_folder;
@@ -43,9 +43,12 @@ private:
 struct BusFixture {
     /// Starts the bus and sets its address in the environment.
     explicit BusFixture(QDBusConnection::BusType type = QDBusConnection::SessionBus);
-    ~BusFixture();
+    ~BusFixture() { queue.waitForDone(); }
 
-    std::unique_ptr<bus::BusLink> makeLink();
+    std::unique_ptr<bus::BusLink> makeLink()
+    {
+        return std::make_unique<bus::BusLink>(type, clock, queue);
+    }
     /// As another program sees it, without running the event loop.
     bool isOwned(const QString& name) const;
 

@@ -28,8 +28,8 @@ until_true() { # until_true CONDITION...: within ten seconds
 }
 check() { # check WHAT CONDITION...
     local what=$1; shift
-    if until_true "$@"; then echo "  ok: $what"; else
-        echo "  FAILED: $scenario: $what"; faults=$((faults + 1)); picture "failed-$what"; fi
+    until_true "$@" && echo "  ok: $what" && return
+    echo "  FAILED: $scenario: $what"; faults=$((faults + 1)); picture "failed-$what"
 }
 picture() { [ -z "${PICTURES:-}" ] || import -window root "$PICTURES/$scenario-${1// /-}.png"; }
 
@@ -84,3 +84,15 @@ run_program() {
 click() { xdotool mousemove "$1" "$2" click "${3:-1}"; }
 at_item() { click "$item_x" "$item_y" "${1:-1}"; }
 settled() { sleep 0.4; } # longer than what tells two clicks from a double click, and one click from the next
+# What the popover does on any desktop. Leaves it open.
+popover_opens_and_closes() {
+    at_item; check "a click opens the popover" popover_shown
+    check "it is wholly on the screen" on_screen
+    check "it has the keyboard" is_active Netvane
+    picture open; settled
+    at_item; check "a second click closes it" popover_hidden
+    settled; check "and does not open it again" popover_hidden
+    at_item; check "the next one opens it" popover_shown; settled
+}
+ends_on_sigterm() { kill "$netvane"; check "the program ends on SIGTERM" ended_well "$netvane"; }
+finish() { end; [ "$faults" = 0 ] && echo "$1: ok" || { echo "$1: $faults faults"; exit 1; }; }

@@ -2,10 +2,7 @@
 item_x=15 item_y=885
 
 # XEmbed: a click counts at its press, the second of two fast ones is a double one.
-desktop tint2
-start panel tint2 -c "$here/tint2rc"
-run_program
-check "the item is there" item_in_tint2
+tint2_desktop tint2
 picture start
 popover_scenes
 menu_scenes
@@ -39,15 +36,13 @@ timeout 20 "$program" >"$folder/second.log" 2>&1
 check "a second start says that there is a first" grep -q "Already running" "$folder/second.log"
 check "and opens the first one's window" window_count 1
 check "where it was" at "$(of_width 600)" 50 60
-start panel tint2 -c "$here/tint2rc"
-
+tint2_panel
 check "the item is in a panel that comes later" item_in_tint2
 at_item
 check "and opens the popover" popover_shown; settled
 timeout 20 "$program" >/dev/null 2>&1
 settled; check "a second start now opens nothing" popover_shown
-kill "$netvane"
-check "the program ends on SIGTERM" ended_well "$netvane"
+ends_on_sigterm
 
 # Services stop and start while the program runs.
 desktop services
@@ -58,8 +53,7 @@ start_system_bus() {
     system_bus=$last
 }
 start_system_bus
-start panel tint2 -c "$here/tint2rc"
-panel=$last
+tint2_panel
 run_program
 check "the item is there" item_in_tint2
 stop "$system_bus"; check "calm without the system bus" is_calm "$netvane"
@@ -69,8 +63,7 @@ start_bus
 check "its name is back on the bus" has_owner org.netvane.Netvane
 timeout 20 "$program" >"$folder/second.log" 2>&1 || true
 check "so that a second start finds it" grep -q "Already running" "$folder/second.log"
-start panel tint2 -c "$here/tint2rc"
-panel=$last
+tint2_panel
 check "the item comes back with the panel" item_in_tint2
 at_item; check "and opens the popover" popover_shown; settled
 at_item; check "and closes it" popover_hidden; settled
@@ -79,15 +72,11 @@ check "calm with both buses again" is_calm "$netvane"
 stop "$panel"
 start panel xfce4-panel --disable-wm-check
 check "calm with a panel of another kind" is_calm "$netvane"
-kill "$netvane"
-check "the program ends on SIGTERM" ended_well "$netvane"
+ends_on_sigterm
 export DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent
 
 # The display goes away, with the popover open.
-desktop lost-display
-start panel tint2 -c "$here/tint2rc"
-run_program
-check "the item is there" item_in_tint2
+tint2_desktop lost-display
 at_item; check "the popover opens" popover_shown
 kill "$xvfb"
 check "the program ends" ended "$netvane"

@@ -1,0 +1,92 @@
+#include "desktop/portal_appearance.h"
+#include "desktop/session_status_notifier_host.h"
+#include "support/fake_bus_service.h"
+#include "support/private_bus.h"
+#include "support/test_main.h"
+
+#include <QDBusVariant>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace netvane;
+using namespace Qt::Literals::StringLiterals;
+using platform::ColorScheme;
+
+namespace {
+
+QVariant wrapped(const QVariant& value)
+{
+    return QVariant::fromValue(QDBusVariant(value));
+}
+
+} // namespace
+
+/// The services whose state the program follows: the settings portal and the status area.
+class TestSessionServices : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void colorSchemes()
+    {
+        const std::pair<QVariant, ColorScheme> values[]
+            = {{wrapped(wrapped(7U)), ColorScheme::NoPreference},
+                {wrapped(u"1"_s), ColorScheme::NoPreference},
+                {wrapped(wrapped(wrapped(1U))), ColorScheme::NoPreference},
+                {wrapped(2U), ColorScheme::Light}};
+        for (const auto& [value, scheme] : values)
+            QCOMPARE(desktop::colorSchemeOf(value), scheme);
+    }
+
+    void portal()
+    {
+        const desktop::PortalAppearance appearance(*m_link);
+        QCOMPARE(appearance.colorScheme(), ColorScheme::NoPreference);
+        const QSignalSpy changed(&appearance, &platform::Appearance::colorSchemeChanged);
+        // Portals answer `Read` with a variant in a variant.
+        const QString path = u"/org/freedesktop/portal/desktop"_s;
+        test::FakeBusService portal(m_world.bus.address(), u"org.freedesktop.portal.Desktop"_s,
+            path, test::reply({wrapped(wrapped(1U))}));
+        QTRY_COMPARE(appearance.colorScheme(), ColorScheme::Dark);
+        const QString group = u"org.freedesktop.appearance"_s;
+        const QString key = u"color-scheme"_s;
+        for (const QVariantList& arguments : {QVariantList {u"other"_s, key, wrapped(0U)},
+                 {group, key, 0U}, {}, {group, key, wrapped(2U)}}) {
+            auto signal = QDBusMessage::createSignal(
+                path, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
+            signal.setArguments(arguments);
+            portal.send(signal);
+        }
+        QTRY_COMPARE(appearance.colorScheme(), ColorScheme::Light);
+        QCOMPARE(changed.count(), 2);
+    }
+
+    void statusArea()
+    {
+        const desktop::SessionStatusNotifierHost host(*m_link);
+        QTRY_COMPARE(host.isPresent(), std::optional(false)); // no watcher
+        const QString name = u"org.kde.StatusNotifierWatcher"_s;
+        const QString path = u"/StatusNotifierWatcher"_s;
+        const auto yes = test::reply({wrapped(true)});
+        auto panel = std::make_unique<test::FakeBusService>(m_world.bus.address(), name, path, yes);
+        QTRY_COMPARE(host.isPresent(), std::optional(true));
+        const std::pair<test::Answer, bool> answers[] = {{test::reply({wrapped(false)}), false},
+            {yes, true}, {test::error(u"org.example.Broken"_s), false}, {yes, true},
+            {test::reply({u"true"_s}), false}, {yes, true}};
+        for (const auto& [answer, isPresent] : answers) {
+            panel->answer = answer;
+            panel->send(QDBusMessage::createSignal(path, name,
+                isPresent ? u"StatusNotifierHostRegistered"_s
+                          : u"StatusNotifierHostUnregistered"_s));
+            QTRY_COMPARE(host.isPresent(), std::optional(isPresent));
+        }
+        panel.reset();
+        QTRY_COMPARE(host.isPresent(), std::optional(false));
+    }
+
+private:
+    test::BusFixture m_world;
+    const std::unique_ptr<bus::BusLink> m_link = m_world.makeLink();
+};
+
+NETVANE_TEST(TestSessionServices)
+#include "test_session_services.moc"
