@@ -1,5 +1,4 @@
-#include "base/work_queues.h"
-#include "net/qt_http_client.h"
+#include "net/curl_http_client.h"
 #include "probes/captive_portal_service.h"
 #include "support/fake_http_client.h"
 #include "support/manual_clock.h"
@@ -108,7 +107,7 @@ private Q_SLOTS:
         server.script("/login", {httpResponse("200 OK", "", "<form/>")});
         server.script("/moved", {httpResponse("200 OK", "", kPage)});
         server.script("/circle", {httpResponse("302 Found", "Location: /circle\r\n", "")});
-        net::QtHttpClient http(m_clock, m_queue, ScriptedHttpServer::trustingClient());
+        net::CurlHttpClient http(m_clock, ScriptedHttpServer::authorityFile());
         probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/probe"));
         service.checkForCaptivePortal();
         if (script.then == Script::Then::Drip) {
@@ -124,7 +123,7 @@ private Q_SLOTS:
     {
         ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
         server.script("/", {httpResponse("200 OK", "", kPage)});
-        net::QtHttpClient http(m_clock, m_queue); // with the system's authorities
+        net::CurlHttpClient http(m_clock); // with the system's authorities
         probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/"));
         service.checkForCaptivePortal();
         QTRY_VERIFY(service.isCaptive());
@@ -139,7 +138,6 @@ private:
     }
 
     test::ManualClock m_clock;
-    base::WorkQueue m_queue;
     test::FakeHttpClient m_http;
     test::FakeUrlOpener m_opener;
     probes::CaptivePortalService m_service {m_http, m_opener, m_clock, kProbe};

@@ -2,8 +2,8 @@
 #include "base/work_queues.h"
 #include "diagnostics/traceroute_service.h"
 #include "fault_rows.h"
+#include "net/curl_http_client.h"
 #include "net/linux_network_configuration.h"
-#include "net/qt_http_client.h"
 #include "net/socket_connections.h"
 #include "net/socket_hop_probes.h"
 #include "net/system_resolver.h"
@@ -310,8 +310,7 @@ private Q_SLOTS:
         test::ScriptedHttpServer server(test::ScriptedHttpServer::Transport::Clear);
         server.script("/", {test::httpResponse("200 OK", {}, "<h1>Success</h1>")});
         base::SystemClock clock;
-        base::WorkQueues queues;
-        net::QtHttpClient http(clock, queues.utility);
+        net::CurlHttpClient http(clock);
         NoOpener opener;
         probes::CaptivePortalService service(http, opener, clock, server.url("/"));
         {

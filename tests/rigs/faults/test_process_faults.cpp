@@ -5,7 +5,7 @@
 #include "bus/bus_link.h"
 #include "desktop/suspend_watch.h"
 #include "fault_rows.h"
-#include "net/qt_http_transfers.h"
+#include "net/curl_http_client.h"
 #include "net/socket_hop_probes.h"
 #include "radio/scan_permission.h"
 #include "support/fake_bus_service.h"
@@ -125,14 +125,12 @@ private Q_SLOTS:
     void transferWithoutThread()
     {
         base::SystemClock clock;
-        net::QtHttpTransfers transfers(clock);
+        net::CurlHttpClient transfers(clock);
         std::vector<std::optional<QString>> errors;
         const auto transfer = [&] {
             return transfers.start({.url = QUrl(u"ftp://127.0.0.1/"_s), .silenceLimit = 200ms},
                 [&](const auto& outcome) { errors.push_back(outcome.errorText); });
         };
-        QTest::ignoreMessage(
-            QtCriticalMsg, QRegularExpression(u"QThread::start: Thread creation error.*"_s));
         std::unique_ptr<platform::HttpTransfer> first;
         {
             const ArmedFault armed({"pthread_create", EAGAIN});

@@ -1,5 +1,4 @@
-#include "base/work_queues.h"
-#include "net/qt_http_client.h"
+#include "net/curl_http_client.h"
 #include "support/manual_clock.h"
 #include "support/scripted_http_server.h"
 #include "support/test_main.h"
@@ -25,14 +24,16 @@ Script::Then stop(const char* name)
 
 } // namespace
 
-class TestQtHttpClient : public QObject {
+Q_DECLARE_METATYPE(Script::Then)
+
+class TestCurlHttpClient : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void init()
     {
-        m_client = std::make_unique<net::QtHttpClient>(
-            m_clock, m_queue, ScriptedHttpServer::trustingClient());
+        m_client
+            = std::make_unique<net::CurlHttpClient>(m_clock, ScriptedHttpServer::authorityFile());
         m_owner = std::make_unique<QObject>();
         m_answers.clear();
     }
@@ -102,6 +103,32 @@ private Q_SLOTS:
         QTRY_COMPARE(m_answers.size(), size_t(2));
         QVERIFY(!m_answers.back().truncated);
         QCOMPARE(m_answers.back().body, m_answers.front().body);
+    }
+
+    void responseHeadersAreBounded_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<Script::Then>("then");
+        QTest::addColumn<bool>("isAccepted");
+        QTest::newRow("up to 60 KiB")
+            << "X: y\r\n"_ba.repeated(10'000) << Script::Then::Close << true;
+        QTest::newRow("many lines")
+            << "X: y\r\n"_ba.repeated(12'000) << Script::Then::Close << false;
+        QTest::newRow("endless line") << "X: y"_ba << Script::Then::Endless << false;
+    }
+    void responseHeadersAreBounded()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(Script::Then, then);
+        ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
+        const QByteArray head = "HTTP/1.1 200 OK\r\n" + line;
+        server.script("/", {then == Script::Then::Close ? head + "\r\nhello" : head, then});
+        get(server.url("/"));
+        QTRY_COMPARE(m_answers.size(), size_t(1));
+        QTEST(m_answers.front().body.has_value(), "isAccepted");
+        QCOMPARE(m_answers.front().errorText.has_value(), !m_answers.front().body);
+        QVERIFY(server.endlessBytes() < 4 * 1024 * 1024);
+        QTRY_COMPARE(server.openConnections(), 0);
     }
 
     void endsAtTheTimeLimit_data()
@@ -199,11 +226,10 @@ private:
     }
 
     test::ManualClock m_clock;
-    base::WorkQueue m_queue;
-    std::unique_ptr<net::QtHttpClient> m_client;
+    std::unique_ptr<net::CurlHttpClient> m_client;
     std::unique_ptr<QObject> m_owner; // goes before the client
     std::vector<HttpAnswer> m_answers;
 };
 
-NETVANE_TEST(TestQtHttpClient)
-#include "test_qt_http_client.moc"
+NETVANE_TEST(TestCurlHttpClient)
+#include "test_curl_http_client.moc"
