@@ -1,14 +1,18 @@
-# Everything a newcomer needs, from a fresh Debian 12 on. `make help` lists the targets.
+# Everything a newcomer needs, from a fresh Debian 12 or 13 on. `make help` lists the targets.
 JOBS ?= $(shell nproc)
 BUILD = build
 PREFIX ?= /usr/local
 export DESTDIR
 
-.PHONY: help build run demo screenshots install uninstall deb test check check-format check-layers check-qml \
-    check-packaging check-tidy check-sanitizers check-hardening check-fuzz fuzz soak test-desktop test-radio bench clean
+.PHONY: help setup build run demo screenshots install uninstall deb test test-fresh check check-format check-layers check-share \
+    check-qml check-packaging check-tidy check-sanitizers check-hardening check-fuzz fuzz soak test-desktop test-radio \
+    bench clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
+
+setup: ## installs what `make run` and `make test` need, which call it themselves; WITH="check radio" installs more
+	@scripts/setup build run display test $(WITH)
 
 build: ## the programs, at build/netvane and build/netvane-report
 	@scripts/setup build run
@@ -40,13 +44,17 @@ deb: ## a Debian package, in build/deb
 	@scripts/setup build run package
 	@scripts/build-deb $(BUILD)/deb
 
-test: ## builds and runs every test that needs no virtual machine
+test: ## builds and runs every test that needs no virtual machine, or those with LABEL=hermetic
 	@scripts/setup build run test
 	@cmake --preset release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
-	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
+	@ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS) $(if $(LABEL),-L $(LABEL) --no-tests=error)
 
-check: check-format check-layers check-qml check-packaging check-hardening check-tidy check-sanitizers check-fuzz ## the other checks
+test-fresh: ## `make run` and `make test` on a RELEASE (trixie, bookworm) with nothing but git and make; needs root
+	@scripts/setup fresh
+	@scripts/test-fresh $(or $(RELEASE),trixie)
+
+check: check-format check-layers check-share check-qml check-packaging check-hardening check-tidy check-sanitizers check-fuzz ## the other checks
 
 check-format: ## clang-format would change nothing
 	@scripts/setup check
@@ -55,6 +63,9 @@ check-format: ## clang-format would change nothing
 
 check-layers: ## no module includes a higher one, no file or function is too long
 	@scripts/check-layers
+
+check-share: ## a quarter to a third of the lines are tests
+	@scripts/check-share
 
 check-qml: ## qmllint has nothing to say about the views, no text is drawn but as plain text, no row but by Rows
 	@scripts/setup build run check

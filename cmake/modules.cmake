@@ -7,7 +7,8 @@ function(netvane_module name)
 endfunction()
 
 # netvane_tests(ROOM SOURCES ... LINK ... [WIDGETS]): one test executable for a room. Each source test_NAME.cpp is a class
-# of tests, which ctest runs by itself under ROOM.NAME.
+# of tests, which ctest runs by itself under ROOM.NAME. Its label is `hermetic` when it includes nothing that needs root,
+# a namespace, a bus or a resolver.
 function(netvane_tests room)
     cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;LINK" ${ARGN})
     set(target test_${room})
@@ -25,6 +26,10 @@ function(netvane_tests room)
         endif()
         set(name ${room}.${CMAKE_MATCH_1})
         add_test(NAME ${name} COMMAND ${target} ${CMAKE_MATCH_1})
+        file(STRINGS ${source} needs REGEX "#include .*[\"/](private_bus|own_network|fake_bus_service|scan_services|fault|system_resolver)\\.h")
+        if(NOT needs)
+            set_tests_properties(${name} PROPERTIES LABELS hermetic)
+        endif()
         # Freed memory is overwritten (mallopt(3)), so that nobody gets away with reading it, the libraries included.
         set_tests_properties(${name} PROPERTIES TIMEOUT 60 SKIP_RETURN_CODE 77
             ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;MALLOC_PERTURB_=165")
@@ -43,8 +48,8 @@ endfunction()
 # netvane_loads_views(PROGRAM): a program without the views, which finds them in a library of their own. It has the
 # whole of every module below them, whether it calls it or not, and offers it to the library.
 function(netvane_loads_views program)
-    set(modules netvane_base netvane_platform netvane_probes netvane_wifi netvane_diagnostics netvane_insights netvane_shell
-        netvane_app)
+    set(modules netvane_base netvane_platform netvane_probes netvane_wifi netvane_diagnostics netvane_insights 
+        netvane_services netvane_shell netvane_app)
     list(JOIN modules "," whole)
     target_link_libraries(${program} PRIVATE netvane_app netvane_system)
     add_dependencies(${program} netvane-views)

@@ -5,18 +5,9 @@
 #include "app/status_bar_manager.h"
 #include "base/log.h"
 #include "base/process_memory.h"
-#include "diagnostics/channel_analysis_service.h"
-#include "diagnostics/speed_test_service.h"
-#include "diagnostics/traceroute_service.h"
-#include "insights/network_notification_service.h"
-#include "insights/onboarding_service.h"
-#include "insights/report_service.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
-#include "probes/captive_portal_service.h"
-#include "probes/dns_service.h"
 #include "probes/network_utils.h"
-#include "probes/ping_service.h"
 #include "probes/probe_targets.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
@@ -32,6 +23,8 @@ using namespace std::chrono_literals;
 namespace netvane::app {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.app")
+
 constexpr std::chrono::milliseconds kMemoryLogInterval = 30s;
 /// A session that begins starts its panel and us in any order.
 constexpr std::chrono::milliseconds kStatusAreaLimit = 3s;
@@ -45,10 +38,11 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
     , m_activity(activity)
     , m_notifications(notifications)
     , m_views(views)
-    , m_updaterController(QCoreApplication::applicationFilePath())
+    , m_services(platform)
     , m_statusArea(*platform.statusNotifierHost)
 {
-    base::log(u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
+    base::log(
+        logCategory(), u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
     connect(&m_notifications, &NotificationCenter::openInWindow, this,
         &AppDelegate::handleOpenInWindow);
     connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
@@ -59,56 +53,22 @@ AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationWillFinishLaunching()
 {
-    base::log(u"AppDelegate: applicationWillFinishLaunching called"_s);
+    base::log(logCategory(), u"AppDelegate: applicationWillFinishLaunching called"_s);
 }
 
 void AppDelegate::applicationDidFinishLaunching()
 {
-    base::log(u"Netvane: Application launching..."_s);
+    base::log(logCategory(), u"Netvane: Application launching..."_s);
     // Nothing in the task bar, and no window whose closing would end the program.
-    base::log(u"Netvane: Activation policy set to accessory"_s);
-    base::log(u"Netvane: App activated"_s);
-    makeServices();
+    base::log(logCategory(), u"Netvane: Activation policy set to accessory"_s);
+    base::log(logCategory(), u"Netvane: App activated"_s);
+    m_services.makeAll(m_activity);
     setupStatusBar();
     setupMainMenu();
-    m_networkUtils->getDefaultGateway(
+    m_services.networkUtils->getDefaultGateway(
         this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
-    base::log(u"Netvane: Application launched successfully"_s);
+    base::log(logCategory(), u"Netvane: Application launched successfully"_s);
     m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
-}
-
-/// In the order in which they need each other; sampling the link begins here, the probes wait for
-/// `startServices`.
-void AppDelegate::makeServices()
-{
-    m_locationPermissionService = std::make_unique<wifi::LocationPermissionService>(
-        *m_platform.locationManager, m_activity);
-    base::log(u"Netvane: Location permission status: "_s
-        + QString::number(int(m_locationPermissionService->authorizationStatus())));
-    m_networkNotificationService = std::make_unique<insights::NetworkNotificationService>(
-        *m_platform.userNotifications, *m_platform.userDefaults, *m_platform.clock);
-    m_wifiService = std::make_unique<wifi::WiFiService>(
-        m_platform.wifiClient, *m_platform.clock, m_platform.queues->userInitiated);
-    m_wifiService->setLocationPermissionService(*m_locationPermissionService);
-    m_wifiService->setNetworkNotificationService(m_networkNotificationService.get());
-    m_networkUtils = std::make_unique<probes::NetworkUtils>(
-        *m_platform.networkConfiguration, m_platform.queues->userInitiated);
-    m_dnsService = std::make_unique<probes::DNSService>(
-        *m_networkUtils, m_platform.resolver, *m_platform.clock, probes::kDnsTestHost);
-    m_speedTestService = std::make_unique<diagnostics::SpeedTestService>(*m_platform.httpTransfers,
-        *m_platform.userDefaults, *m_platform.clock, diagnostics::kSpeedTestServer);
-    m_captivePortalService = std::make_unique<probes::CaptivePortalService>(*m_platform.httpClient,
-        *m_platform.urlOpener, *m_platform.clock, probes::kCaptivePortalProbe);
-    m_channelAnalysisService = std::make_unique<diagnostics::ChannelAnalysisService>(
-        *m_platform.networkScanner, *m_platform.clock);
-    m_channelAnalysisService->setLocationPermissionService(m_locationPermissionService.get());
-    m_tracerouteService = std::make_unique<diagnostics::TracerouteService>(
-        *m_platform.clock, *m_platform.hopProbes);
-    m_onboardingService = std::make_unique<insights::OnboardingService>(*m_platform.userDefaults);
-    m_reportService = std::make_unique<insights::ReportService>(
-        [this] { return currentReadings(); }, *m_platform.clock, m_platform.queues->utility,
-        insights::ReportExits {
-            *m_platform.clipboard, *m_platform.savePanel, *m_platform.sharePicker});
 }
 
 /// What was read before is old. A probe that was under way when the machine fell asleep tells
@@ -117,38 +77,16 @@ void AppDelegate::sampleAfterSleep()
 {
     if (m_isTerminated || !m_popover) // not all of them run
         return;
-    base::log(u"Netvane: Awake after a sleep, reading everything anew"_s);
-    m_wifiService->updateWiFiInfo();
-    m_routerPingService->probeAtOnce();
-    m_internetPingService->probeAtOnce();
-    m_dnsService->performLookup();
-    m_captivePortalService->checkForCaptivePortal();
-}
-
-/// For a report. Whatever has not measured yet is absent.
-std::optional<insights::ReportInputs> AppDelegate::currentReadings() const
-{
-    if (!m_dnsService)
-        return {};
-    const auto latestOf = [](const probes::PingService* probe) {
-        return probe ? probe->currentMetrics() : std::nullopt;
-    };
-    return insights::ReportInputs {
-        .wifi = m_wifiService ? m_wifiService->currentWiFi() : std::nullopt,
-        .router = latestOf(m_routerPingService.get()),
-        .internet = latestOf(m_internetPingService.get()),
-        .dnsLookupTime = m_dnsService->lookupTime(),
-        .dnsServer = m_dnsService->dnsServer(),
-        .speedTest = m_speedTestService->result(),
-    };
+    base::log(logCategory(), u"Netvane: Awake after a sleep, reading everything anew"_s);
+    m_services.readAnew();
 }
 
 void AppDelegate::setupStatusBar()
 {
     m_statusBarManager = std::make_unique<StatusBarManager>(
         m_notifications, m_statusArea, *m_platform.appearance, *m_platform.clock);
-    m_statusBarManager->setup(m_wifiService.get());
-    base::log(u"Netvane: Status bar setup complete"_s);
+    m_statusBarManager->setup(wifiService());
+    base::log(logCategory(), u"Netvane: Status bar setup complete"_s);
 }
 
 /// Works in every window of the program that is the active one.
@@ -158,19 +96,14 @@ void AppDelegate::setupMainMenu()
     auto* open = m_mainMenu->addAction(u"Open in Window"_s);
     open->setShortcut(QKeySequence(u"Ctrl+D"_s));
     connect(open, &QAction::triggered, this, &AppDelegate::handleOpenInWindow);
-    base::log(u"Netvane: Global keyboard shortcut ⌘D configured"_s);
+    base::log(logCategory(), u"Netvane: Global keyboard shortcut ⌘D configured"_s);
 }
 
 void AppDelegate::gatewayAnswered(const std::optional<QString>& address)
 {
     const QString router = address.value_or(probes::kFallbackGateway);
-    base::log(u"Netvane: Default gateway: "_s + router);
-    const auto probeOf = [this](const QString& host, const QString& name) {
-        return std::make_unique<probes::PingService>(
-            host, name, *m_platform.clock, *m_platform.connections);
-    };
-    m_routerPingService = probeOf(router, u"router"_s);
-    m_internetPingService = probeOf(probes::kInternetTarget, u"internet"_s);
+    base::log(logCategory(), u"Netvane: Default gateway: "_s + router);
+    m_services.makeProbes(router);
     QMetaObject::invokeMethod(this, &AppDelegate::startServices, Qt::QueuedConnection);
 }
 
@@ -179,14 +112,11 @@ void AppDelegate::startServices()
     // The end of the program may have come before the gateway's answer.
     if (m_isTerminated)
         return;
-    m_routerPingService->start();
-    m_internetPingService->start();
-    m_dnsService->start();
-    m_captivePortalService->start();
+    m_services.start();
     setupPopover();
     connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake, this,
         &AppDelegate::sampleAfterSleep);
-    base::log(u"Netvane: All services started"_s);
+    base::log(logCategory(), u"Netvane: All services started"_s);
     m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
 }
 
@@ -264,8 +194,9 @@ void AppDelegate::followStatusArea()
     m_statusAreaTimer.reset();
     if (m_statusArea.state() == shell::StatusArea::State::Present)
         return;
-    base::log(u"Netvane: This desktop has no status area, so the window opens instead; "
-              "start Netvane again to open it again"_s);
+    base::log(logCategory(),
+        u"Netvane: This desktop has no status area, so the window opens instead; "
+        "start Netvane again to open it again"_s);
     openDetailedWindow();
 }
 
@@ -277,11 +208,11 @@ void AppDelegate::applicationStartedAgain()
 
 void AppDelegate::applicationDidBecomeActive()
 {
-    base::log(u"Netvane: App became active - checking location permission"_s);
-    if (m_locationPermissionService)
-        m_locationPermissionService->checkAuthorizationStatus();
-    if (m_wifiService)
-        m_wifiService->updateWiFiInfo();
+    base::log(logCategory(), u"Netvane: App became active - checking location permission"_s);
+    if (auto* permission = locationPermissionService())
+        permission->checkAuthorizationStatus();
+    if (auto* wifi = wifiService())
+        wifi->updateWiFiInfo();
 }
 
 void AppDelegate::applicationWillTerminate()
@@ -289,18 +220,7 @@ void AppDelegate::applicationWillTerminate()
     if (std::exchange(m_isTerminated, true))
         return;
     m_statusAreaTimer.reset();
-    if (m_wifiService)
-        m_wifiService->stopMonitoring();
-    for (auto* probe : {m_routerPingService.get(), m_internetPingService.get()}) {
-        if (probe)
-            probe->stop();
-    }
-    if (m_dnsService)
-        m_dnsService->stop();
-    if (m_captivePortalService)
-        m_captivePortalService->stop();
-    if (m_speedTestService)
-        m_speedTestService->cancelTest();
+    m_services.stop();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool)
@@ -311,7 +231,8 @@ bool AppDelegate::applicationShouldHandleReopen(bool)
 void AppDelegate::logMemoryUsage() const
 {
     if (const auto bytes = base::residentBytes())
-        base::log(u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
+        base::log(
+            logCategory(), u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
 }
 
 } // namespace netvane::app

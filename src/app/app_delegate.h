@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/updater_controller.h"
 #include "base/clock.h"
+#include "services/services.h"
 #include "shell/outside_click_monitor.h"
 #include "shell/status_area.h"
 
@@ -10,32 +10,6 @@
 
 #include <memory>
 #include <optional>
-
-namespace netvane::diagnostics {
-class ChannelAnalysisService;
-class SpeedTestService;
-class TracerouteService;
-} // namespace netvane::diagnostics
-namespace netvane::insights {
-class NetworkNotificationService;
-class OnboardingService;
-class ReportService;
-struct ReportInputs;
-} // namespace netvane::insights
-namespace netvane::platform {
-class ApplicationActivity;
-struct Platform;
-} // namespace netvane::platform
-namespace netvane::probes {
-class CaptivePortalService;
-class DNSService;
-class NetworkUtils;
-class PingService;
-} // namespace netvane::probes
-namespace netvane::wifi {
-class LocationPermissionService;
-class WiFiService;
-} // namespace netvane::wifi
 
 namespace netvane::shell {
 class DetailedWindowController;
@@ -70,7 +44,6 @@ public:
     /// request for its window.
     void applicationStartedAgain();
 
-    const UpdaterController& updaterController() const { return m_updaterController; }
     StatusBarManager* statusBarManager() { return m_statusBarManager.get(); }
     /// Null until the services run.
     shell::PopoverWindow* popover() { return m_popover.get(); }
@@ -78,36 +51,51 @@ public:
     shell::DetailedWindowController* windowController() { return m_windowController.get(); }
     /// There exactly while the popover is open.
     shell::OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
+    const services::Services& services() const { return m_services; }
+    const services::UpdaterController& updaterController() const
+    {
+        return m_services.updaterController;
+    }
     // The services: null until their place in the launch sequence, then there to the end.
     wifi::LocationPermissionService* locationPermissionService() const
     {
-        return m_locationPermissionService.get();
+        return m_services.locationPermissionService.get();
     }
-    wifi::WiFiService* wifiService() const { return m_wifiService.get(); }
-    probes::PingService* routerPingService() const { return m_routerPingService.get(); }
-    probes::PingService* internetPingService() const { return m_internetPingService.get(); }
-    probes::DNSService* dnsService() const { return m_dnsService.get(); }
-    diagnostics::SpeedTestService* speedTestService() const { return m_speedTestService.get(); }
+    wifi::WiFiService* wifiService() const { return m_services.wifiService.get(); }
+    probes::PingService* routerPingService() const { return m_services.routerPingService.get(); }
+    probes::PingService* internetPingService() const
+    {
+        return m_services.internetPingService.get();
+    }
+    probes::DNSService* dnsService() const { return m_services.dnsService.get(); }
+    diagnostics::SpeedTestService* speedTestService() const
+    {
+        return m_services.speedTestService.get();
+    }
     probes::CaptivePortalService* captivePortalService() const
     {
-        return m_captivePortalService.get();
+        return m_services.captivePortalService.get();
     }
     diagnostics::ChannelAnalysisService* channelAnalysisService() const
     {
-        return m_channelAnalysisService.get();
+        return m_services.channelAnalysisService.get();
     }
     insights::NetworkNotificationService* networkNotificationService() const
     {
-        return m_networkNotificationService.get();
+        return m_services.networkNotificationService.get();
     }
-    insights::ReportService* reportService() const { return m_reportService.get(); }
-    insights::OnboardingService* onboardingService() const { return m_onboardingService.get(); }
-    diagnostics::TracerouteService* tracerouteService() const { return m_tracerouteService.get(); }
+    insights::ReportService* reportService() const { return m_services.reportService.get(); }
+    insights::OnboardingService* onboardingService() const
+    {
+        return m_services.onboardingService.get();
+    }
+    diagnostics::TracerouteService* tracerouteService() const
+    {
+        return m_services.tracerouteService.get();
+    }
     QMenu* mainMenu() const { return m_mainMenu.get(); }
 
 private:
-    void makeServices();
-    std::optional<insights::ReportInputs> currentReadings() const;
     void setupStatusBar();
     void setupMainMenu();
     void setupPopover();
@@ -127,20 +115,7 @@ private:
     platform::ApplicationActivity& m_activity;
     NotificationCenter& m_notifications;
     DashboardViews& m_views;
-    UpdaterController m_updaterController;
-    std::unique_ptr<probes::NetworkUtils> m_networkUtils;
-    std::unique_ptr<wifi::LocationPermissionService> m_locationPermissionService;
-    std::unique_ptr<insights::NetworkNotificationService> m_networkNotificationService;
-    std::unique_ptr<wifi::WiFiService> m_wifiService;
-    std::unique_ptr<probes::PingService> m_routerPingService;
-    std::unique_ptr<probes::PingService> m_internetPingService;
-    std::unique_ptr<probes::DNSService> m_dnsService;
-    std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
-    std::unique_ptr<probes::CaptivePortalService> m_captivePortalService;
-    std::unique_ptr<diagnostics::ChannelAnalysisService> m_channelAnalysisService;
-    std::unique_ptr<diagnostics::TracerouteService> m_tracerouteService;
-    std::unique_ptr<insights::OnboardingService> m_onboardingService;
-    std::unique_ptr<insights::ReportService> m_reportService;
+    services::Services m_services;
     std::unique_ptr<QMenu> m_mainMenu;
     shell::StatusArea m_statusArea;
     std::unique_ptr<shell::PopoverWindow> m_popover;

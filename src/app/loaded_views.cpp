@@ -12,6 +12,11 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::app {
+namespace {
+
+Q_LOGGING_CATEGORY(logCategory, "netvane.app")
+
+} // namespace
 
 LoadedViews::LoadedViews(platform::Platform& platform, const QString& path)
     : m_platform(platform)
@@ -29,7 +34,7 @@ QString LoadedViews::defaultPath()
 
 void LoadedViews::sayThatThereIsNone(const QString& reason)
 {
-    base::log(u"Netvane: The windows cannot be loaded: "_s + reason);
+    base::log(logCategory(), u"Netvane: The windows cannot be loaded: "_s + reason);
     if (!m_message) {
         m_message = new QMessageBox(QMessageBox::Warning, u"Netvane"_s,
             u"Netvane cannot show its windows. Installing it again may help."_s,

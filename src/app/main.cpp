@@ -16,6 +16,8 @@ using namespace netvane;
 
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.app")
+
 QStringList wordsOf(int argc, char** argv)
 {
     QStringList words;
@@ -51,7 +53,8 @@ int main(int argc, char** argv)
         return answer->status;
     }
     if (!app::hasDisplay()) {
-        base::log(u"Netvane: There is no display to run on; start it from a desktop session"_s);
+        base::log(logCategory(),
+            u"Netvane: There is no display to run on; start it from a desktop session"_s);
         return 1;
     }
     QApplication application(argc, argv);

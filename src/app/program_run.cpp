@@ -16,6 +16,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::app {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.app")
+
 platform::Platform withDesktop(platform::Platform platform)
 {
     if (!platform.urlOpener)
@@ -35,7 +37,7 @@ void endWithoutDisplay()
 {
     if (!s_running)
         return;
-    base::log(u"Netvane: The display is gone"_s);
+    base::log(logCategory(), u"Netvane: The display is gone"_s);
     std::exchange(s_running, nullptr)->delegate().applicationWillTerminate();
     std::fflush(nullptr);
     std::_Exit(EXIT_FAILURE);
@@ -51,7 +53,7 @@ bool hasDisplay()
 
 void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    base::log(qFormatLogMessage(type, context, message));
+    base::writeLogLine(qFormatLogMessage(type, context, message));
 }
 
 Program::Program(QApplication& application, platform::Platform platform, const MakeViews& makeViews)
@@ -79,7 +81,7 @@ void Program::follow(QApplication& application)
     });
     QObject::connect(claim, &platform::InstanceClaim::decided, &m_delegate, [this](bool isFirst) {
         if (!isFirst) {
-            base::log(
+            base::log(logCategory(),
                 u"Netvane: Already running in this session; look for its icon in the status area"_s);
             QCoreApplication::quit();
             return;

@@ -18,6 +18,8 @@ using namespace std::chrono_literals;
 namespace netvane::app {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.app")
+
 constexpr int kItemHeight = 22;
 constexpr int kItemReach = 24; ///< from a click on an item to its furthest point, about
 constexpr std::chrono::milliseconds kClickDuration = 250ms;
@@ -56,24 +58,26 @@ void StatusBarManager::makeMenu()
 
 void StatusBarManager::setup(wifi::WiFiService* wifiService)
 {
-    base::log(u"StatusBarManager: Setting up status bar item..."_s);
+    base::log(logCategory(), u"StatusBarManager: Setting up status bar item..."_s);
     m_wifiService = wifiService;
     setupStatusItem();
 }
 
 void StatusBarManager::setupStatusItem()
 {
-    base::log(u"StatusBarManager: Status bar button created"_s);
+    base::log(logCategory(), u"StatusBarManager: Status bar button created"_s);
     connect(&m_statusArea, &shell::StatusArea::changed, this, &StatusBarManager::showStatusItem);
     showStatusItem();
     // Panels decide about size and place; many tell neither.
     const int width = m_statusItem ? m_statusItem->geometry().width() : 0;
     const QRect frame(0, 0, std::max(width, kItemHeight), kItemHeight);
-    base::log(u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
+    base::log(logCategory(),
+        u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
     qApp->installEventFilter(this);
     connect(&m_appearance, &platform::Appearance::colorSchemeChanged, this,
         &StatusBarManager::applyIcon);
-    base::log(u"StatusBarManager: Status bar item setup complete - should be visible"_s);
+    base::log(
+        logCategory(), u"StatusBarManager: Status bar item setup complete - should be visible"_s);
 }
 
 /// Once there is a place for it. From then on it comes back by itself with every panel.

@@ -11,13 +11,10 @@
 
 namespace netvane::base {
 
-/// Runs `work` on `queue` and hands what it returns to `deliver` on the thread of `owner`, which is
-/// the calling one; nothing is delivered once the owner is gone. Unlike `QFuture::then(owner,
-/// ...)`, which in Qt 6.4 looks at the owner from the thread that did the work, this lets the owner
-/// go at any moment. With `clock` it is delivered `soon` and not at once.
+/// Starts `work` as `runInBackground` does; its result is delivered once what this returns was
+/// called on the thread of `owner`.
 template <typename Work, typename Deliver>
-void runInBackground(
-    WorkQueue& queue, QObject* owner, Work work, Deliver deliver, Clock* clock = nullptr)
+[[nodiscard]] auto startInBackground(WorkQueue& queue, QObject* owner, Work work, Deliver deliver)
 {
     using Value = std::invoke_result_t<Work>;
     auto* watcher = new QFutureWatcher<Value>(owner);
@@ -28,13 +25,32 @@ void runInBackground(
         });
     const auto promise = std::make_shared<QPromise<Value>>();
     promise->start();
-    const auto listen = [watcher, future = promise->future()] { watcher->setFuture(future); };
     queue.post([promise, work = std::move(work)]() mutable {
         promise->addResult(work());
         promise->finish();
     });
-    if (clock)
-        clock->soon(watcher, listen);
+    return [watcher, future = promise->future()] { watcher->setFuture(future); };
+}
+
+/// Runs `work` on a thread of `queue` and calls `deliver` with its result on the thread of `owner`,
+/// which is the calling one; never once the owner is gone. For work that ends in bounded time; for
+/// calls that may hang for ever there is `runDetached`.
+/// `QFuture::then(owner, ...)` would be shorter, but in Qt 6.4 it looks at the owner from the
+/// thread that did the work, while the owner may be destroyed.
+template <typename Work, typename Deliver>
+void runInBackground(WorkQueue& queue, QObject* owner, Work work, Deliver deliver)
+{
+    startInBackground(queue, owner, std::move(work), std::move(deliver))();
+}
+
+/// The same, delivered in the given way.
+template <typename Work, typename Deliver>
+void runInBackground(
+    WorkQueue& queue, QObject* owner, Work work, Deliver deliver, Clock& clock, Delivery delivery)
+{
+    const auto listen = startInBackground(queue, owner, std::move(work), std::move(deliver));
+    if (delivery == Delivery::Batched)
+        clock.soon(owner, listen);
     else
         listen();
 }

@@ -8,6 +8,12 @@ class QObject;
 
 namespace netvane::base {
 
+/// When the result of background work is delivered.
+enum class Delivery {
+    Immediate,
+    Batched, ///< together with others (`Clock::soon`), so that the processor wakes up once for all
+};
+
 /// A timer that runs; destroying it stops it. May be destroyed from inside its own action.
 class Timer {
 public:

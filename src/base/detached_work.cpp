@@ -1,6 +1,5 @@
 #include "base/detached_work.h"
 
-#include "base/detached_thread.h"
 #include "base/file_descriptor.h"
 
 #include <QSocketNotifier>
@@ -8,54 +7,66 @@
 #include <sys/eventfd.h>
 
 #include <atomic>
+#include <system_error>
+#include <thread>
 
 namespace netvane::base {
 namespace {
 
-/// Shared by the two threads; the last one closes the descriptor.
-class Bell {
+/// Tells one thread that another is done; the last of them closes the descriptor. An eventfd and
+/// not a posted event, because there may be no application left to post to.
+class DoneSignal {
 public:
     bool isValid() const { return m_descriptor.isOpen(); }
     int descriptor() const { return m_descriptor.get(); }
 
-    void ring()
+    void set()
     {
-        m_rang.store(true, std::memory_order_release);
+        m_isSet.store(true, std::memory_order_release);
         (void)::eventfd_write(m_descriptor.get(), 1); // the first one always has room
     }
-    /// What was written before `ring` can be read once this is true.
-    bool rang() const { return m_rang.load(std::memory_order_acquire); }
+    /// What was written before `set` can be read once this is true.
+    bool isSet() const { return m_isSet.load(std::memory_order_acquire); }
 
 private:
     FileDescriptor m_descriptor {::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
-    std::atomic<bool> m_rang = false;
+    std::atomic<bool> m_isSet = false;
 };
+
+bool startThread(std::function<void()> work)
+{
+    try {
+        std::thread(std::move(work)).detach();
+        return true;
+    } catch (const std::system_error&) {
+        return false; // the standard library has no other way to say that there are too many
+    }
+}
 
 } // namespace
 
-bool startDetached(
-    QObject* owner, std::function<void()> work, std::function<void()> done, Clock* clock)
+bool startDetached(QObject* owner, std::function<void()> work, std::function<void()> done,
+    Clock& clock, Delivery delivery)
 {
-    const auto bell = std::make_shared<Bell>();
-    if (!bell->isValid() || !startDetachedThread([bell, work = std::move(work)]() mutable {
+    const auto signal = std::make_shared<DoneSignal>();
+    if (!signal->isValid() || !startThread([signal, work = std::move(work)]() mutable {
             work();
-            // What it holds goes here and not some time after the owner has the value.
-            work = nullptr;
-            bell->ring();
+            work = nullptr; // what it holds goes before the owner has the value
+            signal->set();
         }))
         return false;
-    auto* notifier = new QSocketNotifier(bell->descriptor(), QSocketNotifier::Read, owner);
+    auto* notifier = new QSocketNotifier(signal->descriptor(), QSocketNotifier::Read, owner);
     QObject::connect(
-        notifier, &QSocketNotifier::activated, owner, [notifier, bell, done = std::move(done)] {
-            if (!bell->rang())
+        notifier, &QSocketNotifier::activated, owner, [notifier, signal, done = std::move(done)] {
+            if (!signal->isSet())
                 return;
             notifier->setEnabled(false);
             notifier->deleteLater();
             done();
         });
-    if (clock) {
+    if (delivery == Delivery::Batched) {
         notifier->setEnabled(false);
-        clock->soon(notifier, [notifier] { notifier->setEnabled(true); });
+        clock.soon(notifier, [notifier] { notifier->setEnabled(true); });
     }
     return true;
 }

@@ -77,7 +77,13 @@ void writeToStandardError(const QByteArray& line)
 
 } // namespace
 
-void log(const QString& line)
+void log(const QLoggingCategory& category, const QString& text)
+{
+    if (category.isInfoEnabled())
+        writeLogLine(text);
+}
+
+void writeLogLine(const QString& line)
 {
     const QString visible = withVisibleControls(line).left(kLongestLine);
     if (const auto sink = g_sink.load()) {

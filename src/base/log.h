@@ -1,20 +1,25 @@
 #pragma once
 
+#include <QLoggingCategory>
 #include <QString>
 
 namespace netvane::base {
 
-/// Writes one event as one line to standard error and, unless standard error already is the
-/// journal (its device and inode are those in JOURNAL_STREAM), to the system log (RFC 3164 over
-/// /dev/log). Characters that could start a new line or hide text come out as visible escapes;
+/// Writes one event as one line, unless `category` ("netvane.<room>") is switched off: Qt's
+/// logging rules decide, for instance QT_LOGGING_RULES="netvane.probes=false". Any thread.
+void log(const QLoggingCategory& category, const QString& text);
+
+/// Writes one line, with no category to ask, to standard error and, unless standard error already
+/// is the journal (its device and inode are those in JOURNAL_STREAM), to the system log (RFC 3164
+/// over /dev/log). Characters that could start a new line or hide text come out as visible escapes;
 /// what exceeds about 1,300 characters is left out. Any thread; waits neither for the system log
-/// nor for whoever reads standard error, who may miss lines then.
-void log(const QString& line);
+/// nor for the reader of standard error, who may miss lines then.
+void writeLogLine(const QString& line);
 
 using LogSink = void (*)(const QString& line);
 
-/// Sends the lines somewhere else (nullptr: back to where they belong) and returns the sink that
-/// was there. The sink is called on the thread that logs.
+/// Sends the lines to `sink` instead (nullptr: to the usual places) and returns the sink before it.
+/// The sink is called on the thread that logs.
 LogSink setLogSink(LogSink sink);
 
 } // namespace netvane::base

@@ -1,6 +1,7 @@
 #include "bus/bus_answer.h"
 
 #include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -15,6 +16,29 @@ void askBus(const QDBusConnection& bus, const QDBusMessage& call, int limitMs, Q
             watcher->deleteLater();
             take(watcher->reply());
         });
+}
+
+QDBusMessage busCall(const QString& method)
+{
+    const QString name = u"org.freedesktop.DBus"_s;
+    return QDBusMessage::createMethodCall(name, u"/org/freedesktop/DBus"_s, name, method);
+}
+
+QDBusMessage ownerQuestion(const QString& service)
+{
+    return busCall(u"GetNameOwner"_s) << service;
+}
+
+bool isReply(const QDBusMessage& answer, const QString& signature)
+{
+    return answer.type() == QDBusMessage::ReplyMessage && answer.signature() == signature;
+}
+
+QVariant propertyValue(const QDBusMessage& answer)
+{
+    if (!isReply(answer, u"v"_s))
+        return {};
+    return answer.arguments().value(0).value<QDBusVariant>().variant();
 }
 
 bool isNobodyThere(const QDBusMessage& answer)

@@ -52,14 +52,14 @@ BusLink::~BusLink()
 void BusLink::connectToBus()
 {
     using Connection = std::optional<QDBusConnection>;
-    const auto connectNow = [bus = m_bus, address = addressOf(m_bus),
-                                name = nextConnectionName()]() -> Connection {
+    const auto connectNow
+        = [bus = m_bus, address = addressOf(m_bus), name = nextConnectionName()]() -> Connection {
         if (!isBusAwake(address))
             return {};
         return QDBusConnection::connectToBus(bus, name);
     };
-    base::runInBackground(m_queue, this, connectNow,
-        [this](const Connection& connection) { take(connection); });
+    base::runInBackground(
+        m_queue, this, connectNow, [this](const Connection& connection) { take(connection); });
 }
 
 void BusLink::take(const std::optional<QDBusConnection>& connection)

@@ -3,7 +3,6 @@
 #include "base/system_clock.h"
 #include "demo/screenshots.h"
 #include "demo/script.h"
-#include "demo/scripted_platform.h"
 #include "demo/window_mark.h"
 #include "shell/popover_window.h"
 #include "windows/program_views.h"
@@ -21,6 +20,8 @@ using namespace std::chrono_literals;
 using namespace netvane;
 
 namespace {
+
+Q_LOGGING_CATEGORY(logCategory, "netvane.demo")
 
 constexpr std::chrono::milliseconds kStartTime = 1s;
 
@@ -79,21 +80,21 @@ bool asksForText(int argc, char** argv)
 
 int run(QApplication& application, const Options& options)
 {
+    std::unique_ptr<demo::Stage> stage;
     std::unique_ptr<demo::WindowMark> mark;
     std::unique_ptr<base::Timer> opening;
     return app::runProgram(application, [&] {
-        auto scripted = demo::makeScriptedPlatform(std::make_unique<base::SystemClock>(),
-            {.scenes = demo::scenes(),
+        stage = std::make_unique<demo::Stage>(std::make_unique<base::SystemClock>(),
+            demo::StageOptions {.scenes = demo::scenes(),
                 .held = options.scene,
                 .colorScheme = options.colorScheme,
                 // Without one the window would take the popover's place.
                 .hasStatusArea = options.showsPopover || QSystemTrayIcon::isSystemTrayAvailable()});
-        auto& clock = *scripted.platform.clock;
-        mark = std::make_unique<demo::WindowMark>(application, *scripted.stage);
-        auto program = std::make_unique<app::Program>(application, std::move(scripted.platform),
+        mark = std::make_unique<demo::WindowMark>(application, *stage);
+        auto program = std::make_unique<app::Program>(application, std::move(stage->parts.platform),
             &std::make_unique<windows::ProgramViews, platform::Platform&>);
         if (options.showsPopover)
-            opening = clock.after(kStartTime, [&delegate = program->delegate()] {
+            opening = stage->parts.clock.after(kStartTime, [&delegate = program->delegate()] {
                 if (delegate.popover())
                     delegate.popover()->show({});
             });
@@ -128,7 +129,8 @@ int main(int argc, char** argv)
         return demo::drawScreenshots(application, *options->screenshots) ? 0 : 1;
     }
     qInstallMessageHandler(app::logOfQt);
-    base::log(u"Netvane: This is a demonstration. Everything that it shows is made up, and "
-              "nothing is sent"_s);
+    base::log(logCategory(),
+        u"Netvane: This is a demonstration. Everything that it shows is made up, and "
+        "nothing is sent"_s);
     return run(application, *options);
 }

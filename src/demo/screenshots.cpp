@@ -99,7 +99,7 @@ QWindow* performance(StagedProgram& program)
 QWindow* diagnostics(StagedProgram& program)
 {
     auto* window = detailedWindow(program);
-    auto& dashboard = *stateOf<ui::DetailedWindowState>(*window).dashboard();
+    auto& dashboard = stateOf<ui::DetailedWindowState>(*window);
     dashboard.channelAnalysis()->scan();
     dashboard.speedTest()->runTest();
     dashboard.traceroute()->run();
@@ -147,7 +147,7 @@ bool draw(QApplication& application, const Picture& wanted, const QDir& folder)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
     bool isWritten = true;
     const auto write = [&](platform::ColorScheme scheme, const QString& suffix) {
-        program.setColorScheme(scheme);
+        program.stage().parts.appearance.setColorScheme(scheme);
         program.pass(1s);
         constexpr int kSmallest = 0; // as QImage counts
         isWritten &= pictureOf(*windows::rootOf(*window).window())

@@ -1,8 +1,18 @@
 #include "demo/stage.h"
 
 #include "base/log.h"
+#include "demo/script.h"
+#include "diagnostics/speed_test_json.h"
+#include "diagnostics/speed_test_service.h"
+#include "insights/onboarding_service.h"
+#include "probes/probe_targets.h"
+
+#include <QUrlQuery>
+
+#include <netdb.h>
 
 #include <algorithm>
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -10,20 +20,56 @@ using namespace std::chrono_literals;
 namespace netvane::demo {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.demo")
+
 // How often the services ask.
 constexpr std::chrono::milliseconds kReadingInterval = 5s;
 constexpr std::chrono::milliseconds kProbeInterval = 3s;
+// How long an answer takes.
+constexpr std::chrono::milliseconds kPageTime = 180ms;
+constexpr std::chrono::milliseconds kScanTime = 2600ms;
+
+std::chrono::microseconds microseconds(double milliseconds)
+{
+    return std::chrono::microseconds(std::llround(milliseconds * 1000));
+}
+
+/// Look-ups differ a little from one to the next.
+std::chrono::microseconds varied(int microseconds, int number)
+{
+    constexpr std::array kPercent {100, 132, 88, 117, 94, 148, 103, 82, 109, 100};
+    return std::chrono::microseconds(
+        microseconds / 100 * kPercent[size_t(number) % kPercent.size()]);
+}
+
+std::optional<simulated::Connections::Answer> hopAnswer(const simulated::Connections::Made& made)
+{
+    const auto way = hops();
+    const bool isTarget = size_t(made.hopLimit) > way.size();
+    const Hop hop = isTarget ? Hop {made.host, kTargetTime} : way[size_t(made.hopLimit) - 1];
+    if (hop.address.isEmpty())
+        return {};
+    return {{microseconds(hop.milliseconds) + made.port % 7 * 90us, hop.address}};
+}
 
 } // namespace
 
-Stage::Stage(base::Clock& clock, std::vector<Scene> scenes, const std::optional<QString>& held)
-    : m_clock(clock)
-    , m_scenes(std::move(scenes))
+Stage::Stage(std::unique_ptr<base::Clock> clock, StageOptions options)
+    : parts(std::move(clock))
+    , m_scenes(std::move(options.scenes))
 {
-    if (!held || !hold(*held))
+    writeScripts();
+    writeScriptsOfDesktop();
+    parts.appearance.setColorScheme(options.colorScheme);
+    parts.host.setPresent(options.hasStatusArea);
+    if (!options.held || !hold(*options.held))
         begin(0);
-    if (!held)
+    if (!options.held)
         goOn();
+    parts.defaults.setBoolean(insights::OnboardingService::onboardingKey, scene().isIntroduced);
+    const auto tests = diagnostics::encodeSpeedTests(earlierSpeedTests(parts.clock.now()));
+    if (tests)
+        parts.defaults.setText(diagnostics::SpeedTestService::historyKey, tests.value());
 }
 
 Stage::~Stage() = default;
@@ -31,15 +77,23 @@ Stage::~Stage() = default;
 void Stage::begin(size_t index)
 {
     m_index = index;
-    m_begunAt = m_clock.monotonicNow();
-    base::log(u"Demonstration: "_s + scene().title);
+    m_begunAt = parts.clock.monotonicNow();
+    base::log(logCategory(), u"Demonstration: "_s + scene().title);
+    parts.network.router = scene().router;
+    parts.network.servers = scene().dnsServers;
+    parts.network.interfaces = scene().interfaces;
+    parts.interface->isOn = scene().hasRadio;
+    parts.scanner.currentChannel = scene().link.channel;
+    parts.resolver->status = scene().lookupTime ? 0 : EAI_AGAIN;
+    *m_lookupTime = int(scene().lookupTime.value_or(0us).count());
+    parts.location.change(scene().permission);
     Q_EMIT sceneChanged();
 }
 
 /// Has the next scene with a duration follow the present one.
 void Stage::goOn()
 {
-    m_change = m_clock.after(scene().duration, [this] {
+    m_change = parts.clock.after(scene().duration, [this] {
         size_t next = m_index;
         do
             next = (next + 1) % m_scenes.size();
@@ -61,7 +115,7 @@ bool Stage::hold(const QString& name)
 
 size_t Stage::entry(std::chrono::milliseconds interval, size_t count) const
 {
-    return size_t((m_clock.monotonicNow() - m_begunAt.load()) / interval) % count;
+    return size_t((parts.clock.monotonicNow() - m_begunAt.load()) / interval) % count;
 }
 
 platform::LinkReading Stage::link() const
@@ -80,29 +134,74 @@ platform::LinkReading Stage::link() const
     return reading;
 }
 
-std::optional<std::chrono::microseconds> Stage::answerTime(bool isRouter) const
+void Stage::writeScripts()
 {
-    const auto& times = isRouter ? scene().routerTimes : scene().internetTimes;
-    if (times.empty())
-        return {};
-    const auto time = times[entry(kProbeInterval, times.size())];
-    if (!time)
-        return {};
-    const double load = m_transfers > 0 ? scene().timeUnderLoad : 0;
-    return std::chrono::microseconds(std::llround((*time + load) * 1000));
+    parts.interface->script = [this] { return link(); };
+    parts.scanner.waiting.whenAsked = [this] {
+        m_scanEnd
+            = parts.clock.after(kScanTime, [this] { parts.scanner.finish(nearbyNetworks()); });
+    };
+    parts.connections.script = [this](const auto& made) { return connectionAnswer(made); };
+    parts.transfers.script = [this](const auto& request) { return transferEnd(request); };
+    parts.http.whenAsked = [this] {
+        m_pageEnd = parts.clock.after(kPageTime, [this] {
+            while (!parts.http.pending.empty())
+                parts.http.answer(page(parts.http.pending.front().request.url));
+        });
+    };
+    parts.resolver->errorText = "Temporary failure in name resolution";
+    parts.resolver->takeTime
+        = [time = m_lookupTime](int number) { std::this_thread::sleep_for(varied(*time, number)); };
 }
 
-void Stage::later(std::chrono::milliseconds delay, QObject* owner, std::function<void()> action)
+/// Notifications and addresses go to the log.
+void Stage::writeScriptsOfDesktop()
 {
-    const auto place = m_later.emplace(m_later.end());
-    *place
-        = m_clock.after(delay, [this, place, owner = QPointer(owner), action = std::move(action)] {
-              // The action is kept beyond its timer.
-              const auto kept = owner ? action : std::function<void()>();
-              m_later.erase(place);
-              if (kept)
-                  kept();
-          });
+    auto& center = parts.notifications;
+    center.settingsAsked.always = {platform::NotificationAuthorization::Authorized};
+    center.permissionsAsked.always = {true, {}};
+    center.addsPending.always.emplace();
+    center.addsPending.whenAsked = [&center] {
+        const auto& request = center.added.back();
+        base::log(logCategory(),
+            u"Demonstration: notification \"%1\": %2"_s.arg(request.title, request.body));
+    };
+    parts.opener.whenOpened = [](const QUrl& url) {
+        base::log(logCategory(), u"Demonstration: would open "_s + url.toDisplayString());
+    };
+}
+
+std::optional<Stage::Connections::Answer> Stage::connectionAnswer(
+    const Connections::Made& made) const
+{
+    if (made.hopLimit > 0)
+        return hopAnswer(made);
+    const bool isRouter = made.host != probes::kInternetTarget;
+    const auto& times = isRouter ? scene().routerTimes : scene().internetTimes;
+    const auto time = times.empty() ? std::nullopt : times[entry(kProbeInterval, times.size())];
+    if (!time)
+        return {};
+    const double load = parts.transfers.running > 0 ? scene().timeUnderLoad : 0;
+    return {{microseconds(*time + load), made.host}};
+}
+
+Stage::HttpTransfers::End Stage::transferEnd(const platform::TransferRequest& request) const
+{
+    const qint64 asked = QUrlQuery(request.url).queryItemValue(u"bytes"_s).toLongLong();
+    const auto bits = double(request.uploadSize.value_or(asked)) * 8;
+    const double bitsPerMicrosecond
+        = request.uploadSize ? scene().uploadMbps : scene().downloadMbps;
+    return {std::chrono::microseconds(std::llround(bits / bitsPerMicrosecond)),
+        request.uploadSize ? 0 : asked};
+}
+
+/// The probe page, or what stands before it.
+platform::HttpAnswer Stage::page(const QUrl& url) const
+{
+    const auto& portal = scene().portal;
+    return {.status = 200,
+        .body = portal ? "<h1>Welcome</h1>"_ba : "<h1>Success</h1>"_ba,
+        .finalUrl = portal.value_or(url)};
 }
 
 } // namespace netvane::demo

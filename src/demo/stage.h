@@ -1,58 +1,64 @@
 #pragma once
 
-#include "base/clock.h"
 #include "demo/scene.h"
+#include "simulated/simulated_platform.h"
 
 #include <QObject>
-#include <QPointer>
 
 #include <atomic>
-#include <functional>
-#include <list>
 
 namespace netvane::demo {
 
-/// Which scene is on, and what it says at this moment. The parts of the scripted platform share it.
-/// Main thread, but for what is marked.
+struct StageOptions {
+    std::vector<Scene> scenes; ///< at least one
+    std::optional<QString> held; ///< the name of the scene that stays; absent: all in turn
+    platform::ColorScheme colorScheme = platform::ColorScheme::NoPreference;
+    bool hasStatusArea = false;
+};
+
+/// Has a simulated platform do what the scenes say: which scene is on, and what it says at this
+/// moment. Outlives the program that uses the platform. Main thread, but for what is marked.
 class Stage : public QObject {
     Q_OBJECT
 
 public:
-    /// Begins with the scene `held`, which stays; without one with the first, and each goes on for
-    /// its duration. `clock` outlives the stage; there is a scene at least.
-    Stage(base::Clock& clock, std::vector<Scene> scenes, const std::optional<QString>& held);
+    Stage(std::unique_ptr<base::Clock> clock, StageOptions options);
     ~Stage() override;
 
-    base::Clock& clock() const { return m_clock; }
     /// Any thread.
     const Scene& scene() const { return m_scenes[m_index]; }
-    /// What the radio would tell now. Any thread.
-    platform::LinkReading link() const;
-    /// The round trip of a probe that begins now; absent when it is lost.
-    std::optional<std::chrono::microseconds> answerTime(bool isRouter) const;
-    /// A transfer begins (1) or is over (-1).
-    void countTransfers(int change) { m_transfers += change; }
-
     /// Changes to another scene, which stays. False when there is none of that name.
     bool hold(const QString& name);
-    /// Runs `action` once, unless `owner` goes first.
-    void later(std::chrono::milliseconds delay, QObject* owner, std::function<void()> action);
+    /// What the radio finds now. Any thread.
+    platform::LinkReading link() const;
+
+    simulated::SimulatedPlatform parts;
 
 Q_SIGNALS:
     void sceneChanged();
 
 private:
+    using Connections = simulated::Connections;
+    using HttpTransfers = simulated::HttpTransfers;
+
     void begin(size_t index);
     void goOn();
     size_t entry(std::chrono::milliseconds interval, size_t count) const;
 
-    base::Clock& m_clock;
+    void writeScripts();
+    void writeScriptsOfDesktop();
+    std::optional<Connections::Answer> connectionAnswer(const Connections::Made& made) const;
+    HttpTransfers::End transferEnd(const platform::TransferRequest& request) const;
+    platform::HttpAnswer page(const QUrl& url) const;
+
     const std::vector<Scene> m_scenes;
     std::atomic<size_t> m_index = 0;
     std::atomic<std::chrono::steady_clock::time_point> m_begunAt;
-    int m_transfers = 0;
+    /// Microseconds of a look-up. Shared with threads that may outlive everything else.
+    const std::shared_ptr<std::atomic<int>> m_lookupTime = std::make_shared<std::atomic<int>>(0);
     std::unique_ptr<base::Timer> m_change;
-    std::list<std::unique_ptr<base::Timer>> m_later;
+    std::unique_ptr<base::Timer> m_scanEnd;
+    std::unique_ptr<base::Timer> m_pageEnd;
 };
 
 } // namespace netvane::demo

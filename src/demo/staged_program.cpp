@@ -11,44 +11,39 @@ using namespace std::chrono_literals;
 namespace netvane::demo {
 namespace {
 
-constexpr std::chrono::milliseconds kStep = 250ms;
 constexpr std::chrono::milliseconds kLookupLimit = 5s; ///< real time, on a machine that is busy
 
 } // namespace
 
-StagedProgram::StagedProgram(QApplication& application, Wishes wishes)
-    : StagedProgram(application, std::make_unique<simulated::ManualClock>(), std::move(wishes))
-{
-}
-
 StagedProgram::StagedProgram(
-    QApplication& application, std::unique_ptr<simulated::ManualClock> clock, Wishes wishes)
-    : m_clock(*clock)
-    , m_scripted(makeScriptedPlatform(std::move(clock), std::move(wishes)))
-    , m_queue(m_scripted.platform.queues->userInitiated)
-    , m_program(application, std::move(m_scripted.platform),
-          &std::make_unique<windows::ProgramViews, platform::Platform&>)
+    QApplication& application, StageOptions options, const std::function<void(Stage&)>& change)
+    : m_stage(std::unique_ptr<base::Clock>(m_clock), std::move(options))
 {
-    m_program.start();
+    if (change)
+        change(m_stage);
+    m_program = std::make_unique<app::Program>(application, std::move(m_stage.parts.platform),
+        &std::make_unique<windows::ProgramViews, platform::Platform&>);
+    m_program->start();
     settle();
-    pass(kStep);
+    pass(250ms);
 }
 
-void StagedProgram::pass(std::chrono::milliseconds time)
+void StagedProgram::pass(std::chrono::milliseconds time, std::chrono::milliseconds step)
 {
-    for (auto left = time; left > 0ms; left -= kStep) {
-        m_clock.advance(std::min(left, kStep));
+    for (auto left = time; left > 0ms; left -= step) {
+        m_clock->advance(std::min(left, step));
         settle();
     }
 }
 
-/// What was begun at this time ends at it.
 void StagedProgram::settle()
 {
     for (int round = 0; round < 4; ++round) {
-        m_queue.waitForDone();
+        m_stage.parts.queues.userInitiated.waitForDone();
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents();
+        // Outside an event loop Qt leaves these for when one begins.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     waitForLookup();
 }
@@ -59,12 +54,12 @@ void StagedProgram::waitForLookup()
     const auto* dns = delegate().dnsService();
     if (!dns)
         return;
+    const auto& resolver = *m_stage.parts.resolver;
     const auto isPending = [&] {
-        if (m_scripted.lookups->ended < dns->lookupCount())
+        if (resolver.ended < dns->lookupCount())
             return true;
-        const bool isAnswered = m_scripted.lookups->microseconds >= 0;
-        return isAnswered && dns->lookupCount() != m_deliveredLookups
-            && (dns->history().empty() || dns->history().back().timestamp != m_clock.now());
+        return resolver.status == 0 && dns->lookupCount() != m_deliveredLookups
+            && (dns->history().empty() || dns->history().back().timestamp != m_clock->now());
     };
     QDeadlineTimer deadline(kLookupLimit);
     while (isPending() && !deadline.hasExpired()) {

@@ -1,8 +1,6 @@
 #include "desktop/bus_name_claim.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include "bus/bus_answer.h"
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -16,14 +14,6 @@ constexpr uint kNameExists = 3;
 
 const QString kName = u"org.netvane.Netvane"_s;
 const QString kPath = u"/org/netvane/Netvane"_s;
-
-QDBusMessage requestNameCall()
-{
-    auto call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
-        u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"RequestName"_s);
-    call << kName << kDoNotQueue;
-    return call;
-}
 
 } // namespace
 
@@ -54,21 +44,19 @@ void BusNameClaim::followSessionBus()
 
 void BusNameClaim::requestName()
 {
-    QDBusConnection bus = m_sessionBus.connection();
-    // There before the name, since whoever sees the name may call at once.
-    bus.registerObject(kPath, &m_object, QDBusConnection::ExportScriptableSlots);
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(requestNameCall()), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusPendingReply<uint> answer = *watcher;
-        if (!answer.isError() && answer.value() == kNameExists)
+    QDBusConnection connection = m_sessionBus.connection();
+    // Before the name, since whoever sees the name may call at once.
+    connection.registerObject(kPath, &m_object, QDBusConnection::ExportScriptableSlots);
+    const auto call = bus::busCall(u"RequestName"_s) << kName << kDoNotQueue;
+    bus::askBus(connection, call, bus::kAnswerLimitMs, this, [this](const QDBusMessage& answer) {
+        if (bus::isReply(answer, u"u"_s) && answer.arguments().value(0) == kNameExists)
             activateOther();
         else
             decide(true);
     });
 }
 
-/// The answer is waited for: a program that ends at once may take its last message along.
+/// Waits for the answer: the last message of a program that ends at once can be lost.
 void BusNameClaim::activateOther()
 {
     if (m_isDecided) // the bus went away and came back, and now somebody else has the name
@@ -78,11 +66,8 @@ void BusNameClaim::activateOther()
         kName, kPath, u"org.freedesktop.Application"_s, u"Activate"_s);
     call << QVariantMap();
     call.setAutoStartService(false);
-    auto* watcher = new QDBusPendingCallWatcher(m_sessionBus.connection().asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        decide(false);
-    });
+    bus::askBus(m_sessionBus.connection(), call, bus::kAnswerLimitMs, this,
+        [this](const QDBusMessage&) { decide(false); });
 }
 
 void BusNameClaim::decide(bool isFirst)

@@ -1,7 +1,5 @@
 #include "desktop/freedesktop_notifications.h"
 
-#include "bus/bus_answer.h"
-
 #include <QPointer>
 
 using namespace Qt::Literals::StringLiterals;
@@ -13,32 +11,10 @@ using Authorization = platform::NotificationAuthorization;
 
 const QString kService = u"org.freedesktop.Notifications"_s;
 const QString kServicePath = u"/org/freedesktop/Notifications"_s;
-const QString kBus = u"org.freedesktop.DBus"_s;
-const QString kBusPath = u"/org/freedesktop/DBus"_s;
 const QString kNoService = u"There is no notification service in this session"_s;
 
-constexpr int kAnswerLimitMs = 25'000; // one that is only being started takes its time
-// The longest text of ours, with a network's name in it whose every byte is written as an escape,
-// stays below.
+// More than our longest text, which has a network's name in it with every byte as an escape.
 constexpr qsizetype kLongestText = 200;
-
-/// Never starts the service: only `whenRunning` does.
-QDBusMessage serviceCall(const QString& destination, const QString& method)
-{
-    auto call = QDBusMessage::createMethodCall(destination, kServicePath, kService, method);
-    call.setAutoStartService(false);
-    return call;
-}
-
-QDBusMessage busCall(const QString& method)
-{
-    return QDBusMessage::createMethodCall(kBus, kBusPath, kBus, method);
-}
-
-bool isReply(const QDBusMessage& answer, const QString& signature)
-{
-    return answer.type() == QDBusMessage::ReplyMessage && answer.signature() == signature;
-}
 
 QString shortened(const QString& text)
 {
@@ -85,10 +61,10 @@ QVariantList notifyArguments(const platform::NotificationRequest& request, bool 
         hasBodyMarkup ? body.toHtmlEscaped() : body, QStringList(), hints, kExpiresByDefault};
 }
 
-template <typename... Values>
-std::function<void(Values...)> whileAlive(QObject* owner, std::function<void(Values...)> handler)
+template <typename Handler>
+Handler whileAlive(QObject* owner, Handler handler)
 {
-    return [owner = QPointer(owner), handler = std::move(handler)](Values... values) {
+    return [owner = QPointer(owner), handler = std::move(handler)](const auto&... values) {
         if (owner)
             handler(values...);
     };
@@ -98,87 +74,69 @@ std::function<void(Values...)> whileAlive(QObject* owner, std::function<void(Val
 
 std::optional<NotificationService> notificationService(const QDBusMessage& answer)
 {
-    if (!isReply(answer, u"as"_s))
+    if (!bus::isReply(answer, u"as"_s))
         return {};
     const auto capabilities = answer.arguments().value(0).toStringList();
-    return NotificationService {
-        .owner = answer.service(), .hasBodyMarkup = capabilities.contains(u"body-markup"_s)};
+    return NotificationService {.hasBodyMarkup = capabilities.contains(u"body-markup"_s)};
 }
 
 FreedesktopNotifications::FreedesktopNotifications(bus::BusLink& sessionBus)
-    : m_sessionBus(sessionBus)
+    : m_bus(sessionBus, kService, kServicePath, kService)
 {
-    connect(&m_sessionBus, &bus::BusLink::stateChanged, this,
-        &FreedesktopNotifications::followSessionBus);
-    followSessionBus();
+    connect(&m_bus, &bus::BusService::reachable, this, &FreedesktopNotifications::readService);
+    connect(&m_bus, &bus::BusService::gone, this, &FreedesktopNotifications::readService);
+    m_bus.begin();
 }
 
-void FreedesktopNotifications::followSessionBus()
-{
-    if (m_sessionBus.state() == bus::BusLink::State::Connecting)
-        return;
-    if (m_sessionBus.state() == bus::BusLink::State::Absent) {
-        ++m_questions;
-        m_service.reset();
-        settle(Authorization::Denied);
-        return;
-    }
-    // Only taken as a reason to ask again, so it does not matter who sends it.
-    QDBusConnection bus = m_sessionBus.connection();
-    bus.connect(QString(), kBusPath, kBus, u"NameOwnerChanged"_s, {kService}, u"sss"_s, this,
-        SLOT(handleOwnerChanged()));
-    readCapabilities();
-}
-
-void FreedesktopNotifications::handleOwnerChanged()
+/// What a running service said stays true until another process takes its name. Anything else may
+/// change without a signal.
+void FreedesktopNotifications::readService()
 {
     m_service.reset();
-    if (isConnected())
-        readCapabilities();
+    if (!m_bus.isBusThere()) {
+        setKnown(Authorization::Denied);
+        return;
+    }
+    m_isReading = true;
+    m_bus.ask(bus::ownerQuestion(kService), [this](const QDBusMessage& answer) {
+        if (!bus::isReply(answer, u"s"_s)) {
+            takeCapabilities({}, answer);
+            return;
+        }
+        const auto owner = answer.arguments().value(0).toString();
+        const auto call
+            = QDBusMessage::createMethodCall(owner, kServicePath, kService, u"GetCapabilities"_s);
+        m_bus.ask(call, [this, owner](const QDBusMessage& capabilities) {
+            takeCapabilities(owner, capabilities);
+        });
+    });
 }
 
-void FreedesktopNotifications::readCapabilities()
+void FreedesktopNotifications::takeCapabilities(const QString& owner, const QDBusMessage& answer)
 {
-    m_isAsking = true;
-    ask(serviceCall(kService, u"GetCapabilities"_s),
-        [this](const QDBusMessage& answer) { takeCapabilities(answer); });
-}
-
-void FreedesktopNotifications::takeCapabilities(const QDBusMessage& answer)
-{
-    if (auto service = notificationService(answer)) {
-        m_service = std::move(service);
-        settle(Authorization::Authorized);
+    m_service = notificationService(answer);
+    if (m_service) {
+        m_service->owner = owner;
+        setKnown(Authorization::Authorized);
     } else if (bus::isNobodyThere(answer)) {
         readActivatableNames();
     } else {
-        settle(bus::isLate(answer) ? m_status : Authorization::Denied, failureText(answer));
+        setKnown(bus::isLate(answer) ? m_status : Authorization::Denied, failureText(answer));
     }
 }
 
 void FreedesktopNotifications::readActivatableNames()
 {
-    ask(busCall(u"ListActivatableNames"_s), [this](const QDBusMessage& answer) {
-        const bool isStartable = isReply(answer, u"as"_s)
+    m_bus.ask(bus::busCall(u"ListActivatableNames"_s), [this](const QDBusMessage& answer) {
+        const bool isStartable = bus::isReply(answer, u"as"_s)
             && answer.arguments().value(0).toStringList().contains(kService);
-        settle(isStartable ? Authorization::Authorized : Authorization::Denied);
+        setKnown(isStartable ? Authorization::Authorized : Authorization::Denied);
     });
 }
 
-/// The answer to a question that a later one has overtaken is not taken.
-void FreedesktopNotifications::ask(
-    const QDBusMessage& call, std::function<void(const QDBusMessage&)> take)
+void FreedesktopNotifications::setKnown(Authorization status, std::optional<QString> failure)
 {
-    bus::askBus(m_sessionBus.connection(), call, kAnswerLimitMs, this,
-        [this, question = ++m_questions, take = std::move(take)](const QDBusMessage& answer) {
-            if (question == m_questions)
-                take(answer);
-        });
-}
-
-void FreedesktopNotifications::settle(Authorization status, std::optional<QString> failure)
-{
-    m_isAsking = false;
+    m_isReading = false;
     m_failure = std::move(failure);
     const bool isChanged = std::exchange(m_status, status) != status;
     for (const auto& action : std::exchange(m_waiting, {}))
@@ -187,59 +145,31 @@ void FreedesktopNotifications::settle(Authorization status, std::optional<QStrin
         Q_EMIT settingsChanged();
 }
 
-/// What a running service said stays true until another one takes its name; anything else may have
-/// changed without a word.
-void FreedesktopNotifications::refresh()
+void FreedesktopNotifications::readIfUnknown()
 {
-    if (!m_service && !m_isAsking && isConnected())
-        readCapabilities();
+    if (!m_service && !m_isReading && m_bus.isBusThere())
+        readService();
 }
 
+/// Always on a later turn of the main loop.
 void FreedesktopNotifications::whenKnown(std::function<void()> action)
 {
-    if (m_isAsking)
+    if (m_isReading)
         m_waiting.push_back(std::move(action));
     else
         QMetaObject::invokeMethod(this, std::move(action), Qt::QueuedConnection);
 }
 
-void FreedesktopNotifications::whenRunning(std::function<void()> action)
-{
-    if (m_isAsking) {
-        m_waiting.push_back([this, action = std::move(action)] { whenRunning(action); });
-        return;
-    }
-    if (m_service) {
-        action(); // at once, since it may be gone later
-        return;
-    }
-    if (!isConnected()) {
-        whenKnown(std::move(action));
-        return;
-    }
-    constexpr uint kNoFlags = 0;
-    const auto start = busCall(u"StartServiceByName"_s) << kService << kNoFlags;
-    bus::askBus(m_sessionBus.connection(), start, kAnswerLimitMs, this,
-        [this, action = std::move(action)](const QDBusMessage& answer) {
-            // Who starts takes its name before this answer comes, and is being asked then.
-            if (answer.type() == QDBusMessage::ErrorMessage)
-                m_failure = failureText(answer);
-            else
-                refresh();
-            whenKnown(action);
-        });
-}
-
 void FreedesktopNotifications::getNotificationSettings(QObject* owner, SettingsHandler done)
 {
-    refresh();
+    readIfUnknown();
     whenKnown([this, done = whileAlive(owner, std::move(done))] { done(m_status); });
 }
 
 void FreedesktopNotifications::requestAuthorization(
     platform::NotificationOptions, QObject* owner, PermissionHandler done)
 {
-    refresh();
+    readIfUnknown();
     whenKnown([this, done = whileAlive(owner, std::move(done))] {
         done(m_status == Authorization::Authorized, m_failure);
     });
@@ -248,35 +178,54 @@ void FreedesktopNotifications::requestAuthorization(
 void FreedesktopNotifications::add(
     const platform::NotificationRequest& request, QObject* owner, AddHandler done)
 {
-    send(request, whileAlive(owner, std::move(done)), Attempt::First);
+    const Delivery delivery {request, whileAlive(owner, std::move(done))};
+    whenKnown([this, delivery] { deliver(delivery); });
 }
 
-void FreedesktopNotifications::send(
-    const platform::NotificationRequest& request, const AddHandler& done, Attempt attempt)
+void FreedesktopNotifications::deliver(Delivery delivery)
 {
-    whenRunning([this, request, done, attempt] {
-        if (m_service)
-            notify(request, done, attempt);
-        else
-            done(m_failure.value_or(kNoService));
-    });
+    if (m_service)
+        notify(delivery);
+    else if (m_bus.isBusThere() && std::exchange(delivery.mayStart, false))
+        startService(delivery);
+    else
+        delivery.done(m_failure.value_or(kNoService));
 }
 
-/// To the very process whose capabilities are known, so that a markup-less successor never gets
-/// text with escapes in it. One that is gone did not show it, so its successor may.
-void FreedesktopNotifications::notify(
-    const platform::NotificationRequest& request, const AddHandler& done, Attempt attempt)
+void FreedesktopNotifications::startService(const Delivery& delivery)
 {
-    auto call = serviceCall(m_service->owner, u"Notify"_s);
-    call.setArguments(notifyArguments(request, m_service->hasBodyMarkup));
-    bus::askBus(m_sessionBus.connection(), call, kAnswerLimitMs, this,
-        [this, request, done, attempt](const QDBusMessage& answer) {
-            if (bus::isNobodyThere(answer) && attempt == Attempt::First) {
-                handleOwnerChanged();
-                send(request, done, Attempt::Second);
-                return;
+    constexpr uint kNoFlags = 0;
+    const auto call = bus::busCall(u"StartServiceByName"_s) << kService << kNoFlags;
+    bus::askBus(m_bus.connection(), call, bus::kAnswerLimitMs, this,
+        [this, delivery](const QDBusMessage& answer) {
+            // The service takes its name before this answer comes, and is being read then.
+            if (answer.type() == QDBusMessage::ErrorMessage)
+                m_failure = failureText(answer);
+            else
+                readIfUnknown();
+            whenKnown([this, delivery] { deliver(delivery); });
+        });
+}
+
+/// Sends to the process whose capabilities are known: escaped text never reaches a successor that
+/// has no markup. A process that is gone did not show it, so its successor gets it.
+void FreedesktopNotifications::notify(Delivery delivery)
+{
+    auto call
+        = QDBusMessage::createMethodCall(m_service->owner, kServicePath, kService, u"Notify"_s);
+    call.setAutoStartService(false);
+    call.setArguments(notifyArguments(delivery.request, m_service->hasBodyMarkup));
+    bus::askBus(m_bus.connection(), call, bus::kAnswerLimitMs, this,
+        [this, delivery = std::move(delivery)](const QDBusMessage& answer) mutable {
+            if (bus::isNobodyThere(answer) && std::exchange(delivery.mayRepeat, false)) {
+                delivery.mayStart = true;
+                readService();
+                whenKnown([this, delivery] { deliver(delivery); });
+            } else if (bus::isReply(answer, u"u"_s)) {
+                delivery.done({});
+            } else {
+                delivery.done(failureText(answer));
             }
-            done(isReply(answer, u"u"_s) ? std::nullopt : std::optional(failureText(answer)));
         });
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "bus/bus_link.h"
+#include "bus/bus_service.h"
 #include "platform/status_notifier_host.h"
 
 namespace netvane::desktop {
 
-/// Asks the session's `org.kde.StatusNotifierWatcher` for its property
-/// IsStatusNotifierHostRegistered, and again whenever the watcher or a host comes or goes. Without
-/// a session bus there is no host.
+/// Reads the property IsStatusNotifierHostRegistered of the session's
+/// `org.kde.StatusNotifierWatcher`, and again whenever the watcher or a host comes or goes. Without
+/// a watcher or a session bus there is no host.
 class SessionStatusNotifierHost final : public platform::StatusNotifierHost {
     Q_OBJECT
 
@@ -16,16 +16,12 @@ public:
 
     std::optional<bool> isPresent() const override { return m_isPresent; }
 
-private Q_SLOTS:
-    void read();
-
 private:
-    void followSessionBus();
-    void set(bool isPresent);
+    void read();
+    void setPresent(bool isPresent);
 
-    bus::BusLink& m_sessionBus;
+    bus::BusService m_watcher;
     std::optional<bool> m_isPresent;
-    int m_asked = 0; ///< only the answer to the last question counts
 };
 
 } // namespace netvane::desktop

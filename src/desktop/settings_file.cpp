@@ -16,6 +16,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::desktop {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.desktop")
+
 /// Twenty speed tests are some 5 KB; what is larger was not written by us.
 constexpr qint64 kMaximumBytes = qint64(1024) * 1024;
 
@@ -80,7 +82,7 @@ SettingsFile::SettingsFile(QString path)
     , m_isBroken(std::make_shared<bool>(m_content.state == SettingsContent::State::Broken))
 {
     if (m_content.state != SettingsContent::State::Readable)
-        base::log(u"Settings: the file cannot be used: "_s + m_content.problem);
+        base::log(logCategory(), u"Settings: the file cannot be used: "_s + m_content.problem);
 }
 
 SettingsFile::~SettingsFile()
@@ -166,7 +168,7 @@ void SettingsFile::handleStored(const QString& problem)
 {
     // Told once for each reason, not for each value.
     if (!problem.isEmpty() && problem != m_lastProblem)
-        base::log(u"Settings: could not be stored: "_s + problem);
+        base::log(logCategory(), u"Settings: could not be stored: "_s + problem);
     m_lastProblem = problem;
     Q_EMIT stored();
 }

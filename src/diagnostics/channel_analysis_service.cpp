@@ -8,6 +8,11 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::diagnostics {
+namespace {
+
+Q_LOGGING_CATEGORY(logCategory, "netvane.diagnostics")
+
+} // namespace
 
 ChannelAnalysisService::ChannelAnalysisService(
     platform::NetworkScanner& scanner, base::Clock& clock)
@@ -19,7 +24,8 @@ ChannelAnalysisService::ChannelAnalysisService(
 void ChannelAnalysisService::scanNetworks()
 {
     if (!m_locationPermissionService || !m_locationPermissionService->isAuthorized()) {
-        base::log(u"ChannelAnalysisService: Location permission required for scanning"_s);
+        base::log(
+            logCategory(), u"ChannelAnalysisService: Location permission required for scanning"_s);
         return;
     }
     if (isTooSoon() || m_isScanning)
@@ -42,7 +48,8 @@ void ChannelAnalysisService::performScan()
             return;
         }
         if (networks.failure().kind != base::FailureKind::NotFound) // there is an interface
-            base::log(u"ChannelAnalysisService: Scan failed: "_s + networks.failure().text);
+            base::log(logCategory(),
+                u"ChannelAnalysisService: Scan failed: "_s + networks.failure().text);
         publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
     });
 }

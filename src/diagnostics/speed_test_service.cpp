@@ -10,6 +10,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::diagnostics {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.diagnostics")
+
 QUrl withPath(QUrl server, const QString& path)
 {
     server.setPath(path);
@@ -70,7 +72,7 @@ void SpeedTestService::downloadEnded(Start start, const platform::TransferOutcom
 {
     m_downloadTask.reset();
     if (outcome.errorText)
-        base::log(u"SpeedTestService: Download test error: "_s + *outcome.errorText);
+        base::log(logCategory(), u"SpeedTestService: Download test error: "_s + *outcome.errorText);
     else if (outcome.receivedBytes > 0)
         m_underWay.downloadSpeed
             = megabitsPerSecond(outcome.receivedBytes, outcome.endedAt - start);
@@ -92,7 +94,7 @@ void SpeedTestService::uploadEnded(Start start, const platform::TransferOutcome&
 {
     m_uploadTask.reset();
     if (outcome.errorText)
-        base::log(u"SpeedTestService: Upload test error: "_s + *outcome.errorText);
+        base::log(logCategory(), u"SpeedTestService: Upload test error: "_s + *outcome.errorText);
     else
         m_underWay.uploadSpeed = megabitsPerSecond(testSizeBytes, outcome.endedAt - start);
     m_underWay.pingAfter = routerPing();
@@ -135,7 +137,8 @@ void SpeedTestService::saveHistory()
     if (text)
         m_defaults.setText(historyKey, text.value());
     else
-        base::log(u"SpeedTestService: Failed to save history: "_s + text.failure().text);
+        base::log(
+            logCategory(), u"SpeedTestService: Failed to save history: "_s + text.failure().text);
 }
 
 void SpeedTestService::loadHistory()
@@ -148,7 +151,8 @@ void SpeedTestService::loadHistory()
         m_history = std::move(history.value());
         return;
     }
-    base::log(u"SpeedTestService: Failed to load history: "_s + history.failure().text);
+    base::log(
+        logCategory(), u"SpeedTestService: Failed to load history: "_s + history.failure().text);
     m_defaults.remove(historyKey);
 }
 

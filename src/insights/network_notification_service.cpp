@@ -10,6 +10,8 @@ using namespace std::chrono_literals;
 namespace netvane::insights {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.insights")
+
 // Some systems answer before their own settings show it.
 constexpr std::chrono::milliseconds kSettlingTime = 300ms;
 
@@ -70,7 +72,8 @@ void NetworkNotificationService::permissionAnswered(
     if (granted)
         m_laterRefresh = m_clock.after(kSettlingTime, [this] { refreshAuthorizationStatus(); });
     if (error)
-        base::log(u"NetworkNotificationService: Permission request error: "_s + *error);
+        base::log(
+            logCategory(), u"NetworkNotificationService: Permission request error: "_s + *error);
 }
 
 bool NetworkNotificationService::mayNotify() const
@@ -117,7 +120,8 @@ void NetworkNotificationService::sendNotification(
     };
     m_center.add(request, this, [this](const std::optional<QString>& error) {
         if (error)
-            base::log(u"NetworkNotificationService: Failed to send notification: "_s + *error);
+            base::log(logCategory(),
+                u"NetworkNotificationService: Failed to send notification: "_s + *error);
         else
             m_lastNotificationTime = m_clock.monotonicNow();
     });

@@ -14,6 +14,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::insights {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.insights")
+
 QDateTime localTime(std::chrono::system_clock::time_point time)
 {
     const auto sinceEpoch
@@ -82,11 +84,10 @@ void ReportService::saveReport(const QString& report, const Completion& completi
 void ReportService::write(const QString& path, const QString& report, const Completion& completion)
 {
     base::runInBackground(
-        m_queue, this,
-        [path, bytes = report.toUtf8()] { return base::replaceFile(path, bytes); },
+        m_queue, this, [path, bytes = report.toUtf8()] { return base::replaceFile(path, bytes); },
         [completion](const QString& error) {
             if (!error.isEmpty())
-                base::log(u"ReportService: Failed to save file: "_s + error);
+                base::log(logCategory(), u"ReportService: Failed to save file: "_s + error);
             if (completion)
                 completion(error.isEmpty());
         });

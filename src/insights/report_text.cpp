@@ -128,8 +128,10 @@ QString longDateMediumTime(const QDateTime& time, const QLocale& locale)
     static const QRegularExpression s_timeZone(u"\\s*[(（]?t+[)）]?\\s*"_s);
     const QString date = without(s_weekday, locale.dateFormat(QLocale::LongFormat));
     const QString clock = without(s_timeZone, locale.timeFormat(QLocale::LongFormat));
-    return locale.toString(time.date(), date) + dateTimeSeparator(locale)
+    QString text = locale.toString(time.date(), date) + dateTimeSeparator(locale)
         + locale.toString(time.time(), clock);
+    // Newer Qts take narrow no-break spaces from their tables.
+    return text.replace(QChar(0x202F), u' ');
 }
 
 QString reportText(const ReportInputs& inputs, const QDateTime& now, const QLocale& locale)

@@ -1,27 +1,24 @@
 #pragma once
 
-#include "net/watched_connections.h"
-
-#include <QSocketNotifier>
+#include "net/socket_probe.h"
 
 namespace netvane::net {
 
-/// TCP connections, watched by the event loop of the main thread. It may be busy, or asleep for the
-/// first moments (`Clock::soon`): the kernel takes the time of an answer itself (TCP_INFO,
-/// tcp(7)).
+/// TCP connections. The main thread may be busy when the answer comes, and looks for it only after
+/// a moment (`Clock::soon`): the kernel takes the time of the handshake (TCP_INFO, tcp(7)).
 class SocketConnections : public platform::ConnectionFactory {
 public:
     /// `clock` outlives this.
-    explicit SocketConnections(base::Clock& clock, AddressLookup lookUp = lookUpHost);
-    ~SocketConnections() override;
+    explicit SocketConnections(base::Clock& clock, AddressLookup lookUp = lookUpHost)
+        : m_context {.clock = clock, .lookUp = std::move(lookUp)}
+    {
+    }
 
     std::unique_ptr<platform::Connection> connectTcp(
         const QString& host, quint16 port, platform::ConnectionHandler handler) override;
 
 private:
-    base::Clock& m_clock;
-    WatchedConnections m_watched;
-    QSocketNotifier m_notifier;
+    ProbeContext m_context;
 };
 
 } // namespace netvane::net

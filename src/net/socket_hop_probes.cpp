@@ -1,40 +1,155 @@
 #include "net/socket_hop_probes.h"
 
-#include "net/connection_watcher.h"
-#include "net/udp_hop_probe.h"
-
-#include <system_error>
+#include <linux/sockios.h>
+#include <netinet/icmp6.h>
+#include <netinet/in.h>
+#include <netinet/ip_icmp.h>
+#include <sys/ioctl.h>
 
 namespace netvane::net {
 namespace {
 
-/// As for its mailbox: a process that has no thread to spare when it begins gets nowhere.
-std::jthread networkThread(std::shared_ptr<ConnectionWatcher> watcher)
+using namespace std::chrono_literals;
+
+constexpr auto kTimedAfterProbe = 5s; // longer than a probe and the pause after it
+
+/// The numbers of one family's ICMP (RFC 792, RFC 4443).
+struct IcmpNumbers {
+    int origin;
+    int expiredType;
+    int expiredCode;
+    int unreachableType;
+    int portCode;
+};
+
+constexpr IcmpNumbers kIPv4
+    = {SO_EE_ORIGIN_ICMP, ICMP_TIME_EXCEEDED, ICMP_EXC_TTL, ICMP_DEST_UNREACH, ICMP_PORT_UNREACH};
+constexpr IcmpNumbers kIPv6 = {SO_EE_ORIGIN_ICMP6, ICMP6_TIME_EXCEEDED, ICMP6_TIME_EXCEED_TRANSIT,
+    ICMP6_DST_UNREACH, ICMP6_DST_UNREACH_NOPORT};
+
+bool set(int socket, int level, int option, int value)
 {
-    try {
-        return std::jthread([watcher = std::move(watcher)] { watcher->run(); });
-    } catch (const std::system_error&) {
-        qFatal("No thread for the network");
+    return ::setsockopt(socket, level, option, &value, sizeof value) == 0;
+}
+
+/// When the last message that was taken from the socket had come, by the wall clock. The first call
+/// has the kernel take these times from then on, and fails.
+std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
+{
+    timespec stamp {};
+    if (::ioctl(socket, SIOCGSTAMPNS, &stamp) != 0)
+        return {};
+    return std::chrono::system_clock::time_point(
+        std::chrono::seconds(stamp.tv_sec) + std::chrono::nanoseconds(stamp.tv_nsec));
+}
+
+/// An empty datagram with a hop limit, and who answers it: a router on the way, or the peer.
+class UdpHopProbe : public SocketProbe {
+public:
+    UdpHopProbe(ProbeContext& context, QString host, quint16 port, int hopLimit,
+        platform::ConnectionHandler handler)
+        : SocketProbe(context,
+            {.socketType = SOCK_DGRAM,
+                .event = QSocketNotifier::Read,
+                .firstLook = base::Delivery::Immediate},
+            std::move(host), port, std::move(handler))
+        , m_hopLimit(hopLimit)
+    {
     }
+
+private:
+    bool ask(const SocketAddress& address) override;
+    std::optional<Answer> takeAnswer() override;
+    std::optional<Answer> takeDatagram();
+    Answer goodAnswer() const;
+
+    const int m_hopLimit;
+    SocketAddress m_peer;
+};
+
+bool UdpHopProbe::ask(const SocketAddress& address)
+{
+    const int socket = descriptor();
+    (void)kernelStamp(socket);
+    const bool isSet = address.storage.ss_family == AF_INET
+        ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, m_hopLimit)
+        : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
+            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_hopLimit);
+    if (!isSet
+        || ::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length)
+            != 0)
+        return false;
+    // As the kernel knows it from now on: connected to 0.0.0.0, it sends to 127.0.0.1.
+    m_peer.length = sizeof m_peer.storage;
+    return ::getpeername(socket, reinterpret_cast<sockaddr*>(&m_peer.storage), &m_peer.length) == 0
+        && ::send(socket, nullptr, 0, 0) == 0;
+}
+
+/// One message at a time: a host that sends many must not keep the main thread here.
+std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
+{
+    const auto error = takeQueuedError(descriptor());
+    if (!error)
+        return takeDatagram();
+    switch (meaningOf(*error, m_peer)) {
+    case HopAnswer::None:
+        return {};
+    case HopAnswer::Bad:
+        // Another address of the same name has another way, whose hops are none of this one's.
+        return Answer {.error = int(error->report.ee_errno), .endsProbe = true};
+    case HopAnswer::Good:
+        break;
+    }
+    Answer answer = goodAnswer();
+    if (!isSameHost(*error->offender, m_peer))
+        answer.from = QString::fromStdString(addressText(*error->offender));
+    return answer;
+}
+
+std::optional<SocketProbe::Answer> UdpHopProbe::takeDatagram()
+{
+    SocketAddress sender {.length = sizeof sender.storage};
+    // It may have come while the socket had a port but no peer yet.
+    if (::recvfrom(descriptor(), nullptr, 0, MSG_DONTWAIT,
+            reinterpret_cast<sockaddr*>(&sender.storage), &sender.length)
+            < 0
+        || !isSamePeer(sender, m_peer))
+        return {};
+    return goodAnswer();
+}
+
+SocketProbe::Answer UdpHopProbe::goodAnswer() const
+{
+    const auto stamp = kernelStamp(descriptor());
+    if (!stamp)
+        return {};
+    return {.at = clock().monotonicNow() - (std::chrono::system_clock::now() - *stamp)};
 }
 
 } // namespace
 
-SocketHopProbes::SocketHopProbes(const base::Clock& clock, AddressLookup lookUp)
-    : m_watched(clock, std::move(lookUp))
-    , m_thread(networkThread(m_watched.watcher()))
+HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
 {
-}
-
-SocketHopProbes::~SocketHopProbes()
-{
-    m_watched.stop();
+    const auto& [origin, expiredType, expiredCode, unreachableType, portCode]
+        = peer.storage.ss_family == AF_INET ? kIPv4 : kIPv6;
+    const auto& report = error.report;
+    if (report.ee_origin != origin || !error.offender || !isSamePeer(error.sentTo, peer))
+        return HopAnswer::None;
+    const bool hasExpired = report.ee_type == expiredType && report.ee_code == expiredCode;
+    const bool isClosed = report.ee_type == unreachableType && report.ee_code == portCode;
+    return hasExpired || (isClosed && isSameHost(*error.offender, peer)) ? HopAnswer::Good
+                                                                         : HopAnswer::Bad;
 }
 
 std::unique_ptr<platform::Connection> SocketHopProbes::probeHop(
     const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler)
 {
-    return m_watched.make(host, port, std::make_unique<UdpHopProbe>(hopLimit), std::move(handler));
+    if (!m_timed.isOpen()) {
+        m_timed = base::FileDescriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+        (void)kernelStamp(m_timed.get());
+    }
+    m_untimed = m_context.clock.after(kTimedAfterProbe, [this] { m_timed = {}; });
+    return handleOf(new UdpHopProbe(m_context, host, port, hopLimit, std::move(handler)));
 }
 
 } // namespace netvane::net

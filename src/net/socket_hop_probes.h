@@ -1,26 +1,40 @@
 #pragma once
 
-#include "net/watched_connections.h"
+#include "net/error_queue.h"
+#include "net/socket_probe.h"
 #include "platform/hop_probe.h"
-
-#include <thread>
 
 namespace netvane::net {
 
-/// Hop probes by UDP sockets, watched by a thread of their own that sleeps while none is under way:
-/// when an answer came is known only by whoever wakes for it, and the main thread draws the trace.
+/// Hop probes: empty UDP datagrams, each on a socket of its own. The main thread may be busy when
+/// an answer comes: the kernel takes the time (SIOCGSTAMPNS, socket(7)).
 class SocketHopProbes : public platform::HopProbeFactory {
 public:
     /// `clock` outlives this.
-    explicit SocketHopProbes(const base::Clock& clock, AddressLookup lookUp = lookUpHost);
-    ~SocketHopProbes() override;
+    explicit SocketHopProbes(base::Clock& clock, AddressLookup lookUp = lookUpHost)
+        : m_context {.clock = clock, .lookUp = std::move(lookUp)}
+    {
+    }
 
     std::unique_ptr<platform::Connection> probeHop(const QString& host, quint16 port, int hopLimit,
         platform::ConnectionHandler handler) override;
 
 private:
-    WatchedConnections m_watched;
-    std::jthread m_thread;
+    ProbeContext m_context;
+    /// The kernel times packets while any socket asks for it, and begins with a delay. This one
+    /// spans the pauses between the probes of a trace.
+    base::FileDescriptor m_timed;
+    std::unique_ptr<base::Timer> m_untimed;
 };
+
+enum class HopAnswer {
+    None, ///< meant for another datagram; the answer may still come
+    Good, ///< tells who is at that hop
+    Bad,
+};
+
+/// What an error means for a datagram to `peer`. A port counts as unreachable only if the peer
+/// itself says so; firewalls say it, too.
+HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer);
 
 } // namespace netvane::net

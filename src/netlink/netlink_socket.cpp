@@ -1,6 +1,7 @@
 #include "netlink/netlink_socket.h"
 
 #include <netlink/errno.h>
+#include <netlink/genl/genl.h>
 #include <netlink/msg.h>
 #include <netlink/netlink.h>
 #include <netlink/socket.h>
@@ -15,8 +16,8 @@ namespace {
 using SteadyClock = std::chrono::steady_clock;
 
 constexpr int kTries = 3;
-// Against a driver that never comes to the end of its list. A scan table holds a thousand networks,
-// and of all the routes the default ones come first.
+// Protects against a driver whose list never ends. A scan table holds a thousand networks, and the
+// default routes are the first of all routes.
 constexpr int kMessageLimit = 100'000;
 
 struct Answer {
@@ -30,8 +31,8 @@ struct Answer {
     bool isLate() const { return SteadyClock::now() > deadline; }
 };
 
-/// Stands in for libnl's check of the sequence number, which would take the rest of an answer that
-/// was given up on for the one to the next request.
+/// Replaces libnl's check of the sequence number, which would accept the rest of an abandoned
+/// answer as the answer to the next request.
 int admitMessage(nl_msg* message, void* argument)
 {
     auto& answer = *static_cast<Answer*>(argument);
@@ -48,7 +49,7 @@ int takeMessage(nl_msg* message, void* argument)
     return NL_OK;
 }
 
-/// The kernel tells in the last message of a dump whether it failed on its way.
+/// The last message of a dump says whether the dump failed halfway.
 int finish(nl_msg* message, void* argument)
 {
     auto& answer = *static_cast<Answer*>(argument);
@@ -122,7 +123,8 @@ base::Result<std::monostate> NetlinkSocket::request(nl_msg& message,
     for (int attempt = 0; attempt < kTries; ++attempt) {
         if (attempt > 0) {
             restart();
-            // A number of its own for each try tells its answer from the rest of the last one.
+            // Each try has its own number, so that its answer differs from the rest of the last
+            // one.
             nlmsg_hdr(&message)->nlmsg_seq = NL_AUTO_SEQ;
         }
         status = nl_send_auto(handle(), &message);
@@ -137,6 +139,17 @@ base::Result<std::monostate> NetlinkSocket::request(nl_msg& message,
     if (status < 0)
         return netlinkFailure(status);
     return std::monostate {};
+}
+
+std::optional<GenericMessage> genericMessage(const nlmsghdr& message, int family)
+{
+    auto* header = const_cast<nlmsghdr*>(&message); // libnl's readers take no const
+    if (message.nlmsg_type != family || !genlmsg_valid_hdr(header, 0))
+        return {};
+    auto* generic = static_cast<genlmsghdr*>(nlmsg_data(header));
+    return GenericMessage {generic->cmd,
+        {reinterpret_cast<const std::byte*>(genlmsg_attrdata(generic, 0)),
+            size_t(genlmsg_attrlen(generic, 0))}};
 }
 
 base::Failure netlinkFailure(int nlError)

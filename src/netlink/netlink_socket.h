@@ -1,10 +1,15 @@
 #pragma once
 
+// This room talks to the kernel over netlink: sockets with time limits, messages and attributes.
+// Nothing here knows what a message is about; `radio` and `net` give the meaning.
+// Every length in a message is checked before it is used.
+
 #include "base/result.h"
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 
 struct nl_msg;
@@ -21,20 +26,20 @@ struct NetlinkMessageDeleter {
 };
 using NetlinkMessage = std::unique_ptr<nl_msg, NetlinkMessageDeleter>;
 
-/// A netlink socket (libnl) whose every wait ends after `kReceiveTimeout`: a driver may hold the
-/// kernel's lock for as long as it likes. One thread at a time.
+/// A netlink socket (libnl). Each wait ends after `kReceiveTimeout`, because a driver can hold the
+/// kernel's lock for any time. One thread at a time.
 class NetlinkSocket {
 public:
     static constexpr std::chrono::milliseconds kReceiveTimeout {1000};
-    /// After this a request that is still being answered, further tries included, waits no more.
+    /// The limit of a whole request, further tries included.
     static constexpr std::chrono::milliseconds kAnswerLimit {3000};
 
     /// `protocol` is NETLINK_ROUTE or NETLINK_GENERIC.
     static base::Result<NetlinkSocket> open(int protocol);
 
-    /// Sends a request, given that it asks for a dump, and hands each message of the answer to
-    /// `take`; what is left of an earlier answer is passed over. A dump that the kernel marks as
-    /// interrupted is asked again, twice at most; `restart` is called before each further try.
+    /// Sends a request and passes each message of the answer to `take`; the rest of an earlier
+    /// answer is ignored. A dump that the kernel marks as interrupted is requested again, at most
+    /// twice; `restart` is called before each further try.
     base::Result<std::monostate> request(nl_msg& message,
         const std::function<void(const nlmsghdr&)>& take, const std::function<void()>& restart);
 
@@ -53,7 +58,15 @@ private:
     std::unique_ptr<nl_sock, Deleter> m_socket;
 };
 
-/// What a libnl error code means to us; the one place where they are told apart.
+/// A generic netlink message: its command and its attributes.
+struct GenericMessage {
+    int command = 0;
+    AttributeBytes attributes;
+};
+/// Absent if the message belongs to another family or is too short.
+std::optional<GenericMessage> genericMessage(const nlmsghdr& message, int family);
+
+/// Maps a libnl error code; the only place that does.
 base::Failure netlinkFailure(int nlError);
 
 } // namespace netvane::netlink

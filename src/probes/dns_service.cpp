@@ -9,6 +9,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::probes {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.probes")
+
 constexpr int kLookupsPerLogLine = 10;
 
 /// The clock is the process's own: the service's one may be gone when a lookup that hung returns.
@@ -54,8 +56,9 @@ void DNSService::timeLookup()
         return;
     ++m_lookupCount;
     if (m_lookupCount % kLookupsPerLogLine == 0)
-        base::log(u"DNSService: Lookup #%1, history count: %2"_s.arg(
-            QString::number(m_lookupCount), QString::number(m_history.size())));
+        base::log(logCategory(),
+            u"DNSService: Lookup #%1, history count: %2"_s.arg(
+                QString::number(m_lookupCount), QString::number(m_history.size())));
     const bool started = base::runDetached(
         this,
         [resolver = m_resolver, host = m_testHost.toStdString()] {
@@ -66,18 +69,19 @@ void DNSService::timeLookup()
             if (!base::hasSlept(asleepBefore, m_clock.timeAsleep()))
                 finishLookup(lookup);
         },
-        &m_clock);
+        m_clock, base::Delivery::Batched);
     if (started)
         ++m_lookupsInFlight;
     else
-        base::log(u"DNSService: No thread to be had for a lookup"_s);
+        base::log(logCategory(), u"DNSService: No thread to be had for a lookup"_s);
 }
 
 void DNSService::finishLookup(const TimedResolution& lookup)
 {
     if (const auto& resolution = lookup.resolution; resolution.status != 0) {
-        base::log(u"DNSService: DNS lookup failed for %1: %2 (status: %3)"_s.arg(m_testHost,
-            QString::fromLocal8Bit(resolution.errorText), QString::number(resolution.status)));
+        base::log(logCategory(),
+            u"DNSService: DNS lookup failed for %1: %2 (status: %3)"_s.arg(m_testHost,
+                QString::fromLocal8Bit(resolution.errorText), QString::number(resolution.status)));
         return;
     }
     const std::chrono::duration<double, std::milli> milliseconds = lookup.duration;

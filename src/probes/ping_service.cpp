@@ -15,6 +15,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::probes {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.probes")
+
 constexpr int kPingsPerLogLine = 10;
 constexpr quint16 kHttpPort = 80;
 constexpr quint16 kHttpsPort = 443;
@@ -80,8 +82,9 @@ void PingService::Probe::complete(Outcome outcome)
     connection->cancel();
     base::postToMainThread([service = service, probe = this, outcome = std::move(outcome)] {
         if (!outcome.messageStart.isEmpty())
-            base::log(u"PingService: "_s + outcome.messageStart
-                + (service ? service->targetHost() : u"unknown"_s) + outcome.messageEnd);
+            base::log(logCategory(),
+                u"PingService: "_s + outcome.messageStart
+                    + (service ? service->targetHost() : u"unknown"_s) + outcome.messageEnd);
         if (service)
             service->finishProbe(probe, outcome.latencyMs);
     });
@@ -112,8 +115,9 @@ void PingService::start()
     m_recentResults.clear();
     m_pingCount = 0;
     const auto seconds = std::chrono::duration<double>(pingInterval).count();
-    base::log(u"PingService[%1]: Starting with interval %2s"_s.arg(
-        m_targetName, QString::number(seconds, 'f', 1)));
+    base::log(logCategory(),
+        u"PingService[%1]: Starting with interval %2s"_s.arg(
+            m_targetName, QString::number(seconds, 'f', 1)));
     const NetworkMetrics initial {
         .timestamp = m_clock.now(), .packetLoss = 0, .target = m_targetName};
     m_metrics = {initial};
@@ -141,8 +145,9 @@ void PingService::performPing()
         return;
     ++m_pingCount;
     if (m_pingCount % kPingsPerLogLine == 0)
-        base::log(u"PingService[%1]: Ping #%2, metrics count: %3"_s.arg(
-            m_targetName, QString::number(m_pingCount), QString::number(m_metrics.size())));
+        base::log(logCategory(),
+            u"PingService[%1]: Ping #%2, metrics count: %3"_s.arg(
+                m_targetName, QString::number(m_pingCount), QString::number(m_metrics.size())));
     measureLatency();
 }
 

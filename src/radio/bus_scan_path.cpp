@@ -1,9 +1,9 @@
 #include "radio/bus_scan_path.h"
 
 #include "base/visible_text.h"
+#include "bus/bus_answer.h"
 
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
 
 #include <algorithm>
 
@@ -13,9 +13,9 @@ namespace netvane::radio {
 namespace {
 
 const QString kBus = u"org.freedesktop.DBus"_s;
-const QString kProperties = u"org.freedesktop.DBus.Properties"_s;
 
-// Somebody may have to type a password before the answer comes; the scan's own limit ends sooner.
+// The user may have to type a password before the answer comes; the time limit of the scan is
+// shorter.
 constexpr int kAnswerLimitMs = 60'000;
 constexpr qsizetype kLongestReason = 120;
 
@@ -51,50 +51,59 @@ BusScanPath::BusScanPath(const QDBusConnection& systemBus, QString service, QStr
         u"sss"_s, this, SLOT(takeOwnerChange(QDBusMessage)));
 }
 
-QDBusMessage BusScanPath::methodCall(
-    const QString& path, const QString& interface, const QString& method) const
+QDBusMessage BusScanPath::methodCall(const QString& path, const QString& interface,
+    const QString& method, const QVariantList& arguments) const
 {
     auto call = QDBusMessage::createMethodCall(m_service, path, interface, method);
-    call.setAutoStartService(false); // one that is not running owns no radio
+    call.setArguments(arguments);
+    call.setAutoStartService(false); // a service that is not running owns no radio
     return call;
 }
 
 void BusScanPath::ask(const QDBusMessage& call, const QString& signature,
     std::function<void(const QDBusMessage&)> take)
 {
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, kAnswerLimitMs), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-        [this, watcher, signature, take = std::move(take)] {
-            watcher->deleteLater();
-            const QDBusMessage answer = watcher->reply();
+    if (!m_owner.isEmpty()) {
+        send(call, signature, std::move(take));
+        return;
+    }
+    send(bus::ownerQuestion(m_service), u"s"_s,
+        [this, call, signature, take = std::move(take)](const QDBusMessage& answer) {
+            m_owner = answer.arguments().value(0).toString();
+            send(call, signature, take);
+        });
+}
+
+void BusScanPath::send(const QDBusMessage& call, const QString& signature,
+    std::function<void(const QDBusMessage&)> take)
+{
+    bus::askBus(m_bus, call, kAnswerLimitMs, this,
+        [this, signature, take = std::move(take)](const auto& answer) {
             if (m_isOver)
                 return;
             if (answer.type() != QDBusMessage::ReplyMessage)
                 takeError(answer);
             else if (answer.signature() != signature)
                 fail(m_title + u" gave an answer that makes no sense"_s);
-            else {
-                m_owner = answer.service();
+            else
                 take(answer);
-            }
         });
 }
 
-void BusScanPath::request(const QDBusMessage& call, const QString& replySignature,
-    const QDBusMessage& endSignal, const QString& endSignature)
+void BusScanPath::startScan(const QDBusMessage& call, const QDBusMessage& endSignal)
 {
-    m_bus.connect(QString(), endSignal.path(), endSignal.interface(), endSignal.member(), {},
-        endSignature, this, SLOT(takeSignal(QDBusMessage)));
-    ask(call, replySignature, [this](const QDBusMessage&) { m_isAccepted = true; });
+    m_bus.connect(QString(), endSignal.path(), endSignal.interface(), endSignal.member(), this,
+        SLOT(takeSignal(QDBusMessage)));
+    ask(call, QString(), [this](const QDBusMessage&) { m_isAccepted = true; });
 }
 
-/// False when this path is over already.
+/// Returns false if this path was over already.
 bool BusScanPath::end()
 {
     return !std::exchange(m_isOver, true);
 }
 
-void BusScanPath::passOn()
+void BusScanPath::declineScan()
 {
     if (end())
         Q_EMIT notResponsible();
@@ -109,7 +118,7 @@ void BusScanPath::fail(const QString& text, base::FailureKind kind)
 void BusScanPath::takeError(const QDBusMessage& error)
 {
     if (saysNotResponsible(error.errorName())) {
-        passOn();
+        declineScan();
         return;
     }
     if (saysNotAllowed(error.errorName())) {
@@ -122,15 +131,13 @@ void BusScanPath::takeError(const QDBusMessage& error)
 
 void BusScanPath::takeSignal(const QDBusMessage& signal)
 {
-    // One that comes before the request was accepted tells of an earlier scan.
+    // A signal before the request was accepted is about an earlier scan.
     if (!m_isAccepted || signal.service() != m_owner)
         return;
-    const auto verdict = verdictOf(signal);
-    if (!verdict)
-        return;
-    if (!*verdict)
-        fail(verdict->failure().text, verdict->failure().kind);
-    else if (end())
+    const ScanSignal meaning = meaningOf(signal);
+    if (meaning == ScanSignal::Failed)
+        fail(u"The scan of %1 failed"_s.arg(m_title));
+    else if (meaning == ScanSignal::Finished && end())
         Q_EMIT finished();
 }
 
@@ -144,7 +151,7 @@ void BusScanPath::takeOwnerChange(const QDBusMessage& signal)
 std::optional<QVariantMap> changedProperties(const QDBusMessage& signal, const QString& interface)
 {
     const auto arguments = signal.arguments();
-    // A map of another kind would have Qt read where there is nothing.
+    // Qt reads beyond the end of a map of another type.
     if (signal.signature() != u"sa{sv}as" || arguments.value(0) != interface)
         return {};
     return qdbus_cast<QVariantMap>(arguments.value(1));

@@ -5,53 +5,60 @@
 #include <QDBusMessage>
 
 #include <functional>
+#include <optional>
 
 namespace netvane::radio {
 
-/// What the services on the system bus have in common: some questions, a request that is accepted
-/// or refused, and then a signal. Those come without any check of who sent them (Qt would look up
-/// owners for it, and wait), so their sender is compared with that of the last answer.
+inline const QString kProperties = QStringLiteral("org.freedesktop.DBus.Properties");
+
+/// What a signal of a service says about the scan that was requested.
+enum class ScanSignal { Unrelated, Finished, Failed };
+
+/// The common part of the scan paths through a service on the system bus: some questions, a request
+/// that is accepted or refused, and then a signal. Qt delivers a signal from any sender (matching
+/// the sender would make Qt wait for the bus), so the sender is compared here with the owner of
+/// the service's name.
 class BusScanPath : public ScanPath {
     Q_OBJECT
 
 protected:
-    /// `title` is the service's name for people.
+    /// `title` is the service's name in messages to the user.
     BusScanPath(const QDBusConnection& systemBus, QString service, QString title);
 
-    QDBusMessage methodCall(
-        const QString& path, const QString& interface, const QString& method) const;
-    /// Hands on an answer that has this signature; whatever else comes ends this path.
+    QDBusMessage methodCall(const QString& path, const QString& interface, const QString& method,
+        const QVariantList& arguments = {}) const;
+    /// Passes on an answer that has this signature. Any other answer ends this path.
     void ask(const QDBusMessage& call, const QString& signature,
         std::function<void(const QDBusMessage&)> take);
-    /// Listens for the signal that tells the end, and then asks for the scan.
-    void request(const QDBusMessage& call, const QString& replySignature,
-        const QDBusMessage& endSignal, const QString& endSignature);
-    void passOn();
+    /// Listens for the signal that reports the end, and then requests the scan.
+    void startScan(const QDBusMessage& call, const QDBusMessage& endSignal);
+    /// Ends this path: the service does not own the interface.
+    void declineScan();
     void fail(const QString& text, base::FailureKind kind = base::FailureKind::Other);
 
-    /// What a signal from the service after the request was accepted says: nothing of the end
-    /// (absent), the end, or a failure.
-    virtual std::optional<base::Result<std::monostate>> verdictOf(
-        const QDBusMessage& signal) const = 0;
+    /// Called for a signal from the service after the request was accepted.
+    virtual ScanSignal meaningOf(const QDBusMessage& signal) const = 0;
 
 private Q_SLOTS:
     void takeSignal(const QDBusMessage& signal);
     void takeOwnerChange(const QDBusMessage& signal);
 
 private:
+    void send(const QDBusMessage& call, const QString& signature,
+        std::function<void(const QDBusMessage&)> take);
     void takeError(const QDBusMessage& error);
     bool end();
 
     QDBusConnection m_bus;
     const QString m_service;
     const QString m_title;
-    QString m_owner; ///< the service's unique name; empty before its first answer
+    QString m_owner; ///< the service's unique name; empty before the first question
     bool m_isAccepted = false;
     bool m_isOver = false;
 };
 
-/// Whether a signal PropertiesChanged (org.freedesktop.DBus.Properties, sa{sv}as) is about this
-/// interface, and then the changes that it names.
+/// The changes in a PropertiesChanged signal (org.freedesktop.DBus.Properties, sa{sv}as); absent if
+/// it is another signal or about another interface.
 std::optional<QVariantMap> changedProperties(const QDBusMessage& signal, const QString& interface);
 /// The signal to listen for.
 QDBusMessage propertiesChanged(const QString& path);

@@ -5,15 +5,15 @@
 namespace netvane::radio {
 
 LinuxNetworkScanner::LinuxNetworkScanner(
-    ScanMeans means, std::shared_ptr<platform::WiFiClient> wifiClient)
-    : m_means(std::move(means))
+    ScanContext context, std::shared_ptr<platform::WiFiClient> wifiClient)
+    : m_context(std::move(context))
     , m_wifiClient(std::move(wifiClient))
 {
 }
 
 void LinuxNetworkScanner::scan(QObject* owner, DeliverNetworks deliver)
 {
-    new NetworkScan(owner, m_means, std::move(deliver));
+    new NetworkScan(owner, m_context, std::move(deliver));
 }
 
 void LinuxNetworkScanner::readCurrentChannel(QObject* owner, DeliverChannel deliver)
@@ -24,7 +24,7 @@ void LinuxNetworkScanner::readCurrentChannel(QObject* owner, DeliverChannel deli
         const auto link = interfaces.empty() ? std::nullopt : interfaces.front()->readLink();
         return link ? link->channel : std::nullopt;
     };
-    base::runInBackground(m_means.queue, owner, read, std::move(deliver));
+    base::runInBackground(m_context.queue, owner, read, std::move(deliver));
 }
 
 } // namespace netvane::radio

@@ -8,37 +8,38 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::radio {
 
 NetworkScan::NetworkScan(
-    QObject* owner, ScanMeans means, platform::NetworkScanner::DeliverNetworks deliver)
+    QObject* owner, ScanContext context, platform::NetworkScanner::DeliverNetworks deliver)
     : QObject(owner)
-    , m_means(std::move(means))
+    , m_context(std::move(context))
     , m_deliver(std::move(deliver))
 {
-    m_limit = m_means.clock.after(kTimeLimit,
+    m_limitTimer = m_context.clock.after(kTimeLimit,
         [this] { fail(base::FailureKind::TimedOut, u"The scan took more than 30 seconds"_s); });
     base::runInBackground(
-        m_means.queue, this, [kernel = m_means.kernel] { return kernel->prepare(); },
-        [this](const base::Result<ScanGround>& ground) { begin(ground); });
+        m_context.queue, this, [kernel = m_context.kernel] { return kernel->prepare(); },
+        [this](const base::Result<ScanSetup>& setup) { begin(setup); });
 }
 
-void NetworkScan::begin(const base::Result<ScanGround>& ground)
+void NetworkScan::begin(const base::Result<ScanSetup>& setup)
 {
     if (m_isOver)
         return;
-    if (!ground) {
-        end(ground.failure());
+    if (!setup) {
+        end(setup.failure());
         return;
     }
-    m_ground = ground.value();
+    m_setup = setup.value();
     m_events
-        = std::make_unique<QSocketNotifier>(m_ground.events->descriptor(), QSocketNotifier::Read);
+        = std::make_unique<QSocketNotifier>(m_setup.events->descriptor(), QSocketNotifier::Read);
     connect(m_events.get(), &QSocketNotifier::activated, this, &NetworkScan::takeEvents);
-    connect(&m_means.systemBus, &bus::BusLink::stateChanged, this, &NetworkScan::followBus);
-    followBus();
+    connect(
+        &m_context.systemBus, &bus::BusLink::stateChanged, this, &NetworkScan::onBusStateChanged);
+    onBusStateChanged();
 }
 
-void NetworkScan::followBus()
+void NetworkScan::onBusStateChanged()
 {
-    const auto state = m_means.systemBus.state();
+    const auto state = m_context.systemBus.state();
     if (state == bus::BusLink::State::Connecting || m_isScanned || m_isOver)
         return;
     if (!m_paths.empty()) {
@@ -46,13 +47,9 @@ void NetworkScan::followBus()
             fail(base::FailureKind::NotAvailable, u"The system bus went away during the scan"_s);
         return;
     }
-    if (state == bus::BusLink::State::Connected) {
-        const auto& bus = m_means.systemBus.connection();
-        m_paths.push_back(makeNetworkManagerScanPath(bus));
-        m_paths.push_back(makeIwdScanPath(bus));
-        m_paths.push_back(makeSupplicantScanPath(bus));
-    }
-    m_paths.push_back(makeKernelScanPath(m_means.kernel, m_means.queue));
+    if (state == bus::BusLink::State::Connected)
+        m_paths = makeServiceScanPaths(m_context.systemBus.connection());
+    m_paths.push_back(makeKernelScanPath(m_context.kernel, m_context.queue));
     askNext();
 }
 
@@ -65,34 +62,34 @@ void NetworkScan::askNext()
     connect(path, &ScanPath::finished, this, &NetworkScan::finish);
     connect(path, &ScanPath::failed, this,
         [this](const base::Failure& failure) { fail(failure.kind, failure.text); });
-    path->requestScan(m_ground.interface);
+    path->requestScan(m_setup.interface);
 }
 
 void NetworkScan::takeEvents()
 {
-    for (const ScanEvent event : m_ground.events->receive(m_ground.interface.index))
+    for (const ScanEvent event : m_setup.events->receive(m_setup.interface.index))
         takeEvent(event);
 }
 
-/// Another program's scan that was under way before the request counts for nothing.
+/// Ignores a scan that was already running before the request.
 void NetworkScan::takeEvent(ScanEvent event)
 {
     if (m_isScanned || m_isOver)
         return;
     if (event == ScanEvent::Started) {
-        m_isUnderWay = true;
-        m_settled.reset();
+        m_isRunning = true;
+        m_settleTimer.reset();
         return;
     }
-    if (!std::exchange(m_isUnderWay, false))
+    if (!std::exchange(m_isRunning, false))
         return;
     if (event == ScanEvent::Aborted) {
         fail(base::FailureKind::Interrupted, u"The scan was aborted"_s);
     } else if (isLastAsked()) {
         finish();
     } else {
-        readTable(); // iwd has it emptied at the end of the next go
-        m_settled = m_means.clock.after(kSettleTime, [this] { finish(); });
+        readTable(); // the end of the next partial scan of iwd empties it
+        m_settleTimer = m_context.clock.after(kSettleTime, [this] { finish(); });
     }
 }
 
@@ -100,7 +97,7 @@ void NetworkScan::finish()
 {
     if (std::exchange(m_isScanned, true) || m_isOver)
         return;
-    m_limit.reset();
+    m_limitTimer.reset();
     readTable();
 }
 
@@ -108,8 +105,8 @@ void NetworkScan::readTable()
 {
     ++m_readsInFlight;
     base::runInBackground(
-        m_means.queue, this,
-        [kernel = m_means.kernel, interface = m_ground.interface] {
+        m_context.queue, this,
+        [kernel = m_context.kernel, interface = m_setup.interface] {
             return kernel->readTable(interface);
         },
         [this](const base::Result<std::vector<BssRecord>>& table) { takeTable(table); });
@@ -119,10 +116,10 @@ void NetworkScan::takeTable(const base::Result<std::vector<BssRecord>>& table)
 {
     --m_readsInFlight;
     if (table) {
-        const auto now = m_means.clock.monotonicNow();
-        const auto passed = now - std::exchange(m_tableTime, now);
-        addLater(
-            m_table, table.value(), std::chrono::duration_cast<std::chrono::milliseconds>(passed));
+        const auto now = m_context.clock.monotonicNow();
+        const auto elapsed = now - std::exchange(m_tableTime, now);
+        addNewerTable(
+            m_table, table.value(), std::chrono::duration_cast<std::chrono::milliseconds>(elapsed));
     } else
         m_readFailure = table.failure();
     if (!m_isScanned || m_readsInFlight > 0)
@@ -136,7 +133,7 @@ void NetworkScan::takeTable(const base::Result<std::vector<BssRecord>>& table)
 
 void NetworkScan::fail(base::FailureKind kind, const QString& text)
 {
-    if (!m_isScanned) // with the scan done nobody else is needed
+    if (!m_isScanned) // once the scan is done only the kernel table is needed
         end(base::Failure {kind, text});
 }
 
@@ -144,11 +141,11 @@ void NetworkScan::end(const base::Result<std::vector<platform::NearbyNetwork>>& 
 {
     if (std::exchange(m_isOver, true))
         return;
-    m_limit.reset();
-    m_settled.reset();
+    m_limitTimer.reset();
+    m_settleTimer.reset();
     if (m_events)
         m_events->setEnabled(false);
-    // Later, for whoever gets it may let this object's owner go.
+    // Later, because the receiver may destroy this object's owner.
     const auto deliver = [this, result] {
         deleteLater();
         std::exchange(m_deliver, {})(result);

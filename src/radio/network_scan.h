@@ -11,30 +11,31 @@
 
 namespace netvane::radio {
 
-/// What every scan wants; all of it outlives the scans.
-struct ScanMeans {
+/// What every scan uses. All of it outlives the scans.
+struct ScanContext {
     bus::BusLink& systemBus;
     base::Clock& clock;
     base::WorkQueue& queue;
     std::shared_ptr<ScanKernel> kernel;
 };
 
-/// One scan, from the request to the networks: asks whoever owns the radio, waits for that
-/// service's word or the kernel's events, and then reads the kernel's table. Main thread; a child
-/// of its owner, that destroys itself after it has delivered.
+/// One scan, from the request to the networks: asks the services that can own the radio one after
+/// another, waits for the service's signal or the kernel's events, and then reads the kernel's
+/// scan table. Main thread; a child of its owner that deletes itself after it has delivered.
 class NetworkScan : public QObject {
 public:
     /// From the request to the end of the waiting.
     static constexpr std::chrono::milliseconds kTimeLimit {30'000};
-    /// A service may scan in several goes, each with its own results. After so long without another
-    /// go the scan is over, even if the service never says so.
+    /// iwd splits a scan into partial scans, each with its own results. If no other one starts
+    /// within this time the scan is over, even if the service does not report the end.
     static constexpr std::chrono::milliseconds kSettleTime {3'000};
 
-    NetworkScan(QObject* owner, ScanMeans means, platform::NetworkScanner::DeliverNetworks deliver);
+    NetworkScan(
+        QObject* owner, ScanContext context, platform::NetworkScanner::DeliverNetworks deliver);
 
 private:
-    void begin(const base::Result<ScanGround>& ground);
-    void followBus();
+    void begin(const base::Result<ScanSetup>& setup);
+    void onBusStateChanged();
     void askNext();
     bool isLastAsked() const { return m_asked == m_paths.size(); }
     void takeEvents();
@@ -45,15 +46,15 @@ private:
     void fail(base::FailureKind kind, const QString& text);
     void end(const base::Result<std::vector<platform::NearbyNetwork>>& result);
 
-    const ScanMeans m_means;
+    const ScanContext m_context;
     platform::NetworkScanner::DeliverNetworks m_deliver;
-    ScanGround m_ground;
-    std::unique_ptr<QSocketNotifier> m_events; ///< goes before the socket of the ground
+    ScanSetup m_setup;
+    std::unique_ptr<QSocketNotifier> m_events; ///< destroyed before the socket in m_setup
     std::vector<std::unique_ptr<ScanPath>> m_paths; ///< empty until the state of the bus is known
     size_t m_asked = 0;
-    std::unique_ptr<base::Timer> m_limit;
-    std::unique_ptr<base::Timer> m_settled;
-    bool m_isUnderWay = false; ///< a scan that began after the request
+    std::unique_ptr<base::Timer> m_limitTimer;
+    std::unique_ptr<base::Timer> m_settleTimer;
+    bool m_isRunning = false; ///< a scan that began after the request
     std::vector<BssRecord> m_table; ///< what all goes have found
     std::optional<base::Failure> m_readFailure;
     std::chrono::steady_clock::time_point m_tableTime;

@@ -1,5 +1,9 @@
 #pragma once
 
+// This room reads the Wi-Fi link, scans for networks and reads the permission to scan.
+// Link and scan share the nl80211 messages and sockets and do not know each other.
+// Everything from the kernel, the air and the bus is untrusted.
+
 #include "platform/wifi_client.h"
 
 #include <QByteArray>
@@ -7,12 +11,13 @@
 
 namespace netvane::radio {
 
-/// Wi-Fi by nl80211 over generic netlink: no daemon, no privilege. Every read opens a socket of its
-/// own, so nothing stale survives a driver that was reloaded, and the interface is looked up by its
-/// name, since its number changes when an adapter is plugged in again.
+/// Reads the link from nl80211 over generic netlink: needs no daemon and no privilege. Each read
+/// opens its own socket, so that nothing is out of date after a driver was reloaded, and looks the
+/// interface up by its name, because its index changes when an adapter is plugged in again.
 class Nl80211WiFiClient : public platform::WiFiClient {
 public:
-    /// Null when this process may not have a netlink socket. `sysfsRoot` is where sysfs(5) stands.
+    /// Null when this process cannot open a netlink socket. `sysfsRoot` is where sysfs(5) is
+    /// mounted.
     static std::unique_ptr<Nl80211WiFiClient> create(
         const QString& sysfsRoot = QStringLiteral("/sys"));
 
@@ -26,10 +31,5 @@ private:
 
     QString m_sysfsRoot;
 };
-
-/// Whether the interface is up and nothing blocks its radio, from `class/net/NAME/flags`
-/// (IFF_UP) and the rfkill switches of its wiphy; true when sysfs tells neither. Touches no
-/// netlink, so that it never waits for a driver.
-bool isRadioOn(const QString& sysfsRoot, const QByteArray& interfaceName);
 
 } // namespace netvane::radio

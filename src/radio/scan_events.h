@@ -8,7 +8,7 @@
 
 namespace netvane::radio {
 
-/// What the kernel tells of a scan, whoever asked for it.
+/// Events that the kernel sends about every scan, whichever program requested it.
 enum class ScanEvent {
     Started, ///< NL80211_CMD_TRIGGER_SCAN
     ResultsReady, ///< NL80211_CMD_NEW_SCAN_RESULTS
@@ -18,7 +18,7 @@ enum class ScanEvent {
 /// A socket in nl80211's multicast group "scan", which anybody may join.
 class ScanEvents {
 public:
-    /// What `openScanEvents` has opened, or in tests any socket of datagrams.
+    /// The socket of `openScanEvents`; in tests any datagram socket.
     ScanEvents(base::FileDescriptor socket, int family)
         : m_socket(std::move(socket))
         , m_family(family)
@@ -28,19 +28,18 @@ public:
     /// Readable when there is something to receive.
     int descriptor() const { return m_socket.get(); }
 
-    /// What has been told since about this interface; never waits.
+    /// The events about this interface that arrived since the last call; never waits.
     std::vector<ScanEvent> receive(std::uint32_t interfaceIndex) const;
 
 private:
     base::FileDescriptor m_socket;
-    int m_family; ///< nl80211's number of the day
+    int m_family; ///< nl80211's id, assigned at boot
 };
 
-/// May wait for the kernel, within a bound: for background threads.
+/// May wait for the kernel, within a limit: for background threads.
 base::Result<ScanEvents> openScanEvents();
 
-/// The events about one interface in a datagram of netlink messages, no length in which is
-/// believed.
+/// The events about one interface in a datagram of netlink messages. Lengths are checked.
 std::vector<ScanEvent> scanEvents(
     netlink::AttributeBytes datagram, int family, std::uint32_t interfaceIndex);
 

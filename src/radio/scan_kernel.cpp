@@ -1,7 +1,7 @@
 #include "radio/scan_kernel.h"
 
-#include "radio/nl80211_conversation.h"
-#include "radio/nl80211_wifi_client.h"
+#include "radio/nl80211_socket.h"
+#include "radio/radio_power.h"
 
 #include <QFile>
 
@@ -13,10 +13,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::radio {
 
-base::Result<ScanGround> Nl80211ScanKernel::prepare()
+base::Result<ScanSetup> Nl80211ScanKernel::prepare()
 {
-    auto wifi = Nl80211Conversation::open();
-    if (!wifi) // no Wi-Fi in the kernel is no interface either
+    auto wifi = Nl80211Socket::open();
+    if (!wifi) // without nl80211 there is no interface
         return base::Failure {base::FailureKind::NotFound, wifi.failure().text};
     const auto interfaces = wifi.value().dump(NL80211_CMD_GET_INTERFACE, 0, parseInterface);
     const auto first = std::ranges::find_if(interfaces, isStation);
@@ -27,24 +27,24 @@ base::Result<ScanGround> Nl80211ScanKernel::prepare()
     auto events = openScanEvents();
     if (!events)
         return base::Failure {base::FailureKind::Other, events.failure().text};
-    return ScanGround {{*first->index, QFile::decodeName(*first->name)},
+    return ScanSetup {{*first->index, QFile::decodeName(*first->name)},
         std::make_shared<ScanEvents>(std::move(events.value()))};
 }
 
 base::Result<std::monostate> Nl80211ScanKernel::trigger(const ScanInterface& interface)
 {
-    auto wifi = Nl80211Conversation::open();
+    auto wifi = Nl80211Socket::open();
     return wifi ? wifi.value().triggerScan(interface.index) : wifi.failure();
 }
 
 base::Result<std::vector<BssRecord>> Nl80211ScanKernel::readTable(const ScanInterface& interface)
 {
-    auto wifi = Nl80211Conversation::open();
+    auto wifi = Nl80211Socket::open();
     if (!wifi)
         return wifi.failure();
     std::vector<BssRecord> table;
     const auto read = wifi.value().dumpInto(table, NL80211_CMD_GET_SCAN, interface.index, parseBss);
-    // A table that changed while it was read is as good as it gets where there is much to hear.
+    // With many networks in range the table often changes while it is read; it is still usable.
     if (!read && read.failure().kind != base::FailureKind::Interrupted)
         return read.failure();
     return table;

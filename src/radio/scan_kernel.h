@@ -10,33 +10,33 @@
 
 namespace netvane::radio {
 
-/// The interface that a scan is made with.
+/// The interface that scans.
 struct ScanInterface {
     std::uint32_t index = 0;
     QString name;
 };
 
-/// Where a scan begins: what it is made with, and how one hears of its end.
-struct ScanGround {
+/// What a scan starts with: the interface, and the events that report its end.
+struct ScanSetup {
     ScanInterface interface;
     std::shared_ptr<ScanEvents> events;
 };
 
-/// The kernel's part in a scan. May wait for a driver, within a bound: for background threads,
-/// several at once. A failure of the kind NotFound means that the interface is not there.
+/// The kernel operations of a scan. May wait for a driver, within a bound: for background threads,
+/// several at once. A failure of the kind NotFound context that the interface is not there.
 class ScanKernel {
 public:
     virtual ~ScanKernel() = default;
 
     /// Listens for events and finds the default interface, whose radio is on.
-    virtual base::Result<ScanGround> prepare() = 0;
-    /// Has the driver scan by itself; the events tell the end.
+    virtual base::Result<ScanSetup> prepare() = 0;
+    /// Starts a scan in the driver; the events report its end.
     virtual base::Result<std::monostate> trigger(const ScanInterface& interface) = 0;
-    /// The table of networks as it stands.
+    /// Reads the kernel's scan table.
     virtual base::Result<std::vector<BssRecord>> readTable(const ScanInterface& interface) = 0;
 };
 
-/// That of nl80211. `sysfsRoot` is where sysfs(5) stands.
+/// By nl80211. `sysfsRoot` is where sysfs(5) is mounted.
 class Nl80211ScanKernel : public ScanKernel {
 public:
     explicit Nl80211ScanKernel(QString sysfsRoot = QStringLiteral("/sys"))
@@ -44,7 +44,7 @@ public:
     {
     }
 
-    base::Result<ScanGround> prepare() override;
+    base::Result<ScanSetup> prepare() override;
     base::Result<std::monostate> trigger(const ScanInterface& interface) override;
     base::Result<std::vector<BssRecord>> readTable(const ScanInterface& interface) override;
 

@@ -7,6 +7,7 @@
 #include <QObject>
 
 #include <memory>
+#include <vector>
 
 namespace netvane::base {
 class WorkQueue;
@@ -14,33 +15,30 @@ class WorkQueue;
 
 namespace netvane::radio {
 
-/// Somebody who can have the radio scan: a service that owns it, or the kernel itself. Main thread,
-/// never blocks, used once. After the first of the signals comes no other.
+/// One way to request a scan: through a service that owns the radio, or from the kernel itself.
+/// Main thread; never blocks; used once. At most one of the signals is emitted.
 class ScanPath : public QObject {
     Q_OBJECT
 
 public:
-    /// Asks for one scan of all channels.
+    /// Requests one scan of all channels.
     virtual void requestScan(const ScanInterface& interface) = 0;
 
 Q_SIGNALS:
-    /// The service is not there or has nothing to do with the interface; nothing was asked of it.
+    /// The service is not running or does not own the interface. No scan was requested.
     void notResponsible();
     /// There will be no scan.
     void failed(const netvane::base::Failure& failure);
-    /// The scan is over by the service's own word. The kernel has none but its events.
+    /// The service reported the end of the scan. The kernel path reports it by scan events only.
     void finished();
 };
 
-// In the order in which they are asked. None of the services is started by being asked.
-
-/// NetworkManager (org.freedesktop.NetworkManager), for devices that it manages.
-std::unique_ptr<ScanPath> makeNetworkManagerScanPath(const QDBusConnection& systemBus);
-/// iwd (net.connman.iwd), for its devices in station mode.
-std::unique_ptr<ScanPath> makeIwdScanPath(const QDBusConnection& systemBus);
-/// wpa_supplicant (fi.w1.wpa_supplicant1), for interfaces that it was given.
-std::unique_ptr<ScanPath> makeSupplicantScanPath(const QDBusConnection& systemBus);
-/// nl80211, which wants CAP_NET_ADMIN.
+/// The services that can own the radio, in the order in which they are asked: NetworkManager
+/// (org.freedesktop.NetworkManager) for devices that it manages, iwd (net.connman.iwd) for devices
+/// in station mode, wpa_supplicant (fi.w1.wpa_supplicant1) for interfaces that it controls. Asking
+/// starts none of them.
+std::vector<std::unique_ptr<ScanPath>> makeServiceScanPaths(const QDBusConnection& systemBus);
+/// nl80211, which requires CAP_NET_ADMIN. Asked last.
 std::unique_ptr<ScanPath> makeKernelScanPath(
     std::shared_ptr<ScanKernel> kernel, base::WorkQueue& queue);
 

@@ -1,7 +1,5 @@
 #include "radio/scan_permission.h"
 
-#include "bus/bus_answer.h"
-
 #include <QDBusArgument>
 #include <QDBusMetaType>
 
@@ -14,49 +12,22 @@ constexpr auto kScanAction = "org.freedesktop.NetworkManager.wifi.scan"_L1;
 const QString kNetworkManager = u"org.freedesktop.NetworkManager"_s;
 const QString kNetworkManagerPath = u"/org/freedesktop/NetworkManager"_s;
 
-constexpr int kAnswerLimitMs = 25'000; // polkit's own first answer can take most of it
-constexpr int kUserLimitMs = 5 * 60'000; // somebody types a password
+constexpr int kUserLimitMs = 5 * 60'000; // the user types a password
 constexpr uint kAllowUserInteraction = 1; // polkit's CheckAuthorizationFlags
 
 using TextMap = QMap<QString, QString>;
 
-/// polkit's Subject: a kind, and what tells who it is.
-struct PolkitSubject {
-    QString kind;
-    QVariantMap details;
-};
-
-QDBusArgument& operator<<(QDBusArgument& argument, const PolkitSubject& subject)
-{
-    argument.beginStructure();
-    argument << subject.kind << subject.details;
-    argument.endStructure();
-    return argument;
-}
-
-// Qt wants both directions; nothing sends us a subject.
-const QDBusArgument& operator>>(const QDBusArgument& argument, PolkitSubject&)
-{
-    return argument;
-}
-
-QDBusMessage networkManagerCall(const QString& method)
-{
-    auto call = QDBusMessage::createMethodCall(
-        kNetworkManager, kNetworkManagerPath, kNetworkManager, method);
-    call.setAutoStartService(false); // no network manager is one too
-    return call;
-}
-
 QDBusMessage polkitCall(const QString& ownName)
 {
-    qDBusRegisterMetaType<PolkitSubject>();
     qDBusRegisterMetaType<TextMap>();
     auto call = QDBusMessage::createMethodCall(u"org.freedesktop.PolicyKit1"_s,
         u"/org/freedesktop/PolicyKit1/Authority"_s, u"org.freedesktop.PolicyKit1.Authority"_s,
         u"CheckAuthorization"_s);
-    const PolkitSubject self {u"system-bus-name"_s, {{u"name"_s, ownName}}};
-    call << QVariant::fromValue(self) << QString(kScanAction) << QVariant::fromValue(TextMap())
+    QDBusArgument subject; // polkit's Subject: a kind and its details
+    subject.beginStructure();
+    subject << u"system-bus-name"_s << QVariantMap {{u"name"_s, ownName}};
+    subject.endStructure();
+    call << QVariant::fromValue(subject) << QString(kScanAction) << QVariant::fromValue(TextMap())
          << kAllowUserInteraction << QString();
     return call;
 }
@@ -64,13 +35,13 @@ QDBusMessage polkitCall(const QString& ownName)
 /// The first field of polkit's answer ((bba{ss})): is_authorized.
 bool isGranted(const QDBusMessage& answer)
 {
-    if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != u"(bba{ss})"_s)
+    if (!bus::isReply(answer, u"(bba{ss})"_s))
         return false;
     const auto result = answer.arguments().value(0).value<QDBusArgument>();
     bool granted = false;
     result.beginStructure();
     result >> granted;
-    result.endStructure(); // frees what Qt keeps about an open one
+    result.endStructure(); // frees Qt's data about an open structure
     return granted;
 }
 
@@ -86,70 +57,52 @@ std::optional<platform::AuthorizationStatus> scanAuthorization(const QDBusMessag
     }
     if (answer.signature() != u"a{ss}"_s)
         return platform::AuthorizationStatus::Restricted;
-    const QString word = qdbus_cast<TextMap>(answer.arguments().value(0)).value(kScanAction);
-    if (word == "yes"_L1)
+    const QString permission = qdbus_cast<TextMap>(answer.arguments().value(0)).value(kScanAction);
+    if (permission == "yes"_L1)
         return platform::AuthorizationStatus::AuthorizedAlways;
-    if (word == "auth"_L1)
+    if (permission == "auth"_L1)
         return platform::AuthorizationStatus::NotDetermined;
-    return word == "no"_L1 ? platform::AuthorizationStatus::Denied
-                           : platform::AuthorizationStatus::Restricted;
+    return permission == "no"_L1 ? platform::AuthorizationStatus::Denied
+                                 : platform::AuthorizationStatus::Restricted;
 }
 
 ScanPermission::ScanPermission(bus::BusLink& systemBus)
-    : m_systemBus(systemBus)
+    : m_networkManager(systemBus, kNetworkManager, kNetworkManagerPath, kNetworkManager)
 {
-    connect(&m_systemBus, &bus::BusLink::stateChanged, this, &ScanPermission::watchSystemBus);
-    watchSystemBus();
-}
-
-void ScanPermission::watchSystemBus()
-{
-    ++m_questions;
-    if (m_systemBus.state() == bus::BusLink::State::Connecting)
-        return;
-    if (m_systemBus.state() == bus::BusLink::State::Absent) {
-        setStatus(platform::AuthorizationStatus::AuthorizedAlways);
-        return;
-    }
-    // Neither signal is taken at its word, they only have the question asked again; so it does not
-    // matter who sent them, and Qt need not look up owners, for which it would wait.
-    auto bus = m_systemBus.connection();
-    bus.connect(QString(), kNetworkManagerPath, kNetworkManager, u"CheckPermissions"_s, this,
-        SLOT(readPermission()));
-    bus.connect(QString(), u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s,
-        u"NameOwnerChanged"_s, {kNetworkManager}, u"sss"_s, this, SLOT(readPermission()));
-    // polkit's own word as well: on Debian the bus policy keeps it from NetworkManager, which then
-    // never passes it on.
-    bus.connect(QString(), u"/org/freedesktop/PolicyKit1/Authority"_s,
-        u"org.freedesktop.PolicyKit1.Authority"_s, u"Changed"_s, this, SLOT(readPermission()));
-    readPermission();
+    connect(&m_networkManager, &bus::BusService::reachable, this, &ScanPermission::readPermission);
+    connect(&m_networkManager, &bus::BusService::signalled, this, &ScanPermission::readPermission);
+    connect(&m_networkManager, &bus::BusService::gone, this,
+        [this] { setStatus(platform::AuthorizationStatus::AuthorizedAlways); });
+    m_networkManager.listenTo(u"CheckPermissions"_s);
+    // polkit's own signal as well: on Debian the bus policy does not deliver it to
+    // NetworkManager, which therefore never forwards it.
+    m_networkManager.listenTo(u"/org/freedesktop/PolicyKit1/Authority"_s,
+        u"org.freedesktop.PolicyKit1.Authority"_s, u"Changed"_s);
+    m_networkManager.begin();
 }
 
 void ScanPermission::readPermission()
 {
-    if (m_systemBus.state() != bus::BusLink::State::Connected)
-        return;
-    bus::askBus(m_systemBus.connection(), networkManagerCall(u"GetPermissions"_s), kAnswerLimitMs,
-        this, [this, question = ++m_questions](const auto& answer) {
-            if (const auto status = scanAuthorization(answer); status && question == m_questions)
-                setStatus(*status);
-        });
+    m_networkManager.ask(m_networkManager.call(u"GetPermissions"_s), [this](const auto& answer) {
+        if (const auto status = scanAuthorization(answer))
+            setStatus(*status);
+    });
 }
 
 void ScanPermission::requestAlwaysAuthorization()
 {
-    if (m_systemBus.state() != bus::BusLink::State::Connected || m_isAskingUser)
+    if (!m_networkManager.isBusThere() || m_isAskingUser)
         return;
     m_isAskingUser = true;
-    bus::askBus(m_systemBus.connection(), polkitCall(m_systemBus.connection().baseService()),
-        kUserLimitMs, this, [this](const auto& answer) {
-            m_isAskingUser = false;
-            // A grant for this once is not among the permissions that NetworkManager lists.
-            if (isGranted(answer))
-                setStatus(platform::AuthorizationStatus::AuthorizedAlways);
-            else
-                readPermission();
-        });
+    const auto& bus = m_networkManager.connection();
+    bus::askBus(bus, polkitCall(bus.baseService()), kUserLimitMs, this, [this](const auto& answer) {
+        m_isAskingUser = false;
+        // A grant for this once is not among the permissions that NetworkManager lists.
+        if (isGranted(answer))
+            setStatus(platform::AuthorizationStatus::AuthorizedAlways);
+        else
+            readPermission();
+    });
 }
 
 void ScanPermission::setStatus(platform::AuthorizationStatus status)

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "bus/bus_link.h"
+#include "bus/bus_service.h"
 #include "platform/location_manager.h"
-
-#include <QDBusMessage>
 
 #include <optional>
 
@@ -23,16 +21,12 @@ public:
     platform::AuthorizationStatus authorizationStatus() const override { return m_status; }
     void requestAlwaysAuthorization() override;
 
-private Q_SLOTS:
-    void readPermission();
-
 private:
-    void watchSystemBus();
+    void readPermission();
     void setStatus(platform::AuthorizationStatus status);
 
-    bus::BusLink& m_systemBus;
+    bus::BusService m_networkManager;
     platform::AuthorizationStatus m_status = platform::AuthorizationStatus::NotDetermined;
-    int m_questions = 0; ///< only the answer to the last one counts
     bool m_isAskingUser = false;
 };
 

@@ -20,24 +20,24 @@ platform::NearbyNetwork networkOf(const BssRecord& record)
     return network;
 }
 
-/// Entries without an age are taken for old.
+/// Entries without an age count as the oldest.
 std::uint32_t ageOf(const BssRecord& record)
 {
     return record.seenMsAgo.value_or(std::numeric_limits<std::uint32_t>::max());
 }
 
-/// Where a network stands in the list, and how old what is known of it is.
-struct Place {
-    size_t at;
+/// The index of a network in the result, and the age of its newest entry in milliseconds.
+struct Position {
+    size_t index;
     std::uint32_t age;
 };
 
-/// The younger word counts, but a name that only the older one has is kept.
-void merge(platform::NearbyNetwork& known, Place& place, platform::NearbyNetwork network,
+/// The newer entry wins, but a name that only the older one has is kept.
+void merge(platform::NearbyNetwork& known, Position& position, platform::NearbyNetwork network,
     std::uint32_t age)
 {
-    if (age < place.age) {
-        place.age = age;
+    if (age < position.age) {
+        position.age = age;
         std::swap(known, network);
     }
     if (!known.ssid)
@@ -49,32 +49,32 @@ void merge(platform::NearbyNetwork& known, Place& place, platform::NearbyNetwork
 std::vector<platform::NearbyNetwork> nearbyNetworks(const std::vector<BssRecord>& table)
 {
     std::vector<platform::NearbyNetwork> networks;
-    std::map<QByteArray, Place> places;
+    std::map<QByteArray, Position> positions;
     for (const BssRecord& record : table) {
         platform::NearbyNetwork network = networkOf(record);
-        const auto known = record.bssid ? places.find(*record.bssid) : places.end();
-        if (known != places.end()) {
-            Place& place = known->second;
-            merge(networks[place.at], place, std::move(network), ageOf(record));
+        const auto known = record.bssid ? positions.find(*record.bssid) : positions.end();
+        if (known != positions.end()) {
+            Position& position = known->second;
+            merge(networks[position.index], position, std::move(network), ageOf(record));
             continue;
         }
         if (record.bssid)
-            places.emplace(*record.bssid, Place {networks.size(), ageOf(record)});
+            positions.emplace(*record.bssid, Position {networks.size(), ageOf(record)});
         networks.push_back(std::move(network));
     }
     return networks;
 }
 
-void addLater(std::vector<BssRecord>& table, const std::vector<BssRecord>& later,
-    std::chrono::milliseconds passed)
+void addNewerTable(std::vector<BssRecord>& table, const std::vector<BssRecord>& newer,
+    std::chrono::milliseconds elapsed)
 {
-    // What has no name to know it by is told again, or is gone.
+    // Entries without a BSSID cannot be matched; the newer table lists those that are still there.
     std::erase_if(table, [](const BssRecord& record) { return !record.bssid; });
     for (BssRecord& record : table) {
         if (record.seenMsAgo)
-            *record.seenMsAgo += std::uint32_t(passed.count());
+            *record.seenMsAgo += std::uint32_t(elapsed.count());
     }
-    table.insert(table.end(), later.begin(), later.end());
+    table.insert(table.end(), newer.begin(), newer.end());
 }
 
 } // namespace netvane::radio

@@ -7,15 +7,15 @@
 
 namespace netvane::radio {
 
-/// The networks of the kernel's table in its order, each access point (BSSID) once: one that has
-/// moved to another channel stands there twice until its old entry is 30 seconds old, one that
-/// hides its name possibly with and without it. Of several entries the one heard last counts, with
-/// a name that another one knows.
+/// The networks of the kernel's scan table in its order, each access point (BSSID) once. One that
+/// changed its channel is listed twice until the old entry expires after 30 seconds; one that hides
+/// its name may be listed with and without it. The newest entry wins; a name from an older entry
+/// is kept.
 std::vector<platform::NearbyNetwork> nearbyNetworks(const std::vector<BssRecord>& table);
 
-/// Adds what the table held so much later. A service that scans in several goes can have the kernel
-/// forget at the end of each what the one before has heard.
-void addLater(std::vector<BssRecord>& table, const std::vector<BssRecord>& later,
-    std::chrono::milliseconds passed);
+/// Adds the entries of a table that was read `elapsed` after the first one. The kernel may drop the
+/// results of a partial scan at the end of the next one.
+void addNewerTable(std::vector<BssRecord>& table, const std::vector<BssRecord>& newer,
+    std::chrono::milliseconds elapsed);
 
 } // namespace netvane::radio

@@ -1,6 +1,7 @@
 #include "base/log.h"
 #include "base/replace_file.h"
 #include "base/termination_signals.h"
+#include "insights/report_text.h"
 #include "platform/platform.h"
 #include "report/redaction.h"
 #include "report/report_options.h"
@@ -62,7 +63,7 @@ int run(const report::ReportOptions& options)
     report::ReportSession session(platform, options);
     QObject::connect(&session, &report::ReportSession::progress, &showProgress);
     QObject::connect(&session, &report::ReportSession::finished, qApp, [&session, &options] {
-        auto input = session.readings();
+        auto input = session.services().readings();
         if (options.redact)
             input = report::redacted(std::move(input));
         const auto text

@@ -1,12 +1,10 @@
 #include "report/report_session.h"
 
 #include "diagnostics/speed_test_service.h"
-#include "insights/report_text.h"
 #include "platform/platform.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
 #include "probes/ping_service.h"
-#include "probes/probe_targets.h"
 #include "wifi/wifi_service.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -21,8 +19,8 @@ constexpr std::chrono::milliseconds kSlack = probes::PingService::probeTimeout +
 } // namespace
 
 ReportSession::ReportSession(platform::Platform& platform, const ReportOptions& options)
-    : m_platform(platform)
-    , m_options(options)
+    : m_options(options)
+    , m_services(platform)
 {
 }
 
@@ -30,56 +28,47 @@ ReportSession::~ReportSession() = default;
 
 void ReportSession::start()
 {
-    auto& clock = *m_platform.clock;
-    m_networkUtils = std::make_unique<probes::NetworkUtils>(
-        *m_platform.networkConfiguration, m_platform.queues->userInitiated);
-    m_wifiService = std::make_unique<wifi::WiFiService>(
-        m_platform.wifiClient, clock, m_platform.queues->userInitiated);
-    connect(m_wifiService.get(), &wifi::WiFiService::passFinished, this, [this] {
-        m_wifiService->stopMonitoring();
+    m_services.makeForReport();
+    connect(m_services.wifiService.get(), &wifi::WiFiService::passFinished, this, [this] {
+        m_services.wifiService->stopMonitoring();
         m_hasLink = true;
         check();
     });
-    m_dnsService = std::make_unique<probes::DNSService>(
-        *m_networkUtils, m_platform.resolver, clock, probes::kDnsTestHost);
-    m_dnsService->performLookup();
-    m_networkUtils->getDefaultGateway(
+    m_services.dnsService->performLookup();
+    m_services.networkUtils->getDefaultGateway(
         this, [this](const std::optional<QString>& address) { beginProbes(address); });
     std::chrono::milliseconds limit = probes::PingService::pingInterval * int(kRounds - 1) + kSlack;
     if (m_options.duration)
         limit = *m_options.duration;
-    m_limit = clock.after(limit, [this] { sampled(); });
+    m_limit = m_services.platform.clock->after(limit, [this] { sampled(); });
 }
 
 void ReportSession::beginProbes(const std::optional<QString>& gateway)
 {
-    const auto probe = [this](const QString& host, const QString& name) {
-        auto service = std::make_unique<probes::PingService>(
-            host, name, *m_platform.clock, *m_platform.connections);
-        connect(service.get(), &probes::PingService::currentMetricsChanged, this,
-            &ReportSession::check);
-        service->start();
-        return service;
-    };
-    if (gateway)
-        m_routerPingService = probe(*gateway, u"router"_s);
-    m_internetPingService = probe(probes::kInternetTarget, u"internet"_s);
+    m_services.makeProbes(gateway);
+    for (auto* probe : {m_services.routerPingService.get(), m_services.internetPingService.get()}) {
+        if (!probe)
+            continue;
+        connect(probe, &probes::PingService::currentMetricsChanged, this, &ReportSession::check);
+        probe->start();
+    }
 }
 
 bool ReportSession::isSampled() const
 {
+    // The first of the metrics was there before any round.
     const auto hasRounds
-        = [](const probes::PingService& service) { return service.metrics().size() >= kRounds; };
-    return m_hasLink && m_internetPingService && hasRounds(*m_internetPingService)
-        && (!m_routerPingService || hasRounds(*m_routerPingService));
+        = [](const auto& probe) { return probe && probe->metrics().size() > kRounds; };
+    return m_hasLink && hasRounds(m_services.internetPingService)
+        && (!m_services.routerPingService || hasRounds(m_services.routerPingService));
 }
 
 void ReportSession::check()
 {
     if (m_isSampled)
         return;
-    if (m_internetPingService)
-        Q_EMIT progress(u"Sampling, round %1"_s.arg(m_internetPingService->pingCount()));
+    if (const auto& probe = m_services.internetPingService)
+        Q_EMIT progress(u"Sampling, round %1"_s.arg(probe->pingCount()));
     if (!m_options.duration && isSampled())
         sampled();
 }
@@ -94,41 +83,19 @@ void ReportSession::sampled()
         return;
     }
     Q_EMIT progress(u"Testing the speed"_s);
-    m_speedTestService = std::make_unique<diagnostics::SpeedTestService>(*m_platform.httpTransfers,
-        *m_platform.userDefaults, *m_platform.clock, diagnostics::kSpeedTestServer);
-    connect(
-        m_speedTestService.get(), &diagnostics::SpeedTestService::isRunningChanged, this, [this] {
-            if (!m_speedTestService->isRunning())
-                finish();
-        });
-    m_speedTestService->runSpeedTest(m_routerPingService.get());
+    m_services.makeSpeedTest();
+    auto* speedTest = m_services.speedTestService.get();
+    connect(speedTest, &diagnostics::SpeedTestService::isRunningChanged, this, [this, speedTest] {
+        if (!speedTest->isRunning())
+            finish();
+    });
+    speedTest->runSpeedTest(m_services.routerPingService.get());
 }
 
 void ReportSession::finish()
 {
-    for (auto* probe : {m_routerPingService.get(), m_internetPingService.get()}) {
-        if (probe)
-            probe->stop();
-    }
+    m_services.stop();
     Q_EMIT finished();
-}
-
-insights::ReportInputs ReportSession::readings() const
-{
-    insights::ReportInputs input;
-    if (m_wifiService)
-        input.wifi = m_wifiService->currentWiFi();
-    if (m_routerPingService)
-        input.router = m_routerPingService->currentMetrics();
-    if (m_internetPingService)
-        input.internet = m_internetPingService->currentMetrics();
-    if (m_dnsService) {
-        input.dnsLookupTime = m_dnsService->lookupTime();
-        input.dnsServer = m_dnsService->dnsServer();
-    }
-    if (m_speedTestService)
-        input.speedTest = m_speedTestService->result();
-    return input;
 }
 
 } // namespace netvane::report

@@ -2,28 +2,11 @@
 
 #include "base/clock.h"
 #include "report/report_options.h"
+#include "services/services.h"
 
 #include <QObject>
 
 #include <memory>
-
-namespace netvane::platform {
-struct Platform;
-} // namespace netvane::platform
-namespace netvane::diagnostics {
-class SpeedTestService;
-} // namespace netvane::diagnostics
-namespace netvane::insights {
-struct ReportInputs;
-} // namespace netvane::insights
-namespace netvane::probes {
-class DNSService;
-class NetworkUtils;
-class PingService;
-} // namespace netvane::probes
-namespace netvane::wifi {
-class WiFiService;
-} // namespace netvane::wifi
 
 namespace netvane::report {
 
@@ -42,8 +25,8 @@ public:
     ~ReportSession() override;
 
     void start();
-    /// What is known by now.
-    insights::ReportInputs readings() const;
+    /// Its readings are what is known by now.
+    const services::Services& services() const { return m_services; }
 
 Q_SIGNALS:
     /// A word for whoever waits.
@@ -57,14 +40,8 @@ private:
     void sampled();
     void finish();
 
-    platform::Platform& m_platform;
     const ReportOptions m_options;
-    std::unique_ptr<probes::NetworkUtils> m_networkUtils;
-    std::unique_ptr<wifi::WiFiService> m_wifiService;
-    std::unique_ptr<probes::PingService> m_routerPingService; ///< none without a router
-    std::unique_ptr<probes::PingService> m_internetPingService;
-    std::unique_ptr<probes::DNSService> m_dnsService;
-    std::unique_ptr<diagnostics::SpeedTestService> m_speedTestService;
+    services::Services m_services;
     std::unique_ptr<base::Timer> m_limit;
     bool m_hasLink = false;
     bool m_isSampled = false;

@@ -18,6 +18,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::shell {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.shell")
+
 std::optional<QPoint> anchor(const QWindow* window)
 {
     if (window)
@@ -37,8 +39,9 @@ QUrl mailWith(const QString& text)
 void open(const QUrl& url)
 {
     if (!QDesktopServices::openUrl(url))
-        base::log(u"Netvane: The desktop has no program to share a report by "_s
-            + (url.isLocalFile() ? u"text file"_s : u"mail"_s));
+        base::log(logCategory(),
+            u"Netvane: The desktop has no program to share a report by "_s
+                + (url.isLocalFile() ? u"text file"_s : u"mail"_s));
 }
 
 } // namespace
@@ -78,7 +81,8 @@ void DesktopSharePicker::openInEditor(const QString& text)
             if (error.isEmpty())
                 open(QUrl::fromLocalFile(path));
             else
-                base::log(u"Netvane: A report could not be written for sharing: "_s + error);
+                base::log(logCategory(),
+                    u"Netvane: A report could not be written for sharing: "_s + error);
         });
 }
 

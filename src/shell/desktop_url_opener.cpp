@@ -14,6 +14,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::shell {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.shell")
+
 /// The answer to a press that can lead nowhere.
 void explainWhereToLook()
 {
@@ -31,7 +33,7 @@ bool openSettings()
         [](const QString& name) { return QStandardPaths::findExecutable(name); });
     if (program && QProcess::startDetached(program->executable, program->arguments))
         return true;
-    base::log(u"Netvane: No settings page to open on this desktop"_s);
+    base::log(logCategory(), u"Netvane: No settings page to open on this desktop"_s);
     explainWhereToLook();
     return false;
 }

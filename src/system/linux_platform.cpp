@@ -31,7 +31,7 @@ platform::Platform makePlatform()
     auto sessionBus = linkTo(QDBusConnection::SessionBus);
     platform.wifiClient = radio::Nl80211WiFiClient::create();
     platform.networkScanner = std::make_unique<radio::LinuxNetworkScanner>(
-        radio::ScanMeans {*systemBus, *platform.clock, platform.queues->userInitiated,
+        radio::ScanContext {*systemBus, *platform.clock, platform.queues->userInitiated,
             std::make_shared<radio::Nl80211ScanKernel>()},
         platform.wifiClient);
     platform.locationManager = std::make_unique<radio::ScanPermission>(*systemBus);

@@ -7,6 +7,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::wifi {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.wifi")
+
 QString word(bool value)
 {
     return value ? u"true"_s : u"false"_s;
@@ -30,7 +32,7 @@ void LocationPermissionService::checkAuthorizationStatus()
 {
     const auto status = m_locationManager.authorizationStatus();
     if (publish(status)) {
-        base::log(
+        base::log(logCategory(),
             u"LocationPermissionService: Authorization status changed - isAuthorized: %1, status: %2"_s
                 .arg(word(m_isAuthorized), QString::number(int(status))));
     }
@@ -39,7 +41,7 @@ void LocationPermissionService::checkAuthorizationStatus()
 void LocationPermissionService::requestPermission()
 {
     checkAuthorizationStatus();
-    base::log(u"LocationPermissionService: Requesting location permission..."_s);
+    base::log(logCategory(), u"LocationPermissionService: Requesting location permission..."_s);
     m_locationManager.requestAlwaysAuthorization();
 }
 
@@ -47,7 +49,7 @@ void LocationPermissionService::updateAuthorizationStatus(AuthorizationStatus st
 {
     const auto apply = [this, status] {
         if (publish(status)) {
-            base::log(
+            base::log(logCategory(),
                 u"LocationPermissionService: Authorization status updated externally - status: %1, isAuthorized: %2"_s
                     .arg(QString::number(int(status)), word(m_isAuthorized)));
         }

@@ -12,6 +12,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::wifi {
 namespace {
 
+Q_LOGGING_CATEGORY(logCategory, "netvane.wifi")
+
 constexpr int kPassesPerLogLine = 10;
 
 const QString kNoClient = u"Unable to initialize Wi-Fi client"_s;
@@ -84,11 +86,12 @@ WiFiService::~WiFiService()
 void WiFiService::startMonitoring()
 {
     if (m_updateTimer) {
-        base::log(u"WiFiService: startMonitoring() called but timer already exists"_s);
+        base::log(
+            logCategory(), u"WiFiService: startMonitoring() called but timer already exists"_s);
         return;
     }
     updateWiFiInfo();
-    m_updateTimer = m_clock.repeat(updateInterval, [this] { beginPass(&m_clock); });
+    m_updateTimer = m_clock.repeat(updateInterval, [this] { beginPass(base::Delivery::Batched); });
 }
 
 void WiFiService::stopMonitoring()
@@ -116,10 +119,10 @@ void WiFiService::followPermission()
 
 void WiFiService::updateWiFiInfo()
 {
-    beginPass(nullptr);
+    beginPass(base::Delivery::Immediate);
 }
 
-void WiFiService::beginPass(base::Clock* soon)
+void WiFiService::beginPass(base::Delivery delivery)
 {
     // Time asleep counts: what was read before it is old.
     const auto now = m_clock.monotonicNow() + m_clock.timeAsleep();
@@ -132,14 +135,14 @@ void WiFiService::beginPass(base::Clock* soon)
     m_lastUpdateTime = now;
     ++m_updateCount;
     if (m_interface)
-        sampleInterface(soon);
+        sampleInterface(delivery);
     else
-        findInterface(soon);
+        findInterface(delivery);
 }
 
 /// Asks the kernel, which may take its time. Each pass without an interface asks anew, so that an
 /// adapter plugged in later is found.
-void WiFiService::findInterface(base::Clock* soon)
+void WiFiService::findInterface(base::Delivery delivery)
 {
     m_lookedForInterface = true;
     const auto firstOf = [client = m_wifiClient]() -> std::shared_ptr<platform::WiFiInterface> {
@@ -151,21 +154,21 @@ void WiFiService::findInterface(base::Clock* soon)
     const auto take = [this](const std::shared_ptr<platform::WiFiInterface>& first) {
         m_interface = first;
         if (m_interface)
-            sampleInterface(nullptr);
+            sampleInterface(base::Delivery::Immediate);
         else
             endWithoutLink(kNoInterface);
     };
-    base::runInBackground(m_queue, this, firstOf, take, soon);
+    base::runInBackground(m_queue, this, firstOf, take, m_clock, delivery);
 }
 
-void WiFiService::sampleInterface(base::Clock* soon)
+void WiFiService::sampleInterface(base::Delivery delivery)
 {
     if (!m_interface->powerOn()) {
         endWithoutLink(kRadioOff);
         return;
     }
     if (m_updateCount % kPassesPerLogLine == 0)
-        base::log(u"WiFiService: Update #%1"_s.arg(m_updateCount));
+        base::log(logCategory(), u"WiFiService: Update #%1"_s.arg(m_updateCount));
     const auto readLinkSnapshot
         = [interface = m_interface, clock = &m_clock]() -> std::optional<WiFiInfo> {
         const auto reading = interface->readLink();
@@ -174,13 +177,13 @@ void WiFiService::sampleInterface(base::Clock* soon)
     const auto take
         = [this, asleepBefore = m_clock.timeAsleep()](const std::optional<WiFiInfo>& snapshot) {
               if (base::hasSlept(asleepBefore, m_clock.timeAsleep()))
-                  sampleInterface(nullptr);
+                  sampleInterface(base::Delivery::Immediate);
               else if (snapshot)
                   applyLinkSnapshot(*snapshot);
               else
                   interfaceIsGone();
           };
-    base::runInBackground(m_queue, this, readLinkSnapshot, take, soon);
+    base::runInBackground(m_queue, this, readLinkSnapshot, take, m_clock, delivery);
 }
 
 /// Unplugged, renamed or turned into something else: there may be another one.
@@ -190,7 +193,7 @@ void WiFiService::interfaceIsGone()
     if (m_lookedForInterface)
         endWithoutLink(kNoInterface);
     else
-        findInterface(nullptr);
+        findInterface(base::Delivery::Immediate);
 }
 
 void WiFiService::applyLinkSnapshot(const WiFiInfo& snapshot)

@@ -62,10 +62,9 @@ Q_SIGNALS:
     void passFinished();
 
 private:
-    /// With `soon`, the clock, there is no hurry: what is read may wait for `Clock::soon`.
-    void beginPass(base::Clock* soon);
-    void findInterface(base::Clock* soon);
-    void sampleInterface(base::Clock* soon);
+    void beginPass(base::Delivery delivery);
+    void findInterface(base::Delivery delivery);
+    void sampleInterface(base::Delivery delivery);
     void interfaceIsGone();
     void applyLinkSnapshot(const WiFiInfo& snapshot);
     void applyPermission(const WiFiInfo& snapshot, bool authorized);

@@ -11,8 +11,7 @@ class ProgramViews final : public app::DashboardViews {
 public:
     /// `platform` outlives the views.
     explicit ProgramViews(platform::Platform& platform)
-        : m_platform(platform)
-        , m_factory(*platform.appearance)
+        : m_factory(*platform.appearance)
     {
     }
 
@@ -24,7 +23,6 @@ private:
     std::unique_ptr<shell::HostWindow> window(
         const QString& name, const app::AppDelegate& services);
 
-    platform::Platform& m_platform;
     WindowFactory m_factory;
 };
 

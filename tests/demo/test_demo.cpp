@@ -54,7 +54,7 @@ QList<int> networkSockets()
     return found;
 }
 
-demo::Wishes held(const QString& scene, std::vector<demo::Scene> scenes = demo::scenes())
+demo::StageOptions held(const QString& scene, std::vector<demo::Scene> scenes = demo::scenes())
 {
     return {.scenes = std::move(scenes), .held = scene, .hasStatusArea = true};
 }
@@ -160,7 +160,7 @@ private Q_SLOTS:
         demo::StagedProgram program(*qApp, held(u"weak"_s));
         const demo::WindowMark mark(*qApp, program.stage());
         // Only the popover's test knows of the router, and so of the lag.
-        auto& speedTest = *stateOf(opened(program)).dashboard()->speedTest();
+        auto& speedTest = *stateOf(opened(program)).speedTest();
         auto& window = openedWindow(program);
         QVERIFY2(window.title().contains(u"Demonstration"_s), qPrintable(window.title()));
         auto& dashboard = dashboardOf(window);
@@ -228,7 +228,7 @@ private:
     static ui::DashboardState& dashboardOf(QWindow& window)
     {
         const auto state = windows::rootOf(window).property("viewState");
-        return *state.value<ui::DetailedWindowState*>()->dashboard();
+        return *state.value<ui::DetailedWindowState*>();
     }
     /// No text begins or ends beside the window.
     static void verifyInside(const QQuickItem& item, int width)

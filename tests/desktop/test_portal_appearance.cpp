@@ -4,6 +4,7 @@
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
+#include <QDBusVariant>
 #include <QSignalSpy>
 #include <QTest>
 

@@ -12,11 +12,8 @@
 #include <netlink/socket.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <deque>
-#include <optional>
-#include <thread>
 
 using namespace netvane::base;
 using namespace netvane::netlink;
@@ -26,28 +23,20 @@ namespace {
 
 constexpr quint16 kRecordType = 0x20;
 
-/// One message on the wire; `late` belongs to the request before the last one, and `missing` bytes
-/// of it are lost.
+/// One message on the wire; without `missing` bytes at its end.
 struct Message {
     quint16 type = kRecordType;
     QByteArray payload;
-    quint16 flags = NLM_F_MULTI;
-    bool late = false;
+    int flags = NLM_F_MULTI;
+    int requestsAgo = 0;
     int missing = 0;
-
-    QByteArray bytes(quint32 sequence) const
-    {
-        const QByteArray whole = raw(quint32(NLMSG_HDRLEN + payload.size())) + raw(type)
-            + raw(flags) + raw(late ? sequence - 1 : sequence) + raw(quint32(0)) + payload;
-        return whole.chopped(missing);
-    }
 };
-
 using Datagram = std::vector<Message>;
+using Datagrams = std::deque<Datagram>;
 
-Message record(quint32 number)
+Message record(quint32 number, int flags = NLM_F_MULTI, int missing = 0)
 {
-    return {.payload = raw(number)};
+    return {.payload = raw(number), .flags = flags, .missing = missing};
 }
 
 Message done(int error = 0)
@@ -55,43 +44,38 @@ Message done(int error = 0)
     return {.type = NLMSG_DONE, .payload = raw(-error)};
 }
 
-Message errorReply(int error)
+Message errorReply(int error, int missing = 0)
 {
-    return {
-        .type = NLMSG_ERROR, .payload = raw(-error) + QByteArray(NLMSG_HDRLEN, '\0'), .flags = 0};
+    return {NLMSG_ERROR, raw(-error) + QByteArray(NLMSG_HDRLEN, '\0'), 0, 0, missing};
 }
 
-Message interrupted(Message message)
-{
-    message.flags |= NLM_F_DUMP_INTR;
-    return message;
-}
+constexpr int kInterrupted = NLM_F_MULTI | NLM_F_DUMP_INTR;
 
-/// The kernel's end of the socket: plays the datagrams, then nothing comes any more in time.
-struct Kernel {
-    std::deque<Datagram> datagrams;
-    bool endless = false; ///< the first one again and again
-    std::chrono::milliseconds pause {0}; ///< before each
-    std::vector<quint32> requests; ///< sequence numbers
-};
-Kernel* g_kernel = nullptr; // libnl's hooks carry no argument
+// The kernel's end of the socket. libnl's hooks carry no argument.
+Datagrams g_datagrams; ///< after these the receive limit passes
+bool g_isEndless = false; ///< the first one again and again
+std::vector<quint32> g_requests; ///< sequence numbers
 
 int sendToKernel(nl_sock*, nl_msg* message)
 {
-    g_kernel->requests.push_back(nlmsg_hdr(message)->nlmsg_seq);
+    g_requests.push_back(nlmsg_hdr(message)->nlmsg_seq);
     return int(nlmsg_hdr(message)->nlmsg_len);
 }
 
 int receiveFromKernel(nl_sock*, sockaddr_nl*, unsigned char** buffer, ucred**)
 {
-    std::this_thread::sleep_for(g_kernel->pause);
-    if (g_kernel->datagrams.empty())
+    if (g_datagrams.empty())
         return -NLE_AGAIN;
     QByteArray bytes;
-    for (const Message& message : g_kernel->datagrams.front())
-        bytes += message.bytes(g_kernel->requests.back());
-    if (!g_kernel->endless)
-        g_kernel->datagrams.pop_front();
+    for (const Message& message : g_datagrams.front()) {
+        const nlmsghdr header {.nlmsg_len = quint32(NLMSG_HDRLEN + message.payload.size()),
+            .nlmsg_type = message.type,
+            .nlmsg_flags = quint16(message.flags),
+            .nlmsg_seq = g_requests.back() - quint32(message.requestsAgo)};
+        bytes += (raw(header) + message.payload).chopped(message.missing);
+    }
+    if (!g_isEndless)
+        g_datagrams.pop_front();
     *buffer = static_cast<unsigned char*>(std::malloc(size_t(bytes.size())));
     std::memcpy(*buffer, bytes.constData(), size_t(bytes.size()));
     return int(bytes.size());
@@ -103,174 +87,107 @@ class TestNetlinkSocket : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        auto opened = NetlinkSocket::open(NETLINK_GENERIC);
-        QVERIFY(opened);
-        m_socket.emplace(std::move(opened.value()));
-        nl_cb* callbacks = nl_socket_get_cb(m_socket->handle());
-        nl_cb_overwrite_send(callbacks, sendToKernel);
-        nl_cb_overwrite_recv(callbacks, receiveFromKernel);
-        nl_cb_put(callbacks);
-        m_kernel = {};
-        g_kernel = &m_kernel;
-        m_records.clear();
-        m_restarts = 0;
-    }
-
-    void dumpInSeveralDatagrams()
-    {
-        m_kernel.datagrams = {{record(1), record(2)}, {record(3)}, {done()}, {record(4)}};
-        QVERIFY(request());
-        QCOMPARE(m_records, (std::vector<quint32> {1, 2, 3}));
-        QCOMPARE(m_restarts, 0);
-    }
-
     void failures_data()
     {
-        QTest::addColumn<int>("error");
+        QTest::addColumn<Datagrams>("datagrams");
         QTest::addColumn<FailureKind>("kind");
-        QTest::newRow("ESRCH") << ESRCH << FailureKind::NotFound;
-        QTest::newRow("EOPNOTSUPP") << EOPNOTSUPP << FailureKind::NotAvailable;
-        QTest::newRow("EPERM") << EPERM << FailureKind::NotAllowed;
-        QTest::newRow("EAGAIN") << EAGAIN << FailureKind::TimedOut;
-        QTest::newRow("EINVAL") << EINVAL << FailureKind::Other;
+        QTest::addColumn<int>("requests");
+        const auto row = [](const char* name, FailureKind kind, const Datagrams& datagrams) {
+            QTest::newRow(name) << datagrams << kind << 1;
+        };
+        row("ESRCH", FailureKind::NotFound, {{errorReply(ESRCH)}});
+        row("EOPNOTSUPP", FailureKind::NotAvailable, {{errorReply(EOPNOTSUPP)}});
+        row("EPERM", FailureKind::NotAllowed, {{errorReply(EPERM)}});
+        row("EINVAL", FailureKind::Other, {{errorReply(EINVAL)}});
+        row("failed halfway", FailureKind::NotAllowed, {{record(1)}, {done(EPERM)}});
+        row("no end", FailureKind::TimedOut, {{record(1)}});
+        row("cut record", FailureKind::TimedOut, {{record(1, NLM_F_MULTI, 4)}});
+        row("cut header", FailureKind::TimedOut, {{record(1, NLM_F_MULTI, 10)}});
+        row("cut error", FailureKind::TimedOut, {{errorReply(EPERM, 20)}});
+        QTest::newRow("always interrupted")
+            << Datagrams(10, {record(1, kInterrupted), done()}) << FailureKind::Interrupted << 3;
     }
 
     void failures()
     {
-        QFETCH(int, error);
-        m_kernel.datagrams = {{errorReply(error)}};
-        const auto refused = request();
-        QVERIFY(!refused);
-        QTEST(refused.failure().kind, "kind");
-        // A dump that fails on its way says so in its last message.
-        m_kernel.datagrams = {{record(1)}, {done(error)}};
-        const auto brokenOff = request();
-        QVERIFY(!brokenOff);
-        QTEST(brokenOff.failure().kind, "kind");
-        QCOMPARE(m_records, (std::vector<quint32> {1}));
-        QCOMPARE(m_restarts, 0);
-    }
-
-    void interruptedDumpIsAskedAgain()
-    {
-        m_kernel.datagrams = {{record(1), interrupted(record(2))}, {done()}, // once
-            {interrupted(record(1))}, {interrupted(done())}, // twice
-            {record(1), record(2)}, {record(3), done()}};
-        QVERIFY(request());
-        QCOMPARE(m_restarts, 2);
-        QCOMPARE(m_records, (std::vector<quint32> {1, 2, 3}));
-        QCOMPARE(m_kernel.requests.size(), 3);
-        QVERIFY(m_kernel.requests[0] != m_kernel.requests[1]);
-    }
-
-    void dumpThatIsAlwaysInterrupted()
-    {
-        for (int i = 0; i < 10; ++i)
-            m_kernel.datagrams.push_back({interrupted(record(1)), done()});
-        const auto answer = request();
-        QVERIFY(!answer);
-        QCOMPARE(answer.failure().kind, FailureKind::Interrupted);
-        QCOMPARE(m_kernel.requests.size(), 3);
-        QCOMPARE(m_restarts, 2);
-    }
-
-    void truncated_data()
-    {
-        QTest::addColumn<int>("missing");
-        QTest::addColumn<bool>("isError");
-        QTest::addColumn<FailureKind>("kind");
-        QTest::newRow("record") << 4 << false << FailureKind::TimedOut;
-        QTest::newRow("record's header") << 10 << false << FailureKind::TimedOut;
-        QTest::newRow("error") << 20 << true << FailureKind::TimedOut;
-    }
-
-    void truncated()
-    {
-        QFETCH(int, missing);
-        QFETCH(bool, isError);
-        Message broken = isError ? errorReply(EPERM) : record(2);
-        broken.missing = missing;
-        m_kernel.datagrams = {{record(1), broken}};
-        const auto answer = request();
+        QFETCH(Datagrams, datagrams);
+        const auto answer = request(datagrams);
         QVERIFY(!answer);
         QTEST(answer.failure().kind, "kind");
-        QCOMPARE(m_records, (std::vector<quint32> {1}));
+        QTEST(int(g_requests.size()), "requests");
     }
 
-    /// The rest of a dump that was given up on comes when the next one is waited for.
-    void lateAnswerIsNotTakenForTheNext()
+    void interruptedDumpIsRequestedAgain()
     {
-        m_kernel.datagrams = {{record(1)}};
-        QVERIFY(!request());
-        m_records.clear();
+        QVERIFY(request({{record(1), record(2, kInterrupted)}, {done()}, // once
+            {record(1, kInterrupted)}, {done()}, // twice
+            {record(1), record(2)}, {record(3)}, {done()}, {record(4)}}));
+        QCOMPARE(m_restarts, 2);
+        QCOMPARE(m_records, (std::vector<quint32> {1, 2, 3}));
+        QVERIFY(g_requests[0] != g_requests[1]);
+    }
+
+    /// The rest of an abandoned dump arrives during the next request.
+    void lateAnswerIsIgnored()
+    {
         Message late = record(2);
-        late.late = true;
         Message lateEnd = done();
-        lateEnd.late = true;
-        m_kernel.datagrams = {{late}, {lateEnd}, {record(3)}, {done()}};
-        QVERIFY(request());
+        late.requestsAgo = lateEnd.requestsAgo = 1;
+        QVERIFY(request({{late}, {lateEnd}, {record(3)}, {done()}}));
         QCOMPARE(m_records, (std::vector<quint32> {3}));
     }
 
     void endless_data()
     {
         QTest::addColumn<Datagram>("datagram");
-        QTest::addColumn<int>("pauseMs");
-        Message stump = record(1);
-        stump.missing = 10;
-        QTest::newRow("messages") << Datagram(1000, record(1)) << 0;
-        QTest::newRow("slow messages") << Datagram {record(1)} << 20;
-        QTest::newRow("what is no message") << Datagram {stump} << 20;
+        QTest::newRow("messages") << Datagram(1000, record(1));
+        QTest::newRow("no message") << Datagram {record(1, NLM_F_MULTI, 10)};
     }
 
     void endless()
     {
         QFETCH(Datagram, datagram);
-        QFETCH(int, pauseMs);
-        m_kernel.datagrams = {datagram};
-        m_kernel.endless = true;
-        m_kernel.pause = std::chrono::milliseconds(pauseMs);
-        QElapsedTimer time;
-        time.start();
-        QVERIFY(!request());
-        QVERIFY(time.elapsed() < 6'000);
+        QVERIFY(!request({datagram}, true));
         QVERIFY(m_records.size() <= 200'000); // a scan table holds 1,000
     }
 
-    /// With the kernel's real end, which is asked nothing and so says nothing.
+    /// The kernel itself, which got no request and so does not answer.
     void silence()
     {
-        nl_cb* callbacks = nl_socket_get_cb(m_socket->handle());
-        nl_cb_overwrite_recv(callbacks, nullptr);
-        nl_cb_put(callbacks);
         QElapsedTimer time;
         time.start();
-        const auto answer = request();
+        const auto answer = request({}, false, nullptr);
         QVERIFY(!answer);
         QCOMPARE(answer.failure().kind, FailureKind::TimedOut);
-        QVERIFY(time.elapsed() < 2 * NetlinkSocket::kReceiveTimeout.count());
+        QVERIFY(time.elapsed() >= NetlinkSocket::kReceiveTimeout.count() - 100);
     }
 
 private:
-    Result<std::monostate> request()
+    Result<std::monostate> request(const Datagrams& datagrams, bool isEndless = false,
+        decltype(&receiveFromKernel) receive = receiveFromKernel)
     {
+        g_datagrams = datagrams;
+        g_isEndless = isEndless;
+        g_requests.clear();
+        m_records.clear();
+        m_restarts = 0;
+        auto socket = NetlinkSocket::open(NETLINK_GENERIC);
+        nl_cb* callbacks = nl_socket_get_cb(socket.value().handle());
+        nl_cb_overwrite_send(callbacks, sendToKernel);
+        nl_cb_overwrite_recv(callbacks, receive);
+        nl_cb_put(callbacks);
         const NetlinkMessage message(nlmsg_alloc_simple(kRecordType, NLM_F_DUMP));
         const auto take = [this](const nlmsghdr& answer) {
             quint32 number = 0;
             std::memcpy(&number, nlmsg_data(&answer), sizeof number);
             m_records.push_back(number);
         };
-        const auto restart = [this] {
+        return socket.value().request(*message, take, [this] {
             ++m_restarts;
             m_records.clear();
-        };
-        return m_socket->request(*message, take, restart);
+        });
     }
 
-    Kernel m_kernel;
-    std::optional<NetlinkSocket> m_socket;
     std::vector<quint32> m_records;
     int m_restarts = 0;
 };

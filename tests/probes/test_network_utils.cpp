@@ -1,29 +1,12 @@
 #include "probes/network_utils.h"
-#include "support/fake_network_configuration.h"
+#include "simulated/network.h"
 #include "support/settle.h"
 #include "support/test_main.h"
 
-#include <QThread>
-#include <QtTest>
-
-#include <atomic>
+#include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace netvane;
-
-namespace {
-
-class SlowConfiguration : public test::FakeNetworkConfiguration {
-public:
-    std::optional<QString> defaultRouter() override
-    {
-        wasOnMainThread = QThread::currentThread() == qApp->thread();
-        return router;
-    }
-    std::atomic<bool> wasOnMainThread = false;
-};
-
-} // namespace
 
 class TestNetworkUtils : public QObject {
     Q_OBJECT
@@ -31,41 +14,38 @@ class TestNetworkUtils : public QObject {
 private Q_SLOTS:
     void onlyIpsecInterfacesAreAVpn()
     {
-        test::FakeNetworkConfiguration configuration;
-        QVERIFY(!probes::isVPNActive(configuration));
-        configuration.interfaces = {u"lo"_s, u"utun3"_s, u"wg0"_s, u"IPSEC0"_s, u"xipsec0"_s};
-        QVERIFY(!probes::isVPNActive(configuration));
-        configuration.interfaces.append(u"ipsec0"_s);
-        QVERIFY(probes::isVPNActive(configuration));
+        simulated::NetworkConfiguration network;
+        QVERIFY(!probes::isVPNActive(network));
+        network.interfaces = QStringList {u"utun3"_s, u"wg0"_s, u"IPSEC0"_s, u"xipsec0"_s};
+        QVERIFY(!probes::isVPNActive(network));
+        network.interfaces = QStringList {u"lo"_s, u"ipsec0"_s};
+        QVERIFY(probes::isVPNActive(network));
     }
 
-    void gatewayIsReadElsewhereAndDeliveredHere()
+    void gatewayIsReadOnTheQueue()
     {
-        SlowConfiguration configuration;
-        base::WorkQueue pool;
-        const probes::NetworkUtils network(configuration, pool);
+        simulated::NetworkConfiguration configuration;
+        base::WorkQueue queue;
+        const probes::NetworkUtils network(configuration, queue);
         auto owner = std::make_unique<QObject>();
         std::vector<std::optional<QString>> answers;
-        QThread* deliveredOn = nullptr;
         const auto ask = [&] {
             network.getDefaultGateway(owner.get(), [&](std::optional<QString> gateway) {
+                QCOMPARE(QThread::currentThread(), qApp->thread());
                 answers.push_back(std::move(gateway));
-                deliveredOn = QThread::currentThread();
             });
         };
         ask();
         QVERIFY(answers.empty());
-        test::settle(pool);
+        test::settle(queue);
         configuration.router = u"10.0.0.1"_s;
         ask();
-        test::settle(pool);
+        test::settle(queue);
         QCOMPARE(answers, (std::vector<std::optional<QString>> {{}, u"10.0.0.1"_s}));
-        QCOMPARE(deliveredOn, QThread::currentThread());
-        QVERIFY(!configuration.wasOnMainThread);
-
+        QVERIFY(configuration.routerThread != std::this_thread::get_id());
         ask();
         owner.reset();
-        test::settle(pool);
+        test::settle(queue);
         QCOMPARE(answers.size(), size_t(2));
     }
 };

@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
-"""Runs netvane-report in a network of two namespaces: this one, and a router that also answers for
-the rest of the world. Usage: run_report.py PROGRAM. Ends with 77 where the system gives no
-namespaces."""
+"""Runs netvane-report in a network namespace of its own, where this script answers for the router and
+for the internet. Usage: run_report.py PROGRAM. Ends with 77 where the system gives no namespaces."""
+import collections
 import os
 import pathlib
 import re
-import signal
 import socket
 import struct
 import subprocess
@@ -15,129 +14,103 @@ import threading
 
 ROUTER, HOST, INTERNET = "10.77.0.1", "10.77.0.2", "1.1.1.1"
 LIMIT = 60  # seconds, for any one run
+ROUNDS = 5
+RESOLV_CONF = str(pathlib.Path("/etc/resolv.conf").resolve())
+connections = collections.Counter()  # by the address that was connected to
+failures = []
 
 
-def sh(*words):
-    subprocess.run(words, check=True, stdout=subprocess.DEVNULL)
+def sh(command):
+    subprocess.run(command.split(), check=True, stdout=subprocess.DEVNULL)
 
 
-def serve():
-    """The router's side: TCP on port 80 for the probes, UDP on port 53 that knows one address."""
-    web = socket.create_server(("0.0.0.0", 80))
-    threading.Thread(target=lambda: [web.accept()[0].close() for _ in range(200)], daemon=True).start()
-    names = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-    names.bind((ROUTER, 53))
-    print("ready", flush=True)
-    for _ in range(200):
+def build_network(folder):
+    for command in ("link set lo up", "link add here type veth peer name there", "link set here up", "link set there up",
+                    f"address add {HOST}/24 dev here", f"route add default via {ROUTER}",
+                    # Only now: the kernel refuses a gateway that is one of its own addresses.
+                    f"address add {ROUTER}/32 dev lo", f"address add {INTERNET}/32 dev lo"):
+        sh("ip " + command)
+    (folder / "resolv.conf").write_text(f"nameserver {ROUTER}\n")
+    sh(f"mount --bind {folder}/resolv.conf {RESOLV_CONF}")
+
+
+def accept(web):
+    while True:
+        connection = web.accept()[0]
+        connections[connection.getsockname()[0]] += 1
+        connection.close()
+
+
+def answer_names(names):
+    """Knows one IPv4 address for each name."""
+    while True:
         query, peer = names.recvfrom(512)
         question = query[12:query.index(b"\0", 12) + 5]
         is_a = question.endswith(b"\0\1\0\1")
         answer = b"\xc0\x0c\0\1\0\1" + struct.pack(">IH4B", 60, 4, 10, 77, 0, 9) if is_a else b""
-        header = query[:2] + struct.pack(">5H", 0x8180, 1, is_a, 0, 0)
-        names.sendto(header + question + answer, peer)
+        names.sendto(query[:2] + struct.pack(">5H", 0x8180, 1, is_a, 0, 0) + question + answer, peer)
 
 
-def build_network(router):
-    sh("ip", "link", "set", "lo", "up")
-    sh("ip", "link", "add", "here", "type", "veth", "peer", "name", "there", "netns", str(router))
-    sh("ip", "address", "add", HOST + "/24", "dev", "here")
-    sh("ip", "link", "set", "here", "up")
-    inside = ["nsenter", "--net", "--target", str(router), "ip"]
-    for words in (["address", "add", ROUTER + "/24", "dev", "there"], ["link", "set", "there", "up"],
-                  ["link", "set", "lo", "up"], ["address", "add", INTERNET + "/32", "dev", "lo"]):
-        sh(*inside, *words)
-    sh("ip", "route", "add", "default", "via", ROUTER)
+def serve():
+    names = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    names.bind((ROUTER, 53))
+    for work, service in ((accept, socket.create_server(("0.0.0.0", 80))), (answer_names, names)):
+        threading.Thread(target=work, args=[service], daemon=True).start()
 
 
-def own_resolver(folder):
-    conf = folder / "resolv.conf"
-    conf.write_text(f"nameserver {ROUTER}\n")
-    sh("mount", "--bind", str(conf), str(pathlib.Path("/etc/resolv.conf").resolve()))
-
-
-class Case:
-    def __init__(self, program, folder):
-        self.program, self.folder, self.failures = program, folder, 0
-
-    def run(self, *words):
-        environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "HOME": str(self.folder),
-                       "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere", "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere"}
-        environment |= {name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}
-        return subprocess.run([self.program, *words], env=environment, timeout=LIMIT, capture_output=True, text=True)
-
-    def expect(self, what, is_so, shown=""):
-        print(("ok   " if is_so else "FAIL ") + what)
-        if not is_so:
-            print(shown)
-            self.failures += 1
-
-    def lines(self, what, text, patterns):
-        lines = text.splitlines()
-        wrong = [f"{line!r} is not {pattern!r}" for line, pattern in zip(lines, patterns)
-                 if not re.fullmatch(pattern, line)]
-        if len(lines) != len(patterns):
-            wrong.append(f"{len(lines)} lines, {len(patterns)} expected:\n{text}")
-        self.expect(what, not wrong, "\n".join(wrong))
-
-
-NUMBER = r"\d+\.\d"
-PROBE = [rf"- Ping: {NUMBER} ms", rf"- Jitter: {NUMBER} ms", r"- Packet Loss: 0\.0%"]
+def expect(what, is_so, shown=""):
+    print(("ok   " if is_so else "FAIL ") + what)
+    if not is_so:
+        print(shown)
+        failures.append(what)
 
 
 def report(dns_server):
+    number = r"\d+\.\d"
+    probe = [rf"- Ping: {number} ms", rf"- Jitter: {number} ms", r"- Packet Loss: 0\.0%"]
     return ["# Netvane Diagnostic Report", "Generated: .+", "", "## Network Information", "- Status: Not Connected", "",
-            "## Router Performance", *PROBE, "", "## Internet Performance", *PROBE,
-            rf"- MOS Score: {NUMBER} / 5\.0 \(\w+\)", "", "## DNS Performance", rf"- Lookup Time: {NUMBER} ms",
+            "## Router Performance", *probe, "", "## Internet Performance", *probe,
+            rf"- MOS Score: {number} / 5\.0 \(\w+\)", "", "## DNS Performance", rf"- Lookup Time: {number} ms",
             rf"- DNS Server: {dns_server}", "", "---", "Report generated by Netvane", "For support, visit: .+"]
 
 
-def check(case):
-    result = case.run()
-    case.expect("ends with 0 and says nothing beside the report", result.returncode == 0 and not result.stderr, result.stderr)
-    case.lines("the report after five rounds", result.stdout, report(re.escape(ROUTER)))
+def check(program, folder):
+    def run(words):
+        environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "HOME": str(folder),
+                       "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere", "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere"}
+        environment |= {name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}
+        return subprocess.run([program, *words.split()], env=environment, timeout=LIMIT, capture_output=True, text=True)
 
-    target = case.folder / "report.md"
-    result = case.run("--seconds", "7", "--redact", "--output", str(target))
-    case.expect("nothing on standard output with --output", result.returncode == 0 and not result.stdout, result.stderr)
-    case.lines("a redacted report in a file", target.read_text(), report(r"\[address 1\]"))
+    result = run("")
+    expect("a report and nothing else", re.fullmatch("\n".join(report(re.escape(ROUTER))) + "\n", result.stdout)
+           and (result.returncode, result.stderr) == (0, ""), result)
+    expect("as many rounds as are said", min(connections[ROUTER], connections[INTERNET]) >= ROUNDS, connections)
 
-    result = case.run("--seconds", "1", "--output", str(case.folder / "no" / "folder"))
-    case.expect("a file that cannot be written is an error", result.returncode == 1 and "folder" in result.stderr, result.stderr)
-    for words in (["--seconds", "soon"], ["--seconds", "0"], ["--sesame"], ["report.md"]):
-        result = case.run(*words)
-        case.expect(f"makes no sense: {' '.join(words)}", result.returncode == 2 and "--help" in result.stderr, result.stderr)
-    for words, text in ((["--help"], "--speed-test"), (["--version"], "netvane-report ")):
-        result = case.run(*words)
-        case.expect(f"{words[0]} goes to standard output", result.returncode == 0 and text in result.stdout)
+    target = folder / "report.md"
+    result = run(f"--seconds 7 --redact --output {target}")
+    expect("a redacted report in a file", re.fullmatch("\n".join(report(r"\[address 1\]")) + "\n", target.read_text())
+           and (result.returncode, result.stdout) == (0, ""), target.read_text())
+    for words, status, text in ((f"--seconds 1 --output {folder}/no/folder", 1, "folder"), ("--seconds soon", 2, "--help"),
+                                ("--sesame", 2, "--help"), ("report.md", 2, "--help"), ("--help", 0, "--speed-test"),
+                                ("--version", 0, "netvane-report ")):
+        result = run(words)
+        shown, other = (result.stderr, result.stdout)[::-1 if status == 0 else 1]
+        expect(words, result.returncode == status and text in shown and not other, result)
 
 
 def main():
-    if sys.argv[1] == "--router":
-        return serve()
     if sys.argv[1] != "--inside":
         namespaces = ["unshare", "--net", "--mount", *([] if os.geteuid() == 0 else ["--map-root-user"])]
         if subprocess.run([*namespaces, "true"], capture_output=True).returncode != 0:
             print("no namespaces to be had here")
             return 77
         return subprocess.run([*namespaces, sys.executable, __file__, "--inside", sys.argv[1]]).returncode
-    router = subprocess.Popen(["unshare", "--net", "sh", "-c", "read go; exec \"$@\"", "sh", sys.executable, __file__, "--router"],
-                              stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-    try:
-        while os.readlink(f"/proc/{router.pid}/ns/net") == os.readlink("/proc/self/ns/net"):
-            pass  # until unshare has done its work
-        build_network(router.pid)
-        router.stdin.write("go\n")
-        router.stdin.flush()
-        router.stdout.readline()
-        with tempfile.TemporaryDirectory() as folder:
-            own_resolver(pathlib.Path(folder))
-            case = Case(sys.argv[2], pathlib.Path(folder))
-            check(case)
-            sh("umount", str(pathlib.Path("/etc/resolv.conf").resolve()))
-        return 1 if case.failures else 0
-    finally:
-        router.send_signal(signal.SIGKILL)
-        router.wait()
+    with tempfile.TemporaryDirectory() as folder:
+        build_network(pathlib.Path(folder))
+        serve()
+        check(sys.argv[2], pathlib.Path(folder))
+        sh(f"umount {RESOLV_CONF}")
+    return 1 if failures else 0
 
 
 if __name__ == "__main__":

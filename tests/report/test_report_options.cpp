@@ -27,8 +27,7 @@ private Q_SLOTS:
     void nonsense_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        for (const auto& number :
-            {u"0"_s, u"-3"_s, u"86401"_s, u"1.5"_s, u"99999999999999999999"_s, u""_s})
+        for (const auto& number : {u"0"_s, u"86401"_s, u"1.5"_s, u"99999999999999999999"_s, u""_s})
             QTest::addRow("--seconds %s", qPrintable(number))
                 << QStringList {u"--seconds"_s, number};
         QTest::newRow("no number") << QStringList {u"--seconds"_s};

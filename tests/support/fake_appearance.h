@@ -1,20 +1,9 @@
 #pragma once
 
-#include "platform/appearance.h"
+#include "simulated/desktop.h"
 
 namespace netvane::test {
 
-class FakeAppearance final : public platform::Appearance {
-public:
-    platform::ColorScheme colorScheme() const override { return m_scheme; }
-    void setColorScheme(platform::ColorScheme scheme)
-    {
-        m_scheme = scheme;
-        Q_EMIT colorSchemeChanged();
-    }
-
-private:
-    platform::ColorScheme m_scheme = platform::ColorScheme::Light;
-};
+using FakeAppearance = simulated::Appearance;
 
 } // namespace netvane::test

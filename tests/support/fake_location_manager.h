@@ -1,26 +1,9 @@
 #pragma once
 
-#include "platform/location_manager.h"
+#include "simulated/wifi.h"
 
 namespace netvane::test {
 
-/// A permission that the test grants and takes away.
-class FakeLocationManager : public platform::LocationManager {
-public:
-    using Status = platform::AuthorizationStatus;
-
-    Status authorizationStatus() const override { return status; }
-    void requestAlwaysAuthorization() override { ++requests; }
-
-    /// The system's answer changes and it says so.
-    void change(Status changed)
-    {
-        status = changed;
-        Q_EMIT didChangeAuthorization(changed);
-    }
-
-    Status status = Status::NotDetermined;
-    int requests = 0;
-};
+using FakeLocationManager = simulated::LocationManager;
 
 } // namespace netvane::test

@@ -25,11 +25,11 @@ public:
             ::close(end);
     }
 
-    base::Result<radio::ScanGround> prepare() override
+    base::Result<radio::ScanSetup> prepare() override
     {
         if (absence)
             return *absence;
-        return radio::ScanGround {{3, QStringLiteral("wlan0")},
+        return radio::ScanSetup {{3, QStringLiteral("wlan0")},
             std::make_shared<radio::ScanEvents>(base::FileDescriptor(::dup(m_ends[0])), m_family)};
     }
     base::Result<std::monostate> trigger(const radio::ScanInterface&) override

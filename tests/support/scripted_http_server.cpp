@@ -25,8 +25,8 @@ QByteArray pem()
 
 qsizetype announcedBody(const QByteArray& head)
 {
-    const QByteArray name = "\r\nContent-Length: ";
-    const auto at = head.indexOf(name);
+    const QByteArray name = "\r\ncontent-length: "; // Qt 6.8 writes names in small letters
+    const auto at = head.toLower().indexOf(name);
     return at < 0 ? 0 : head.mid(at + name.size()).split('\r').first().toLongLong();
 }
 

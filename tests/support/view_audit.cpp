@@ -14,40 +14,33 @@ constexpr double kRounding = 1.0; ///< points by which a text may be larger than
 constexpr int kElideMiddle = 2; ///< QQuickText::ElideMiddle
 constexpr int kMostControls = 200;
 
-QString accessibleName(QQuickItem& item)
-{
-    const auto* interface = QAccessible::queryAccessibleInterface(&item);
-    return interface ? interface->text(QAccessible::Name) : QString();
-}
-
-void auditText(QQuickItem& item, QStringList& flaws)
+QString flawOfText(const QQuickItem& item)
 {
     const auto number = [&](const char* name) { return item.property(name).toDouble(); };
     if (item.property("textFormat").toInt() != Qt::PlainText)
-        flaws.append(u"may be rich text: "_s + describe(item));
-    const bool isElided = item.property("truncated").toBool();
-    if (isElided && item.property("elide").toInt() != kElideMiddle)
-        flaws.append(u"is cut: "_s + describe(item));
-    if (!isElided && item.property("text") != QString()
-        && (number("contentWidth") > item.width() + kRounding
-            || number("contentHeight") > item.height() + kRounding))
-        flaws.append(u"does not fit: "_s + describe(item));
+        return u"may be rich text"_s;
+    if (item.property("truncated").toBool())
+        return item.property("elide").toInt() == kElideMiddle ? QString() : u"is cut"_s;
+    const bool fits = number("contentWidth") <= item.width() + kRounding
+        && number("contentHeight") <= item.height() + kRounding;
+    return fits || item.property("text") == QString() ? QString() : u"does not fit"_s;
 }
 
-void auditControl(QQuickItem& item, QStringList& flaws)
+QString flawOfControl(QQuickItem& item)
 {
-    if (accessibleName(item).isEmpty())
-        flaws.append(u"has no name: "_s + describe(item));
-    if (item.isEnabled() && !item.activeFocusOnTab())
-        flaws.append(u"is out of the keyboard's reach: "_s + describe(item));
+    const auto* interface = QAccessible::queryAccessibleInterface(&item);
+    if (!interface || interface->text(QAccessible::Name).isEmpty())
+        return u"has no name"_s;
+    return item.isEnabled() && !item.activeFocusOnTab() ? u"is out of the keyboard's reach"_s
+                                                        : QString();
 }
 
 } // namespace
 
 QString describe(const QQuickItem& item)
 {
-    const QString text = item.property("text").toString().left(60);
-    return QString::fromLatin1(item.metaObject()->className()) + u" '"_s + text + u'\'';
+    return QString::fromLatin1(item.metaObject()->className()) + u" '"_s
+        + item.property("text").toString().left(60) + u'\'';
 }
 
 QStringList auditView(QQuickItem& root)
@@ -55,10 +48,13 @@ QStringList auditView(QQuickItem& root)
     QStringList flaws;
     if (!root.isVisible())
         return flaws;
+    QString flaw;
     if (root.inherits("QQuickText"))
-        auditText(root, flaws);
-    if (root.inherits("QQuickAbstractButton") || root.inherits("QQuickTextField"))
-        auditControl(root, flaws);
+        flaw = flawOfText(root);
+    else if (root.inherits("QQuickAbstractButton") || root.inherits("QQuickTextField"))
+        flaw = flawOfControl(root);
+    if (!flaw.isEmpty())
+        flaws.append(flaw + u": "_s + describe(root));
     for (auto* child : root.childItems())
         flaws.append(auditView(*child));
     return flaws;

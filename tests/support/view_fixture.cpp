@@ -3,8 +3,6 @@
 #include "support/view_audit.h"
 
 #include <QDir>
-#include <QImage>
-#include <QPainter>
 #include <QQmlError>
 #include <QTest>
 
@@ -38,15 +36,11 @@ ViewFixture::ViewFixture(const QString& name, const QVariantMap& properties, int
     m_window.setResizeMode(QQuickView::SizeRootObjectToView);
     m_window.setSource(QUrl(u"qrc:/qt/qml/Netvane/"_s + name + u".qml"_s));
     for (const auto& error : m_window.errors())
-        m_problems.append(error.toString());
-    Q_ASSERT(m_window.rootObject());
-    m_window.setColor(m_theme.controlBackground());
-    m_window.resize(width, std::max(1, int(root().implicitHeight())));
+        qFatal("%s", qPrintable(error.toString()));
+    m_window.resize(width, 600);
     m_window.show();
     (void)QTest::qWaitForWindowExposed(&m_window);
-    // What depends on the width is only known now.
-    m_window.resize(width, std::max(1, int(root().implicitHeight())));
-    QCoreApplication::processEvents();
+    (void)problems({});
 }
 
 QQuickItem* ViewFixture::find(const char* property, const QVariant& value)
@@ -59,61 +53,47 @@ QQuickItem* ViewFixture::find(const char* property, const QVariant& value)
     return found;
 }
 
-QStringList ViewFixture::texts()
+QStringList ViewFixture::texts(const QString& below)
 {
     QStringList texts;
-    walk(root(), [&](QQuickItem& item) {
-        if (item.inherits("QQuickText"))
-            texts.append(item.property("text").toString());
-    });
+    auto* top = below.isEmpty() ? &root() : find("objectName", below);
+    if (top) {
+        walk(*top, [&](QQuickItem& item) {
+            if (item.inherits("QQuickText"))
+                texts.append(item.property("text").toString());
+        });
+    }
     return texts;
 }
 
-void ViewFixture::click(QQuickItem* item)
+void ViewFixture::click(const QString& text)
 {
+    auto* item = find("text", text);
+    QVERIFY2(item, qPrintable(text));
+    (void)problems({});
     const QPointF middle = item->mapToScene({item->width() / 2, item->height() / 2});
     QTest::mouseClick(&m_window, Qt::LeftButton, {}, middle.toPoint());
     QCoreApplication::processEvents();
 }
 
-QStringList ViewFixture::problems()
+QStringList ViewFixture::problems(const QString& picture)
 {
-    layOut();
-    return m_problems + auditView(root());
-}
-
-void ViewFixture::layOut()
-{
-    int height = 0;
     // A frame lays out what changed, which may change what is around it.
-    for (int frame = 0; frame < 8 && height != m_window.height(); ++frame) {
+    for (int height = 0; height != m_window.height();) {
         (void)m_window.grabWindow();
         height = m_window.height();
         m_window.resize(m_window.width(), std::max(1, int(std::ceil(root().implicitHeight()))));
         QCoreApplication::processEvents();
     }
-}
-
-void ViewFixture::picture(const QString& name)
-{
-    layOut();
-    QList<QImage> images;
-    for (const auto scheme : {platform::ColorScheme::Light, platform::ColorScheme::Dark}) {
+    const QString folder = qEnvironmentVariable("NETVANE_PICTURES");
+    for (const auto scheme : {platform::ColorScheme::Dark, platform::ColorScheme::Light}) {
         appearance.setColorScheme(scheme);
         m_window.setColor(m_theme.controlBackground());
-        QCoreApplication::processEvents();
-        images.append(m_window.grabWindow());
+        const QImage image = m_window.grabWindow();
+        if (!folder.isEmpty() && !picture.isEmpty())
+            image.save(QDir(folder).filePath(u"%1-%2.png"_s.arg(picture).arg(int(scheme))));
     }
-    const QString folder = qEnvironmentVariable("NETVANE_PICTURES");
-    if (folder.isEmpty())
-        return;
-    QImage both(images[0].width() * 2, images[0].height(), QImage::Format_RGB32);
-    QPainter painter(&both);
-    painter.drawImage(0, 0, images[0]);
-    painter.drawImage(images[0].width(), 0, images[1]);
-    painter.end();
-    QDir().mkpath(folder);
-    both.save(folder + u'/' + name + u".png"_s);
+    return m_problems + auditView(root());
 }
 
 } // namespace netvane::test

@@ -21,7 +21,6 @@ ColumnLayout {
             Sparkline { values: root.values; color: Theme.green; implicitWidth: 80; implicitHeight: 24 }
         }
         RowLayout {
-            Chip { text: "6 GHz (WiFi 6E)" }
             InfoButton { id: info; tip: "What this means" }
             Spinner { visible: true }
         }
@@ -56,16 +55,5 @@ ColumnLayout {
                 }
             }
         }
-    }
-    Card {
-        title: "Fonts"
-        spacing: 2
-        PlainText { text: "Large title 28"; font: Theme.largeTitle }
-        PlainText { text: "Title 22"; font: Theme.title }
-        PlainText { text: "Headline 17"; font: Theme.headline }
-        PlainText { text: "Body 15 ↑↓ · — Wi‑Fi"; font: Theme.body }
-        PlainText { text: "Callout 13, secondary"; font: Theme.callout; color: Theme.secondaryText }
-        PlainText { text: "Caption 12, tertiary"; font: Theme.caption; color: Theme.tertiaryText }
-        PlainText { text: "Footnote 11"; font: Theme.footnote; color: Theme.tertiaryText }
     }
 }

@@ -1,9 +1,9 @@
 #include "support/test_main.h"
 #include "support/view_fixture.h"
-#include "ui/painting/smooth_curve.h"
+#include "ui/painting/sparkline.h"
+#include "ui/state/channel_analysis_state.h"
 
 #include <QAccessible>
-#include <QPainter>
 #include <QTest>
 
 #include <cmath>
@@ -38,16 +38,16 @@ class TestComponents : public QObject {
 private Q_SLOTS:
     void textsCanBeReadInBothSchemes()
     {
-        test::FakeAppearance appearance;
+        simulated::Appearance appearance;
         const ui::Theme theme(appearance);
+        const auto color = [&](const char* name) { return theme.property(name).value<QColor>(); };
         for (const auto scheme : {platform::ColorScheme::Light, platform::ColorScheme::Dark}) {
             appearance.setColorScheme(scheme);
-            for (const QColor& ground : {theme.cardBackground(), theme.controlBackground()}) {
-                for (const QColor& text :
-                    {theme.primaryText(), theme.secondaryText(), theme.tertiaryText()})
-                    QCOMPARE_GE(contrast(text, ground), 4.5);
+            for (const auto* background : {"cardBackground", "controlBackground"}) {
+                for (const auto* text : {"primaryText", "secondaryText", "tertiaryText"})
+                    QCOMPARE_GE(contrast(color(text), color(background)), 4.5);
             }
-            QCOMPARE_GE(contrast(Qt::white, theme.prominentFill()), 4.5);
+            QCOMPARE_GE(contrast(Qt::white, color("prominentFill")), 4.5);
         }
     }
 
@@ -55,9 +55,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QList<double>>("values");
         QTest::newRow("spike") << QList<double> {1, 1, 100, 1, 1};
-        QTest::newRow("steps") << QList<double> {0, 0, 0, 10, 10, 10, -10};
         QTest::newRow("flat") << QList<double> {7, 7, 7};
-        QTest::newRow("two") << QList<double> {3, 4};
         QTest::newRow("not numbers") << QList<double> {1, qQNaN(), 5, qInf(), 2};
     }
     void theCurveStaysInItsBox()
@@ -65,32 +63,70 @@ private Q_SLOTS:
         QFETCH(QList<double>, values);
         const QRectF box(2, 3, 80, 24);
         const QPainterPath path = ui::smoothCurve(values, box);
-        QVERIFY(!path.isEmpty());
         const QRectF bounds = path.boundingRect();
         QVERIFY(bounds.top() > box.top() - 1e-6 && bounds.bottom() < box.bottom() + 1e-6);
         QVERIFY(bounds.left() > box.left() - 1e-6);
         QCOMPARE(path.currentPosition().x(), box.right());
     }
 
-    void theGallery()
+    void barChart_data()
     {
-        ViewFixture view(u"gallery"_s);
-        QCOMPARE(view.problems(), QStringList());
-        view.picture(u"gallery"_s);
-        QVERIFY(view.texts().contains(view.root().property("name").toString()));
+        QTest::addColumn<QList<int>>("counts");
+        QTest::addColumn<QStringList>("texts"); // the marks, then of each bar its count and label
+        const auto row = [](const char* name, const QList<int>& counts, const QString& texts) {
+            QTest::newRow(name) << counts << texts.split(u' ');
+        };
+        row("one", {1}, u"0 1 1 100"_s);
+        row("steps of 2", {5, 0}, u"0 2 4 6 5 100 0 101"_s);
+        row("steps of 5", {9}, u"0 5 10 9 100"_s);
+        row("steps of 10", {21}, u"0 10 20 30 21 100"_s);
+        row("steps of 500", {1000}, u"0 500 1000 1000 100"_s);
+    }
+    void barChart()
+    {
+        QFETCH(QList<int>, counts);
+        ViewFixture view(u"BarChart"_s, {{u"bars"_s, QVariant::fromValue(barsOf(counts))}});
+        QTEST(view.texts(), "texts");
+    }
+
+    void manyBarsKeepTheLabelOfTheCurrentOne()
+    {
+        auto bars = barsOf(QList<int>(40, 7));
+        bars[38].isCurrent = true;
+        ViewFixture view(u"BarChart"_s, {{u"bars"_s, QVariant::fromValue(bars)}});
+        const QStringList texts = view.texts();
+        QVERIFY(texts.contains(u"138"_s));
+        QVERIFY(!texts.contains(u"137"_s) && !texts.contains(u"139"_s));
+        QCOMPARE(texts.count(u"7"_s), 40); // these have room
+    }
+
+    void gallery()
+    {
+        ViewFixture view(u"gallery"_s, {}, 420);
+        QCOMPARE(view.problems(u"gallery"_s), QStringList());
+        const auto pressed = [&] { return view.root().property("pressed").toString(); };
+        const auto act = [&](const QString& text, const QString& action) {
+            QAccessible::queryAccessibleInterface(view.find("text", text))
+                ->actionInterface()
+                ->doAction(action);
+        };
         for (const auto& text : {u"Bordered"_s, u"Prominent"_s, u"Small"_s}) {
-            view.click(view.find("text", text));
-            QCOMPARE(view.root().property("pressed").toString(), text);
+            view.click(text);
+            QCOMPARE(pressed(), text);
         }
-        for (const auto& text : {u"Bordered"_s, u"Prominent"_s, u"Small"_s}) {
-            auto* const button = QAccessible::queryAccessibleInterface(view.find("text", text));
-            button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-            QCOMPARE(view.root().property("pressed").toString(), text);
-        }
-        auto* const toggle
-            = QAccessible::queryAccessibleInterface(view.find("text", u"Network Changes"_s));
-        toggle->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-        QCOMPARE(view.root().property("pressed").toString(), u"Network Changestrue"_s);
+        act(u"Bordered"_s, QAccessibleActionInterface::pressAction());
+        QCOMPARE(pressed(), u"Bordered"_s);
+        act(u"Network Changes"_s, QAccessibleActionInterface::toggleAction());
+        QCOMPARE(pressed(), u"Network Changestrue"_s);
+    }
+
+private:
+    static QList<ui::ChartBar> barsOf(const QList<int>& counts)
+    {
+        QList<ui::ChartBar> bars;
+        for (int index = 0; index < counts.size(); ++index)
+            bars.append({QString::number(100 + index), counts[index], false});
+        return bars;
     }
 };
 

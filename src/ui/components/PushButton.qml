@@ -1,11 +1,10 @@
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Netvane
 
 // A button with a frame, or filled when it is the prominent one. `text` is one of the program's own
 // texts; an outside text has no business on a button.
-T.AbstractButton {
+PlainButton {
     id: root
 
     property string symbol
@@ -16,17 +15,9 @@ T.AbstractButton {
 
     readonly property color foreground: prominent ? "white" : Theme.primaryText
 
-    implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    implicitHeight: implicitContentHeight + topPadding + bottomPadding
     horizontalPadding: small ? 8 : 12
     verticalPadding: small ? 3 : 5
-    focusPolicy: Qt.StrongFocus
     opacity: enabled ? 1 : 0.5
-    Accessible.role: Accessible.Button
-    Accessible.name: text
-    Accessible.onPressAction: root.clicked()
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     contentItem: RowLayout {
         spacing: 0

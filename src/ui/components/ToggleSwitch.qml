@@ -1,32 +1,18 @@
 import QtQuick
 import QtQuick.Layouts
-import QtQuick.Templates as T
 import Netvane
 
 // A switch with its label at the leading side.
-T.AbstractButton {
+PlainButton {
     id: root
 
     checkable: true
-    implicitWidth: implicitContentWidth
-    implicitHeight: implicitContentHeight
-    focusPolicy: Qt.StrongFocus
+    opacity: 1
     Accessible.role: Accessible.CheckBox
-    Accessible.name: text
     Accessible.checkable: true
     Accessible.checked: checked
-    Accessible.onPressAction: root.activate()
-    Accessible.onToggleAction: root.activate()
-    Keys.onReturnPressed: root.activate()
-    Keys.onEnterPressed: root.activate()
 
-    // What a click does, for keys and for screen readers.
-    function activate() {
-        if (checkable)
-            toggle();
-        clicked();
-    }
-
+    background: null
     contentItem: RowLayout {
         spacing: 12
 

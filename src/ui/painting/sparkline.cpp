@@ -1,10 +1,9 @@
 #include "ui/painting/sparkline.h"
 
-#include "ui/painting/smooth_curve.h"
-
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -14,6 +13,16 @@ namespace {
 constexpr double kLineWidth = 1.5;
 constexpr double kLineOpacity = 0.8;
 constexpr double kAreaOpacity = 0.15;
+
+/// Half of (1 - tension), by which a cardinal spline scales the chord between the neighbours to the
+/// tangent, and a third of that, which turns a Hermite tangent into a Bézier control point.
+constexpr double kTangentScale = (1.0 - 0.5) / 2.0 * 2.0 / 3.0;
+
+QPointF within(const QRectF& box, const QPointF& point)
+{
+    return {std::clamp(point.x(), box.left(), box.right()),
+        std::clamp(point.y(), box.top(), box.bottom())};
+}
 
 QColor withOpacity(QColor color, double opacity)
 {
@@ -27,23 +36,8 @@ Sparkline::Sparkline(QQuickItem* parent)
     : QQuickPaintedItem(parent)
 {
     setAntialiasing(true);
-}
-
-void Sparkline::setValues(const QList<double>& values)
-{
-    if (m_values == values)
-        return;
-    m_values = values;
-    Q_EMIT valuesChanged();
-    update();
-}
-
-void Sparkline::setColor(const QColor& color)
-{
-    if (std::exchange(m_color, color) == color)
-        return;
-    Q_EMIT colorChanged();
-    update();
+    connect(this, &Sparkline::valuesChanged, this, [this] { update(); });
+    connect(this, &Sparkline::colorChanged, this, [this] { update(); });
 }
 
 QString Sparkline::summary() const
@@ -73,6 +67,29 @@ void Sparkline::paint(QPainter* painter)
     painter->strokePath(line,
         QPen(withOpacity(m_color, kLineOpacity), kLineWidth, Qt::SolidLine, Qt::RoundCap,
             Qt::RoundJoin));
+}
+
+QPainterPath smoothCurve(QList<double> values, const QRectF& box)
+{
+    values.removeIf([](double value) { return !std::isfinite(value); });
+    if (values.size() < 2)
+        return {};
+    const auto [lowest, highest] = std::minmax_element(values.cbegin(), values.cend());
+    const double range = *highest - *lowest;
+    const qsizetype last = values.size() - 1;
+    const auto point = [&](qsizetype i) {
+        i = std::clamp<qsizetype>(i, 0, last);
+        const double height = range > 0 ? (values[i] - *lowest) / range : 0.5;
+        return QPointF(box.left() + double(i) * box.width() / double(last),
+            box.bottom() - height * box.height());
+    };
+    const auto tangent = [&](qsizetype i) { return (point(i + 1) - point(i - 1)) * kTangentScale; };
+    QPainterPath path(point(0));
+    for (qsizetype i = 0; i < last; ++i) {
+        path.cubicTo(within(box, point(i) + tangent(i)), within(box, point(i + 1) - tangent(i + 1)),
+            point(i + 1));
+    }
+    return path;
 }
 
 } // namespace netvane::ui

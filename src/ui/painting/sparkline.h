@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPainterPath>
 #include <QQuickPaintedItem>
 #include <QtQmlIntegration>
 
@@ -11,18 +12,14 @@ namespace netvane::ui {
 class Sparkline : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QList<double> values READ values WRITE setValues NOTIFY valuesChanged)
-    Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
+    Q_PROPERTY(QList<double> values MEMBER m_values NOTIFY valuesChanged)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY colorChanged)
     /// What a screen reader says of it: the last, the lowest and the highest value.
     Q_PROPERTY(QString summary READ summary NOTIFY valuesChanged)
 
 public:
     explicit Sparkline(QQuickItem* parent = nullptr);
 
-    QList<double> values() const { return m_values; }
-    void setValues(const QList<double>& values);
-    QColor color() const { return m_color; }
-    void setColor(const QColor& color);
     QString summary() const;
 
     void paint(QPainter* painter) override;
@@ -35,5 +32,11 @@ private:
     QList<double> m_values;
     QColor m_color;
 };
+
+/// A smooth line through `values`, spread evenly over the width of `box`, the smallest at its lower
+/// edge and the largest at its upper one; equal values lie in the middle. A cardinal spline of
+/// tension 0.5 as cubic Bézier segments whose control points stay in the box, so that the line
+/// does, too. Empty for fewer than two values; what is not a number is left out.
+QPainterPath smoothCurve(QList<double> values, const QRectF& box);
 
 } // namespace netvane::ui

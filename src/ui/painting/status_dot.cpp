@@ -2,13 +2,10 @@
 
 #include <QPainter>
 
-#include <utility>
-
 namespace netvane::ui {
 namespace {
 
 constexpr qreal kDiameter = 10;
-constexpr qreal kGlowRadius = 4;
 constexpr qreal kGlowOpacity = 0.4;
 constexpr qreal kFadedOpacity = 0.7;
 
@@ -21,7 +18,7 @@ QColor withOpacity(QColor color, qreal opacity)
 /// A blurred disc: half as strong at the edge of the light, and gone one radius beyond it.
 QRadialGradient glow(const QRectF& light, const QColor& color)
 {
-    const qreal reach = light.width() / 2 + kGlowRadius;
+    const qreal reach = light.width() / 2 + StatusDot::glowRadius;
     const qreal edge = light.width() / 2 / reach;
     QRadialGradient gradient(light.center(), reach);
     gradient.setColorAt(2 * edge - 1, withOpacity(color, kGlowOpacity));
@@ -36,34 +33,14 @@ QRadialGradient glow(const QRectF& light, const QColor& color)
 StatusDot::StatusDot(QQuickItem* parent)
     : QQuickPaintedItem(parent)
 {
-    setImplicitSize(kDiameter + 2 * kGlowRadius, kDiameter + 2 * kGlowRadius);
-}
-
-void StatusDot::setColor(const QColor& color)
-{
-    if (std::exchange(m_color, color) == color)
-        return;
-    Q_EMIT colorChanged();
-    update();
-}
-
-void StatusDot::setLit(bool isLit)
-{
-    if (std::exchange(m_isLit, isLit) == isLit)
-        return;
-    Q_EMIT isLitChanged();
-    update();
-}
-
-qreal StatusDot::glowRadius() const
-{
-    return kGlowRadius;
+    setImplicitSize(kDiameter + 2 * StatusDot::glowRadius, kDiameter + 2 * StatusDot::glowRadius);
+    connect(this, &StatusDot::lookChanged, this, [this] { update(); });
 }
 
 void StatusDot::paint(QPainter* painter)
 {
-    const QRectF light
-        = boundingRect().adjusted(kGlowRadius, kGlowRadius, -kGlowRadius, -kGlowRadius);
+    const QRectF light = boundingRect().adjusted(StatusDot::glowRadius, StatusDot::glowRadius,
+        -StatusDot::glowRadius, -StatusDot::glowRadius);
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
     if (!m_isLit) {

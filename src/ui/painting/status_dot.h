@@ -11,24 +11,19 @@ namespace netvane::ui {
 class StatusDot : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
-    Q_PROPERTY(bool isLit READ isLit WRITE setLit NOTIFY isLitChanged)
-    Q_PROPERTY(qreal glowRadius READ glowRadius CONSTANT)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged)
+    Q_PROPERTY(bool isLit MEMBER m_isLit NOTIFY lookChanged)
+    Q_PROPERTY(qreal glowRadius MEMBER glowRadius CONSTANT)
 
 public:
-    explicit StatusDot(QQuickItem* parent = nullptr);
+    static constexpr qreal glowRadius = 4;
 
-    QColor color() const { return m_color; }
-    void setColor(const QColor& color);
-    bool isLit() const { return m_isLit; }
-    void setLit(bool isLit);
-    qreal glowRadius() const;
+    explicit StatusDot(QQuickItem* parent = nullptr);
 
     void paint(QPainter* painter) override;
 
 Q_SIGNALS:
-    void colorChanged();
-    void isLitChanged();
+    void lookChanged();
 
 private:
     QColor m_color;

@@ -13,31 +13,10 @@ Symbol::Symbol(QQuickItem* parent)
 {
     setImplicitSize(m_size, m_size);
     setAntialiasing(true);
-}
-
-void Symbol::setName(const QString& name)
-{
-    if (std::exchange(m_name, name) == name)
-        return;
-    Q_EMIT nameChanged();
-    update();
-}
-
-void Symbol::setColor(const QColor& color)
-{
-    if (std::exchange(m_color, color) == color)
-        return;
-    Q_EMIT colorChanged();
-    update();
-}
-
-void Symbol::setSize(qreal size)
-{
-    if (std::exchange(m_size, size) == size)
-        return;
-    setImplicitSize(size, size);
-    Q_EMIT sizeChanged();
-    update();
+    connect(this, &Symbol::lookChanged, this, [this] {
+        setImplicitSize(m_size, m_size);
+        update();
+    });
 }
 
 void Symbol::paint(QPainter* painter)

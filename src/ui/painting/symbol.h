@@ -11,27 +11,18 @@ namespace netvane::ui {
 class Symbol : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
-    Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
+    Q_PROPERTY(QString name MEMBER m_name NOTIFY lookChanged)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged)
     /// Width and height in device-independent pixels.
-    Q_PROPERTY(qreal size READ size WRITE setSize NOTIFY sizeChanged)
+    Q_PROPERTY(qreal size MEMBER m_size NOTIFY lookChanged)
 
 public:
     explicit Symbol(QQuickItem* parent = nullptr);
 
-    QString name() const { return m_name; }
-    void setName(const QString& name);
-    QColor color() const { return m_color; }
-    void setColor(const QColor& color);
-    qreal size() const { return m_size; }
-    void setSize(qreal size);
-
     void paint(QPainter* painter) override;
 
 Q_SIGNALS:
-    void nameChanged();
-    void colorChanged();
-    void sizeChanged();
+    void lookChanged();
 
 private:
     QString m_name;

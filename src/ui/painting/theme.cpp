@@ -31,8 +31,8 @@ QString systemFamily()
 
 Theme::Theme(const platform::Appearance& appearance)
     : m_appearance(appearance)
-    , m_family(systemFamily())
 {
+    setFonts();
     connect(&m_appearance, &platform::Appearance::colorSchemeChanged, this, &Theme::update);
     qGuiApp->installEventFilter(this);
     update();
@@ -55,159 +55,72 @@ bool Theme::eventFilter(QObject* watched, QEvent* event)
 void Theme::update()
 {
     const bool isDark = isDarkWanted(m_appearance);
-    if (std::exchange(m_isDark, isDark) != isDark)
-        Q_EMIT schemeChanged();
+    if (std::exchange(m_isDark, isDark) == isDark)
+        return;
+    setColors(isDark);
+    Q_EMIT schemeChanged();
 }
 
-QColor Theme::blue() const
+void Theme::setColors(bool isDark)
 {
-    return m_isDark ? component(0.35, 0.65, 0.95) : component(0.2, 0.5, 0.9);
+    struct Row {
+        QColor& color;
+        QColor light;
+        QColor dark;
+    };
+    // The text colours and the two backgrounds stand for a platform's semantic colours. Each text
+    // colour has a contrast of at least 4.5 to 1 with both backgrounds (WCAG 2.1, 1.4.3).
+    for (const auto& [color, light, dark] : {
+             Row {m_blue, component(0.2, 0.5, 0.9), component(0.35, 0.65, 0.95)},
+             Row {m_green, component(0.2, 0.7, 0.4), component(0.35, 0.8, 0.5)},
+             Row {m_orange, component(1.0, 0.6, 0.2), component(1.0, 0.7, 0.3)},
+             Row {m_red, component(0.9, 0.3, 0.3), component(0.95, 0.4, 0.4)},
+             Row {m_lightBlue, component(0.3, 0.6, 0.9), component(0.4, 0.7, 0.95)},
+             Row {m_controlBackground, QColor(0xf4, 0xf4, 0xf7), QColor(0x1c, 0x1c, 0x1f)},
+             Row {m_cardBackground, QColor(0xff, 0xff, 0xff), QColor(0x2a, 0x2a, 0x2e)},
+             Row {m_separator, QColor(0, 0, 0, 31), QColor(255, 255, 255, 38)},
+             Row {m_primaryText, QColor(0x1c, 0x1c, 0x1f), QColor(0xf2, 0xf2, 0xf5)},
+             Row {m_secondaryText, QColor(0x58, 0x5a, 0x60), QColor(0xb8, 0xb9, 0xbf)},
+             Row {m_tertiaryText, QColor(0x6b, 0x6d, 0x74), QColor(0x9c, 0x9d, 0xa4)},
+             Row {m_prominentFill, QColor(0x1f, 0x6a, 0xd0), QColor(0x2a, 0x6f, 0xc4)},
+             Row {m_track, QColor(0, 0, 0, 56), QColor(255, 255, 255, 64)},
+         })
+        color = isDark ? dark : light;
 }
 
-QColor Theme::green() const
+void Theme::setFonts()
 {
-    return m_isDark ? component(0.35, 0.8, 0.5) : component(0.2, 0.7, 0.4);
-}
-
-QColor Theme::orange() const
-{
-    return m_isDark ? component(1.0, 0.7, 0.3) : component(1.0, 0.6, 0.2);
-}
-
-QColor Theme::red() const
-{
-    return m_isDark ? component(0.95, 0.4, 0.4) : component(0.9, 0.3, 0.3);
-}
-
-QColor Theme::lightBlue() const
-{
-    return m_isDark ? component(0.4, 0.7, 0.95) : component(0.3, 0.6, 0.9);
-}
-
-// The next six stand for a platform's semantic colours. They are chosen so that each text colour
-// has a contrast of at least 4.5 to 1 with both backgrounds (WCAG 2.1, 1.4.3).
-
-QColor Theme::controlBackground() const
-{
-    return m_isDark ? QColor(0x1c, 0x1c, 0x1f) : QColor(0xf4, 0xf4, 0xf7);
-}
-
-QColor Theme::cardBackground() const
-{
-    return m_isDark ? QColor(0x2a, 0x2a, 0x2e) : QColor(0xff, 0xff, 0xff);
-}
-
-QColor Theme::separator() const
-{
-    return m_isDark ? QColor(255, 255, 255, 38) : QColor(0, 0, 0, 31);
-}
-
-QColor Theme::primaryText() const
-{
-    return m_isDark ? QColor(0xf2, 0xf2, 0xf5) : QColor(0x1c, 0x1c, 0x1f);
-}
-
-QColor Theme::secondaryText() const
-{
-    return m_isDark ? QColor(0xb8, 0xb9, 0xbf) : QColor(0x58, 0x5a, 0x60);
-}
-
-QColor Theme::tertiaryText() const
-{
-    return m_isDark ? QColor(0x9c, 0x9d, 0xa4) : QColor(0x6b, 0x6d, 0x74);
-}
-
-QColor Theme::prominentFill() const
-{
-    return m_isDark ? QColor(0x2a, 0x6f, 0xc4) : QColor(0x1f, 0x6a, 0xd0);
-}
-
-QColor Theme::track() const
-{
-    return m_isDark ? QColor(255, 255, 255, 64) : QColor(0, 0, 0, 56);
+    struct Row {
+        QFont& font;
+        int pixels;
+        QFont::Weight weight;
+    };
+    const QString family = systemFamily();
+    for (const auto& [font, pixels, weight] : {
+             Row {m_largeTitle, 28, QFont::Bold},
+             Row {m_title, 22, QFont::DemiBold},
+             Row {m_title2, 20, QFont::DemiBold},
+             Row {m_headline, 17, QFont::DemiBold},
+             Row {m_body, 15, QFont::Normal},
+             Row {m_bodyEmphasis, 15, QFont::DemiBold},
+             Row {m_callout, 13, QFont::Normal},
+             Row {m_calloutEmphasis, 13, QFont::DemiBold},
+             Row {m_caption, 12, QFont::Normal},
+             Row {m_captionEmphasis, 12, QFont::DemiBold},
+             Row {m_footnote, 11, QFont::Normal},
+             Row {m_footnoteEmphasis, 11, QFont::Medium},
+             Row {m_subheadline, 14, QFont::Normal},
+             Row {m_subheadlineEmphasis, 14, QFont::Medium},
+         }) {
+        font = QFont(family);
+        font.setPixelSize(pixels);
+        font.setWeight(weight);
+    }
 }
 
 QList<QColor> Theme::accents() const
 {
-    return {blue(), green(), orange(), red(), lightBlue(), tertiaryText()};
-}
-
-QFont Theme::font(int pixels, QFont::Weight weight) const
-{
-    QFont font(m_family);
-    font.setPixelSize(pixels);
-    font.setWeight(weight);
-    return font;
-}
-
-QFont Theme::largeTitle() const
-{
-    return font(28, QFont::Bold);
-}
-
-QFont Theme::title() const
-{
-    return font(22, QFont::DemiBold);
-}
-
-QFont Theme::title2() const
-{
-    return font(20, QFont::DemiBold);
-}
-
-QFont Theme::headline() const
-{
-    return font(17, QFont::DemiBold);
-}
-
-QFont Theme::body() const
-{
-    return font(15, QFont::Normal);
-}
-
-QFont Theme::bodyEmphasis() const
-{
-    return font(15, QFont::DemiBold);
-}
-
-QFont Theme::callout() const
-{
-    return font(13, QFont::Normal);
-}
-
-QFont Theme::calloutEmphasis() const
-{
-    return font(13, QFont::DemiBold);
-}
-
-QFont Theme::caption() const
-{
-    return font(12, QFont::Normal);
-}
-
-QFont Theme::captionEmphasis() const
-{
-    return font(12, QFont::DemiBold);
-}
-
-QFont Theme::footnote() const
-{
-    return font(11, QFont::Normal);
-}
-
-QFont Theme::footnoteEmphasis() const
-{
-    return font(11, QFont::Medium);
-}
-
-QFont Theme::subheadline() const
-{
-    return font(14, QFont::Normal);
-}
-
-QFont Theme::subheadlineEmphasis() const
-{
-    return font(14, QFont::Medium);
+    return {m_blue, m_green, m_orange, m_red, m_lightBlue, m_tertiaryText};
 }
 
 } // namespace netvane::ui

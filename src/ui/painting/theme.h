@@ -5,52 +5,49 @@
 
 #include <QColor>
 #include <QFont>
-#include <QObject>
-#include <QtQmlIntegration>
 
 class QJSEngine;
 class QQmlEngine;
 
 namespace netvane::ui {
 
-/// The program's one palette of colours and fonts. The colours follow the scheme while the program
+/// The palette of colours and fonts of all views. The colours follow the scheme while the program
 /// runs. Sizes are in device-independent pixels. Main thread.
 class Theme : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_SINGLETON
-    Q_PROPERTY(bool isDark READ isDark NOTIFY schemeChanged)
-    Q_PROPERTY(QColor blue READ blue NOTIFY schemeChanged)
-    Q_PROPERTY(QColor green READ green NOTIFY schemeChanged)
-    Q_PROPERTY(QColor orange READ orange NOTIFY schemeChanged)
-    Q_PROPERTY(QColor red READ red NOTIFY schemeChanged)
-    Q_PROPERTY(QColor lightBlue READ lightBlue NOTIFY schemeChanged)
-    Q_PROPERTY(QColor controlBackground READ controlBackground NOTIFY schemeChanged)
-    Q_PROPERTY(QColor cardBackground READ cardBackground NOTIFY schemeChanged)
-    Q_PROPERTY(QColor separator READ separator NOTIFY schemeChanged)
-    Q_PROPERTY(QColor primaryText READ primaryText NOTIFY schemeChanged)
-    Q_PROPERTY(QColor secondaryText READ secondaryText NOTIFY schemeChanged)
-    Q_PROPERTY(QColor tertiaryText READ tertiaryText NOTIFY schemeChanged)
-    /// Grounds of controls, which the palette of a desktop has as well: the filled button, whose
-    /// text is white, and the groove of a switch that is off.
-    Q_PROPERTY(QColor prominentFill READ prominentFill NOTIFY schemeChanged)
-    Q_PROPERTY(QColor track READ track NOTIFY schemeChanged)
+    Q_PROPERTY(QColor blue MEMBER m_blue NOTIFY schemeChanged)
+    Q_PROPERTY(QColor green MEMBER m_green NOTIFY schemeChanged)
+    Q_PROPERTY(QColor orange MEMBER m_orange NOTIFY schemeChanged)
+    Q_PROPERTY(QColor red MEMBER m_red NOTIFY schemeChanged)
+    Q_PROPERTY(QColor lightBlue MEMBER m_lightBlue NOTIFY schemeChanged)
+    Q_PROPERTY(QColor controlBackground MEMBER m_controlBackground NOTIFY schemeChanged)
+    Q_PROPERTY(QColor cardBackground MEMBER m_cardBackground NOTIFY schemeChanged)
+    Q_PROPERTY(QColor separator MEMBER m_separator NOTIFY schemeChanged)
+    Q_PROPERTY(QColor primaryText MEMBER m_primaryText NOTIFY schemeChanged)
+    Q_PROPERTY(QColor secondaryText MEMBER m_secondaryText NOTIFY schemeChanged)
+    Q_PROPERTY(QColor tertiaryText MEMBER m_tertiaryText NOTIFY schemeChanged)
+    /// The background of the prominent button, whose text is white.
+    Q_PROPERTY(QColor prominentFill MEMBER m_prominentFill NOTIFY schemeChanged)
+    /// The groove of a switch that is off.
+    Q_PROPERTY(QColor track MEMBER m_track NOTIFY schemeChanged)
     /// Indexed by `Accent`, so that a binding on it follows the scheme.
     Q_PROPERTY(QList<QColor> accents READ accents NOTIFY schemeChanged)
-    Q_PROPERTY(QFont largeTitle READ largeTitle CONSTANT)
-    Q_PROPERTY(QFont title READ title CONSTANT)
-    Q_PROPERTY(QFont title2 READ title2 CONSTANT)
-    Q_PROPERTY(QFont headline READ headline CONSTANT)
-    Q_PROPERTY(QFont body READ body CONSTANT)
-    Q_PROPERTY(QFont bodyEmphasis READ bodyEmphasis CONSTANT)
-    Q_PROPERTY(QFont callout READ callout CONSTANT)
-    Q_PROPERTY(QFont calloutEmphasis READ calloutEmphasis CONSTANT)
-    Q_PROPERTY(QFont caption READ caption CONSTANT)
-    Q_PROPERTY(QFont captionEmphasis READ captionEmphasis CONSTANT)
-    Q_PROPERTY(QFont footnote READ footnote CONSTANT)
-    Q_PROPERTY(QFont footnoteEmphasis READ footnoteEmphasis CONSTANT)
-    Q_PROPERTY(QFont subheadline READ subheadline CONSTANT)
-    Q_PROPERTY(QFont subheadlineEmphasis READ subheadlineEmphasis CONSTANT)
+    Q_PROPERTY(QFont largeTitle MEMBER m_largeTitle CONSTANT)
+    Q_PROPERTY(QFont title MEMBER m_title CONSTANT)
+    Q_PROPERTY(QFont title2 MEMBER m_title2 CONSTANT)
+    Q_PROPERTY(QFont headline MEMBER m_headline CONSTANT)
+    Q_PROPERTY(QFont body MEMBER m_body CONSTANT)
+    Q_PROPERTY(QFont bodyEmphasis MEMBER m_bodyEmphasis CONSTANT)
+    Q_PROPERTY(QFont callout MEMBER m_callout CONSTANT)
+    Q_PROPERTY(QFont calloutEmphasis MEMBER m_calloutEmphasis CONSTANT)
+    Q_PROPERTY(QFont caption MEMBER m_caption CONSTANT)
+    Q_PROPERTY(QFont captionEmphasis MEMBER m_captionEmphasis CONSTANT)
+    Q_PROPERTY(QFont footnote MEMBER m_footnote CONSTANT)
+    Q_PROPERTY(QFont footnoteEmphasis MEMBER m_footnoteEmphasis CONSTANT)
+    Q_PROPERTY(QFont subheadline MEMBER m_subheadline CONSTANT)
+    Q_PROPERTY(QFont subheadlineEmphasis MEMBER m_subheadlineEmphasis CONSTANT)
 
 public:
     /// `appearance` outlives the theme.
@@ -59,51 +56,29 @@ public:
     /// The one that `ViewEngine` was given, for the QML engine.
     static Theme* create(QQmlEngine* engine, QJSEngine*);
 
-    bool isDark() const { return m_isDark; }
-    QColor blue() const;
-    QColor green() const;
-    QColor orange() const;
-    QColor red() const;
-    QColor lightBlue() const;
-    QColor controlBackground() const;
-    QColor cardBackground() const;
-    QColor separator() const;
-    QColor primaryText() const;
-    QColor secondaryText() const;
-    QColor tertiaryText() const;
-    QColor prominentFill() const;
-    QColor track() const;
+    QColor controlBackground() const { return m_controlBackground; }
     QList<QColor> accents() const;
-
-    QFont largeTitle() const;
-    QFont title() const;
-    QFont title2() const;
-    QFont headline() const;
-    QFont body() const;
-    QFont bodyEmphasis() const;
-    QFont callout() const;
-    QFont calloutEmphasis() const;
-    QFont caption() const;
-    QFont captionEmphasis() const;
-    QFont footnote() const;
-    QFont footnoteEmphasis() const;
-    QFont subheadline() const;
-    QFont subheadlineEmphasis() const;
 
 Q_SIGNALS:
     void schemeChanged();
 
 protected:
-    /// The palette of the application, which stands in where the desktop tells no scheme.
+    /// The application's palette decides where the desktop tells no scheme.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void update();
-    QFont font(int pixels, QFont::Weight weight) const;
+    void setColors(bool isDark);
+    void setFonts();
 
     const platform::Appearance& m_appearance;
-    QString m_family;
-    bool m_isDark = false;
+    std::optional<bool> m_isDark;
+    QColor m_blue, m_green, m_orange, m_red, m_lightBlue;
+    QColor m_controlBackground, m_cardBackground, m_separator, m_prominentFill, m_track;
+    QColor m_primaryText, m_secondaryText, m_tertiaryText;
+    QFont m_largeTitle, m_title, m_title2, m_headline, m_body, m_bodyEmphasis;
+    QFont m_callout, m_calloutEmphasis, m_caption, m_captionEmphasis;
+    QFont m_footnote, m_footnoteEmphasis, m_subheadline, m_subheadlineEmphasis;
 };
 
 } // namespace netvane::ui

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <QObject>
+#include <QVariant>
 #include <QtQmlIntegration>
 
-/// The colours that a value can get, by name: which one is decided in C++, what it looks like in
-/// the current scheme by `Theme.accents`, which has them in this order.
+#include <optional>
+
+/// The colours that a value can get, by name. C++ decides which one; `Theme.accents` has the colour
+/// of each in the current scheme, in this order.
 namespace netvane::ui::accent {
 Q_NAMESPACE
 QML_NAMED_ELEMENT(Accent)
@@ -15,5 +18,14 @@ Q_ENUM_NS(Value)
 } // namespace netvane::ui::accent
 
 namespace netvane::ui {
+
 using Accent = accent::Value;
+
+/// How QML gets a value that may be absent: as `undefined`.
+template <typename Value>
+QVariant orUndefined(const std::optional<Value>& value)
+{
+    return value ? QVariant::fromValue(*value) : QVariant();
+}
+
 } // namespace netvane::ui

@@ -1,5 +1,7 @@
 #include "ui/state/connection_status.h"
 
+#include <array>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::ui {
@@ -12,36 +14,17 @@ constexpr double kSlowLookupMs = 50;
 
 } // namespace
 
-QString label(ConnectionStatus status)
+ConnectionItem connectionItem(const QString& name, ConnectionStatus status)
 {
-    switch (status) {
-    case ConnectionStatus::ok:
-        return u"OK"_s;
-    case ConnectionStatus::weak:
-        return u"Weak"_s;
-    case ConnectionStatus::slow:
-        return u"Slow"_s;
-    case ConnectionStatus::highLoss:
-        return u"High loss"_s;
-    case ConnectionStatus::unknown:
-        break;
-    }
-    return u"\u2014"_s;
-}
-
-Accent accentOf(ConnectionStatus status)
-{
-    switch (status) {
-    case ConnectionStatus::ok:
-        return Accent::Green;
-    case ConnectionStatus::weak:
-    case ConnectionStatus::slow:
-    case ConnectionStatus::highLoss:
-        return Accent::Orange;
-    case ConnectionStatus::unknown:
-        break;
-    }
-    return Accent::Tertiary;
+    static const std::array<std::pair<QString, Accent>, 5> grades {{
+        {u"OK"_s, Accent::Green},
+        {u"Weak"_s, Accent::Orange},
+        {u"Slow"_s, Accent::Orange},
+        {u"High loss"_s, Accent::Orange},
+        {u"\u2014"_s, Accent::Tertiary},
+    }};
+    const auto& [grade, accent] = grades.at(size_t(status));
+    return {.name = name, .grade = grade, .accent = accent};
 }
 
 ConnectionStatus wifiStatus(const std::optional<wifi::WiFiInfo>& info)
@@ -55,15 +38,13 @@ ConnectionStatus pathStatus(const std::optional<probes::NetworkMetrics>& metrics
 {
     if (!metrics)
         return ConnectionStatus::unknown;
-    if (metrics->packetLoss && *metrics->packetLoss > 0)
+    const auto& [ping, jitter, loss]
+        = std::tie(metrics->ping, metrics->jitter, metrics->packetLoss);
+    if (loss && *loss > 0)
         return ConnectionStatus::highLoss;
-    if (metrics->ping && *metrics->ping >= kSlowPingMs)
+    if ((ping && *ping >= kSlowPingMs) || (jitter && *jitter >= kSlowJitterMs))
         return ConnectionStatus::slow;
-    if (metrics->jitter && *metrics->jitter >= kSlowJitterMs)
-        return ConnectionStatus::slow;
-    if (!metrics->ping && !metrics->jitter)
-        return ConnectionStatus::unknown;
-    return ConnectionStatus::ok;
+    return ping || jitter ? ConnectionStatus::ok : ConnectionStatus::unknown;
 }
 
 ConnectionStatus dnsStatus(std::optional<double> lookupTimeMs)

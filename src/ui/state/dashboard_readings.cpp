@@ -1,68 +1,59 @@
 #include "ui/state/dashboard_readings.h"
 
+#include "platform/platform.h"
 #include "probes/captive_portal_service.h"
 #include "probes/network_utils.h"
 #include "probes/ping_service.h"
+#include "services/services.h"
 #include "wifi/wifi_service.h"
+
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::ui {
+namespace {
 
-bool looksAlike(
+/// By name and signal. No link is like one with neither.
+bool areLinksAlike(
     const std::optional<wifi::WiFiInfo>& one, const std::optional<wifi::WiFiInfo>& other)
 {
-    const wifi::WiFiInfo nothing;
-    const auto& a = one ? *one : nothing;
-    const auto& b = other ? *other : nothing;
+    const auto a = one.value_or(wifi::WiFiInfo());
+    const auto b = other.value_or(wifi::WiFiInfo());
     return a.ssid == b.ssid && a.signalStrength == b.signalStrength;
 }
 
-bool looksAlike(const std::optional<probes::NetworkMetrics>& one,
+/// By round trip and jitter. No reading is like one with neither.
+bool arePathsAlike(const std::optional<probes::NetworkMetrics>& one,
     const std::optional<probes::NetworkMetrics>& other)
 {
-    const probes::NetworkMetrics nothing;
-    const auto& a = one ? *one : nothing;
-    const auto& b = other ? *other : nothing;
+    const auto a = one.value_or(probes::NetworkMetrics());
+    const auto b = other.value_or(probes::NetworkMetrics());
     return a.ping == b.ping && a.jitter == b.jitter;
 }
 
-QStringList DashboardReadings::refresh()
+} // namespace
+
+QStringList DashboardReadings::refresh(const services::Services& services)
 {
     QStringList changes;
-    const auto take = [&](auto& copy, const auto& reading, bool isSame, const QString& name,
-                          void (DashboardReadings::*changed)()) {
-        if (isSame)
-            return;
-        copy = reading;
-        changes.append(name);
-        (this->*changed)();
-    };
-    const auto takeMetrics = [&](auto& copy, const probes::PingService& service,
-                                 const QString& name, void (DashboardReadings::*changed)()) {
-        const auto& reading = service.currentMetrics();
-        take(copy, reading, looksAlike(copy, reading), name, changed);
-    };
-    const auto takeValue = [&](auto& copy, const auto& reading, const QString& name,
-                               void (DashboardReadings::*changed)()) {
-        take(copy, reading, copy == reading, name, changed);
-    };
-    const auto& wifi = m_sources.wifiService;
-    take(m_currentWiFi, wifi.currentWiFi(), looksAlike(m_currentWiFi, wifi.currentWiFi()),
-        u"wifi"_s, &DashboardReadings::currentWiFiChanged);
-    takeMetrics(m_routerMetrics, m_sources.routerPingService, u"router"_s,
-        &DashboardReadings::routerMetricsChanged);
-    takeMetrics(m_internetMetrics, m_sources.internetPingService, u"internet"_s,
-        &DashboardReadings::internetMetricsChanged);
-    takeValue(m_needsLocationPermission, wifi.needsLocationPermission(), u"permission"_s,
-        &DashboardReadings::needsLocationPermissionChanged);
-    takeValue(
-        m_errorMessage, wifi.errorMessage(), u"error"_s, &DashboardReadings::errorMessageChanged);
-    takeValue(m_isCaptive, m_sources.captivePortalService.isCaptive(), u"captive"_s,
-        &DashboardReadings::isCaptiveChanged);
-    takeValue(m_vpnActive, probes::isVPNActive(m_sources.networkConfiguration), u"vpn"_s,
-        &DashboardReadings::vpnActiveChanged);
-    Q_EMIT refreshed();
+    const auto take
+        = [&changes](const QString& name, auto& copy, const auto& reading, auto areAlike) {
+              if (areAlike(copy, reading))
+                  return;
+              copy = reading;
+              changes.append(name);
+          };
+    const auto& wifi = *services.wifiService;
+    take(u"wifi"_s, currentWiFi, wifi.currentWiFi(), areLinksAlike);
+    take(u"router"_s, routerMetrics, services.routerPingService->currentMetrics(), arePathsAlike);
+    take(u"internet"_s, internetMetrics, services.internetPingService->currentMetrics(),
+        arePathsAlike);
+    const std::equal_to equal;
+    take(u"permission"_s, needsLocationPermission, wifi.needsLocationPermission(), equal);
+    take(u"error"_s, errorMessage, wifi.errorMessage(), equal);
+    take(u"captive"_s, isCaptive, services.captivePortalService->isCaptive(), equal);
+    take(u"vpn"_s, vpnActive, probes::isVPNActive(*services.platform.networkConfiguration), equal);
     return changes;
 }
 

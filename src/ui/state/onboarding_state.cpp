@@ -1,23 +1,22 @@
 #include "ui/state/onboarding_state.h"
 
 #include "insights/onboarding_service.h"
-#include "platform/url_opener.h"
+#include "platform/platform.h"
+#include "services/services.h"
 #include "wifi/location_permission_service.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::ui {
 
-OnboardingState::OnboardingState(insights::OnboardingService& onboarding,
-    const wifi::LocationPermissionService& permission, platform::UrlOpener& opener)
-    : m_onboarding(onboarding)
-    , m_permission(permission)
-    , m_opener(opener)
+OnboardingState::OnboardingState(const services::Services& services)
+    : m_services(services)
 {
-    connect(&m_permission, &wifi::LocationPermissionService::isAuthorizedChanged, this,
-        &OnboardingState::permissionChanged);
-    connect(&m_onboarding, &insights::OnboardingService::isCompletedChanged, this,
-        &OnboardingState::completionChanged);
+    connect(services.locationPermissionService.get(),
+        &wifi::LocationPermissionService::isAuthorizedChanged, this,
+        &OnboardingState::followPermission);
+    connect(services.onboardingService.get(), &insights::OnboardingService::isCompletedChanged,
+        this, &OnboardingState::followCompletion);
 }
 
 QString OnboardingState::mainLabel() const
@@ -27,7 +26,7 @@ QString OnboardingState::mainLabel() const
 
 bool OnboardingState::isAuthorized() const
 {
-    return m_permission.isAuthorized();
+    return m_services.locationPermissionService->isAuthorized();
 }
 
 void OnboardingState::goBack()
@@ -46,13 +45,14 @@ void OnboardingState::goOn()
 {
     if (m_currentStep != Ready)
         setCurrentStep(m_currentStep + 1);
-    else if (!m_onboarding.isCompleted()) // a second press while the page goes away is none
-        m_onboarding.setIsCompleted(true);
+    else if (!m_services.onboardingService
+                  ->isCompleted()) // a second press while the page goes away is none
+        m_services.onboardingService->setIsCompleted(true);
 }
 
 void OnboardingState::openSystemSettings()
 {
-    m_opener.openUrl(platform::kPrivacySettingsUrl);
+    m_services.platform.urlOpener->openUrl(platform::kPrivacySettingsUrl);
 }
 
 void OnboardingState::setCurrentStep(int step)
@@ -61,7 +61,7 @@ void OnboardingState::setCurrentStep(int step)
         Q_EMIT currentStepChanged();
 }
 
-void OnboardingState::permissionChanged()
+void OnboardingState::followPermission()
 {
     Q_EMIT isAuthorizedChanged();
     if (isAuthorized() && m_currentStep == Permission)
@@ -69,9 +69,9 @@ void OnboardingState::permissionChanged()
 }
 
 /// Whoever sees the introduction again sees it from its beginning.
-void OnboardingState::completionChanged()
+void OnboardingState::followCompletion()
 {
-    if (!m_onboarding.isCompleted())
+    if (!m_services.onboardingService->isCompleted())
         setCurrentStep(Welcome);
 }
 

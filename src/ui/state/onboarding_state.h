@@ -3,15 +3,9 @@
 #include <QObject>
 #include <QtQmlIntegration>
 
-namespace netvane::insights {
-class OnboardingService;
-} // namespace netvane::insights
-namespace netvane::platform {
-class UrlOpener;
-} // namespace netvane::platform
-namespace netvane::wifi {
-class LocationPermissionService;
-} // namespace netvane::wifi
+namespace netvane::services {
+struct Services;
+} // namespace netvane::services
 
 namespace netvane::ui {
 
@@ -32,9 +26,8 @@ public:
     enum Step { Welcome, Permission, Ready };
     Q_ENUM(Step)
 
-    /// All of it outlives this.
-    OnboardingState(insights::OnboardingService& onboarding,
-        const wifi::LocationPermissionService& permission, platform::UrlOpener& opener);
+    /// All services exist and outlive this.
+    explicit OnboardingState(const services::Services& services);
 
     int currentStep() const { return m_currentStep; }
     bool canGoBack() const { return m_currentStep > Welcome; }
@@ -55,12 +48,10 @@ Q_SIGNALS:
 
 private:
     void setCurrentStep(int step);
-    void permissionChanged();
-    void completionChanged();
+    void followPermission();
+    void followCompletion();
 
-    insights::OnboardingService& m_onboarding;
-    const wifi::LocationPermissionService& m_permission;
-    platform::UrlOpener& m_opener;
+    const services::Services& m_services;
     int m_currentStep = Welcome;
 };
 

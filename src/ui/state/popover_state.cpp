@@ -2,6 +2,8 @@
 
 #include "base/log.h"
 #include "insights/onboarding_service.h"
+#include "platform/platform.h"
+#include "services/services.h"
 #include "wifi/location_permission_service.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -9,79 +11,40 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::ui {
 namespace {
 
-constexpr int kQuietUpdates = 10; ///< of which one is told even if nothing changed
+Q_LOGGING_CATEGORY(logCategory, "netvane.ui")
+
+constexpr int kQuietUpdates = 10; ///< one in so many is logged even if nothing changed
 
 } // namespace
 
-std::optional<QString> updateLine(int updateCount, double milliseconds, const QStringList& changes)
+PopoverState::PopoverState(const services::Services& services)
+    : DashboardState(services, services.routerPingService.get())
+    , m_onboarding(services)
 {
-    if (changes.isEmpty() && updateCount % kQuietUpdates != 0)
-        return {};
-    const QString names = changes.isEmpty() ? u"none"_s : changes.join(u", "_s);
-    return QString::asprintf(
-               "PopoverView: updateState #%d took %.2fms, changes: ", updateCount, milliseconds)
-        + names;
-}
-
-PopoverState::PopoverState(
-    const DashboardServices& services, const SettingsServices& settingsServices)
-    : m_services(services)
-    , m_dashboard(services, &services.routerPingService)
-    , m_settings(settingsServices)
-    , m_onboarding(
-          services.onboardingService, services.locationPermissionService, services.urlOpener)
-{
-    connect(&m_services.onboardingService, &insights::OnboardingService::isCompletedChanged, this,
-        &PopoverState::contentChanged);
-    connect(m_dashboard.networkInfo(), &NetworkInfoState::settingsRequested, this,
-        [this] { setShowSettings(true); });
-    connect(&m_settings, &SettingsState::backRequested, this, [this] { setShowSettings(false); });
-    connect(this, &PopoverState::contentChanged, this, &PopoverState::followContent);
+    connect(services.onboardingService.get(), &insights::OnboardingService::isCompletedChanged,
+        this, &PopoverState::contentChanged);
+    connect(this, &DashboardState::showSettingsChanged, this, &PopoverState::contentChanged);
+    connect(this, &DashboardState::isShownChanged, this,
+        [this] { isShown() ? startUpdates() : stopUpdates(); });
 }
 
 PopoverState::Content PopoverState::content() const
 {
-    if (!m_services.onboardingService.isCompleted())
+    if (!services().onboardingService->isCompleted())
         return Onboarding;
-    return m_showSettings ? Settings : Dashboard;
-}
-
-void PopoverState::setShowSettings(bool show)
-{
-    if (std::exchange(m_showSettings, show) != show)
-        Q_EMIT contentChanged();
-}
-
-void PopoverState::setOnScreen(bool isOnScreen)
-{
-    if (std::exchange(m_isOnScreen, isOnScreen) == isOnScreen)
-        return;
-    Q_EMIT isOnScreenChanged();
-    followContent();
+    return showSettings() ? Settings : Dashboard;
 }
 
 bool PopoverState::goBack()
 {
-    const bool wasInSettings = content() == Settings;
-    if (wasInSettings)
-        setShowSettings(false);
-    return wasInSettings;
-}
-
-void PopoverState::followContent()
-{
-    const bool isShown = m_isOnScreen && content() == Dashboard;
-    if (isShown && !m_updateTimer)
-        startUpdates();
-    else if (!isShown)
-        stopUpdates();
+    return content() == Settings && DashboardState::goBack();
 }
 
 void PopoverState::startUpdates()
 {
-    m_services.locationPermissionService.checkAuthorizationStatus();
+    services().locationPermissionService->checkAuthorizationStatus();
     updateState();
-    m_updateTimer = m_services.clock.repeat(updateInterval, [this] { updateState(); });
+    m_updateTimer = services().platform.clock->repeat(updateInterval, [this] { updateState(); });
 }
 
 void PopoverState::stopUpdates()
@@ -92,12 +55,16 @@ void PopoverState::stopUpdates()
 void PopoverState::updateState()
 {
     ++m_updateCount;
-    const auto start = m_services.clock.monotonicNow();
-    const QStringList changes = m_dashboard.readings().refresh();
-    const std::chrono::duration<double, std::milli> elapsed
-        = m_services.clock.monotonicNow() - start;
-    if (const auto line = updateLine(m_updateCount, elapsed.count(), changes))
-        base::log(*line);
+    auto& clock = *services().platform.clock;
+    const auto start = clock.monotonicNow();
+    const QStringList changes = refresh();
+    const std::chrono::duration<double, std::milli> elapsed = clock.monotonicNow() - start;
+    if (changes.isEmpty() && m_updateCount % kQuietUpdates != 0)
+        return;
+    base::log(logCategory(),
+        QString::asprintf(
+            "PopoverView: updateState #%d took %.2fms, changes: ", m_updateCount, elapsed.count())
+            + (changes.isEmpty() ? u"none"_s : changes.join(u", "_s)));
 }
 
 } // namespace netvane::ui

@@ -11,29 +11,20 @@ namespace {
 using Duration = std::chrono::system_clock::duration;
 using std::chrono::seconds;
 
-constexpr seconds kMinute {60};
-constexpr seconds kHour {3600};
-constexpr seconds kDay {86400};
+struct Unit {
+    seconds length;
+    const char* name;
+};
 
-/// The unit in which that much is told.
-seconds unitOf(Duration elapsed)
+/// The longest unit that fits into the time.
+Unit unitOf(Duration past)
 {
-    if (elapsed < kMinute)
-        return seconds(1);
-    if (elapsed < kHour)
-        return kMinute;
-    return elapsed < kDay ? kHour : kDay;
-}
-
-QString unitName(seconds unit, long long count)
-{
-    if (unit == seconds(1))
-        return u"sec"_s;
-    if (unit == kMinute)
-        return u"min"_s;
-    if (unit == kHour)
-        return u"hr"_s;
-    return count == 1 ? u"day"_s : u"days"_s;
+    for (const Unit& unit :
+        {Unit {seconds(86400), "day"}, {seconds(3600), "hr"}, {seconds(60), "min"}}) {
+        if (past >= unit.length)
+            return unit;
+    }
+    return {seconds(1), "sec"};
 }
 
 } // namespace
@@ -41,16 +32,18 @@ QString unitName(seconds unit, long long count)
 QString relativeTime(Duration elapsed)
 {
     const Duration past = std::max(elapsed, Duration::zero());
-    const seconds unit = unitOf(past);
-    const long long count = past / unit;
-    return u"%1 %2 ago"_s.arg(QString::number(count), unitName(unit, count));
+    const Unit unit = unitOf(past);
+    const long long count = past / unit.length;
+    const bool isPlural = unit.length == seconds(86400) && count > 1;
+    return u"%1 %2%3 ago"_s.arg(count).arg(
+        QLatin1StringView(unit.name), isPlural ? u"s"_s : QString());
 }
 
 std::chrono::milliseconds untilRelativeTimeChanges(Duration elapsed)
 {
     const Duration ahead = std::max(-elapsed, Duration::zero());
     const Duration past = std::max(elapsed, Duration::zero());
-    const seconds unit = unitOf(past);
+    const seconds unit = unitOf(past).length;
     return std::chrono::ceil<std::chrono::milliseconds>(ahead + unit - past % unit);
 }
 

@@ -3,9 +3,11 @@
 #include "insights/network_notification_service.h"
 #include "insights/onboarding_service.h"
 #include "insights/report_service.h"
-#include "platform/url_opener.h"
-#include "platform/user_defaults.h"
+#include "platform/platform.h"
+#include "services/services.h"
 #include "wifi/location_permission_service.h"
+
+#include <QCoreApplication>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -13,10 +15,10 @@ namespace netvane::ui {
 
 using insights::NetworkNotificationService;
 
-SettingsState::SettingsState(const SettingsServices& services)
+SettingsState::SettingsState(const services::Services& services)
     : m_services(services)
 {
-    auto* service = &m_services.networkNotificationService;
+    auto* service = m_services.networkNotificationService.get();
     connect(service, &NetworkNotificationService::notificationsEnabledChanged, this,
         &SettingsState::notificationsChanged);
     connect(service, &NetworkNotificationService::authorizationStatusChanged, this,
@@ -30,74 +32,74 @@ QString SettingsState::version() const
 
 bool SettingsState::notificationsEnabled() const
 {
-    return m_services.networkNotificationService.notificationsEnabled();
+    return m_services.networkNotificationService->notificationsEnabled();
 }
 
 void SettingsState::setNotificationsEnabled(bool enabled)
 {
-    m_services.networkNotificationService.setNotificationsEnabled(enabled);
+    m_services.networkNotificationService->setNotificationsEnabled(enabled);
 }
 
 bool SettingsState::mayNotify() const
 {
-    return m_services.networkNotificationService.authorizationStatus()
+    return m_services.networkNotificationService->authorizationStatus()
         == platform::NotificationAuthorization::Authorized;
 }
 
 void SettingsState::appear()
 {
-    const bool needsPermission = !m_services.locationPermissionService.isAuthorized();
+    const bool needsPermission = !m_services.locationPermissionService->isAuthorized();
     if (std::exchange(m_needsPermission, needsPermission) != needsPermission)
         Q_EMIT needsPermissionChanged();
     if (!std::exchange(m_updateAnswer, QString()).isEmpty())
         Q_EMIT updateAnswerChanged();
-    m_services.networkNotificationService.refreshAuthorizationStatus();
+    m_services.networkNotificationService->refreshAuthorizationStatus();
 }
 
 void SettingsState::checkForUpdates()
 {
-    m_updateAnswer = m_services.checkForUpdates();
+    m_updateAnswer = m_services.updaterController.checkForUpdates();
     Q_EMIT updateAnswerChanged();
 }
 
 void SettingsState::openLocationSettings()
 {
-    m_services.urlOpener.openUrl(platform::kPrivacySettingsUrl);
+    m_services.platform.urlOpener->openUrl(platform::kPrivacySettingsUrl);
 }
 
 void SettingsState::requestNotificationPermission()
 {
-    m_services.networkNotificationService.requestNotificationPermission();
+    m_services.networkNotificationService->requestNotificationPermission();
 }
 
 void SettingsState::copyReport()
 {
-    if (const auto report = m_services.reportService.currentReport())
-        m_services.reportService.copyReport(*report);
+    if (const auto report = m_services.reportService->currentReport())
+        m_services.reportService->copyReport(*report);
 }
 
 void SettingsState::shareReport()
 {
-    if (const auto report = m_services.reportService.currentReport())
-        m_services.reportService.shareReport(*report);
+    if (const auto report = m_services.reportService->currentReport())
+        m_services.reportService->shareReport(*report);
 }
 
 void SettingsState::saveReport()
 {
-    if (const auto report = m_services.reportService.currentReport())
-        m_services.reportService.saveReport(*report);
+    if (const auto report = m_services.reportService->currentReport())
+        m_services.reportService->saveReport(*report);
 }
 
 void SettingsState::resetOnboarding()
 {
-    m_services.onboardingService.reset();
+    m_services.onboardingService->reset();
     // The switch of the running service stays as it is until the next start.
-    m_services.userDefaults.remove(u"networkNotificationsEnabled"_s);
+    m_services.platform.userDefaults->remove(u"networkNotificationsEnabled"_s);
 }
 
 void SettingsState::quit()
 {
-    m_services.quit();
+    QCoreApplication::quit();
 }
 
 } // namespace netvane::ui

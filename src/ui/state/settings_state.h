@@ -3,35 +3,11 @@
 #include <QObject>
 #include <QtQmlIntegration>
 
-#include <functional>
-
-namespace netvane::insights {
-class NetworkNotificationService;
-class OnboardingService;
-class ReportService;
-} // namespace netvane::insights
-namespace netvane::platform {
-class UrlOpener;
-class UserDefaults;
-} // namespace netvane::platform
-namespace netvane::wifi {
-class LocationPermissionService;
-} // namespace netvane::wifi
+namespace netvane::services {
+struct Services;
+} // namespace netvane::services
 
 namespace netvane::ui {
-
-/// What the settings screen shows and acts on. All of it outlives the views.
-struct SettingsServices {
-    wifi::LocationPermissionService& locationPermissionService;
-    insights::NetworkNotificationService& networkNotificationService;
-    insights::OnboardingService& onboardingService;
-    insights::ReportService& reportService;
-    platform::UserDefaults& userDefaults;
-    platform::UrlOpener& urlOpener;
-    /// One sentence about how this copy of the program is updated.
-    std::function<QString()> checkForUpdates;
-    std::function<void()> quit;
-};
 
 /// The settings screen. Every control acts at once; nothing is kept here. Main thread.
 class SettingsState : public QObject {
@@ -49,7 +25,8 @@ class SettingsState : public QObject {
     Q_PROPERTY(bool mayNotify READ mayNotify NOTIFY notificationsChanged)
 
 public:
-    explicit SettingsState(const SettingsServices& services);
+    /// All services exist and outlive this.
+    explicit SettingsState(const services::Services& services);
 
     QString version() const;
     QString updateAnswer() const { return m_updateAnswer; }
@@ -77,7 +54,7 @@ Q_SIGNALS:
     void backRequested();
 
 private:
-    const SettingsServices m_services;
+    const services::Services& m_services;
     QString m_updateAnswer;
     bool m_needsPermission = false;
 };

@@ -69,18 +69,8 @@ QVariant SpeedTestState::uploadSpeed() const
 
 QVariant SpeedTestState::lagMessage() const
 {
-    if (!m_service.result())
-        return {};
-    const auto message = m_service.result()->lagUnderLoadMessage();
-    return message ? QVariant(*message) : QVariant();
-}
-
-void SpeedTestState::setShown(bool isShown)
-{
-    if (isShown == m_times.isShown())
-        return;
-    m_times.setShown(isShown);
-    Q_EMIT isShownChanged();
+    const auto& result = m_service.result();
+    return result ? orUndefined(result->lagUnderLoadMessage()) : QVariant();
 }
 
 void SpeedTestState::runTest()

@@ -1,12 +1,7 @@
 #pragma once
 
+#include "ui/state/accent.h"
 #include "ui/state/relative_time.h"
-
-#include <QObject>
-#include <QVariant>
-#include <QtQmlIntegration>
-
-#include <optional>
 
 namespace netvane::diagnostics {
 class SpeedTestService;
@@ -52,8 +47,6 @@ class SpeedTestState : public QObject {
     /// Newest first.
     Q_PROPERTY(
         QList<netvane::ui::RecentSpeedTest> recentTests READ recentTests NOTIFY recentTestsChanged)
-    /// Whether anybody can see all this.
-    Q_PROPERTY(bool isShown READ isShown WRITE setShown NOTIFY isShownChanged)
 
 public:
     static constexpr size_t maxRecentTests = 5;
@@ -68,8 +61,8 @@ public:
     QVariant uploadSpeed() const;
     QVariant lagMessage() const;
     QList<RecentSpeedTest> recentTests() const { return m_recentTests; }
-    bool isShown() const { return m_times.isShown(); }
-    void setShown(bool isShown);
+    /// Whether all this can be seen.
+    void setShown(bool isShown) { m_times.setShown(isShown); }
 
     Q_INVOKABLE void runTest();
     /// Forgets all tests, those that are not shown as well.
@@ -79,7 +72,6 @@ Q_SIGNALS:
     void isRunningChanged();
     void resultChanged();
     void recentTestsChanged();
-    void isShownChanged();
 
 private:
     void refreshRecentTests();

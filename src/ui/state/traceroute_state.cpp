@@ -30,19 +30,12 @@ TracerouteState::TracerouteState(diagnostics::TracerouteService& service)
 {
     using Service = diagnostics::TracerouteService;
     connect(&m_service, &Service::isRunningChanged, this, &TracerouteState::isRunningChanged);
-    connect(&m_service, &Service::isRunningChanged, this, &TracerouteState::showsHintChanged);
     connect(&m_service, &Service::hopsChanged, this, &TracerouteState::hopsChanged);
-    connect(&m_service, &Service::hopsChanged, this, &TracerouteState::showsHintChanged);
 }
 
 bool TracerouteState::isRunning() const
 {
     return m_service.isRunning();
-}
-
-bool TracerouteState::showsHint() const
-{
-    return m_service.hops().empty() && !m_service.isRunning();
 }
 
 QList<TracerouteRow> TracerouteState::hops() const

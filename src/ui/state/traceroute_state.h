@@ -44,7 +44,6 @@ class TracerouteState : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("Made by the dashboard")
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY isRunningChanged)
-    Q_PROPERTY(bool showsHint READ showsHint NOTIFY showsHintChanged)
     Q_PROPERTY(QList<netvane::ui::TracerouteRow> hops READ hops NOTIFY hopsChanged)
     /// What is typed; the default target at first.
     Q_PROPERTY(QString targetInput READ targetInput WRITE setTargetInput NOTIFY targetInputChanged)
@@ -54,8 +53,6 @@ public:
     explicit TracerouteState(diagnostics::TracerouteService& service);
 
     bool isRunning() const;
-    /// Nothing was traced yet, or nothing came of it.
-    bool showsHint() const;
     QList<TracerouteRow> hops() const;
     const QString& targetInput() const { return m_targetInput; }
     void setTargetInput(const QString& input);
@@ -66,7 +63,6 @@ public:
 
 Q_SIGNALS:
     void isRunningChanged();
-    void showsHintChanged();
     void hopsChanged();
     void targetInputChanged();
 

@@ -3,47 +3,40 @@ import QtQuick.Layouts
 import Netvane
 
 // Something that wants the user's attention, with the buttons for it as children.
-ColumnLayout {
+Card {
     id: root
 
     required property string symbol
     required property color tint
-    required property string title
     required property string message
     default property alias buttons: row.data
 
-    Card {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
-        title: root.title
+    RowLayout {
+        spacing: 12
 
-        RowLayout {
-            spacing: 12
+        IconTile {
+            symbol: root.symbol
+            tint: root.tint
+            side: 40
+            radius: 10
+            symbolSize: 18
+            tintOpacity: 0.15
+        }
+        ColumnLayout {
+            spacing: 4
 
-            IconTile {
-                symbol: root.symbol
-                tint: root.tint
-                side: 40
-                radius: 10
-                symbolSize: 18
-                tintOpacity: 0.15
+            WrappedText {
+                text: root.title
+                font: Theme.headline
+                color: Theme.primaryText
+                Accessible.role: Accessible.Heading
             }
-            ColumnLayout {
-                spacing: 4
-
-                WrappedText {
-                    text: root.title
-                    font: Theme.headline
-                    color: Theme.primaryText
-                    Accessible.role: Accessible.Heading
-                }
-                WrappedText { text: root.message }
-                Flow {
-                    id: row
-                    Layout.fillWidth: true
-                    Layout.topMargin: 4
-                    spacing: 8
-                }
+            WrappedText { text: root.message }
+            Flow {
+                id: row
+                Layout.fillWidth: true
+                Layout.topMargin: 4
+                spacing: 8
             }
         }
     }

@@ -3,7 +3,7 @@ import Netvane
 BannerCard {
     id: root
 
-    required property CaptivePortalState viewState
+    required property DashboardState viewState
 
     visible: viewState.isCaptive
     symbol: "exclamationmark.triangle.fill"

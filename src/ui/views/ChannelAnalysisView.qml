@@ -8,14 +8,11 @@ Card {
 
     required property ChannelAnalysisState viewState
 
+    signal systemSettingsWanted
+
     title: "Channel Analysis"
     hasShadow: false
 
-    Binding {
-        target: root.viewState
-        property: "isShown"
-        value: root.visible && root.Window.visibility !== Window.Hidden
-    }
     RowLayout {
         Layout.minimumHeight: scan.implicitHeight
 
@@ -43,7 +40,7 @@ Card {
         PushButton {
             text: "Open System Settings"
             small: true
-            onClicked: root.viewState.openSystemSettings()
+            onClicked: root.systemSettingsWanted()
         }
     }
     WrappedText {
@@ -66,11 +63,6 @@ Card {
                 Layout.fillWidth: true
                 implicitHeight: 120
                 bars: root.viewState.bars
-                accents: Theme.accents
-                countColor: Theme.secondaryText
-                axisColor: Theme.tertiaryText
-                lineColor: Theme.separator
-                font: Theme.footnote
                 Accessible.role: Accessible.Graphic
                 Accessible.name: root.viewState.chartSummary
             }

@@ -6,7 +6,7 @@ import Netvane
 Card {
     id: root
 
-    required property ConnectionSummaryState viewState
+    required property DashboardState viewState
 
     title: "Connection Summary"
     radius: 6
@@ -19,7 +19,7 @@ Card {
         spacing: 0
 
         Rows {
-            model: root.viewState.items
+            model: root.viewState.connectionSummary
 
             RowLayout {
                 id: item

@@ -6,33 +6,27 @@ import Netvane
 ColumnLayout {
     id: root
 
-    required property DNSState viewState
+    required property DashboardState viewState
 
     spacing: 0
 
     SectionTitle {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
         Layout.topMargin: 12
         Layout.bottomMargin: 12
         text: "DNS Performance"
     }
     MetricCard {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
         Layout.bottomMargin: server.visible ? 0 : 12
-        metric: root.viewState.card
+        metric: root.viewState.dnsCard
     }
     SymbolText {
         id: server
-        visible: root.viewState.serverText !== undefined
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
+        visible: root.viewState.dnsServer !== undefined
         Layout.topMargin: 8
         Layout.bottomMargin: 12
         symbol: "info.circle"
         symbolSize: 11
-        text: root.viewState.serverText ?? ""
+        text: root.viewState.dnsServer ?? ""
         textFont: Theme.footnote
         tint: Theme.tertiaryText
     }

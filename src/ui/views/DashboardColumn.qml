@@ -6,90 +6,76 @@ import Netvane
 ColumnLayout {
     id: root
 
-    required property DashboardState dashboard
+    required property DashboardState viewState
 
     spacing: 0
 
+    Binding {
+        target: root.viewState
+        property: "isShown"
+        value: root.visible && root.enabled && root.Window.visibility !== Window.Hidden
+    }
     NetworkInfoView {
         objectName: "network-info"
-        Layout.fillWidth: true
-        viewState: root.dashboard.networkInfo
+        viewState: root.viewState
     }
     LocationPermissionView {
         objectName: "location-permission"
-        Layout.fillWidth: true
         Layout.topMargin: 12
-        viewState: root.dashboard.locationPermission
+        viewState: root.viewState
     }
     ErrorMessageView {
         objectName: "error-message"
-        Layout.fillWidth: true
         Layout.topMargin: 12
-        viewState: root.dashboard.errorMessage
+        viewState: root.viewState
     }
     CaptivePortalView {
         objectName: "captive-portal"
-        Layout.fillWidth: true
         Layout.topMargin: 12
-        viewState: root.dashboard.captivePortal
+        viewState: root.viewState
     }
     WiFiMetricsView {
         objectName: "wifi-metrics"
-        Layout.fillWidth: true
         Layout.topMargin: 16
-        viewState: root.dashboard.wifiMetrics
+        metrics: root.viewState.wifiMetrics
     }
     PerformanceView {
         objectName: "performance"
-        Layout.fillWidth: true
         Layout.topMargin: 16
-        viewState: root.dashboard.performance
+        viewState: root.viewState
     }
     ConnectionSummaryView {
         objectName: "connection-summary"
-        Layout.fillWidth: true
         Layout.topMargin: 8
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
-        viewState: root.dashboard.connectionSummary
+        viewState: root.viewState
     }
     DNSView {
         objectName: "dns"
-        Layout.fillWidth: true
-        viewState: root.dashboard.dns
+        viewState: root.viewState
     }
     ChannelAnalysisView {
         objectName: "channel-analysis"
-        Layout.fillWidth: true
         Layout.topMargin: 16
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
-        viewState: root.dashboard.channelAnalysis
+        viewState: root.viewState.channelAnalysis
+        onSystemSettingsWanted: root.viewState.openSystemSettings()
     }
     SpeedTestView {
         objectName: "speed-test"
-        Layout.fillWidth: true
         Layout.topMargin: 16
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
-        viewState: root.dashboard.speedTest
+        viewState: root.viewState.speedTest
     }
     TracerouteView {
         objectName: "traceroute"
-        Layout.fillWidth: true
         Layout.topMargin: 16
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
-        // What would stand below the last section stays there when that has nothing to say.
+        // The margin of the last section stays when that one is hidden.
         Layout.bottomMargin: advice.visible ? 0 : 20
-        viewState: root.dashboard.traceroute
+        viewState: root.viewState.traceroute
     }
     RecommendationsView {
         id: advice
         objectName: "recommendations"
-        Layout.fillWidth: true
         Layout.topMargin: 16
         Layout.bottomMargin: 20
-        viewState: root.dashboard.recommendations
+        viewState: root.viewState
     }
 }

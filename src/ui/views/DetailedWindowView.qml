@@ -21,11 +21,11 @@ Item {
         showsIndicator: true
 
         DashboardColumn {
-            x: 16
+            x: 32
             y: 16
-            width: parent.width - 32
+            width: parent.width - 64
             spacing: 16
-            dashboard: root.viewState.dashboard
+            viewState: root.viewState
         }
     }
     SettingsView {

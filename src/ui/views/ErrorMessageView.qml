@@ -3,30 +3,25 @@ import QtQuick.Layouts
 import Netvane
 
 // What went wrong, as long as it does.
-ColumnLayout {
+Card {
     id: root
 
-    required property ErrorMessageState viewState
+    required property DashboardState viewState
 
-    visible: viewState.message !== undefined
+    visible: viewState.errorMessage !== undefined
+    title: "Problem"
 
-    Card {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
-        title: "Problem"
+    RowLayout {
+        spacing: 8
 
-        RowLayout {
-            spacing: 8
-
-            Symbol {
-                name: "exclamationmark.triangle.fill"
-                size: 14
-                color: Theme.orange
-            }
-            WrappedText {
-                text: root.viewState.message ?? ""
-                Accessible.role: Accessible.AlertMessage
-            }
+        Symbol {
+            name: "exclamationmark.triangle.fill"
+            size: 14
+            color: Theme.orange
+        }
+        WrappedText {
+            text: root.viewState.errorMessage ?? ""
+            Accessible.role: Accessible.AlertMessage
         }
     }
 }

@@ -2,6 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
+// What the program does, in the introduction.
 ColumnLayout {
     id: root
 
@@ -12,11 +13,18 @@ ColumnLayout {
 
     Rows {
         model: root.rows
-        FeatureRow {
+
+        SymbolText {
             required property var modelData
 
-            icon: modelData[0]
+            symbol: modelData[0]
             text: modelData[1]
+            tint: Theme.blue
+            textColor: Theme.secondaryText
+            textFont: Theme.callout
+            symbolSize: 14
+            symbolBox: 24
+            spacing: 8
         }
     }
 }

@@ -3,9 +3,9 @@ import Netvane
 BannerCard {
     id: root
 
-    required property LocationPermissionState viewState
+    required property DashboardState viewState
 
-    visible: viewState.isNeeded
+    visible: viewState.needsLocationPermission
     symbol: "location.fill"
     tint: Theme.lightBlue
     title: "Location Permission Required"
@@ -18,7 +18,7 @@ BannerCard {
         onClicked: root.viewState.openSystemSettings()
     }
     PushButton {
-        visible: root.viewState.canRequest
+        visible: root.viewState.canRequestPermission
         text: "Request Permission"
         labelFont: Theme.caption
         onClicked: root.viewState.requestPermission()

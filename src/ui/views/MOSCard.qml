@@ -8,7 +8,7 @@ Card {
 
     required property mosCardContent mos
     readonly property color tint: Theme.accents[mos.accent]
-    readonly property bool isPresent: mos.isPresent
+    readonly property bool isPresent: mos.score !== undefined
 
     title: "Voice Quality (MOS)"
     visible: isPresent
@@ -42,7 +42,7 @@ Card {
 
         PlainText {
             id: score
-            text: root.mos.score
+            text: root.mos.score ?? ""
             font: Theme.title2
             color: root.tint
         }

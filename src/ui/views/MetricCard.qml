@@ -8,7 +8,7 @@ Card {
 
     required property metricCardContent metric
     readonly property color tint: Theme.accents[metric.accent]
-    readonly property bool isPresent: metric.isPresent
+    readonly property bool isPresent: metric.value !== undefined
 
     title: metric.label
     visible: isPresent
@@ -43,7 +43,7 @@ Card {
             }
             PlainText {
                 Layout.fillWidth: true
-                text: root.metric.value
+                text: root.metric.value ?? ""
                 font: Theme.bodyEmphasis
                 elide: Text.ElideRight
             }

@@ -6,13 +6,12 @@ import Netvane
 ColumnLayout {
     id: root
 
-    required property NetworkInfoState viewState
+    required property DashboardState viewState
+    readonly property networkInfo info: viewState.networkInfo
 
     spacing: 12
 
     RowLayout {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
 
         ColumnLayout {
             spacing: 0
@@ -25,7 +24,7 @@ ColumnLayout {
         }
         PlainButton {
             text: "Settings"
-            onClicked: root.viewState.settingsRequested()
+            onClicked: root.viewState.showSettings = true
 
             contentItem: Rectangle {
                 implicitWidth: 32
@@ -43,35 +42,47 @@ ColumnLayout {
         }
     }
     Card {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
         title: "Connection"
 
         RowLayout {
-            visible: root.viewState.isConnected
+            visible: root.info.isConnected
             spacing: 12
 
             StatusDot {
                 Layout.margins: -glowRadius
-                color: Theme.accents[root.viewState.signalAccent]
+                color: Theme.accents[root.info.signalAccent]
             }
             ColumnLayout {
                 spacing: 2
 
                 ElidedText {
-                    text: root.viewState.networkName
+                    text: root.info.networkName
                     font: Theme.headline
-                    elide: root.viewState.hasName ? Text.ElideMiddle : Text.ElideNone
-                    wrapMode: root.viewState.hasName ? Text.NoWrap : Text.Wrap
-                    maximumLineCount: root.viewState.hasName ? 1 : 3
+                    elide: root.info.hasName ? Text.ElideMiddle : Text.ElideNone
+                    wrapMode: root.info.hasName ? Text.NoWrap : Text.Wrap
+                    maximumLineCount: root.info.hasName ? 1 : 3
                 }
                 RowLayout {
                     spacing: 8
 
-                    Chip { text: root.viewState.band }
+                    Rectangle {
+                        implicitWidth: band.implicitWidth + 16
+                        implicitHeight: band.implicitHeight + 6
+                        radius: 6
+                        color: Theme.cardBackground
+                        border.color: Theme.separator
+
+                        PlainText {
+                            id: band
+                            anchors.centerIn: parent
+                            text: root.info.band
+                            font: Theme.caption
+                            color: Theme.secondaryText
+                        }
+                    }
                     PlainText {
                         Layout.fillWidth: true
-                        text: root.viewState.signalText
+                        text: root.info.signalText
                         font: Theme.caption
                         color: Theme.tertiaryText
                     }
@@ -79,7 +90,7 @@ ColumnLayout {
             }
         }
         RowLayout {
-            visible: !root.viewState.isConnected
+            visible: !root.info.isConnected
             spacing: 12
 
             StatusDot {
@@ -94,13 +105,11 @@ ColumnLayout {
         }
     }
     SymbolText {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
         Layout.topMargin: 4
-        symbol: root.viewState.vpnSymbol
+        symbol: root.info.vpnActive ? "lock.shield.fill" : "lock.open"
         symbolSize: 10
-        text: root.viewState.vpnText
+        text: root.info.vpnActive ? "VPN active" : "No VPN"
         textFont: Theme.footnote
-        tint: Theme.accents[root.viewState.vpnAccent]
+        tint: root.info.vpnActive ? Theme.lightBlue : Theme.tertiaryText
     }
 }

@@ -21,11 +21,27 @@ FocusScope {
         anchors.fill: parent
         spacing: 0
 
-        PageDots {
+        // The dots of the pages up to the current one are filled.
+        Row {
             Layout.alignment: Qt.AlignHCenter
             Layout.margins: 16
             Layout.bottomMargin: 8
-            currentStep: root.currentStep
+            spacing: 8
+            Accessible.role: Accessible.StaticText
+            Accessible.name: "Page " + (root.currentStep + 1) + " of 3"
+
+            Repeater {
+                model: [root.currentStep >= 0, root.currentStep >= 1, root.currentStep >= 2]
+
+                Rectangle {
+                    required property bool modelData
+
+                    width: 8
+                    height: 8
+                    radius: 4
+                    color: modelData ? Theme.blue : Theme.separator
+                }
+            }
         }
         ScrollArea {
             id: scroller
@@ -128,9 +144,33 @@ FocusScope {
                 }
             }
         }
-        OnboardingButtons {
+        RowLayout {
             Layout.margins: 16
-            viewState: root.viewState
+            spacing: 12
+
+            PushButton {
+                visible: root.viewState.canGoBack
+                text: "Back"
+                onClicked: root.viewState.goBack()
+            }
+            PushButton {
+                visible: root.viewState.canSkip
+                text: "Skip"
+                onClicked: root.viewState.skip()
+            }
+            Item { Layout.fillWidth: true }
+            PushButton {
+                text: root.viewState.mainLabel
+                prominent: true
+                onClicked: root.viewState.goOn()
+            }
         }
+    }
+
+    // Something that is settled.
+    component InfoRow: SymbolText {
+        symbol: "checkmark.circle.fill"
+        tint: Theme.lightBlue
+        textColor: Theme.secondaryText
     }
 }

@@ -6,29 +6,29 @@ import Netvane
 Card {
     id: root
 
-    required property PerformanceSectionState viewState
+    required property performanceSection section
 
-    title: viewState.title
-    visible: viewState.isPresent
+    title: section.title
+    visible: section.isPresent
 
     RowLayout {
         Layout.bottomMargin: 4
         spacing: 8
 
         Symbol {
-            name: root.viewState.icon
+            name: root.section.icon
             size: 14
             color: Theme.blue
         }
         ColumnLayout {
             spacing: 0
 
-            SectionTitle { text: root.viewState.title }
-            WrappedText { text: root.viewState.subtitle }
+            SectionTitle { text: root.section.title }
+            WrappedText { text: root.section.subtitle }
         }
     }
-    MetricCard { metric: root.viewState.cards[0] }
-    MetricCard { metric: root.viewState.cards[1] }
-    MetricCard { metric: root.viewState.cards[2] }
-    MOSCard { mos: root.viewState.mosCard }
+    MetricCard { metric: root.section.cards[0] }
+    MetricCard { metric: root.section.cards[1] }
+    MetricCard { metric: root.section.cards[2] }
+    MOSCard { mos: root.section.mosCard }
 }

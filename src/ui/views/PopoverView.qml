@@ -25,12 +25,6 @@ Item {
     // What is not taken here closes the window.
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
 
-    Binding {
-        target: root.viewState
-        property: "isOnScreen"
-        value: root.Window.visibility !== Window.Hidden
-    }
-
     ScrollArea {
         objectName: "main-content"
         anchors.fill: parent
@@ -47,9 +41,10 @@ Item {
         DashboardColumn {
             id: column
             objectName: "dashboard"
+            x: 16
             y: 16
-            width: parent.width
-            dashboard: root.viewState.dashboard
+            width: parent.width - 32
+            viewState: root.viewState
         }
     }
     OnDemand {

@@ -3,35 +3,30 @@ import QtQuick.Layouts
 import Netvane
 
 // Advice, as long as there is any.
-ColumnLayout {
+Card {
     id: root
 
-    required property RecommendationsState viewState
+    required property DashboardState viewState
 
     visible: viewState.recommendations.length > 0
+    title: "Recommendations"
 
-    Card {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
-        title: "Recommendations"
+    SectionTitle { text: "Recommendations" }
+    ColumnLayout {
+        spacing: 8
 
-        SectionTitle { text: "Recommendations" }
-        ColumnLayout {
-            spacing: 8
+        Rows {
+            model: root.viewState.recommendations
 
-            Rows {
-                model: root.viewState.recommendations
+            SymbolText {
+                required property string modelData
 
-                SymbolText {
-                    required property string modelData
-
-                    spacing: 8
-                    symbol: "lightbulb.fill"
-                    symbolBox: 20
-                    tint: Theme.orange
-                    text: modelData
-                    textColor: Theme.secondaryText
-                }
+                spacing: 8
+                symbol: "lightbulb.fill"
+                symbolBox: 20
+                tint: Theme.orange
+                text: modelData
+                textColor: Theme.secondaryText
             }
         }
     }

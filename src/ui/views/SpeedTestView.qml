@@ -10,11 +10,6 @@ Card {
 
     title: "Speed Test"
 
-    Binding {
-        target: root.viewState
-        property: "isShown"
-        value: root.visible && root.Window.visibility !== Window.Hidden
-    }
     RowLayout {
         Layout.minimumHeight: retest.implicitHeight
 

@@ -45,7 +45,7 @@ Card {
         }
     }
     WrappedText {
-        visible: root.viewState.showsHint
+        visible: !root.viewState.isRunning && root.viewState.hops.length === 0
         text: "Enter a hostname or IP address to trace the network path."
     }
     ScrollArea {

@@ -6,31 +6,22 @@ import Netvane
 ColumnLayout {
     id: root
 
-    required property WiFiMetricsState viewState
+    required property wiFiMetrics metrics
 
-    visible: viewState.hasSnapshot
+    visible: metrics.isPresent
     spacing: 12
 
-    Binding {
-        target: root.viewState
-        property: "isShown"
-        value: root.visible && root.Window.visibility !== Window.Hidden
-    }
     SectionTitle {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
         Layout.topMargin: 12
         text: "Wi\u2011Fi Metrics"
     }
     ColumnLayout {
-        Layout.leftMargin: 16
-        Layout.rightMargin: 16
         Layout.bottomMargin: 12
         spacing: 12
 
-        MetricCard { metric: root.viewState.cards[0] }
-        MetricCard { metric: root.viewState.cards[1] }
-        MetricCard { metric: root.viewState.cards[2] }
+        MetricCard { metric: root.metrics.cards[0] }
+        MetricCard { metric: root.metrics.cards[1] }
+        MetricCard { metric: root.metrics.cards[2] }
         Card {
             title: "PHY Mode"
             spacing: 4
@@ -45,16 +36,16 @@ ColumnLayout {
                 textColor: Theme.secondaryText
             }
             WrappedText {
-                text: root.viewState.phyMode
+                text: root.metrics.phyMode
                 font: Theme.calloutEmphasis
                 color: Theme.primaryText
             }
             RowLayout {
-                visible: root.viewState.details.length > 0
+                visible: root.metrics.details.length > 0
                 spacing: 12
 
                 Rows {
-                    model: root.viewState.details
+                    model: root.metrics.details
 
                     PlainText {
                         required property string modelData

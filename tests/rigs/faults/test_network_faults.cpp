@@ -91,7 +91,6 @@ private Q_SLOTS:
         addFault({"connect", ENETUNREACH, "inet"}, u"127.0.0.1: "_s + qt_error_string(ENETUNREACH));
         addFault({"getsockopt", ENOBUFS, "inet"}, u"127.0.0.1: "_s + qt_error_string(ENOBUFS));
         addFault({"poll", EINTR, "inet"}, {});
-        addFault({"epoll_wait", EINTR}, {});
     }
     /// The lost probe is told of once and the next one counts; an interruption costs nothing.
     void latency()
@@ -152,32 +151,6 @@ private Q_SLOTS:
             QCOMPARE(armed.hits(), 1);
         }
         QCOMPARE(probe(), qt_error_string(ECONNREFUSED));
-    }
-
-    /// An answer that cannot be waited for is a failure at once.
-    void unanswered()
-    {
-        base::SystemClock clock;
-        net::SocketConnections connections(clock);
-        std::atomic<int> failures = 0;
-        std::atomic<int> cancellations = 0;
-        const auto count = [&](const platform::ConnectionEvent& event) {
-            failures += event.state == platform::ConnectionState::Failed
-                && event.error == qt_error_string(ENOSPC);
-            cancellations += event.state == platform::ConnectionState::Cancelled;
-        };
-        std::unique_ptr<platform::Connection> connection;
-        {
-            const ArmedFault armed({"epoll_ctl", ENOSPC, "inet"});
-            connection = connections.connectTcp(u"10.9.0.2"_s, 80, count);
-            connection->start();
-            QTRY_COMPARE(failures, 1);
-        }
-        connection = connections.connectTcp(u"10.9.0.2"_s, 80, count);
-        connection->start();
-        connection.reset();
-        QTRY_COMPARE(cancellations, 1);
-        QCOMPARE(failures, 1);
     }
 
     void trace_data()

@@ -6,7 +6,6 @@
 #include "desktop/suspend_watch.h"
 #include "fault_rows.h"
 #include "net/curl_http_client.h"
-#include "net/socket_hop_probes.h"
 #include "radio/scan_permission.h"
 #include "support/fake_bus_service.h"
 #include "support/manual_clock.h"
@@ -42,10 +41,7 @@ int beginWithout(const QByteArrayList& words)
     constexpr rlimit kNoCore {};
     ::setrlimit(RLIMIT_CORE, &kNoCore);
     const ArmedFault armed({words[1], words[2].toInt()});
-    if (words[0] == "network") {
-        const base::SystemClock clock;
-        const net::SocketHopProbes probes(clock);
-    } else if (words[0] == "queues") {
+    if (words[0] == "queues") {
         const base::WorkQueues queues;
     } else {
         const base::TerminationSignals signals;
@@ -85,9 +81,6 @@ private Q_SLOTS:
                 QString::fromLatin1(call), QString::number(error)}
                                                         << QByteArray(told);
         };
-        row("network", "eventfd", EMFILE, "No descriptor for connections");
-        row("network", "epoll_create1", EMFILE, "Connections cannot be waited for");
-        row("network", "pthread_create", EAGAIN, "No thread for the network");
         row("queues", "pthread_create", EAGAIN, "No threads for work in the background");
         row("signals", "pipe2", EMFILE, ""); // they then end the program by themselves
     }

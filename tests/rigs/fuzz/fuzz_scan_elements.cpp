@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         known.insert(*network.bssid);
     }
     auto merged = table;
-    radio::addLater(merged, table, std::chrono::milliseconds(input.ConsumeIntegral<uint16_t>()));
+    radio::addNewerTable(merged, table, std::chrono::milliseconds(input.ConsumeIntegral<uint16_t>()));
     fuzz::require(merged.size() <= 2 * table.size(), "nothing is added but what was heard later");
     return 0;
 }

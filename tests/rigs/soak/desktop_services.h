@@ -3,11 +3,12 @@
 #include "support/fake_bus_service.h"
 #include "support/private_bus.h"
 
+#include <map>
 #include <memory>
 
 namespace netvane::soak {
 
-/// A desktop's services on a bus of its own: they come, go and change their minds.
+/// A desktop's services on a bus of its own. They come, go and change their settings.
 class DesktopServices {
 public:
     DesktopServices();
@@ -15,7 +16,7 @@ public:
     QString address() const { return m_bus.address(); }
     /// The bus and all services.
     bool start();
-    /// All services, and the bus without a word.
+    /// All services, and the bus without notice.
     void stop();
 
     /// A panel that shows status items.
@@ -28,18 +29,10 @@ public:
     qint64 notifications() const { return m_notifications; }
 
 private:
-    using Service = std::unique_ptr<test::FakeBusService>;
-
-    Service makePanel();
-    Service makePortal();
-    Service makeNetworkManager();
-    Service makeNotifications();
+    void add(const QString& name, const QString& path, test::Answer answer);
 
     test::PrivateBus m_bus;
-    Service m_panel;
-    Service m_portal;
-    Service m_networkManager;
-    Service m_notificationDaemon;
+    std::map<QString, std::unique_ptr<test::FakeBusService>> m_services; ///< by name
     QString m_permission = QStringLiteral("yes");
     uint m_scheme = 1;
     qint64 m_notifications = 0;

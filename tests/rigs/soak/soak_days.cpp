@@ -2,13 +2,8 @@
 
 #include "app/status_bar_manager.h"
 #include "diagnostics/channel_analysis_service.h"
-#include "diagnostics/speed_test_service.h"
-#include "diagnostics/traceroute_service.h"
 #include "insights/network_notification_service.h"
-#include "insights/report_service.h"
 #include "probes/captive_portal_service.h"
-#include "probes/dns_service.h"
-#include "probes/ping_service.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
 #include "ui/state/detailed_window_state.h"
@@ -25,10 +20,6 @@ using namespace std::chrono_literals;
 namespace netvane::soak {
 namespace {
 
-constexpr int kHours = 24;
-/// Fine enough for what moves while somebody looks.
-constexpr std::chrono::milliseconds kLookStep = 250ms;
-
 template <typename State>
 State& stateOf(QWindow& window)
 {
@@ -39,43 +30,36 @@ State& stateOf(QWindow& window)
 
 void SoakDays::live()
 {
-    for (int hour = 0; hour < kHours; ++hour) {
+    static const QStringList kPlaces {u"home"_s, u"leaving"_s, u"upstairs"_s, u"home"_s,
+        u"leaving"_s, u"upstairs"_s, u"weak"_s, u"office"_s, u"cafe"_s, u"off"_s, u"lost"_s};
+    for (int hour = 0; hour < 24; ++hour) {
         m_left = m_hour;
         happen(hour);
-        while (m_left > 0s)
-            walk(std::chrono::seconds(60 + m_dice() % 1200));
-        requireBounds();
+        while (m_left > 0s) {
+            goTo(kPlaces[qsizetype(m_random() % size_t(kPlaces.size()))]);
+            pass(std::min(std::chrono::seconds(60 + m_random() % 1200), m_left));
+        }
     }
 }
 
 void SoakDays::happen(int hour)
 {
-    using Happening = void (SoakDays::*)();
-    static constexpr std::pair<int, Happening> kHappenings[]
+    using Event = void (SoakDays::*)();
+    static constexpr std::pair<int, Event> kEvents[]
         = {{1, &SoakDays::openPopover}, {2, &SoakDays::restartBus}, {4, &SoakDays::openPopover},
-            {5, &SoakDays::closeLid}, {6, &SoakDays::openWindow}, {7, &SoakDays::restartPanel},
+            {5, &SoakDays::sleep}, {6, &SoakDays::openWindow}, {7, &SoakDays::restartPanel},
             {8, &SoakDays::travel}, {9, &SoakDays::openPopover}, {10, &SoakDays::changePermission},
-            {11, &SoakDays::pullAdapter}, {12, &SoakDays::visitCafe}, {13, &SoakDays::openPopover},
-            {14, &SoakDays::closeLid}, {15, &SoakDays::changeSettings}, {16, &SoakDays::openWindow},
-            {17, &SoakDays::restartBus}, {19, &SoakDays::travel}, {20, &SoakDays::openPopover},
-            {21, &SoakDays::closeLid}, {23, &SoakDays::changeSettings}};
-    for (const auto& [when, happening] : kHappenings) {
+            {11, &SoakDays::unplugAdapter}, {12, &SoakDays::visitCafe},
+            {13, &SoakDays::openPopover}, {14, &SoakDays::sleep}, {15, &SoakDays::changeSettings},
+            {16, &SoakDays::openWindow}, {17, &SoakDays::restartBus}, {19, &SoakDays::travel},
+            {20, &SoakDays::openPopover}, {21, &SoakDays::sleep}, {23, &SoakDays::changeSettings}};
+    for (const auto& [when, event] : kEvents) {
         if (when == hour) {
-            m_world.stage().hold(u"home"_s);
+            goTo(u"home"_s);
             pass(40s);
-            (this->*happening)();
+            (this->*event)();
         }
     }
-}
-
-/// Somewhere else, for a while.
-void SoakDays::walk(std::chrono::seconds time)
-{
-    static const QStringList kPlaces {u"home"_s, u"leaving"_s, u"upstairs"_s, u"home"_s,
-        u"leaving"_s, u"upstairs"_s, u"home"_s, u"weak"_s, u"office"_s, u"cafe"_s, u"off"_s,
-        u"lost"_s};
-    m_world.stage().hold(kPlaces[qsizetype(m_dice() % size_t(kPlaces.size()))]);
-    pass(std::min(time, m_left));
 }
 
 void SoakDays::pass(std::chrono::seconds time)
@@ -84,9 +68,10 @@ void SoakDays::pass(std::chrono::seconds time)
     m_left -= time;
 }
 
+/// In steps that are fine enough for what moves while somebody looks.
 void SoakDays::look(std::chrono::seconds time)
 {
-    m_world.pass(time, kLookStep);
+    m_world.pass(time, 250ms);
     m_left -= time;
 }
 
@@ -96,25 +81,26 @@ void SoakDays::expect(const char* what, const std::function<bool()>& isReached)
         m_complaints.append(QString::fromLatin1(what));
 }
 
-void SoakDays::rest()
+Usage SoakDays::rest()
 {
-    m_world.stage().hold(u"home"_s);
-    // The last scan is kept, so it is one of the same size each time.
-    m_world.adapter().isQuiet = true;
+    goTo(u"home"_s);
+    // The networks of the last scan are kept.
+    m_world.isScanConstant = true;
     pass(2min);
     m_world.delegate().channelAnalysisService()->scanNetworks();
     pass(1min);
-    m_world.adapter().isQuiet = false;
+    m_world.isScanConstant = false;
     // What the views' engine would collect some time later anyway.
     if (auto* popover = m_world.delegate().popover()->window())
         qmlEngine(&windows::rootOf(*popover))->collectGarbage();
+    return m_world.settledUsage();
 }
 
-void SoakDays::closeLid()
+void SoakDays::sleep()
 {
     auto* wifi = m_world.delegate().wifiService();
     const int before = wifi->updateCount();
-    m_world.sleep(std::chrono::hours(1 + m_dice() % 10));
+    m_world.sleep(std::chrono::hours(1 + m_random() % 10));
     expect("a sample after a sleep", [&] { return wifi->updateCount() > before; });
 }
 
@@ -126,7 +112,7 @@ void SoakDays::runDiagnostics(ui::DashboardState& dashboard)
     dashboard.traceroute()->run();
     look(20s);
     pass(40s);
-    expect("an end of what was started", [&] {
+    expect("an end of the diagnostics", [&] {
         return !dashboard.channelAnalysis()->isScanning() && !dashboard.speedTest()->isRunning()
             && !dashboard.traceroute()->isRunning();
     });
@@ -141,7 +127,7 @@ void SoakDays::openPopover()
     if (!delegate.popover()->window())
         return;
     auto& state = stateOf<ui::PopoverState>(*delegate.popover()->window());
-    runDiagnostics(*state.dashboard());
+    runDiagnostics(state);
     state.setShowSettings(true);
     look(3s);
     state.settings()->copyReport();
@@ -160,8 +146,8 @@ void SoakDays::openWindow()
         return delegate.windowController() && delegate.windowController()->isWindowVisible();
     });
     auto& window = delegate.windowController()->window();
-    runDiagnostics(*stateOf<ui::DetailedWindowState>(window).dashboard());
-    window.resize(window.width() + (m_dice() % 2 == 0 ? 20 : -20), window.height());
+    runDiagnostics(stateOf<ui::DetailedWindowState>(window));
+    window.resize(window.width() + (m_random() % 2 == 0 ? 20 : -20), window.height());
     look(3s);
     window.close();
     pass(5s);
@@ -172,52 +158,50 @@ void SoakDays::restartBus()
 {
     const auto& permission = *m_world.delegate().locationPermissionService();
     const auto& notifications = *m_world.delegate().networkNotificationService();
-    m_world.desktop().stop();
-    expect("a bus that is missed", [&] {
-        return notifications.authorizationStatus() == platform::NotificationAuthorization::Denied;
-    });
+    using Status = platform::NotificationAuthorization;
+    m_world.desktop.stop();
+    expect("a missing bus", [&] { return notifications.authorizationStatus() == Status::Denied; });
     pass(30s);
-    if (!m_world.desktop().start())
-        m_complaints.append(u"a bus"_s);
-    pass(120s); // what was tried in vain is tried again after a minute
+    if (!m_world.desktop.start())
+        m_complaints.append(u"a new bus"_s);
+    pass(120s); // failed attempts are repeated after a minute
     expect("services that are found again", [&] {
         return permission.isAuthorized()
-            && notifications.authorizationStatus()
-            == platform::NotificationAuthorization::Authorized;
+            && notifications.authorizationStatus() == Status::Authorized;
     });
 }
 
 void SoakDays::restartPanel()
 {
-    m_world.desktop().setPanel(false);
-    expect("a panel that is missed", [&] { return m_world.panel().isPresent() == false; });
+    m_world.desktop.setPanel(false);
+    expect("a missing panel", [&] { return m_world.panel->isPresent() == false; });
     pass(60s);
-    m_world.desktop().setPanel(true);
-    expect("a panel", [&] { return m_world.panel().isPresent() == true; });
+    m_world.desktop.setPanel(true);
+    expect("a panel", [&] { return m_world.panel->isPresent() == true; });
 }
 
 void SoakDays::changePermission()
 {
     const auto& permission = *m_world.delegate().locationPermissionService();
     // A name that can be read proves the permission, so there is none to read.
-    m_world.stage().hold(u"permission"_s);
+    goTo(u"permission"_s);
     pass(10s);
-    m_world.desktop().setPermission(u"no"_s);
-    expect("a permission that is taken", [&] { return !permission.isAuthorized(); });
+    m_world.desktop.setPermission(u"no"_s);
+    expect("a permission that is withdrawn", [&] { return !permission.isAuthorized(); });
     pass(60s);
-    m_world.desktop().setPermission(u"yes"_s);
+    m_world.desktop.setPermission(u"yes"_s);
     expect("a permission", [&] { return permission.isAuthorized(); });
 }
 
-void SoakDays::pullAdapter()
+void SoakDays::unplugAdapter()
 {
     const auto* wifi = m_world.delegate().wifiService();
-    m_world.adapter().isUnplugged = true;
+    m_world.parts().wifi.isUnplugged = true;
     pass(120s);
-    expect("word of a missing adapter", [&] {
+    expect("the message about a missing adapter", [&] {
         return wifi->errorMessage() == u"No Wi-Fi interface available"_s && !wifi->currentWiFi();
     });
-    m_world.adapter().isUnplugged = false;
+    m_world.parts().wifi.isUnplugged = false;
     pass(10s);
     expect("a link", [&] { return wifi->currentWiFi() && !wifi->errorMessage(); });
 }
@@ -227,9 +211,9 @@ void SoakDays::changeSettings()
     auto* notifications = m_world.delegate().networkNotificationService();
     notifications->setNotificationsEnabled(!notifications->notificationsEnabled());
     m_scheme = m_scheme == 1 ? 2 : 1;
-    m_world.desktop().setColorScheme(m_scheme);
+    m_world.desktop.setColorScheme(m_scheme);
     const auto wanted = m_scheme == 1 ? platform::ColorScheme::Dark : platform::ColorScheme::Light;
-    expect("the desktop's colours", [&] { return m_world.appearance().colorScheme() == wanted; });
+    expect("the colour scheme", [&] { return m_world.appearance->colorScheme() == wanted; });
 }
 
 /// Past access points whose names never come again.
@@ -237,47 +221,25 @@ void SoakDays::travel()
 {
     const auto* wifi = m_world.delegate().wifiService();
     for (int station = 0; station < 20; ++station) {
-        const int journey = ++m_world.adapter().journey;
+        const int journey = ++m_world.journey;
         pass(60s);
-        expect("the name of the train", [&] {
+        expect("the name of a new network", [&] {
             return wifi->currentWiFi() && wifi->currentWiFi()->ssid == u"Train %1"_s.arg(journey);
         });
-        // Between two trains there is the platform; the count goes on.
-        m_world.stage().hold(station % 2 == 0 ? u"upstairs"_s : u"home"_s);
+        goTo(station % 2 == 0 ? u"upstairs"_s : u"home"_s);
     }
 }
 
 void SoakDays::visitCafe()
 {
-    m_world.stage().hold(u"cafe"_s);
+    goTo(u"cafe"_s);
     pass(60s);
     auto* portal = m_world.delegate().captivePortalService();
     expect("a portal", [&] { return portal->isCaptive(); });
     portal->openLoginPage();
-    m_world.stage().hold(u"home"_s);
+    goTo(u"home"_s);
     pass(60s);
     expect("no portal", [&] { return !portal->isCaptive(); });
-}
-
-/// Nothing that is kept exceeds what it may.
-void SoakDays::requireBounds()
-{
-    auto& delegate = m_world.delegate();
-    const auto bound = [this](const char* what, size_t size, size_t most) {
-        if (size > most)
-            m_complaints.append(u"%1 of %2"_s.arg(size).arg(QString::fromLatin1(what)));
-    };
-    for (const auto* probe : {delegate.routerPingService(), delegate.internetPingService()}) {
-        bound("probes", probe->metrics().size(), probes::PingService::maxHistorySize);
-        bound("round trips", probe->pingHistory().size(), probes::PingService::maxHistorySize);
-    }
-    bound("look-ups", delegate.dnsService()->history().size(), probes::DNSService::maxHistorySize);
-    bound("speed tests", delegate.speedTestService()->history().size(),
-        diagnostics::SpeedTestService::maxHistoryCount);
-    bound("networks", delegate.channelAnalysisService()->nearbyNetworks().size(),
-        CrowdedScanner::kMostNetworks);
-    bound("hops", delegate.tracerouteService()->hops().size(),
-        diagnostics::TracerouteService::maxHops);
 }
 
 } // namespace netvane::soak

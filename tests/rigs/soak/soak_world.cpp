@@ -6,11 +6,10 @@
 #include "desktop/portal_appearance.h"
 #include "desktop/session_status_notifier_host.h"
 #include "desktop/settings_file.h"
-#include "probes/dns_service.h"
 #include "radio/scan_permission.h"
-#include "windows/program_views.h"
 
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QThread>
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,33 +19,35 @@ namespace netvane::soak {
 namespace {
 
 constexpr std::chrono::milliseconds kRealLimit = 10s;
+constexpr std::chrono::milliseconds kScanTime = 3s;
+constexpr int kFewestNetworks = 200;
+constexpr int kMostNetworks = 1000;
 
-/// Out of reach of everything, with the radio on.
-demo::Scene lost()
-{
-    demo::Scene scene = demo::scenes().front();
-    scene.name = u"lost"_s;
-    scene.title = u"out of reach"_s;
-    scene.link = {.interfaceName = u"wlan0"_s};
-    scene.signalDbm = {};
-    scene.noiseDbm = {};
-    scene.rateMbps = {};
-    scene.routerTimes = {};
-    scene.internetTimes = {};
-    scene.lookupTime.reset();
-    return scene;
-}
-
-/// Look-ups take real time in the demonstration; here only their threads are wanted.
+/// Those of the demonstration, with look-ups that end at once, and a place without any network.
 std::vector<demo::Scene> scenes()
 {
     auto all = demo::scenes();
-    all.push_back(lost());
     for (auto& scene : all) {
         if (scene.lookupTime)
             scene.lookupTime = 0us;
     }
+    all.push_back({.name = u"lost"_s,
+        .title = u"out of reach"_s,
+        .link = {.interfaceName = u"wlan0"_s},
+        .downloadMbps = 1,
+        .uploadMbps = 1});
     return all;
+}
+
+std::vector<platform::NearbyNetwork> networks(int count, int scan)
+{
+    std::vector<platform::NearbyNetwork> found;
+    for (int i = 0; i < count; ++i)
+        found.push_back({.ssid = u"neighbour %1 of %2"_s.arg(i).arg(scan),
+            .bssid = QString::asprintf("02:00:00:00:%02x:%02x", i / 256, i % 256),
+            .channel = platform::WiFiChannel {1 + i % 13, platform::ChannelBand::TwoGHz},
+            .signalDbm = -40 - i % 50});
+    return found;
 }
 
 } // namespace
@@ -54,14 +55,14 @@ std::vector<demo::Scene> scenes()
 SoakWorld::SoakWorld(QApplication& application)
 {
     for (const char* bus : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
-        qputenv(bus, m_desktop.address().toUtf8());
-    if (!m_folder.isValid() || !m_desktop.start())
+        qputenv(bus, desktop.address().toUtf8());
+    if (!m_folder.isValid() || !desktop.start())
         qFatal("no temporary folder or no bus");
-    m_program = std::make_unique<app::Program>(
-        application, makePlatform(), &std::make_unique<windows::ProgramViews, platform::Platform&>);
-    m_program->start();
+    program = std::make_unique<demo::StagedProgram>(application,
+        demo::StageOptions {.scenes = scenes(), .held = u"home"_s},
+        [this](demo::Stage& stage) { change(stage); });
     // The program gives the desktop three seconds, which here are none.
-    if (!until([this] { return m_panel->isPresent() == true; }))
+    if (!until([this] { return panel->isPresent() == true; }))
         qFatal("no answer on the bus");
     pass(5s);
 }
@@ -69,65 +70,69 @@ SoakWorld::SoakWorld(QApplication& application)
 SoakWorld::~SoakWorld()
 {
     delegate().applicationWillTerminate();
-    settle();
-    m_program.reset();
+    program->settle();
+    program.reset();
 }
 
-platform::Platform SoakWorld::makePlatform()
+void SoakWorld::change(demo::Stage& stage)
 {
-    auto clock = std::make_unique<simulated::ManualClock>();
-    m_clock = clock.get();
-    auto scripted = demo::makeScriptedPlatform(
-        std::move(clock), {.scenes = scenes(), .held = u"home"_s, .hasStatusArea = true});
-    m_stage = scripted.stage;
-    m_lookups = scripted.lookups;
-    auto& platform = scripted.platform;
-    m_queues = platform.queues.get();
-    const auto linkTo = [this](QDBusConnection::BusType bus) {
-        return std::make_unique<bus::BusLink>(bus, *m_clock, m_queues->userInitiated);
+    auto& parts = stage.parts;
+    useRealDesktop(parts.platform, parts);
+    m_sleepMonitor = parts.platform.sleepMonitor.get();
+    parts.interface->script = [this, &stage]() -> std::optional<platform::LinkReading> {
+        if (stage.parts.wifi.isUnplugged)
+            return {};
+        auto reading = stage.link();
+        if (journey != 0 && reading.ssid)
+            reading.ssid = u"Train %1"_s.arg(journey.load());
+        return reading;
+    };
+    parts.scanner.waiting.whenAsked = [this, &clock = parts.clock] {
+        ++m_scans;
+        m_scanEnd = clock.after(kScanTime, [this] { endScan(); });
+    };
+}
+
+void SoakWorld::useRealDesktop(platform::Platform& platform, simulated::SimulatedPlatform& parts)
+{
+    const auto linkTo = [&](QDBusConnection::BusType bus) {
+        return std::make_unique<bus::BusLink>(bus, parts.clock, parts.queues.userInitiated);
     };
     auto systemBus = linkTo(QDBusConnection::SystemBus);
     auto sessionBus = linkTo(QDBusConnection::SessionBus);
-    platform.locationManager = std::make_unique<radio::ScanPermission>(*systemBus);
+    m_unusedPermission = std::exchange(
+        platform.locationManager, std::make_unique<radio::ScanPermission>(*systemBus));
     platform.appearance = std::make_unique<desktop::PortalAppearance>(*sessionBus);
     platform.statusNotifierHost = std::make_unique<desktop::SessionStatusNotifierHost>(*sessionBus);
     platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
-    auto settings = std::make_unique<desktop::SettingsFile>(m_folder.filePath(u"settings.json"_s));
-    settings->setBoolean(u"netvane.onboarding.completed"_s, true);
-    platform.userDefaults = std::move(settings);
-    platform.wifiClient = std::make_shared<SoakRadio>(platform.wifiClient, m_fate);
-    platform.networkScanner = std::make_unique<CrowdedScanner>(m_stage, m_fate);
+    platform.userDefaults
+        = std::make_unique<desktop::SettingsFile>(m_folder.filePath(u"settings.json"_s));
+    platform.userDefaults->setBoolean(u"netvane.onboarding.completed"_s, true);
     platform.systemBus = std::move(systemBus);
     platform.sessionBus = std::move(sessionBus);
-    m_defaults = platform.userDefaults.get();
-    m_sleepMonitor = platform.sleepMonitor.get();
-    m_appearance = platform.appearance.get();
-    m_panel = platform.statusNotifierHost.get();
-    return std::move(platform);
+    appearance = platform.appearance.get();
+    panel = platform.statusNotifierHost.get();
+}
+
+/// Every third scan fails; the others find hundreds of networks that were never there before.
+void SoakWorld::endScan()
+{
+    constexpr int kStep = 37;
+    if (isScanConstant)
+        parts().scanner.finish(networks(kFewestNetworks, 0));
+    else if (m_scans % 3 == 0)
+        parts().scanner.finish(base::Failure {base::FailureKind::Other, u"the driver is busy"_s});
+    else
+        parts().scanner.finish(networks(
+            kFewestNetworks + m_scans * kStep % (kMostNetworks - kFewestNetworks), m_scans));
 }
 
 void SoakWorld::pass(std::chrono::milliseconds time, std::chrono::milliseconds step)
 {
-    for (auto left = time; left > 0ms; left -= step) {
-        m_clock->advance(std::min(left, step));
-        settle();
-    }
-    m_told.take(m_log.take());
-}
-
-void SoakWorld::settle()
-{
-    for (int round = 0; round < 3; ++round) {
-        m_queues->userInitiated.waitForDone();
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents();
-        // Outside of an event loop Qt leaves these for when one begins.
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-    const auto* dns = delegate().dnsService();
-    QDeadlineTimer deadline(kRealLimit);
-    while (dns && m_lookups->ended < dns->lookupCount() && !deadline.hasExpired())
-        QThread::yieldCurrentThread();
+    program->pass(time, step);
+    const auto lines = m_log.take();
+    m_logLines += lines.size();
+    complaints += lines.filter(u".qml:"_s);
 }
 
 bool SoakWorld::until(const std::function<bool()>& isReached)
@@ -135,32 +140,31 @@ bool SoakWorld::until(const std::function<bool()>& isReached)
     QDeadlineTimer deadline(kRealLimit);
     while (!isReached() && !deadline.hasExpired()) {
         QThread::msleep(1);
-        settle();
+        program->settle();
     }
     return isReached();
 }
 
 void SoakWorld::sleep(std::chrono::milliseconds time)
 {
-    m_clock->sleep(time);
+    program->clock().sleep(time);
     Q_EMIT m_sleepMonitor->didWake();
-    settle();
-}
-
-qint64 SoakWorld::settingsFiles() const
-{
-    return QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden).size();
+    program->settle();
 }
 
 Usage SoakWorld::settledUsage()
 {
-    m_queues->utility.waitForDone();
+    parts().queues.utility.waitForDone();
     // Threads of look-ups end a moment after their answer.
     for (int round = 0; round < 20; ++round) {
         QThread::msleep(10);
-        settle();
+        program->settle();
     }
-    return usageNow();
+    Usage usage = usageNow();
+    usage.timers = program->clock().timerCount();
+    usage.settingsFiles = QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden).size();
+    usage.logLines = m_logLines;
+    return usage;
 }
 
 } // namespace netvane::soak

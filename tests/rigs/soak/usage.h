@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QString>
-
-#include <vector>
+#include <QtGlobal>
 
 namespace netvane::soak {
 
@@ -13,6 +11,10 @@ struct Usage {
     qint64 descriptors = 0;
     qint64 threads = 0;
     qint64 objects = 0; ///< of class QObject, of whatever thread; since `countObjects`
+    // Filled in by who knows them.
+    qint64 timers = 0;
+    qint64 settingsFiles = 0;
+    qint64 logLines = 0; ///< since the start
 };
 
 /// Has every QObject that begins or ends from now on counted. Once, before there are any.
@@ -21,21 +23,9 @@ void countObjects();
 /// Gives freed memory back to the system first.
 Usage usageNow();
 
-/// One line of the table: a figure after the warm-up and at the end, and what it may not exceed.
-struct Figure {
-    QString name;
-    qint64 begin = 0;
-    qint64 end = 0;
-    qint64 bound = 0;
-
-    bool isKept() const { return end <= bound; }
-};
-
-/// The growth that is allowed: none, but for what allocators and caches move by themselves, and for
-/// what each of the speed tests in between that were watched left in the views' engine.
-std::vector<Figure> compared(const Usage& begin, const Usage& end, int watchedTests);
-
-/// True when every bound is kept.
-bool printTable(const std::vector<Figure>& figures);
+/// Prints a table of what may not grow, and whether it did: true when each bound is kept. `begin`
+/// is after the first day, `end` so many days later. Each speed test that was watched in between
+/// may have left something in the views' engine.
+bool compare(const Usage& begin, const Usage& end, int days, int watchedTests);
 
 } // namespace netvane::soak

@@ -1,0 +1,156 @@
+#include "services/services.h"
+
+#include "base/log.h"
+#include "diagnostics/channel_analysis_service.h"
+#include "diagnostics/speed_test_service.h"
+#include "diagnostics/traceroute_service.h"
+#include "insights/network_notification_service.h"
+#include "insights/onboarding_service.h"
+#include "insights/report_service.h"
+#include "platform/application_activity.h"
+#include "platform/platform.h"
+#include "probes/captive_portal_service.h"
+#include "probes/dns_service.h"
+#include "probes/network_utils.h"
+#include "probes/ping_service.h"
+#include "probes/probe_targets.h"
+#include "wifi/location_permission_service.h"
+#include "wifi/wifi_service.h"
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::services {
+namespace {
+
+Q_LOGGING_CATEGORY(logCategory, "netvane.services")
+
+} // namespace
+
+Services::Services(platform::Platform& given)
+    : platform(given)
+    , updaterController(QCoreApplication::applicationFilePath())
+{
+}
+
+Services::~Services() = default;
+
+void Services::makeAll(platform::ApplicationActivity& activity)
+{
+    auto& clock = *platform.clock;
+    locationPermissionService
+        = std::make_unique<wifi::LocationPermissionService>(*platform.locationManager, activity);
+    base::log(logCategory(),
+        u"Netvane: Location permission status: "_s
+            + QString::number(int(locationPermissionService->authorizationStatus())));
+    networkNotificationService = std::make_unique<insights::NetworkNotificationService>(
+        *platform.userNotifications, *platform.userDefaults, clock);
+    makeLink();
+    wifiService->setLocationPermissionService(*locationPermissionService);
+    wifiService->setNetworkNotificationService(networkNotificationService.get());
+    makeNameLookups();
+    makeSpeedTest();
+    captivePortalService = std::make_unique<probes::CaptivePortalService>(
+        *platform.httpClient, *platform.urlOpener, clock, probes::kCaptivePortalProbe);
+    channelAnalysisService
+        = std::make_unique<diagnostics::ChannelAnalysisService>(*platform.networkScanner, clock);
+    channelAnalysisService->setLocationPermissionService(locationPermissionService.get());
+    tracerouteService
+        = std::make_unique<diagnostics::TracerouteService>(clock, *platform.hopProbes);
+    onboardingService = std::make_unique<insights::OnboardingService>(*platform.userDefaults);
+    reportService = std::make_unique<insights::ReportService>([this] { return readings(); }, clock,
+        platform.queues->utility,
+        insights::ReportExits {*platform.clipboard, *platform.savePanel, *platform.sharePicker});
+}
+
+void Services::makeForReport()
+{
+    makeLink();
+    makeNameLookups();
+}
+
+void Services::makeLink()
+{
+    wifiService = std::make_unique<wifi::WiFiService>(
+        platform.wifiClient, *platform.clock, platform.queues->userInitiated);
+}
+
+void Services::makeNameLookups()
+{
+    networkUtils = std::make_unique<probes::NetworkUtils>(
+        *platform.networkConfiguration, platform.queues->userInitiated);
+    dnsService = std::make_unique<probes::DNSService>(
+        *networkUtils, platform.resolver, *platform.clock, probes::kDnsTestHost);
+}
+
+void Services::makeProbes(const std::optional<QString>& router)
+{
+    const auto probeOf = [this](const QString& host, const QString& name) {
+        return std::make_unique<probes::PingService>(
+            host, name, *platform.clock, *platform.connections);
+    };
+    if (router)
+        routerPingService = probeOf(*router, u"router"_s);
+    internetPingService = probeOf(probes::kInternetTarget, u"internet"_s);
+}
+
+void Services::makeSpeedTest()
+{
+    speedTestService = std::make_unique<diagnostics::SpeedTestService>(*platform.httpTransfers,
+        *platform.userDefaults, *platform.clock, diagnostics::kSpeedTestServer);
+}
+
+void Services::start()
+{
+    routerPingService->start();
+    internetPingService->start();
+    dnsService->start();
+    captivePortalService->start();
+}
+
+void Services::readAnew()
+{
+    wifiService->updateWiFiInfo();
+    routerPingService->probeAtOnce();
+    internetPingService->probeAtOnce();
+    dnsService->performLookup();
+    captivePortalService->checkForCaptivePortal();
+}
+
+void Services::stop()
+{
+    if (wifiService)
+        wifiService->stopMonitoring();
+    for (auto* probe : {routerPingService.get(), internetPingService.get()}) {
+        if (probe)
+            probe->stop();
+    }
+    if (dnsService)
+        dnsService->stop();
+    if (captivePortalService)
+        captivePortalService->stop();
+    if (speedTestService)
+        speedTestService->cancelTest();
+}
+
+insights::ReportInputs Services::readings() const
+{
+    insights::ReportInputs input;
+    if (wifiService)
+        input.wifi = wifiService->currentWiFi();
+    if (routerPingService)
+        input.router = routerPingService->currentMetrics();
+    if (internetPingService)
+        input.internet = internetPingService->currentMetrics();
+    if (dnsService) {
+        input.dnsLookupTime = dnsService->lookupTime();
+        input.dnsServer = dnsService->dnsServer();
+    }
+    if (speedTestService)
+        input.speedTest = speedTestService->result();
+    return input;
+}
+
+} // namespace netvane::services

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "services/updater_controller.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace netvane::diagnostics {
+class ChannelAnalysisService;
+class SpeedTestService;
+class TracerouteService;
+} // namespace netvane::diagnostics
+namespace netvane::insights {
+class NetworkNotificationService;
+class OnboardingService;
+class ReportService;
+struct ReportInputs;
+} // namespace netvane::insights
+namespace netvane::platform {
+class ApplicationActivity;
+struct Platform;
+} // namespace netvane::platform
+namespace netvane::probes {
+class CaptivePortalService;
+class DNSService;
+class NetworkUtils;
+class PingService;
+} // namespace netvane::probes
+namespace netvane::wifi {
+class LocationPermissionService;
+class WiFiService;
+} // namespace netvane::wifi
+
+/// The services that a program runs, in one place. The desktop program makes all of them, the
+/// report program only those that its report reads. The views, the delegate and the report get them
+/// from here and know nothing of how they are made.
+namespace netvane::services {
+
+/// Owns the services and what they work on. A service is null until it is made; once made, it is
+/// never replaced. Main thread.
+struct Services {
+    /// `platform` outlives the services.
+    explicit Services(platform::Platform& platform);
+    ~Services();
+
+    /// The desktop program: everything but the latency probes, in the order in which the services
+    /// need each other. Only the sampling of the link begins here. `activity` outlives the
+    /// services.
+    void makeAll(platform::ApplicationActivity& activity);
+    /// The report program: the link, whose sampling begins here, and the look-up of names.
+    void makeForReport();
+    /// The latency probes of `router` and of the internet, not started. Without a router (absent)
+    /// there is no probe of it.
+    void makeProbes(const std::optional<QString>& router);
+    void makeSpeedTest();
+
+    /// Starts what works by itself. All services exist.
+    void start();
+    /// Reads and measures everything once more, now. All services exist.
+    void readAnew();
+    /// Ends all timers and transfers of the services that there are.
+    void stop();
+    /// What a report tells. What has not been measured yet is absent.
+    insights::ReportInputs readings() const;
+
+    platform::Platform& platform;
+    const UpdaterController updaterController;
+    std::unique_ptr<probes::NetworkUtils> networkUtils;
+    std::unique_ptr<wifi::LocationPermissionService> locationPermissionService;
+    std::unique_ptr<insights::NetworkNotificationService> networkNotificationService;
+    std::unique_ptr<wifi::WiFiService> wifiService;
+    std::unique_ptr<probes::PingService> routerPingService;
+    std::unique_ptr<probes::PingService> internetPingService;
+    std::unique_ptr<probes::DNSService> dnsService;
+    std::unique_ptr<diagnostics::SpeedTestService> speedTestService;
+    std::unique_ptr<probes::CaptivePortalService> captivePortalService;
+    std::unique_ptr<diagnostics::ChannelAnalysisService> channelAnalysisService;
+    std::unique_ptr<diagnostics::TracerouteService> tracerouteService;
+    std::unique_ptr<insights::OnboardingService> onboardingService;
+    std::unique_ptr<insights::ReportService> reportService;
+
+private:
+    void makeLink();
+    void makeNameLookups();
+};
+
+} // namespace netvane::services

@@ -1,0 +1,51 @@
+#include "simulated/connections.h"
+
+namespace netvane::simulated {
+
+class Connections::Handle : public platform::Connection {
+public:
+    Handle(Connections& factory, std::shared_ptr<Made> made)
+        : m_factory(factory)
+        , m_made(std::move(made))
+    {
+    }
+    ~Handle() override { Handle::cancel(); }
+
+    void start() override { m_factory.start(*m_made); }
+    void cancel() override
+    {
+        m_made->isCancelled = true;
+        m_made->timer.reset();
+    }
+
+private:
+    Connections& m_factory;
+    const std::shared_ptr<Made> m_made;
+};
+
+std::unique_ptr<platform::Connection> Connections::probeHop(
+    const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler)
+{
+    auto made = std::make_shared<Made>();
+    made->host = host;
+    made->port = port;
+    made->hopLimit = hopLimit;
+    made->handler = std::move(handler);
+    if (!script)
+        m_made.push_back(made);
+    return std::make_unique<Handle>(*this, std::move(made));
+}
+
+void Connections::start(Made& made)
+{
+    made.isStarted = true;
+    const auto answer = script ? script(made) : std::nullopt;
+    if (!answer)
+        return;
+    const platform::ConnectionEvent ready {
+        platform::ConnectionState::Ready, m_clock.monotonicNow() + answer->time, {}, answer->by};
+    made.timer = m_clock.after(std::chrono::ceil<std::chrono::milliseconds>(answer->time),
+        [handler = made.handler, ready] { handler(ready); });
+}
+
+} // namespace netvane::simulated

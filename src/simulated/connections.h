@@ -1,0 +1,72 @@
+#pragma once
+
+#include "base/clock.h"
+#include "platform/hop_probe.h"
+
+#include <atomic>
+#include <optional>
+#include <thread>
+#include <vector>
+
+namespace netvane::simulated {
+
+/// TCP connections and hop probes that send nothing. They wait for `tell`, or `script` says at
+/// their start how they end. Main thread.
+class Connections final : public platform::ConnectionFactory, public platform::HopProbeFactory {
+public:
+    struct Made {
+        QString host;
+        quint16 port = 0;
+        int hopLimit = 0; ///< only of hop probes
+        platform::ConnectionHandler handler;
+        bool isStarted = false;
+        std::atomic<bool> isCancelled = false;
+        std::unique_ptr<base::Timer> timer; ///< runs while an answer of the script is on its way
+    };
+    struct Answer {
+        std::chrono::microseconds time; ///< since the start
+        QString by;
+    };
+
+    explicit Connections(base::Clock& clock)
+        : m_clock(clock)
+    {
+    }
+
+    std::unique_ptr<platform::Connection> connectTcp(
+        const QString& host, quint16 port, platform::ConnectionHandler handler) override
+    {
+        return probeHop(host, port, 0, std::move(handler));
+    }
+    std::unique_ptr<platform::Connection> probeHop(const QString& host, quint16 port, int hopLimit,
+        platform::ConnectionHandler handler) override;
+
+    /// The answer to one that starts now; absent: it is lost.
+    std::function<std::optional<Answer>(const Made&)> script;
+
+    /// All so far, the newest last. Empty with a script.
+    const std::vector<std::shared_ptr<Made>>& made() const { return m_made; }
+    /// Ends the newest one, or the one that was made `back` earlier, on another thread.
+    void tell(const platform::ConnectionEvent& event, size_t back = 0)
+    {
+        std::jthread([&] { m_made.at(m_made.size() - 1 - back)->handler(event); });
+    }
+    void tell(platform::ConnectionState state, const QString& error = {}, size_t back = 0)
+    {
+        tell({state, m_clock.monotonicNow(), error, {}}, back);
+    }
+    /// A good answer to the newest one, now.
+    void answer(const QString& by)
+    {
+        tell({platform::ConnectionState::Ready, m_clock.monotonicNow(), {}, by});
+    }
+
+private:
+    class Handle;
+    void start(Made& made);
+
+    base::Clock& m_clock;
+    std::vector<std::shared_ptr<Made>> m_made;
+};
+
+} // namespace netvane::simulated

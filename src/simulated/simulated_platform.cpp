@@ -1,0 +1,40 @@
+#include "simulated/simulated_platform.h"
+
+namespace netvane::simulated {
+
+template <typename Part, typename Owner, typename... Arguments>
+Part& SimulatedPlatform::make(Owner& owner, Arguments&... arguments)
+{
+    auto* part = new Part(arguments...);
+    owner.reset(part);
+    return *part;
+}
+
+SimulatedPlatform::SimulatedPlatform(std::unique_ptr<base::Clock> itsClock)
+    : clock(*itsClock)
+    , queues(make<base::WorkQueues>(platform.queues))
+    , network(make<NetworkConfiguration>(platform.networkConfiguration))
+    , wifi(make<WiFiClient>(platform.wifiClient))
+    , scanner(make<NetworkScanner>(platform.networkScanner))
+    , location(make<LocationManager>(platform.locationManager))
+    , appearance(make<Appearance>(platform.appearance))
+    , host(make<StatusNotifierHost>(platform.statusNotifierHost))
+    , opener(make<UrlOpener>(platform.urlOpener))
+    , http(make<HttpClient>(platform.httpClient))
+    , transfers(make<HttpTransfers>(platform.httpTransfers, clock))
+    , connections(make<Connections>(platform.connections, clock))
+    , defaults(make<UserDefaults>(platform.userDefaults))
+    , notifications(make<UserNotifications>(platform.userNotifications))
+    , clipboard(make<Clipboard>(platform.clipboard))
+    , savePanel(make<SavePanel>(platform.savePanel))
+    , sharePicker(make<SharePicker>(platform.sharePicker))
+{
+    wifi.list = {interface};
+    platform.clock = std::move(itsClock);
+    platform.resolver = resolver;
+    platform.hopProbes = {platform.connections, &connections};
+    platform.instanceClaim = std::make_unique<InstanceClaim>();
+    platform.sleepMonitor = std::make_unique<platform::SleepMonitor>();
+}
+
+} // namespace netvane::simulated
