@@ -3,8 +3,8 @@
 // times over, since nothing is first twice.
 
 #include "app/faked_world.h"
-#include "app/loaded_views.h"
 #include "app/status_bar_manager.h"
+#include "app/views_library.h"
 #include "base/log.h"
 #include "shell/popover_window.h"
 
@@ -27,8 +27,8 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
     base::setLogSink([](const QString&) {});
     test::FakedWorld world;
-    app::LoadedViews views(world.platform, QStringLiteral(NETVANE_VIEWS));
-    world.makeDelegate(views);
+    app::ViewsLibrary views(QStringLiteral(NETVANE_VIEWS));
+    world.makeDelegate(std::bind_front(&app::ViewsLibrary::makeViews, &views));
     world.host->setPresent(true);
     // Seen, as on every day but the first.
     world.defaults->setBoolean(QStringLiteral("netvane.onboarding.completed"), true);
@@ -44,6 +44,5 @@ int main(int argc, char** argv)
     QObject::connect(window, SIGNAL(frameSwapped()), qApp, SLOT(quit()));
     const int status = QApplication::exec();
     std::printf("%f", double(timer.nsecsElapsed()) / 1e6);
-    world.delegate.reset(); // before its views
     return status;
 }

@@ -8,8 +8,8 @@
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
 #include "probes/ping_service.h"
-#include "support/fake_network_configuration.h"
-#include "support/manual_clock.h"
+#include "simulated/manual_clock.h"
+#include "simulated/network.h"
 
 #include <QCoreApplication>
 
@@ -95,12 +95,12 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     base::setLogSink([](const QString&) {});
-    test::ManualClock clock;
+    simulated::ManualClock clock;
     InstantConnections connections(clock);
     InstantPage page;
     NoBrowser browser;
     base::WorkQueue queue;
-    test::FakeNetworkConfiguration network;
+    simulated::NetworkConfiguration network;
     const probes::NetworkUtils utils(network, queue);
     probes::PingService router(
         QStringLiteral("192.0.2.1"), QStringLiteral("router"), clock, connections);

@@ -7,7 +7,7 @@
 #include "diagnostics/speed_test_service.h"
 #include "figure.h"
 #include "net/curl_http_client.h"
-#include "support/fake_user_defaults.h"
+#include "simulated/desktop.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -182,7 +182,7 @@ private:
     const Plan m_plan;
     base::SystemClock m_clock;
     net::CurlHttpClient m_transfers {m_clock, m_plan.authority};
-    test::FakeUserDefaults m_defaults;
+    simulated::UserDefaults m_defaults;
     SpeedTestService m_service {m_transfers, m_defaults, m_clock, m_plan.server};
     double m_memoryMb = 0;
     double m_blockedMs = 0;

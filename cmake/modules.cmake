@@ -45,14 +45,13 @@ function(netvane_services_of_program variable)
     set(${variable} ${services} PARENT_SCOPE)
 endfunction()
 
-# netvane_loads_views(PROGRAM): a program without the views, which finds them in a library of their own. It has the
-# whole of every module below them, whether it calls it or not, and offers it to the library.
+# netvane_loads_views(PROGRAM): a program without the views, which finds them in a library of their own. The program holds
+# and exports the symbols that the library takes from it, and no others.
 function(netvane_loads_views program)
-    set(modules netvane_base netvane_platform netvane_probes netvane_wifi netvane_diagnostics netvane_insights 
-        netvane_services netvane_shell netvane_app)
-    list(JOIN modules "," whole)
+    set(taken ${CMAKE_BINARY_DIR}/netvane-views.symbols)
     target_link_libraries(${program} PRIVATE netvane_app netvane_system)
+    target_link_options(${program} PRIVATE @${taken})
+    set_property(TARGET ${program} APPEND PROPERTY LINK_DEPENDS ${taken})
     add_dependencies(${program} netvane-views)
     target_compile_definitions(${program} PRIVATE NETVANE_VIEWS="$<TARGET_FILE:netvane-views>")
-    set_target_properties(${program} PROPERTIES ENABLE_EXPORTS ON LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${whole}")
 endfunction()

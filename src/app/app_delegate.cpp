@@ -1,6 +1,5 @@
 #include "app/app_delegate.h"
 
-#include "app/dashboard_views.h"
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
 #include "base/log.h"
@@ -33,11 +32,11 @@ constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
 } // namespace
 
 AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActivity& activity,
-    NotificationCenter& notifications, DashboardViews& views)
+    NotificationCenter& notifications, MakeViews makeViews)
     : m_platform(platform)
     , m_activity(activity)
     , m_notifications(notifications)
-    , m_views(views)
+    , m_makeViews(std::move(makeViews))
     , m_services(platform)
     , m_statusArea(*platform.statusNotifierHost)
 {
@@ -120,10 +119,17 @@ void AppDelegate::startServices()
     m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
 }
 
+DashboardViews* AppDelegate::views()
+{
+    if (!m_views)
+        m_views = m_makeViews(m_services, *m_mainMenu);
+    return m_views.get();
+}
+
 void AppDelegate::setupPopover()
 {
-    m_popover
-        = std::make_unique<shell::PopoverWindow>([this] { return m_views.popoverWindow(*this); });
+    m_popover = std::make_unique<shell::PopoverWindow>(
+        [this] { return views() ? views()->popoverWindow() : nullptr; });
     connect(m_popover.get(), &shell::PopoverWindow::didClose, this, &AppDelegate::popoverDidClose);
     m_statusBarManager->setPopover(m_popover.get());
 }
@@ -154,21 +160,6 @@ void AppDelegate::handlePress(const std::optional<QPoint>& position)
         Qt::QueuedConnection);
 }
 
-void AppDelegate::popoverDidClose()
-{
-    removePopoverMonitor();
-}
-
-void AppDelegate::removePopoverMonitor()
-{
-    m_popoverMonitor.reset();
-}
-
-void AppDelegate::handleOpenInWindow()
-{
-    openDetailedWindow();
-}
-
 /// A request that comes before the services exist which the window shows is dropped.
 void AppDelegate::openDetailedWindow()
 {
@@ -179,11 +170,10 @@ void AppDelegate::openDetailedWindow()
         m_windowController->bringToFront();
         return;
     }
-    auto window = m_views.detailedWindow(*this);
-    if (!window)
+    if (!views())
         return;
     m_windowController = std::make_unique<shell::DetailedWindowController>(
-        std::move(window), *m_platform.userDefaults, *m_platform.clock);
+        views()->detailedWindow(), *m_platform.userDefaults, *m_platform.clock);
     m_windowController->showWindow();
 }
 

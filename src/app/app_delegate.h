@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/dashboard_views.h"
 #include "base/clock.h"
 #include "services/services.h"
 #include "shell/outside_click_monitor.h"
@@ -18,7 +19,6 @@ class PopoverWindow;
 
 namespace netvane::app {
 
-class DashboardViews;
 class NotificationCenter;
 class StatusBarManager;
 
@@ -28,9 +28,10 @@ class AppDelegate : public QObject {
     Q_OBJECT
 
 public:
-    /// All four outlive the delegate.
+    /// The first three outlive the delegate. `makeViews` is called with the first window, and
+    /// again with the next one while there are no views to be had.
     AppDelegate(platform::Platform& platform, platform::ApplicationActivity& activity,
-        NotificationCenter& notifications, DashboardViews& views);
+        NotificationCenter& notifications, MakeViews makeViews);
     ~AppDelegate() override;
 
     void applicationWillFinishLaunching();
@@ -100,11 +101,12 @@ private:
     void setupMainMenu();
     void setupPopover();
     void popoverDidOpenNotification();
-    void popoverDidClose();
-    void removePopoverMonitor();
+    void popoverDidClose() { removePopoverMonitor(); }
+    void removePopoverMonitor() { m_popoverMonitor.reset(); }
     void handlePress(const std::optional<QPoint>& position);
-    void handleOpenInWindow();
+    void handleOpenInWindow() { openDetailedWindow(); }
     void openDetailedWindow();
+    DashboardViews* views();
     void followStatusArea();
     void gatewayAnswered(const std::optional<QString>& address);
     void startServices();
@@ -114,9 +116,10 @@ private:
     platform::Platform& m_platform;
     platform::ApplicationActivity& m_activity;
     NotificationCenter& m_notifications;
-    DashboardViews& m_views;
+    const MakeViews m_makeViews;
     services::Services m_services;
     std::unique_ptr<QMenu> m_mainMenu;
+    std::unique_ptr<DashboardViews> m_views; ///< null before the first window
     shell::StatusArea m_statusArea;
     std::unique_ptr<shell::PopoverWindow> m_popover;
     std::unique_ptr<shell::DetailedWindowController> m_windowController;

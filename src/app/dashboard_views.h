@@ -2,24 +2,30 @@
 
 #include "shell/host_window.h"
 
+#include <functional>
 #include <memory>
+
+class QMenu;
+
+namespace netvane::services {
+struct Services;
+} // namespace netvane::services
 
 namespace netvane::app {
 
-class AppDelegate;
-
-/// Makes the program's windows with their contents, new ones at each call. Called only once all
-/// services of the delegate exist. The menu of the delegate works by its shortcuts in each of them.
-/// Main thread.
+/// Makes the program's windows with their contents, new ones at each call. A window lives no longer
+/// than this. Main thread.
 class DashboardViews {
 public:
     virtual ~DashboardViews() = default;
 
-    /// Null where there is none to be had, which was said to the user then. A window lives no
-    /// longer than this.
-    virtual std::unique_ptr<shell::HostWindow> popoverWindow(const AppDelegate& services) = 0;
-    /// As `popoverWindow`.
-    virtual std::unique_ptr<shell::HostWindow> detailedWindow(const AppDelegate& services) = 0;
+    virtual std::unique_ptr<shell::HostWindow> popoverWindow() = 0;
+    virtual std::unique_ptr<shell::HostWindow> detailedWindow() = 0;
 };
+
+/// Makes the views of services that all exist. The shortcuts of `menu` work in each window. Both
+/// outlive the views. Null where there are no views to be had; the user was told then.
+using MakeViews = std::function<std::unique_ptr<DashboardViews>(
+    const services::Services& services, const QMenu& menu)>;
 
 } // namespace netvane::app

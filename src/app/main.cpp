@@ -1,6 +1,6 @@
-#include "app/loaded_views.h"
 #include "app/program_options.h"
 #include "app/program_run.h"
+#include "app/views_library.h"
 #include "base/log.h"
 #include "platform/platform.h"
 #include "system/linux_platform.h"
@@ -10,6 +10,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace netvane;
@@ -28,12 +29,10 @@ QStringList wordsOf(int argc, char** argv)
 
 int run(QApplication& application)
 {
-    return app::runProgram(application, [&application] {
-        return std::make_unique<app::Program>(
-            application, system::makePlatform(), [](platform::Platform& platform) {
-                return std::make_unique<app::LoadedViews>(
-                    platform, app::LoadedViews::defaultPath());
-            });
+    app::ViewsLibrary library(app::ViewsLibrary::defaultPath());
+    return app::runProgram(application, [&application, &library] {
+        return std::make_unique<app::Program>(application, system::makePlatform(),
+            std::bind_front(&app::ViewsLibrary::makeViews, &library));
     });
 }
 

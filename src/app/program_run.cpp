@@ -2,9 +2,7 @@
 
 #include "base/log.h"
 #include "base/termination_signals.h"
-#include "shell/desktop_clipboard.h"
-#include "shell/desktop_save_panel.h"
-#include "shell/desktop_share_picker.h"
+#include "shell/desktop_exports.h"
 #include "shell/desktop_url_opener.h"
 
 #include <cstdio>
@@ -56,9 +54,9 @@ void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& m
     base::writeLogLine(qFormatLogMessage(type, context, message));
 }
 
-Program::Program(QApplication& application, platform::Platform platform, const MakeViews& makeViews)
+Program::Program(QApplication& application, platform::Platform platform, MakeViews makeViews)
     : m_platform(withDesktop(std::move(platform)))
-    , m_views(makeViews(m_platform))
+    , m_delegate(m_platform, m_activity, m_notifications, std::move(makeViews))
 {
     follow(application);
 }

@@ -25,12 +25,10 @@ void logOfQt(QtMsgType type, const QMessageLogContext& context, const QString& m
 /// the event loop. Main thread.
 class Program {
 public:
-    using MakeViews = std::function<std::unique_ptr<DashboardViews>(platform::Platform&)>;
-
     /// `platform` lacks what the desktop's own windows do, which is added here, but for an opener
-    /// of addresses if it brings one. `application` outlives the program. `makeViews` is called
-    /// once, at once, with what outlives the views.
-    Program(QApplication& application, platform::Platform platform, const MakeViews& makeViews);
+    /// of addresses if it brings one. `application` outlives the program. `makeViews` as for
+    /// `AppDelegate`.
+    Program(QApplication& application, platform::Platform platform, MakeViews makeViews);
 
     AppDelegate& delegate() { return m_delegate; }
     /// Claims to be the one running copy; the rest follows from the answer.
@@ -42,8 +40,7 @@ private:
     platform::Platform m_platform;
     platform::ApplicationActivity m_activity;
     NotificationCenter m_notifications;
-    std::unique_ptr<DashboardViews> m_views;
-    AppDelegate m_delegate {m_platform, m_activity, m_notifications, *m_views};
+    AppDelegate m_delegate;
 };
 
 /// Makes the program and runs it until it is asked to end, by whatever means; returns its status.

@@ -3,10 +3,10 @@
 #include "app/notification_center.h"
 #include "base/log.h"
 #include "shell/antenna_icon.h"
+#include "shell/dark_scheme.h"
 #include "shell/popover_window.h"
 #include "shell/status_area.h"
 #include "shell/x11_selection.h"
-#include "ui/state/dark_scheme.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -104,7 +104,7 @@ bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)
 void StatusBarManager::applyIcon()
 {
     if (m_statusItem)
-        m_statusItem->setIcon(shell::antennaIcon(ui::isDarkWanted(m_appearance)));
+        m_statusItem->setIcon(shell::antennaIcon(shell::isDarkWanted(m_appearance)));
 }
 
 /// A system tray calls the second of two fast clicks a double one. The context menu comes by

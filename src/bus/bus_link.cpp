@@ -11,17 +11,17 @@ using namespace std::chrono_literals;
 namespace netvane::bus {
 namespace {
 
-// A machine without a bus stays so, mostly: after the first tries once a minute is enough.
+// A machine without a bus mostly stays without one: after the first tries once a minute is enough.
 constexpr std::chrono::milliseconds kRetryDelays[] = {1s, 2s, 5s, 15s, 60s};
 
-/// Where the bus listens (D-Bus, "Well-known message bus instances"); empty
-/// when it would have to be started.
+/// Where the bus listens (D-Bus, "Well-known message bus instances"); empty when it would have to
+/// be started.
 QByteArray addressOf(QDBusConnection::BusType bus)
 {
     const bool isSystem = bus == QDBusConnection::SystemBus;
-    QByteArray told = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS");
-    if (!told.isEmpty())
-        return told;
+    QByteArray address = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS");
+    if (!address.isEmpty())
+        return address;
     if (isSystem)
         return "unix:path=/var/run/dbus/system_bus_socket"_ba;
     const QByteArray ofUser = qgetenv("XDG_RUNTIME_DIR") + "/bus";
@@ -65,7 +65,7 @@ void BusLink::connectToBus()
 void BusLink::take(const std::optional<QDBusConnection>& connection)
 {
     m_connection = connection;
-    // In this order, so that a bus cannot go unnoticed in between.
+    // In this order: a bus that ends between the two is noticed.
     const bool watched = m_connection
         && m_connection->connect(QString(), u"/org/freedesktop/DBus/Local"_s,
             u"org.freedesktop.DBus.Local"_s, u"Disconnected"_s, this, SLOT(handleDisconnected()))

@@ -1,5 +1,9 @@
 #pragma once
 
+// This room holds the program's side of the two message buses (D-Bus). BusLink keeps the
+// connection, BusService follows one service on it, and askBus sends one call. All of it is
+// asynchronous, and what comes from a bus is checked for its types before it is used.
+
 #include "base/clock.h"
 #include "base/work_queues.h"
 
@@ -10,8 +14,8 @@
 
 namespace netvane::bus {
 
-/// A connection to a message bus that comes by itself, and again after the bus went away.
-/// Connecting waits for the bus, so it happens on a background thread. Main thread otherwise.
+/// A connection to a message bus. It is made by itself, and made again after the bus went away.
+/// Connecting blocks, so it happens on a background thread. Main thread otherwise.
 class BusLink : public QObject {
     Q_OBJECT
 
@@ -19,7 +23,7 @@ public:
     enum class State {
         Connecting, ///< not known yet
         Connected,
-        Absent, ///< no bus, or it went away; asked for again from time to time
+        Absent, ///< no bus, or it went away; tried again from time to time
     };
 
     BusLink(QDBusConnection::BusType bus, base::Clock& clock, base::WorkQueue& queue);

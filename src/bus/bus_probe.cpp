@@ -26,7 +26,7 @@ struct SocketName {
     socklen_t length = 0;
 };
 
-/// Of one address, `transport:key=value,...`; absent when it is none of a socket on this machine.
+/// Of one address, `transport:key=value,...`; absent when it is not a socket on this machine.
 std::optional<SocketName> socketName(const QByteArray& address)
 {
     if (!address.startsWith("unix:"))
@@ -48,7 +48,7 @@ std::optional<SocketName> socketName(const QByteArray& address)
     return {};
 }
 
-/// Whether a bus at the other end says anything when asked how one may log in.
+/// Whether the bus at the other end sends anything when asked for its authentication methods.
 bool answers(const base::FileDescriptor& socket)
 {
     constexpr char kQuestion[] = "\0AUTH\r\n";
@@ -62,15 +62,15 @@ bool answers(const base::FileDescriptor& socket)
 
 } // namespace
 
-/// libdbus waits for ever for a bus that takes connections but does not answer, in the one thread
-/// that all connections of the process share, and the end of the program waits for that thread. So
-/// it is only let near one that answers.
+/// libdbus blocks for ever on a bus that accepts connections but does not answer. It does so on the
+/// one thread that all connections of the process share, and the end of the program waits for that
+/// thread. So libdbus is only used on a bus that answers.
 bool isBusAwake(const QByteArray& addresses)
 {
     for (const QByteArray& address : addresses.split(';')) {
         const auto name = socketName(address);
         if (!name)
-            return true; // only libdbus knows the way
+            return true; // only libdbus knows how
         const base::FileDescriptor socket(
             ::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
         if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&name->address), name->length)

@@ -5,8 +5,8 @@
 namespace netvane::bus {
 
 /// Whether a bus at one of these addresses (D-Bus, "Server Addresses") answers; true as well when
-/// an address is of a kind that only libdbus knows. Blocks for 2 s at most, so it is nothing for
-/// the main thread.
+/// an address is of a kind that only libdbus knows. Blocks for 2 s at most; not on the
+/// main thread.
 bool isBusAwake(const QByteArray& addresses);
 
 } // namespace netvane::bus

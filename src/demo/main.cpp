@@ -5,7 +5,7 @@
 #include "demo/script.h"
 #include "demo/window_mark.h"
 #include "shell/popover_window.h"
-#include "windows/program_views.h"
+#include "windows/quick_views.h"
 
 #include <QCommandLineParser>
 #include <QSystemTrayIcon>
@@ -91,8 +91,8 @@ int run(QApplication& application, const Options& options)
                 // Without one the window would take the popover's place.
                 .hasStatusArea = options.showsPopover || QSystemTrayIcon::isSystemTrayAvailable()});
         mark = std::make_unique<demo::WindowMark>(application, *stage);
-        auto program = std::make_unique<app::Program>(application, std::move(stage->parts.platform),
-            &std::make_unique<windows::ProgramViews, platform::Platform&>);
+        auto program = std::make_unique<app::Program>(
+            application, std::move(stage->parts.platform), &windows::makeQuickViews);
         if (options.showsPopover)
             opening = stage->parts.clock.after(kStartTime, [&delegate = program->delegate()] {
                 if (delegate.popover())

@@ -1,7 +1,7 @@
 #include "demo/staged_program.h"
 
 #include "probes/dns_service.h"
-#include "windows/program_views.h"
+#include "windows/quick_views.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -21,8 +21,8 @@ StagedProgram::StagedProgram(
 {
     if (change)
         change(m_stage);
-    m_program = std::make_unique<app::Program>(application, std::move(m_stage.parts.platform),
-        &std::make_unique<windows::ProgramViews, platform::Platform&>);
+    m_program = std::make_unique<app::Program>(
+        application, std::move(m_stage.parts.platform), &windows::makeQuickViews);
     m_program->start();
     settle();
     pass(250ms);

@@ -24,9 +24,9 @@ Q_SIGNALS:
 
 /// The running copy owns `org.netvane.Netvane` on the session bus
 /// (org.freedesktop.DBus.RequestName, without queueing for it). Without a session bus every copy
-/// counts as the first. The name is claimed again when a bus that went away is back. A later copy
-/// calls Activate of the first one's `org.freedesktop.Application` at /org/netvane/Netvane, as
-/// whoever starts desktop entries by D-Bus does, before it is told that it is not the first.
+/// counts as the first. The name is claimed again when the bus is back. A later copy calls Activate
+/// of the first one's `org.freedesktop.Application` at /org/netvane/Netvane, as launchers of
+/// desktop entries do, and then reports that it is not the first.
 class BusNameClaim : public platform::InstanceClaim {
     Q_OBJECT
 

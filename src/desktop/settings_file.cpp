@@ -40,18 +40,9 @@ SettingsContent readSettings(const QString& path)
     if (!file.open(QIODevice::ReadOnly))
         return unreachable(file.errorString());
     const QByteArray bytes = file.read(kMaximumBytes);
-    // A disk that fails halfway leaves less than there is, which must not become all there is.
+    // After a read error there are fewer values than in the file, and they must not replace it.
     return file.error() == QFileDevice::NoError ? settingsContent(bytes)
                                                 : unreachable(file.errorString());
-}
-
-/// Returns what went wrong, or nothing.
-QString writeSettings(const QString& path, const QJsonObject& values)
-{
-    if (!QDir().mkpath(QFileInfo(path).absolutePath()))
-        return u"the folder cannot be made"_s;
-    // Names of networks and times of tests are nobody else's business.
-    return replaceFile(path, QJsonDocument(values).toJson(), base::FileAccess::OwnerOnly);
 }
 
 /// A copy that keeps what was in a broken file.
@@ -76,10 +67,11 @@ SettingsContent settingsContent(const QByteArray& bytes)
     return {SettingsContent::State::Broken, {}, isJson ? u"not an object"_s : error.errorString()};
 }
 
-SettingsFile::SettingsFile(QString path)
+SettingsFile::SettingsFile(QString path, base::WorkQueue& queue)
     : m_path(std::move(path))
+    , m_queue(queue)
     , m_content(readSettings(m_path))
-    , m_isBroken(std::make_shared<bool>(m_content.state == SettingsContent::State::Broken))
+    , m_isBroken(m_content.state == SettingsContent::State::Broken)
 {
     if (m_content.state != SettingsContent::State::Readable)
         base::log(logCategory(), u"Settings: the file cannot be used: "_s + m_content.problem);
@@ -87,9 +79,10 @@ SettingsFile::SettingsFile(QString path)
 
 SettingsFile::~SettingsFile()
 {
+    if (m_isStoring)
+        m_queue.waitForDone();
     if (m_isStoreDue)
-        store();
-    m_writer.waitForDone();
+        logProblem(write(m_content.values));
 }
 
 QString SettingsFile::defaultPath()
@@ -139,38 +132,45 @@ void SettingsFile::storeSoon()
 {
     if (m_content.state == SettingsContent::State::Unreachable || std::exchange(m_isStoreDue, true))
         return;
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (m_isStoreDue)
-                store();
-        },
-        Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &SettingsFile::store, Qt::QueuedConnection);
 }
 
+/// One write at a time, so that the last values are also the last ones written.
 void SettingsFile::store()
 {
-    m_isStoreDue = false;
+    if (m_isStoring || !std::exchange(m_isStoreDue, false))
+        return;
+    m_isStoring = true;
     base::runInBackground(
-        m_writer, this,
-        [path = m_path, values = m_content.values, isBroken = m_isBroken] {
-            if (*isBroken) {
-                if (QString problem = setAside(path); !problem.isEmpty())
-                    return problem;
-                *isBroken = false;
-            }
-            return writeSettings(path, values);
-        },
-        [this](const QString& problem) { handleStored(problem); });
+        m_queue, this, [this, values = m_content.values] { return write(values); },
+        [this](const QString& problem) {
+            m_isStoring = false;
+            logProblem(problem);
+            Q_EMIT stored();
+            store();
+        });
 }
 
-void SettingsFile::handleStored(const QString& problem)
+/// On a thread of the queue, or where nothing is being stored. Returns what went wrong, or nothing.
+QString SettingsFile::write(const QJsonObject& values)
 {
-    // Told once for each reason, not for each value.
+    if (m_isBroken) {
+        if (QString problem = setAside(m_path); !problem.isEmpty())
+            return problem;
+        m_isBroken = false;
+    }
+    if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
+        return u"the folder cannot be made"_s;
+    // Names of networks and times of tests are private.
+    return replaceFile(m_path, QJsonDocument(values).toJson(), base::FileAccess::OwnerOnly);
+}
+
+/// Once for each reason, not for each value.
+void SettingsFile::logProblem(const QString& problem)
+{
     if (!problem.isEmpty() && problem != m_lastProblem)
         base::log(logCategory(), u"Settings: could not be stored: "_s + problem);
     m_lastProblem = problem;
-    Q_EMIT stored();
 }
 
 } // namespace netvane::desktop

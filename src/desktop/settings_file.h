@@ -1,12 +1,15 @@
 #pragma once
 
+// This room holds what the program needs from the user's desktop session: notifications, colour
+// scheme, status area, the claim to be the only copy, sleep, and the settings file. Each class
+// implements one interface of platform/. Apart from the settings file and the sleep watch they talk
+// to services on the session bus.
+
 #include "base/work_queues.h"
 #include "platform/user_defaults.h"
 
 #include <QJsonObject>
 #include <QObject>
-
-#include <memory>
 
 namespace netvane::desktop {
 
@@ -25,16 +28,17 @@ struct SettingsContent {
 /// Decodes the bytes of a settings file; empty ones are readable.
 SettingsContent settingsContent(const QByteArray& bytes);
 
-/// The user's settings as one JSON object in one file, read once at creation. Writing replaces the
-/// file as a whole (QSaveFile: a temporary file, fsync(2), rename(2)), so that neither a crash nor
-/// a full disk costs what stood there, and happens on a thread of its own, since a disk can be
-/// slow. Keys and values of others are kept as they are. Main thread.
+/// The user's settings as one JSON object in one file, read once at creation. Each write replaces
+/// the whole file (a temporary file, fsync(2), rename(2)), so a crash or a full disk does not lose
+/// the old values. Writes happen in the background, since a disk can be slow. Keys and values of
+/// other programs are kept. Main thread.
 class SettingsFile final : public QObject, public platform::UserDefaults {
     Q_OBJECT
 
 public:
-    /// Nothing is made before the first write, not even the folder.
-    explicit SettingsFile(QString path);
+    /// Nothing is created before the first write, not even the folder. `queue` does the writes and
+    /// outlives this.
+    SettingsFile(QString path, base::WorkQueue& queue);
     /// Waits until the last values are stored.
     ~SettingsFile() override;
 
@@ -55,16 +59,16 @@ private:
     void set(const QString& key, const QJsonValue& value);
     void storeSoon();
     void store();
-    void handleStored(const QString& problem);
+    QString write(const QJsonObject& values);
+    void logProblem(const QString& problem);
 
-    QString m_path;
+    const QString m_path;
+    base::WorkQueue& m_queue;
     SettingsContent m_content;
     QString m_lastProblem;
     bool m_isStoreDue = false;
-    std::shared_ptr<bool>
-        m_isBroken; ///< the file on the disk; only the writer's thread looks at it
-    base::WorkQueue m_writer {
-        1}; ///< of one thread, so that the last value is also the last one written
+    bool m_isStoring = false;
+    bool m_isBroken; ///< the file on the disk; after construction only `write` uses it
 };
 
 } // namespace netvane::desktop

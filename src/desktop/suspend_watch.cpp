@@ -14,7 +14,7 @@ SuspendWatch::SuspendWatch(const base::Clock& clock)
     , m_asleepBefore(clock.timeAsleep())
     , m_timer(::timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC))
 {
-    // Without a descriptor nobody is told, and the next ticks read everything anyway.
+    // Without a descriptor no wake is reported; the next ticks read everything anyway.
     if (m_timer.get() < 0)
         return;
     arm();
@@ -34,7 +34,7 @@ void SuspendWatch::arm()
 void SuspendWatch::wallClockJumped()
 {
     if (m_timer.get() >= 0) {
-        // Fails with ECANCELED, which is the news; then it is as if it had never been armed.
+        // Fails with ECANCELED; the timer is then disarmed.
         quint64 expirations = 0;
         [[maybe_unused]] const auto got = ::read(m_timer.get(), &expirations, sizeof(expirations));
         arm();

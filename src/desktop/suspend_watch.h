@@ -10,10 +10,10 @@ class QSocketNotifier;
 
 namespace netvane::desktop {
 
-/// A timer that never expires, but which the kernel cancels whenever the wall clock jumps against
-/// the monotonic one, as it does with every resume (timerfd_create(2), TFD_TIMER_CANCEL_ON_SET).
-/// Whether the jump was a sleep, the boot clock tells. Neither needs a bus, a privilege or a
-/// wake-up; logind's signal would come as well, but only where there is a logind.
+/// A timer that never expires. The kernel cancels it whenever the wall clock jumps against the
+/// monotonic one, as it does at every resume (timerfd_create(2), TFD_TIMER_CANCEL_ON_SET). The boot
+/// clock tells whether the jump was a sleep. This needs no bus, no privilege and no wake-up, and it
+/// works without logind.
 class SuspendWatch final : public platform::SleepMonitor {
     Q_OBJECT
 

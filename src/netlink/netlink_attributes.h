@@ -13,15 +13,15 @@
 
 namespace netvane::netlink {
 
-/// Attributes by number, up to `Max`; what is larger, or not whole, is passed over. Each getter is
-/// absent unless the attribute is there in exactly its size: a driver that gets one wrong loses
-/// that one.
+/// Attributes by number, up to `Max`; higher numbers and incomplete attributes are ignored. Each
+/// getter returns nothing unless the attribute has exactly the expected size, so that a wrong
+/// attribute of a driver does not affect the others.
 template <int Max>
 class Attributes {
 public:
     explicit Attributes(AttributeBytes bytes)
     {
-        // libnl walks no further than `bytes`, whatever lengths the attributes claim.
+        // libnl does not read beyond `bytes`, even if an attribute claims more.
         nla_parse(m_table.data(), Max,
             reinterpret_cast<nlattr*>(const_cast<std::byte*>(bytes.data())), int(bytes.size()),
             nullptr);
@@ -40,7 +40,7 @@ public:
         return value;
     }
 
-    /// The payload as it stands; absent without the attribute.
+    /// The payload without any change; absent without the attribute.
     std::optional<QByteArray> bytes(int number) const
     {
         const nlattr* attribute = m_table[size_t(number)];

@@ -43,8 +43,8 @@ bool isAccessPoint(const StationRecord& station)
     return !station.directPeer && station.associated.value_or(true);
 }
 
-/// The first value that any of the records that count holds: a peer may come in several messages,
-/// one of them with the values and the others empty.
+/// The first value in the records that count. The kernel may send a peer in several messages of
+/// which only one has the values.
 template <typename Value, typename Record, typename Counts>
 std::optional<Value> firstPresent(
     const std::vector<Record>& records, Counts counts, std::optional<Value> Record::*member)
@@ -204,7 +204,7 @@ platform::LinkReading linkReading(const InterfaceRecord& interface,
     auto ssid = interface.ssid;
     if (!ssid)
         ssid = firstPresent(networks, &BssRecord::associated, &BssRecord::ssid);
-    // While it looks for a network or asks to join one, an interface has a channel, but no link.
+    // While an interface scans or is joining a network, it has a channel but no link.
     const bool isJoined = ssid || std::ranges::any_of(stations, isAccessPoint);
     auto frequency = isJoined ? interface.frequencyMhz : std::nullopt;
     if (!frequency)

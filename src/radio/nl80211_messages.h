@@ -11,8 +11,8 @@
 
 namespace netvane::radio {
 
-// What the answers of nl80211 (linux/nl80211.h) say, one function a kind of message. All take the
-// attributes of one message, believe no length in them, and leave absent what is missing or odd.
+// The answers of nl80211 (linux/nl80211.h), one function for each kind of message. All take the
+// attributes of one message, check every length, and leave absent what is missing or malformed.
 
 /// NL80211_CMD_NEW_INTERFACE.
 struct InterfaceRecord {
@@ -42,7 +42,7 @@ StationRecord parseStation(netlink::AttributeBytes attributes);
 struct SurveyRecord {
     std::optional<std::uint32_t> frequencyMhz;
     std::optional<int> noiseDbm;
-    bool inUse = false; ///< many drivers never say so
+    bool inUse = false; ///< many drivers never set it
 
     bool operator==(const SurveyRecord&) const = default;
 };
@@ -75,7 +75,7 @@ std::optional<platform::WiFiChannel> channelOf(std::uint32_t frequencyMhz);
 /// Whether it is an interface that joins networks, and has a name.
 bool isStation(const InterfaceRecord& interface);
 
-/// Puts the answers about one interface together.
+/// Combines the answers about one interface.
 platform::LinkReading linkReading(const InterfaceRecord& interface,
     const std::vector<StationRecord>& stations, const std::vector<SurveyRecord>& survey,
     const std::vector<BssRecord>& networks);

@@ -16,8 +16,9 @@ public:
     virtual QWindow& window() = 0;
     /// The height that the view asks for; absent while it asks for none.
     virtual std::optional<int> preferredHeight() const = 0;
-    /// Gives a window that has no frame a ground with these corners below its view.
-    virtual void addGround(int cornerRadius) = 0;
+    /// Gives a window that has no frame a background with corners of this radius (in pixels) below
+    /// its view.
+    virtual void addBackground(int cornerRadius) = 0;
     /// Lets go of the view and of what it shows. The window is empty then.
     virtual void releaseView() = 0;
 

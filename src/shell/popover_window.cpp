@@ -42,7 +42,7 @@ void PopoverWindow::setUp()
 {
     window()->setTitle(u"Netvane"_s);
     window()->setFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
-    m_host->addGround(kRadius);
+    m_host->addBackground(kRadius);
     connect(window(), &QWindow::visibleChanged, this, [this](bool isVisible) {
         if (!isVisible)
             Q_EMIT didClose();

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/outside_click_monitor.h"
-#include "shell/xcb_reply.h"
+#include "shell/x11_selection.h"
 
 #include <QSocketNotifier>
 

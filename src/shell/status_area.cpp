@@ -1,7 +1,6 @@
 #include "shell/status_area.h"
 
 #include "shell/x11_selection.h"
-#include "shell/xcb_reply.h"
 
 #include <QGuiApplication>
 

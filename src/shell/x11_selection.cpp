@@ -1,10 +1,6 @@
 #include "shell/x11_selection.h"
 
-#include "shell/xcb_reply.h"
-
 #include <QGuiApplication>
-
-#include <cstdlib>
 
 namespace netvane::shell {
 namespace {

@@ -42,7 +42,7 @@ public:
 
 /// Transfers that move nothing. They wait for `end`, or `script` says at their start how they end.
 /// Main thread.
-class HttpTransfers : public platform::HttpTransfers {
+class HttpTransfers final : public platform::HttpTransfers {
 public:
     struct Started {
         platform::TransferRequest request;

@@ -46,8 +46,8 @@ platform::Platform makePlatform()
     platform.connections = std::make_shared<net::SocketConnections>(*platform.clock);
     platform.hopProbes = std::make_shared<net::SocketHopProbes>(*platform.clock);
     platform.resolver = std::make_shared<net::SystemResolver>();
-    platform.userDefaults
-        = std::make_unique<desktop::SettingsFile>(desktop::SettingsFile::defaultPath());
+    platform.userDefaults = std::make_unique<desktop::SettingsFile>(
+        desktop::SettingsFile::defaultPath(), platform.queues->utility);
     platform.systemBus = std::move(systemBus);
     platform.sessionBus = std::move(sessionBus);
     return platform;

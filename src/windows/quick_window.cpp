@@ -1,7 +1,10 @@
 #include "windows/quick_window.h"
 
+#include "ui/painting/theme.h"
+
 #include <QAction>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QQmlComponent>
 #include <QQuickItem>
 
@@ -39,16 +42,21 @@ private:
 
 } // namespace
 
-QuickWindow::QuickWindow(ui::ViewEngine& engine, HostedView view)
-    : m_state(std::move(view.state))
+QuickWindow::QuickWindow(ui::ViewEngine& engine, const QMenu& menu, Content content)
+    : m_engine(engine)
+    , m_state(std::move(content.state))
     , m_view(std::make_unique<View>(engine, *this))
 {
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);
-    m_view->setInitialProperties(view.properties);
-    m_view->setSource(view.source);
+    m_view->setInitialProperties(content.properties);
+    m_view->setSource(content.source);
     if (auto* root = m_view->rootObject())
         connect(
             root, &QQuickItem::implicitHeightChanged, this, &QuickWindow::preferredHeightChanged);
+    paintBackground();
+    connect(&engine.theme(), &ui::Theme::schemeChanged, this, &QuickWindow::paintBackground);
+    for (auto* action : menu.actions())
+        addShortcut(*action);
 }
 
 QuickWindow::~QuickWindow()
@@ -60,6 +68,12 @@ void QuickWindow::releaseView()
 {
     m_view->setSource({});
     m_state.reset();
+}
+
+void QuickWindow::paintBackground()
+{
+    if (m_view->color().alpha() > 0) // else the view has a background of its own
+        m_view->setColor(m_engine.theme().controlBackground());
 }
 
 QObject* QuickWindow::make(const QString& component, const QVariantMap& properties)
@@ -76,7 +90,7 @@ void QuickWindow::addShortcut(QAction& action)
     connect(shortcut, SIGNAL(activated()), &action, SLOT(trigger()));
 }
 
-void QuickWindow::addGround(int cornerRadius)
+void QuickWindow::addBackground(int cornerRadius)
 {
     m_view->setColor(Qt::transparent);
     make(u"PopoverFrame"_s,

@@ -2,11 +2,15 @@
 
 #include "shell/host_window.h"
 #include "ui/view_engine.h"
-#include "windows/hosted_view.h"
 
 #include <QQuickView>
+#include <QUrl>
+#include <QVariantMap>
+
+#include <memory>
 
 class QAction;
+class QMenu;
 
 namespace netvane::windows {
 
@@ -15,21 +19,29 @@ class QuickWindow final : public shell::HostWindow {
     Q_OBJECT
 
 public:
-    /// `engine` outlives the window.
-    QuickWindow(ui::ViewEngine& engine, HostedView view);
+    /// A QML file and the objects that it shows.
+    struct Content {
+        QUrl source;
+        QVariantMap properties; ///< the required ones of its root
+        std::shared_ptr<void> state; ///< goes after the view
+    };
+
+    /// On the theme's background. The shortcuts of `menu` work while this is the active window.
+    /// `engine` and `menu` outlive the window.
+    QuickWindow(ui::ViewEngine& engine, const QMenu& menu, Content content);
     ~QuickWindow() override;
 
-    QQuickView& view() { return *m_view; }
     QWindow& window() override { return *m_view; }
     std::optional<int> preferredHeight() const override;
-    void addGround(int cornerRadius) override;
+    void addBackground(int cornerRadius) override;
     void releaseView() override;
-    /// Has the action's shortcut work while this is the active window. The action outlives it.
-    void addShortcut(QAction& action);
 
 private:
+    void addShortcut(QAction& action);
+    void paintBackground();
     QObject* make(const QString& component, const QVariantMap& properties);
 
+    ui::ViewEngine& m_engine;
     std::shared_ptr<void> m_state;
     std::unique_ptr<QQuickView> m_view;
 };

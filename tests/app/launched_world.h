@@ -2,54 +2,62 @@
 
 #include "app/dashboard_views.h"
 #include "faked_world.h"
-#include "windows/window_factory.h"
+#include "ui/painting/theme.h"
+#include "ui/view_engine.h"
+#include "windows/quick_window.h"
 
 namespace netvane::test {
 
 /// Windows with something of a known height in them.
 class TestViews final : public app::DashboardViews {
 public:
-    explicit TestViews(const platform::Appearance& appearance)
-        : m_factory(appearance)
+    TestViews(const services::Services& services, const QMenu& menu)
+        : m_menu(menu)
+        , m_theme(*services.platform.appearance)
     {
+        ui::ViewEngine::prepareRendering();
     }
 
-    std::unique_ptr<shell::HostWindow> popoverWindow(const app::AppDelegate& services) override
+    std::unique_ptr<shell::HostWindow> popoverWindow() override
     {
-        return make(services, std::make_shared<int>());
+        return make(std::make_shared<int>());
     }
-    std::unique_ptr<shell::HostWindow> detailedWindow(const app::AppDelegate& services) override
+    std::unique_ptr<shell::HostWindow> detailedWindow() override
     {
         const auto state = std::make_shared<int>();
         windowState = state;
-        return make(services, state);
+        return make(state);
     }
 
-    int wantedHeight = 500;
     int made = 0;
     std::weak_ptr<void> windowState; ///< what the last detailed window shows
 
 private:
-    std::unique_ptr<shell::HostWindow> make(
-        const app::AppDelegate& services, std::shared_ptr<void> state)
+    std::unique_ptr<shell::HostWindow> make(std::shared_ptr<void> state)
     {
         ++made;
-        return m_factory.makeWindow(
-            {QUrl(QStringLiteral("qrc:/tests/test_view.qml")),
-                {{QStringLiteral("wantedHeight"), wantedHeight}}, std::move(state)},
-            services.mainMenu());
+        return std::make_unique<windows::QuickWindow>(m_engine, m_menu,
+            windows::QuickWindow::Content {QUrl(QStringLiteral("qrc:/tests/test_view.qml")),
+                {{QStringLiteral("wantedHeight"), 500}}, std::move(state)});
     }
 
-    windows::WindowFactory m_factory;
+    const QMenu& m_menu;
+    ui::Theme m_theme;
+    ui::ViewEngine m_engine {m_theme};
 };
 
 /// The delegate with windows of the test's own.
 struct LaunchedWorld : FakedWorld {
-    LaunchedWorld() { makeDelegate(views); }
-    // Before the views.
-    ~LaunchedWorld() { delegate.reset(); }
+    LaunchedWorld()
+    {
+        makeDelegate([this](const services::Services& services, const QMenu& menu) {
+            auto made = std::make_unique<TestViews>(services, menu);
+            views = made.get();
+            return made;
+        });
+    }
 
-    TestViews views {*appearance};
+    TestViews* views = nullptr; ///< once there was a window
 };
 
 } // namespace netvane::test

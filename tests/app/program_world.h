@@ -6,7 +6,8 @@
 #include "shell/popover_window.h"
 #include "ui/state/popover_state.h"
 #include "wifi/wifi_service.h"
-#include "windows/program_views.h"
+#include "windows/quick_views.h"
+#include "windows/quick_window.h"
 
 #include <QQuickItem>
 #include <QTest>
@@ -17,10 +18,8 @@ namespace netvane::test {
 struct Program : FakedWorld {
     explicit Program(bool isIntroduced = true, bool isOpened = true)
     {
-        makeDelegate(programViews);
-        auto client = std::make_shared<FakeWiFiClient>();
-        client->list = {interface};
-        platform.wifiClient = client;
+        makeDelegate(windows::makeQuickViews);
+        simulated.wifi.list = {interface};
         defaults->setBoolean(QStringLiteral("netvane.onboarding.completed"), isIntroduced);
         location->status = platform::AuthorizationStatus::AuthorizedAlways;
         host->setPresent(true);
@@ -32,7 +31,6 @@ struct Program : FakedWorld {
     {
         delegate->applicationWillTerminate();
         settle();
-        delegate.reset(); // before its views
     }
 
     void click()
@@ -64,8 +62,7 @@ struct Program : FakedWorld {
         QCoreApplication::processEvents();
     }
 
-    std::shared_ptr<FakeWiFiInterface> interface = std::make_shared<FakeWiFiInterface>();
-    windows::ProgramViews programViews {platform};
+    std::shared_ptr<simulated::WiFiInterface> interface = simulated.interface;
 };
 
 /// The visible items below `item` that have a text, by that text, in the order of the tree.

@@ -190,15 +190,15 @@ private Q_SLOTS:
 
     void snapshotsReachTheNotifications()
     {
-        auto* interface = new test::FakeWiFiInterface;
+        auto* interface = new simulated::WiFiInterface;
         World world;
         world.platform.userDefaults->setBoolean(u"networkNotificationsEnabled"_s, true);
-        auto client = std::make_shared<test::FakeWiFiClient>();
+        auto client = std::make_shared<simulated::WiFiClient>();
         client->list.emplace_back(interface);
         world.platform.wifiClient = client;
         interface->reading->ssid = u"Home"_s;
         world.launchAll();
-        world.userNotifications->tellSettings(test::FakeUserNotifications::Status::Authorized);
+        world.userNotifications->tellSettings(simulated::UserNotifications::Status::Authorized);
         world.clock->advance(5s);
         world.settle();
         interface->reading->ssid = u"Office"_s;

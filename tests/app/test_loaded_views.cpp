@@ -1,5 +1,5 @@
-#include "app/loaded_views.h"
 #include "app/status_bar_manager.h"
+#include "app/views_library.h"
 #include "faked_world.h"
 #include "shell/popover_window.h"
 #include "support/captured_log.h"
@@ -31,7 +31,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, path);
         test::FakedWorld world;
-        app::LoadedViews views(world.platform, path);
+        app::ViewsLibrary views(path);
         open(world, views);
         QVERIFY(!world.delegate->popover()->isShown());
         QVERIFY(!world.delegate->popoverMonitor());
@@ -58,7 +58,7 @@ private Q_SLOTS:
         const QString path = folder.filePath(u"views.so"_s);
         QVERIFY(QFile::copy(QStringLiteral(NETVANE_VIEWS), path));
         test::FakedWorld world;
-        app::LoadedViews views(world.platform, path);
+        app::ViewsLibrary views(path);
         QVERIFY(QFile::remove(path));
         open(world, views);
         QVERIFY2(world.delegate->popover()->isShown(), qPrintable(m_log.take().join(u'\n')));
@@ -69,9 +69,9 @@ private Q_SLOTS:
     }
 
 private:
-    void open(test::FakedWorld& world, app::LoadedViews& views)
+    void open(test::FakedWorld& world, app::ViewsLibrary& views)
     {
-        world.makeDelegate(views);
+        world.makeDelegate(std::bind_front(&app::ViewsLibrary::makeViews, &views));
         world.host->setPresent(true);
         world.launchAll();
         m_log.take();

@@ -109,7 +109,7 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QVERIFY(press(root, u"Settings"_s));
         QVERIFY(press(root, u"Open Settings"_s));
-        QCOMPARE(static_cast<test::FakeUrlOpener&>(*program.platform.urlOpener).opened,
+        QCOMPARE(static_cast<simulated::UrlOpener&>(*program.platform.urlOpener).opened,
             QList<QUrl>({platform::kPrivacySettingsUrl}));
         QVERIFY(press(root, u"Check for Updates"_s));
         QVERIFY(!program.state().settings()->updateAnswer().isEmpty());
@@ -129,11 +129,11 @@ private Q_SLOTS:
         auto& root = program.root();
         QVERIFY(press(root, u"Settings"_s));
         QVERIFY(press(root, u"Copy to Clipboard"_s));
-        const auto copied = static_cast<test::FakeClipboard&>(*program.platform.clipboard).text;
+        const auto copied = static_cast<simulated::Clipboard&>(*program.platform.clipboard).text;
         QVERIFY(copied.contains(u"Home"_s));
         QVERIFY(press(root, u"Share..."_s));
-        QCOMPARE(static_cast<test::FakeSharePicker&>(*program.platform.sharePicker).text, copied);
-        auto& panel = static_cast<test::FakeSavePanel&>(*program.platform.savePanel);
+        QCOMPARE(static_cast<simulated::SharePicker&>(*program.platform.sharePicker).text, copied);
+        auto& panel = static_cast<simulated::SavePanel&>(*program.platform.savePanel);
         for (const auto& button : {u"Export Report"_s, u"Save to File..."_s}) {
             panel.fileName.clear();
             QVERIFY(press(root, button));
@@ -201,7 +201,7 @@ private Q_SLOTS:
         program.link(kHome);
         pass(20);
         // A lookup lasts a real and always different time; from here on there is none.
-        static_cast<test::FakeResolver&>(*program.platform.resolver).status = EAI_FAIL;
+        static_cast<simulated::Resolver&>(*program.platform.resolver).status = EAI_FAIL;
         pass(10);
         auto* window = program.root().window();
         QSignalSpy frames(window, &QQuickWindow::frameSwapped);

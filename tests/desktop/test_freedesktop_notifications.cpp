@@ -1,19 +1,15 @@
 #include "desktop/freedesktop_notifications.h"
 #include "support/fake_bus_service.h"
-#include "support/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
 #include <QDBusArgument>
-#include <QDBusConnectionInterface>
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace netvane;
-using namespace base;
-using namespace bus;
 using namespace desktop;
 using namespace platform;
 using namespace Qt::Literals::StringLiterals;
@@ -21,6 +17,9 @@ using namespace std::chrono_literals;
 
 using Status = NotificationAuthorization;
 using test::Answer;
+using test::error;
+using test::kSilence;
+using test::reply;
 
 namespace {
 
@@ -29,21 +28,10 @@ const QString kPath = u"/org/freedesktop/Notifications"_s;
 const NotificationRequest kRequest {
     u"id"_s, u"A <b> & title"_s, u"Connected to <b>&amp;\"x\""_s, NotificationCategory::Network};
 
-Answer reply(const QVariant& value)
-{
-    return [value](const QDBusMessage& call) { return call.createReply(value); };
-}
-
-Answer error(const QString& name, const QString& text = u"no"_s)
-{
-    return [name, text](const QDBusMessage& call) { return call.createErrorReply(name, text); };
-}
-
-const Answer kSilence = [](const QDBusMessage&) { return std::nullopt; };
 const Answer kLate = error(u"org.freedesktop.DBus.Error.NoReply"_s);
 
 /// A whole service: what it says to GetCapabilities and to Notify.
-Answer daemon(const Answer& capabilities, const Answer& notify = reply(7u))
+Answer daemon(const Answer& capabilities, const Answer& notify = reply({7u}))
 {
     return [capabilities, notify](const QDBusMessage& call) {
         return call.member() == u"GetCapabilities"_s ? capabilities(call) : notify(call);
@@ -52,7 +40,7 @@ Answer daemon(const Answer& capabilities, const Answer& notify = reply(7u))
 
 Answer daemonThatCan(const QStringList& capabilities)
 {
-    return daemon(reply(capabilities));
+    return daemon(reply({capabilities}));
 }
 
 /// What the handlers of one requester were told.
@@ -68,13 +56,9 @@ class TestFreedesktopNotifications : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8()); }
-
     void init()
     {
-        m_bus.setActivatable(kName, {});
-        QVERIFY(m_bus.start());
-        m_clock = std::make_unique<test::ManualClock>();
+        QVERIFY(m_world.bus.start());
         m_told = {};
     }
 
@@ -83,9 +67,6 @@ private Q_SLOTS:
         m_center.reset();
         m_link.reset();
         m_daemon.reset();
-        m_pool.waitForDone();
-        if (QTest::currentTestFunction() == "activatable"_ba)
-            m_bus.stop();
     }
 
     void answers_data()
@@ -94,11 +75,10 @@ private Q_SLOTS:
         QTest::addColumn<Status>("status");
         QTest::addColumn<bool>("hasError");
         QTest::newRow("capabilities")
-            << reply(QStringList {u"body"_s}) << Status::Authorized << false;
-        QTest::newRow("none of them") << reply(QStringList()) << Status::Authorized << false;
-        QTest::newRow("wrong type") << reply(u"body"_s) << Status::Denied << true;
+            << reply({QStringList {u"body"_s}}) << Status::Authorized << false;
+        QTest::newRow("none of them") << reply({QStringList()}) << Status::Authorized << false;
         QTest::newRow("list of another type")
-            << reply(QVariantList {u"body"_s}) << Status::Denied << true;
+            << reply({QVariantList {u"body"_s}}) << Status::Denied << true;
         QTest::newRow("refused") << error(u"org.freedesktop.DBus.Error.AccessDenied"_s)
                                  << Status::Denied << true;
         QTest::newRow("silent") << kLate << Status::NotDetermined << true;
@@ -123,7 +103,7 @@ private Q_SLOTS:
 
     void noBus()
     {
-        m_bus.stop();
+        m_world.bus.stop();
         start();
         askSettings();
         add(kRequest);
@@ -131,10 +111,10 @@ private Q_SLOTS:
         QTRY_COMPARE(m_told.adds.size(), 1u);
         QCOMPARE(
             m_told.adds[0], std::optional(u"There is no notification service in this session"_s));
-        QVERIFY(m_bus.start());
+        QVERIFY(m_world.bus.start());
         startDaemon(daemonThatCan({}));
         const QSignalSpy changes(m_center.get(), &UserNotificationCenter::settingsChanged);
-        m_clock->advance(1s);
+        m_world.clock.advance(1s);
         QTRY_COMPARE(changes.count(), 1);
         askSettings();
         QTRY_COMPARE(m_told.settings, (std::vector {Status::Denied, Status::Authorized}));
@@ -158,19 +138,28 @@ private Q_SLOTS:
     void notify_data()
     {
         QTest::addColumn<QStringList>("capabilities");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("body");
-        QTest::newRow("plain") << QStringList {u"body"_s, u"body-hyperlinks"_s} << kRequest.body;
-        QTest::newRow("markup") << QStringList {u"body"_s, u"body-markup"_s}
-                                << u"Connected to &lt;b&gt;&amp;amp;&quot;x&quot;"_s;
+        const QString text = u"to <b>&amp;\"x\""_s;
+        QTest::newRow("plain") << QStringList {u"body"_s, u"body-hyperlinks"_s} << text << text
+                               << text;
+        const QStringList markup {u"body"_s, u"body-markup"_s};
+        QTest::newRow("markup") << markup << text << text
+                                << u"to &lt;b&gt;&amp;amp;&quot;x&quot;"_s;
+        QTest::newRow("longest") << markup << QString(200, u'<') << QString(200, u'<')
+                                 << u"&lt;"_s.repeated(200);
+        QTest::newRow("too long") << markup << QString(198, u'<') + u"\U0001F6DC and more"_s
+                                  << QString(198, u'<') + u'…' << u"&lt;"_s.repeated(198) + u'…';
     }
 
     void notify()
     {
         QFETCH(QStringList, capabilities);
-        QFETCH(QString, body);
+        QFETCH(QString, text);
         startDaemon(daemonThatCan(capabilities));
         start();
-        add(kRequest);
+        add({u"id"_s, text, text, NotificationCategory::NetworkDisconnected});
         QTRY_COMPARE(m_told.adds, std::vector {std::optional<QString>()});
         QCOMPARE(m_daemon->calls.size(), 2);
         const QDBusMessage call = m_daemon->calls[1];
@@ -178,12 +167,12 @@ private Q_SLOTS:
         const QVariantList arguments = call.arguments();
         QCOMPARE(arguments[0], u"Netvane"_s);
         QCOMPARE(arguments[1], 0u);
-        QCOMPARE(arguments[3], kRequest.title);
-        QCOMPARE(arguments[4], body);
-        const auto hints = qdbus_cast<QVariantMap>(arguments[6]);
-        QCOMPARE(hints.value(u"desktop-entry"_s), u"org.netvane.Netvane"_s);
-        QCOMPARE(hints.value(u"category"_s), u"network"_s);
-        QCOMPARE(hints.value(u"sound-name"_s), u"message-new-instant"_s);
+        QTEST(arguments[3].toString(), "title");
+        QTEST(arguments[4].toString(), "body");
+        const QVariantMap hints {{u"desktop-entry"_s, u"org.netvane.Netvane"_s},
+            {u"category"_s, u"network.disconnected"_s},
+            {u"sound-name"_s, u"message-new-instant"_s}};
+        QCOMPARE(qdbus_cast<QVariantMap>(arguments[6]), hints);
         QCOMPARE(arguments[7], -1);
     }
 
@@ -193,18 +182,16 @@ private Q_SLOTS:
         startDaemon(daemonThatCan({u"body-markup"_s}));
         start();
         add(kRequest);
-        add({u"id"_s, u"Disconnected"_s, u"<"_s, NotificationCategory::NetworkDisconnected});
+        add({u"id"_s, u"Disconnected"_s, u"<"_s});
         QTRY_COMPARE(m_told.adds.size(), 2u);
         QCOMPARE(m_daemon->calls.size(), 3);
         QCOMPARE(m_daemon->calls[2].arguments()[4], u"&lt;"_s);
-        QCOMPARE(qdbus_cast<QVariantMap>(m_daemon->calls[2].arguments()[6]).value(u"category"_s),
-            u"network.disconnected"_s);
         const QSignalSpy changes(m_center.get(), &UserNotificationCenter::settingsChanged);
         m_daemon.reset();
         QTRY_COMPARE(changes.count(), 1);
         startDaemon(daemonThatCan({}));
         QTRY_COMPARE(changes.count(), 2);
-        add({u"id"_s, u"Connected"_s, u"<"_s, NotificationCategory::NetworkConnected});
+        add({u"id"_s, u"Connected"_s, u"<"_s});
         QTRY_COMPARE(m_told.adds.size(), 3u);
         QCOMPARE(m_daemon->calls.size(), 2);
         QCOMPARE(m_daemon->calls[1].arguments()[4], u"<"_s);
@@ -219,14 +206,14 @@ private Q_SLOTS:
         QTest::newRow("error without words")
             << error(u"org.example.Full"_s, {}) << u"org.example.Full"_s;
         QTest::newRow("wrong type")
-            << reply(u"7"_s) << u"The notification service gave an answer that makes no sense"_s;
+            << reply({u"7"_s}) << u"The notification service gave an answer that makes no sense"_s;
     }
 
     void requestFails()
     {
         QFETCH(Answer, answer);
         QFETCH(QString, text);
-        startDaemon(daemon(reply(QStringList()), answer));
+        startDaemon(daemon(reply({QStringList()}), answer));
         start();
         add(kRequest);
         QTRY_COMPARE(m_told.adds, std::vector {std::optional(text)});
@@ -237,9 +224,9 @@ private Q_SLOTS:
     {
         const QTemporaryDir folder;
         const QString mark = folder.filePath(u"started"_s);
-        m_bus.stop();
-        m_bus.setActivatable(kName, u"/bin/sh -c 'touch %1; exec sleep 5'"_s.arg(mark));
-        QVERIFY(m_bus.start());
+        m_world.bus.stop();
+        m_world.bus.setActivatable(kName, u"/bin/sh -c 'touch %1; exec sleep 5'"_s.arg(mark));
+        QVERIFY(m_world.bus.start());
         start();
         askSettings();
         QTRY_COMPARE(m_told.settings, std::vector {Status::Authorized});
@@ -253,23 +240,15 @@ private Q_SLOTS:
         // Some end by themselves when there is nothing to show. We have not heard of it yet.
         QFile::remove(mark);
         m_daemon.reset();
-        waitUntilNobodyServes();
+        const QDeadlineTimer limit(5s);
+        while (m_world.isOwned(kName) && !limit.hasExpired()) { }
         add(kRequest);
         QTRY_VERIFY(QFile::exists(mark));
         startDaemon(daemonThatCan({}));
         QTRY_COMPARE(m_told.adds, std::vector<std::optional<QString>>(2));
         QCOMPARE(m_daemon->calls.last().arguments()[4], kRequest.body);
-    }
-
-    void longTexts()
-    {
-        startDaemon(daemonThatCan({u"body-markup"_s}));
-        start();
-        add({u"id"_s, QString(200, u'a'), QString(198, u'<') + u"\U0001F6DC and more"_s, {}});
-        QTRY_COMPARE(m_told.adds.size(), 1u);
-        const QVariantList arguments = m_daemon->calls.last().arguments();
-        QCOMPARE(arguments[3], QString(200, u'a'));
-        QCOMPARE(arguments[4], u"&lt;"_s.repeated(198) + u'…');
+        m_world.bus.stop();
+        m_world.bus.setActivatable(kName, {});
     }
 
     void ownerIsGone()
@@ -289,23 +268,14 @@ private Q_SLOTS:
 private:
     void start()
     {
-        m_link = std::make_unique<BusLink>(QDBusConnection::SessionBus, *m_clock, m_pool);
+        m_link = m_world.makeLink();
         m_center = std::make_unique<FreedesktopNotifications>(*m_link);
     }
 
     void startDaemon(const Answer& answer)
     {
-        m_daemon = std::make_unique<test::FakeBusService>(m_bus.address(), kName, kPath, answer);
-    }
-
-    /// Runs no event loop, so that what we are told about it stays in the queue.
-    void waitUntilNobodyServes()
-    {
-        const QString observer = u"observer"_s;
-        const QDeadlineTimer limit(5s);
-        auto* bus = QDBusConnection::connectToBus(m_bus.address(), observer).interface();
-        while (bus->isServiceRegistered(kName) && !limit.hasExpired()) { }
-        QDBusConnection::disconnectFromBus(observer);
+        m_daemon
+            = std::make_unique<test::FakeBusService>(m_world.bus.address(), kName, kPath, answer);
     }
 
     void askSettings()
@@ -320,11 +290,9 @@ private:
             [this](const std::optional<QString>& failure) { m_told.adds.push_back(failure); });
     }
 
-    test::PrivateBus m_bus;
-    base::WorkQueue m_pool;
+    test::BusFixture m_world;
     Told m_told;
-    std::unique_ptr<test::ManualClock> m_clock;
-    std::unique_ptr<BusLink> m_link;
+    std::unique_ptr<bus::BusLink> m_link;
     std::unique_ptr<FreedesktopNotifications> m_center;
     std::unique_ptr<test::FakeBusService> m_daemon;
 };

@@ -1,5 +1,5 @@
 #include "desktop/suspend_watch.h"
-#include "support/manual_clock.h"
+#include "simulated/manual_clock.h"
 #include "support/test_main.h"
 
 #include <QSignalSpy>
@@ -14,7 +14,7 @@ class TestSuspendWatch : public QObject {
 private Q_SLOTS:
     void onlyASleepCounts()
     {
-        test::ManualClock clock;
+        simulated::ManualClock clock;
         clock.sleep(3h); // before anybody watched
         desktop::SuspendWatch watch(clock);
         const QSignalSpy woken(&watch, &platform::SleepMonitor::didWake);

@@ -1,9 +1,8 @@
 #include "diagnostics/channel_analysis_service.h"
 #include "platform/application_activity.h"
+#include "simulated/manual_clock.h"
+#include "simulated/wifi.h"
 #include "support/captured_log.h"
-#include "support/fake_location_manager.h"
-#include "support/fake_network_scanner.h"
-#include "support/manual_clock.h"
 #include "support/test_main.h"
 #include "wifi/location_permission_service.h"
 
@@ -42,8 +41,8 @@ class TestChannelAnalysisService : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_clock = std::make_unique<test::ManualClock>();
-        m_scanner = std::make_unique<test::FakeNetworkScanner>();
+        m_clock = std::make_unique<simulated::ManualClock>();
+        m_scanner = std::make_unique<simulated::NetworkScanner>();
         m_manager.status = Status::AuthorizedAlways;
         m_permission = std::make_unique<wifi::LocationPermissionService>(m_manager, m_activity);
         m_service = std::make_unique<ChannelAnalysisService>(*m_scanner, *m_clock);
@@ -98,11 +97,13 @@ private Q_SLOTS:
         QCOMPARE(changes.count(), 0);
     }
 
-    /// From the end of a success, and whatever is done to the wall clock.
+    /// One at a time, and so long after the end of a success, whatever is done to the wall clock.
     void throttle()
     {
         m_service->scanNetworks();
-        m_clock->advance(20s);
+        m_clock->advance(60s);
+        m_service->scanNetworks();
+        QCOMPARE(m_scanner->scans, 1);
         m_scanner->finish(onChannels({1}));
         m_clock->setWall(m_clock->now() + 24h);
         m_clock->advance(29'999ms);
@@ -112,17 +113,9 @@ private Q_SLOTS:
         m_clock->advance(1ms);
         m_service->scanNetworks();
         QCOMPARE(m_scanner->scans, 2);
-        QCOMPARE(m_log.take(), QStringList());
-    }
-
-    void oneScanAtATime()
-    {
-        m_service->scanNetworks();
-        m_clock->advance(60s);
-        m_service->scanNetworks();
-        QCOMPARE(m_scanner->scans, 1);
+        m_service.reset(); // during a scan
         m_scanner->finish(onChannels({1}));
-        QCOMPARE(m_service->nearbyNetworks().size(), 1U);
+        QCOMPARE(m_log.take(), QStringList());
     }
 
     void failures_data()
@@ -153,20 +146,12 @@ private Q_SLOTS:
         QCOMPARE(m_scanner->scans, 3);
     }
 
-    void theServiceGoesDuringAScan()
-    {
-        m_service->scanNetworks();
-        m_service.reset();
-        m_scanner->finish(onChannels({1}));
-        QCOMPARE(m_log.take(), QStringList());
-    }
-
 private:
     test::CapturedLog m_log;
     platform::ApplicationActivity m_activity;
-    test::FakeLocationManager m_manager;
-    std::unique_ptr<test::ManualClock> m_clock;
-    std::unique_ptr<test::FakeNetworkScanner> m_scanner;
+    simulated::LocationManager m_manager;
+    std::unique_ptr<simulated::ManualClock> m_clock;
+    std::unique_ptr<simulated::NetworkScanner> m_scanner;
     std::unique_ptr<wifi::LocationPermissionService> m_permission;
     std::unique_ptr<ChannelAnalysisService> m_service;
 };

@@ -6,8 +6,8 @@
 #include "diagnostics/speed_test_service.h"
 #include "net/curl_http_client.h"
 #include "net/socket_connections.h"
+#include "simulated/desktop.h"
 #include "support/captured_log.h"
-#include "support/fake_user_defaults.h"
 #include "support/own_network.h"
 #include "support/scripted_http_server.h"
 #include "support/test_main.h"
@@ -136,7 +136,7 @@ private:
     net::SocketConnections m_connections {m_clock};
     probes::PingService m_router {u"127.0.0.1"_s, u"router"_s, m_clock, m_connections};
     net::CurlHttpClient m_transfers {m_clock};
-    test::FakeUserDefaults m_defaults;
+    simulated::UserDefaults m_defaults;
 };
 
 NETVANE_TEST(TestLoadedLatency)

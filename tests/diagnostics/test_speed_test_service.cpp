@@ -1,10 +1,10 @@
 #include "diagnostics/speed_test_json.h"
 #include "diagnostics/speed_test_service.h"
+#include "simulated/connections.h"
+#include "simulated/desktop.h"
+#include "simulated/http.h"
+#include "simulated/manual_clock.h"
 #include "support/captured_log.h"
-#include "support/fake_connections.h"
-#include "support/fake_http_transfers.h"
-#include "support/fake_user_defaults.h"
-#include "support/manual_clock.h"
 #include "support/test_main.h"
 
 #include <QSignalSpy>
@@ -24,7 +24,7 @@ constexpr qint64 kSize = 5'000'000;
 /// The router's probe, whose round trips are told by hand.
 class Router {
 public:
-    explicit Router(test::ManualClock& clock)
+    explicit Router(simulated::ManualClock& clock)
         : m_clock(clock)
     {
     }
@@ -42,8 +42,8 @@ public:
     }
 
 private:
-    test::ManualClock& m_clock;
-    test::FakeConnections m_connections {m_clock};
+    simulated::ManualClock& m_clock;
+    simulated::Connections m_connections {m_clock};
 
 public:
     probes::PingService service {u"192.0.2.1"_s, u"router"_s, m_clock, m_connections};
@@ -265,9 +265,9 @@ private:
     static int whole(std::optional<double> ms) { return int(std::lround(ms.value_or(0))); }
 
     test::CapturedLog m_log;
-    test::ManualClock m_clock;
-    test::FakeHttpTransfers m_transfers;
-    test::FakeUserDefaults m_defaults;
+    simulated::ManualClock m_clock;
+    simulated::HttpTransfers m_transfers {m_clock};
+    simulated::UserDefaults m_defaults;
     std::unique_ptr<SpeedTestService> m_service;
 };
 

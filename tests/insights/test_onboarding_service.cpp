@@ -1,5 +1,5 @@
 #include "insights/onboarding_service.h"
-#include "support/fake_user_defaults.h"
+#include "simulated/desktop.h"
 #include "support/test_main.h"
 
 #include <QTest>
@@ -19,10 +19,10 @@ class TestOnboardingService : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    /// Also when the value is the same again.
-    void publishesBeforeItStores()
+    /// Publishes before it stores, also when the value is the same again.
+    void publishesAndStores()
     {
-        test::FakeUserDefaults defaults;
+        simulated::UserDefaults defaults;
         OnboardingService service(defaults);
         QList<std::pair<bool, QVariant>> seen;
         connect(&service, &OnboardingService::isCompletedChanged, this, [&] {
@@ -31,16 +31,8 @@ private Q_SLOTS:
         service.setIsCompleted(true);
         service.setIsCompleted(true);
         QCOMPARE(seen, (QList<std::pair<bool, QVariant>> {{true, {}}, {true, true}}));
-    }
-
-    void reset()
-    {
-        test::FakeUserDefaults defaults;
-        OnboardingService service(defaults);
-        service.setIsCompleted(true);
         service.reset();
-        QVERIFY(!service.isCompleted());
-        QVERIFY(!defaults.values.contains(kKey));
+        QVERIFY(!service.isCompleted() && !defaults.values.contains(kKey));
     }
 };
 

@@ -1,11 +1,11 @@
 #include "insights/report_service.h"
+#include "simulated/desktop.h"
+#include "simulated/manual_clock.h"
 #include "support/captured_log.h"
-#include "support/fake_report_exits.h"
-#include "support/manual_clock.h"
 #include "support/settle.h"
 #include "support/test_main.h"
 
-#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -23,8 +23,6 @@ class TestReportService : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
-
     void currentReport()
     {
         QVERIFY(!m_service.currentReport());
@@ -47,84 +45,58 @@ private Q_SLOTS:
         qputenv("LC_ALL", "C.UTF-8");
     }
 
-    void proposedName_data()
-    {
-        QTest::addColumn<int>("milliseconds");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("whole") << 0 << u"Netvane-Report-1700000000.0.txt"_s;
-        QTest::newRow("fraction") << 500 << u"Netvane-Report-1700000000.5.txt"_s;
-    }
-
     void proposedName()
     {
-        QFETCH(int, milliseconds);
-        QFETCH(QString, name);
-        m_clock.setWall(std::chrono::system_clock::time_point(
-            1'700'000'000s + std::chrono::milliseconds(milliseconds)));
-        m_service.saveReport(kReport);
-        QCOMPARE(m_savePanel.title, u"Save Diagnostic Report"_s);
-        QCOMPARE(m_savePanel.fileName, name);
-        m_savePanel.chosen({}); // nobody wants to know
+        for (const auto& [time, text] :
+            {std::pair {0ms, u"1700000000.0"_s}, {500ms, u"1700000000.5"_s}}) {
+            m_clock.setWall(std::chrono::system_clock::time_point(1'700'000'000s + time));
+            m_service.saveReport(kReport);
+            QCOMPARE(m_savePanel.title, u"Save Diagnostic Report"_s);
+            QCOMPARE(m_savePanel.fileName, u"Netvane-Report-%1.txt"_s.arg(text));
+            m_savePanel.chosen({}); // without a handler
+        }
     }
 
+    void saving_data()
+    {
+        QTest::addColumn<QString>("name"); // empty: cancelled
+        QTest::addColumn<bool>("isWritten");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("chosen") << u"report.txt"_s << true << QString();
+        QTest::newRow("cancelled") << QString() << false << QString();
+        QTest::newRow("no such folder")
+            << u"none/report.txt"_s << false << u"ReportService: Failed to save file: "_s;
+    }
     void saving()
     {
-        save(path());
-        QCOMPARE(m_completions, QList<bool> {true});
-        QCOMPARE(content(), kReport.toUtf8());
-        QCOMPARE(m_log.take(), QStringList());
-    }
-
-    void cancelling()
-    {
-        save({});
-        QCOMPARE(m_completions, QList<bool> {false});
-        QVERIFY(QDir(m_folder->path()).isEmpty());
-        QCOMPARE(m_log.take(), QStringList());
-    }
-
-    void folderIsGone()
-    {
-        save(m_folder->filePath(u"none/report.txt"_s));
-        QCOMPARE(m_completions, QList<bool> {false});
-        verifyFailureLine();
+        QFETCH(QString, name);
+        QFETCH(bool, isWritten);
+        QFETCH(QString, line);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(name);
+        QList<bool> completions;
+        m_service.saveReport(kReport, [&](bool written) { completions.append(written); });
+        QVERIFY(completions.isEmpty());
+        m_savePanel.chosen(name.isEmpty() ? std::nullopt : std::optional(path));
+        test::settle(m_queue);
+        QCOMPARE(completions, QList<bool> {isWritten});
+        QFile file(path);
+        QCOMPARE(!name.isEmpty() && file.open(QIODevice::ReadOnly), isWritten);
+        if (isWritten)
+            QCOMPARE(file.readAll(), kReport.toUtf8());
+        const QString lines = m_log.take().join(u'|');
+        QCOMPARE(lines.isEmpty(), line.isEmpty());
+        QVERIFY(lines.startsWith(line));
     }
 
 private:
-    QString path() const { return m_folder->filePath(u"report.txt"_s); }
-
-    QByteArray content() const
-    {
-        QFile file(path());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
-    void save(const std::optional<QString>& chosen)
-    {
-        m_completions.clear();
-        m_service.saveReport(kReport, [this](bool written) { m_completions.append(written); });
-        QVERIFY(m_completions.isEmpty());
-        m_savePanel.chosen(chosen);
-        test::settle(m_queue);
-    }
-
-    void verifyFailureLine()
-    {
-        const QStringList lines = m_log.take();
-        const QString start = u"ReportService: Failed to save file: "_s;
-        QCOMPARE(lines.size(), 1);
-        QVERIFY(lines.first().startsWith(start) && lines.first().size() > start.size());
-    }
-
     test::CapturedLog m_log;
-    test::ManualClock m_clock;
-    test::FakeClipboard m_clipboard;
-    test::FakeSavePanel m_savePanel;
-    test::FakeSharePicker m_sharePicker;
+    simulated::ManualClock m_clock;
+    simulated::Clipboard m_clipboard;
+    simulated::SavePanel m_savePanel;
+    simulated::SharePicker m_sharePicker;
     base::WorkQueue m_queue;
     std::optional<insights::ReportInputs> m_readings;
-    QList<bool> m_completions;
-    std::unique_ptr<QTemporaryDir> m_folder;
     insights::ReportService m_service {
         [this] { return m_readings; }, m_clock, m_queue, {m_clipboard, m_savePanel, m_sharePicker}};
 };

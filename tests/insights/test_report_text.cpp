@@ -52,13 +52,6 @@ ReportInputs hostile()
     return inputs;
 }
 
-ReportInputs speedTest(std::optional<double> before, std::optional<double> during)
-{
-    ReportInputs inputs;
-    inputs.speedTest = diagnostics::SpeedTestResult {.pingBefore = before, .pingDuring = during};
-    return inputs;
-}
-
 } // namespace
 
 class TestReportText : public QObject {
@@ -87,48 +80,33 @@ private Q_SLOTS:
         QCOMPARE(text.split(u'\n'), QString::fromUtf8(file.readAll()).split(u'\n'));
     }
 
-    void lagUnderLoad_data()
-    {
-        QTest::addColumn<ReportInputs>("inputs");
-        QTest::addColumn<QString>("ratio");
-        QTest::newRow("twice") << speedTest(20.0, 40.0) << QString();
-        QTest::newRow("more") << speedTest(20.0, 50.0) << u"2.5x"_s;
-        QTest::newRow("no before") << speedTest({}, 41.0) << QString();
-        QTest::newRow("no during") << speedTest(20.0, {}) << QString();
-        QTest::newRow("nothing at all of nothing") << speedTest(0.0, 0.0) << QString();
-    }
-
     void lagUnderLoad()
     {
-        QFETCH(ReportInputs, inputs);
-        QFETCH(QString, ratio);
-        const QString text = reportText(inputs, kMoment, QLocale::c());
-        QCOMPARE(text.contains(u"Lag Under Load"_s), !ratio.isEmpty());
-        QVERIFY(text.contains(ratio));
-    }
-
-    void dates_data()
-    {
-        QTest::addColumn<QString>("locale");
-        QTest::addColumn<QString>("expected");
-        const auto row = [](const char* locale, const QString& expected) {
-            QTest::newRow(locale) << QString::fromLatin1(locale) << expected;
+        struct Row {
+            std::optional<double> before;
+            std::optional<double> during;
+            QString ratio;
         };
-        row("en_US", u"November 16, 2026 at 3:44:22 PM"_s);
-        row("en_GB", u"16 November 2026 at 15:44:22"_s);
-        row("C", u"16 November 2026 at 15:44:22"_s);
-        row("de_DE", u"16. November 2026 15:44:22"_s);
-        row("es_ES", u"16 de noviembre de 2026 15:44:22"_s);
-        row("hu_HU", u"2026. november 16. 15:44:22"_s);
-        row("zh_CN", u"2026年11月16日 15:44:22"_s);
-        row("bg_BG", u"16 ноември 2026 г. 15:44:22 ч."_s);
+        for (const auto& [before, during, ratio] : {Row {20.0, 40.0, {}}, {20.0, 50.0, u"2.5x"_s},
+                 {{}, 41.0, {}}, {20.0, {}, {}}, {0.0, 0.0, {}}}) {
+            const ReportInputs inputs {.speedTest
+                = diagnostics::SpeedTestResult {.pingBefore = before, .pingDuring = during}};
+            const QString text = reportText(inputs, kMoment, QLocale::c());
+            QCOMPARE(text.contains(u"Lag Under Load"_s), !ratio.isEmpty());
+            QVERIFY(text.contains(ratio));
+        }
     }
 
     void dates()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, expected);
-        QCOMPARE(insights::longDateMediumTime(kMoment, QLocale(locale)), expected);
+        const std::pair<const char*, QString> texts[] = {
+            {"en_US", u"November 16, 2026 at 3:44:22 PM"_s},
+            {"en_GB", u"16 November 2026 at 15:44:22"_s}, {"C", u"16 November 2026 at 15:44:22"_s},
+            {"de_DE", u"16. November 2026 15:44:22"_s}, {"zh_CN", u"2026年11月16日 15:44:22"_s},
+            {"bg_BG", u"16 ноември 2026 г. 15:44:22 ч."_s}};
+        for (const auto& [locale, expected] : texts)
+            QCOMPARE(insights::longDateMediumTime(kMoment, QLocale(QLatin1StringView(locale))),
+                expected);
     }
 
     /// Whatever the language: no day of the week, no time zone, nothing left over of either.

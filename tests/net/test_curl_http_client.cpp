@@ -1,5 +1,5 @@
 #include "net/curl_http_client.h"
-#include "support/manual_clock.h"
+#include "simulated/manual_clock.h"
 #include "support/scripted_http_server.h"
 #include "support/test_main.h"
 
@@ -360,7 +360,7 @@ private:
         m_transfer = m_client->start(request, keepOutcome());
     }
 
-    test::ManualClock m_clock;
+    simulated::ManualClock m_clock;
     std::unique_ptr<net::CurlHttpClient> m_client;
     std::unique_ptr<ScriptedHttpServer> m_server;
     std::unique_ptr<platform::HttpTransfer> m_transfer;

@@ -1,7 +1,8 @@
 #include "net/curl_http_client.h"
 #include "probes/captive_portal_service.h"
-#include "support/fake_http_client.h"
-#include "support/manual_clock.h"
+#include "simulated/desktop.h"
+#include "simulated/http.h"
+#include "simulated/manual_clock.h"
 #include "support/scripted_http_server.h"
 #include "support/test_main.h"
 
@@ -137,9 +138,9 @@ private:
         m_http.answer(answer);
     }
 
-    test::ManualClock m_clock;
-    test::FakeHttpClient m_http;
-    test::FakeUrlOpener m_opener;
+    simulated::ManualClock m_clock;
+    simulated::HttpClient m_http;
+    simulated::UrlOpener m_opener;
     probes::CaptivePortalService m_service {m_http, m_opener, m_clock, kProbe};
 };
 

@@ -24,38 +24,29 @@ class TestNetworkMetrics : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void score_data()
-    {
-        QTest::addColumn<double>("ping");
-        QTest::addColumn<double>("jitter");
-        QTest::addColumn<double>("loss");
-        QTest::addColumn<double>("score");
-        QTest::addColumn<QString>("quality");
-        const auto row = [](const char* name, double ping, double jitter, double loss, double score,
-                             const char* quality) {
-            QTest::newRow(name) << ping << jitter << loss << score << QString::fromLatin1(quality);
-        };
-        row("only a ping", 20, kAbsent, kAbsent, 4.3994, "Excellent");
-        row("all three", 20, 5, 10, 3.46309, "Poor");
-        row("jitter alone", 20, 100, kAbsent, 4.12184, "Good");
-        row("loss alone", 20, kAbsent, 8, 3.72094, "Fair");
-        row("no distance", 0, kAbsent, kAbsent, 4.40929, "Excellent");
-        row("all lost but one", 10, kAbsent, 100, 1.0, "Bad");
-        row("far away", 4000, kAbsent, kAbsent, 1.0, "Bad");
-        row("better than perfect", -1000, kAbsent, kAbsent, 4.5, "Excellent");
-        row("not a number", std::nan(""), kAbsent, kAbsent, 4.5, "Excellent");
-        row("no answer", kAbsent, 5, 10, kAbsent, "Unknown");
-    }
     void score()
     {
-        QFETCH(double, ping);
-        QFETCH(double, jitter);
-        QFETCH(double, loss);
-        QFETCH(double, score);
-        const NetworkMetrics metrics {
-            .ping = optionalOf(ping), .jitter = optionalOf(jitter), .packetLoss = optionalOf(loss)};
-        QVERIFY(std::abs(metrics.mosScore().value_or(kAbsent) - score) < 0.0001);
-        QTEST(metrics.mosQuality(), "quality");
+        struct Row {
+            double ping;
+            double jitter;
+            double loss;
+            double score;
+            QString quality;
+        };
+        const Row rows[] = {{20, kAbsent, kAbsent, 4.3994, u"Excellent"_s},
+            {20, 5, 10, 3.46309, u"Poor"_s}, {20, 100, kAbsent, 4.12184, u"Good"_s},
+            {20, kAbsent, 8, 3.72094, u"Fair"_s}, {0, kAbsent, kAbsent, 4.40929, u"Excellent"_s},
+            {10, kAbsent, 100, 1.0, u"Bad"_s}, {4000, kAbsent, kAbsent, 1.0, u"Bad"_s},
+            {-1000, kAbsent, kAbsent, 4.5, u"Excellent"_s},
+            {std::nan(""), kAbsent, kAbsent, 4.5, u"Excellent"_s},
+            {kAbsent, 5, 10, kAbsent, u"Unknown"_s}};
+        for (const auto& [ping, jitter, loss, score, quality] : rows) {
+            const NetworkMetrics metrics {.ping = optionalOf(ping),
+                .jitter = optionalOf(jitter),
+                .packetLoss = optionalOf(loss)};
+            QVERIFY(std::abs(metrics.mosScore().value_or(kAbsent) - score) < 0.0001);
+            QCOMPARE(metrics.mosQuality(), quality);
+        }
     }
 
     void labelsBeginAtTheirBounds()

@@ -39,16 +39,6 @@ inline const std::map<QString, ServiceTraits> kTraits = {
             kSupplicant + u".Interface"_s, u"Scan"_s, u"wpa_supplicant"_s}},
 };
 
-inline Answer reply(const QVariantList& values = {})
-{
-    return [values](const QDBusMessage& call) { return call.createReply(values); };
-}
-
-inline Answer error(const QString& name, const QString& text = u"no"_s)
-{
-    return [=](const QDBusMessage& call) { return call.createErrorReply(name, text); };
-}
-
 inline Answer object(const QString& service)
 {
     return reply({QVariant::fromValue(QDBusObjectPath(kTraits.at(service).object))});

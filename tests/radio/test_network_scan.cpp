@@ -1,9 +1,9 @@
 #include "radio/linux_network_scanner.h"
 #include "scan_event_message.h"
 #include "scan_services.h"
+#include "simulated/manual_clock.h"
 #include "support/fake_bus_service.h"
 #include "support/fake_scan_kernel.h"
-#include "support/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/settle.h"
 #include "support/test_main.h"
@@ -43,7 +43,7 @@ private Q_SLOTS:
     void init()
     {
         QVERIFY(m_bus.start());
-        m_clock = std::make_unique<ManualClock>();
+        m_clock = std::make_unique<netvane::simulated::ManualClock>();
         m_kernel = std::make_shared<FakeScanKernel>(kWiFiFamily);
         m_owner = std::make_unique<QObject>();
         m_results.clear();
@@ -352,7 +352,7 @@ private:
 
     PrivateBus m_bus;
     WorkQueue m_pool;
-    std::unique_ptr<ManualClock> m_clock;
+    std::unique_ptr<netvane::simulated::ManualClock> m_clock;
     std::shared_ptr<FakeScanKernel> m_kernel;
     std::unique_ptr<BusLink> m_link;
     std::map<QString, std::unique_ptr<FakeBusService>> m_services;

@@ -1,6 +1,5 @@
 #include "radio/scan_permission.h"
 #include "support/fake_bus_service.h"
-#include "support/manual_clock.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
@@ -19,7 +18,10 @@ using namespace std::chrono_literals;
 using Status = AuthorizationStatus;
 using TextMap = QMap<QString, QString>;
 using test::Answer;
+using test::error;
 using test::FakeBusService;
+using test::kSilence;
+using test::reply;
 
 namespace {
 
@@ -40,18 +42,6 @@ Answer scanning(const QString& word)
     return permissions(
         {{u"org.freedesktop.NetworkManager.wifi.share.open"_s, u"yes"_s}, {kScanAction, word}});
 }
-
-Answer reply(const QVariantList& values)
-{
-    return [values](const QDBusMessage& call) { return call.createReply(values); };
-}
-
-Answer error(const QString& name)
-{
-    return [name](const QDBusMessage& call) { return call.createErrorReply(name, u"no"_s); };
-}
-
-const Answer kSilence = [](const QDBusMessage&) { return std::nullopt; };
 
 /// polkit's (bba{ss}), of which `Details` is the last.
 template <typename Details = TextMap>
@@ -76,14 +66,9 @@ private Q_SLOTS:
     {
         qRegisterMetaType<Status>();
         qDBusRegisterMetaType<TextMap>();
-        qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_bus.address().toUtf8());
     }
 
-    void init()
-    {
-        QVERIFY(m_bus.start());
-        m_clock = std::make_unique<test::ManualClock>();
-    }
+    void init() { QVERIFY(m_world.bus.start()); }
 
     void cleanup()
     {
@@ -91,7 +76,6 @@ private Q_SLOTS:
         m_link.reset();
         m_networkManager.reset();
         m_polkit.reset();
-        m_pool.waitForDone();
     }
 
     void answers_data()
@@ -161,6 +145,20 @@ private Q_SLOTS:
         QTRY_COMPARE(m_permission->authorizationStatus(), Status::NotDetermined);
     }
 
+    void retriesBecomeRare()
+    {
+        m_world.bus.stop();
+        start();
+        QTRY_COMPARE(m_world.clock.timerCount(), 1);
+        for (const auto delay : {1s, 2s, 5s, 15s, 60s, 60s}) {
+            m_world.clock.advance(delay - 1ms);
+            QCOMPARE(m_world.clock.timerCount(), 1);
+            m_world.clock.advance(1ms);
+            QCOMPARE(m_world.clock.timerCount(), 0);
+            QTRY_COMPARE(m_world.clock.timerCount(), 1);
+        }
+    }
+
     void asking_data()
     {
         QTest::addColumn<Answer>("answer");
@@ -216,7 +214,7 @@ private Q_SLOTS:
 private:
     void start()
     {
-        m_link = std::make_unique<BusLink>(QDBusConnection::SystemBus, *m_clock, m_pool);
+        m_link = m_world.makeLink();
         m_permission = std::make_unique<ScanPermission>(*m_link);
     }
 
@@ -232,12 +230,13 @@ private:
     void startNetworkManager(const Answer& answer)
     {
         m_networkManager = std::make_unique<FakeBusService>(
-            m_bus.address(), kNetworkManager, kNetworkManagerPath, answer);
+            m_world.bus.address(), kNetworkManager, kNetworkManagerPath, answer);
     }
 
     void startPolkit(const Answer& answer)
     {
-        m_polkit = std::make_unique<FakeBusService>(m_bus.address(), kPolkit, kPolkitPath, answer);
+        m_polkit
+            = std::make_unique<FakeBusService>(m_world.bus.address(), kPolkit, kPolkitPath, answer);
     }
 
     static QDBusMessage checkPermissions()
@@ -246,9 +245,7 @@ private:
             kNetworkManagerPath, kNetworkManager, u"CheckPermissions"_s);
     }
 
-    test::PrivateBus m_bus;
-    base::WorkQueue m_pool;
-    std::unique_ptr<test::ManualClock> m_clock;
+    test::BusFixture m_world {QDBusConnection::SystemBus};
     std::unique_ptr<BusLink> m_link;
     std::unique_ptr<ScanPermission> m_permission;
     std::unique_ptr<FakeBusService> m_networkManager;

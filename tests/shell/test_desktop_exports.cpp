@@ -1,7 +1,5 @@
-#include "shell/desktop_clipboard.h"
-#include "shell/desktop_save_panel.h"
-#include "shell/desktop_share_picker.h"
-#include "support/fake_report_exits.h"
+#include "shell/desktop_exports.h"
+#include "simulated/desktop.h"
 #include "support/settle.h"
 #include "support/test_main.h"
 
@@ -153,7 +151,7 @@ private:
 
     base::WorkQueue m_queue;
     QList<QUrl> m_opened;
-    test::FakeClipboard m_clipboard;
+    simulated::Clipboard m_clipboard;
     std::unique_ptr<shell::DesktopSharePicker> m_picker;
 };
 

@@ -9,11 +9,23 @@
 
 namespace netvane::test {
 
-/// What a service says to a call; absent when it says nothing.
+/// What a service answers to a call; absent when it does not answer.
 using Answer = std::function<std::optional<QDBusMessage>(const QDBusMessage&)>;
 
+inline const Answer kSilence = [](const QDBusMessage&) { return std::nullopt; };
+
+inline Answer reply(const QVariantList& values = {})
+{
+    return [values](const QDBusMessage& call) { return call.createReply(values); };
+}
+
+inline Answer error(const QString& name, const QString& text = QStringLiteral("no"))
+{
+    return [=](const QDBusMessage& call) { return call.createErrorReply(name, text); };
+}
+
 /// A service that answers for an object and all those below it, on a connection of its own. It
-/// lives on the test's thread: an answer that somebody waits for there would never come.
+/// lives on the test's thread: a call that blocks this thread never gets its answer.
 class FakeBusService : public QDBusVirtualObject {
 public:
     FakeBusService(const QString& address, const QString& name, const QString& path, Answer says)

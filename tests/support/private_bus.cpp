@@ -1,5 +1,6 @@
 #include "private_bus.h"
 
+#include <QDBusConnectionInterface>
 #include <QFile>
 
 #include <sys/prctl.h>
@@ -92,6 +93,36 @@ void PrivateBus::signalDaemon(int number)
 {
     if (isRunning()) // no process has the id 0, but kill(2) then means ourselves
         ::kill(pid_t(m_daemon.processId()), number);
+}
+
+BusFixture::BusFixture(QDBusConnection::BusType busType)
+    : type(busType)
+{
+    const bool isSystem = type == QDBusConnection::SystemBus;
+    qputenv(
+        isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS", bus.address().toUtf8());
+    if (!bus.start())
+        qFatal("no dbus-daemon");
+}
+
+BusFixture::~BusFixture()
+{
+    queue.waitForDone();
+}
+
+std::unique_ptr<bus::BusLink> BusFixture::makeLink()
+{
+    return std::make_unique<bus::BusLink>(type, clock, queue);
+}
+
+bool BusFixture::isOwned(const QString& name) const
+{
+    const QString observer = u"observer"_s;
+    const bool isOwned = QDBusConnection::connectToBus(bus.address(), observer)
+                             .interface()
+                             ->isServiceRegistered(name);
+    QDBusConnection::disconnectFromBus(observer);
+    return isOwned;
 }
 
 } // namespace netvane::test

@@ -110,13 +110,6 @@ private Q_SLOTS:
         QCOMPARE(ui::signalAccent(-80), Accent::Red);
     }
 
-    void modulation()
-    {
-        QCOMPARE(ui::linkDetails({.mcsIndex = 9, .spatialStreams = 2, .channelWidth = 80}),
-            QStringList({u"MCS 9"_s, u"80 MHz"_s, u"2x streams"_s}));
-        QCOMPARE(ui::linkDetails({}), QStringList());
-    }
-
     void relativeTimes_data()
     {
         QTest::addColumn<Milliseconds>("elapsed");

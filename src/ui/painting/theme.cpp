@@ -1,6 +1,6 @@
 #include "ui/painting/theme.h"
 
-#include "ui/state/dark_scheme.h"
+#include "shell/dark_scheme.h"
 #include "ui/view_engine.h"
 
 #include <QEvent>
@@ -54,7 +54,7 @@ bool Theme::eventFilter(QObject* watched, QEvent* event)
 
 void Theme::update()
 {
-    const bool isDark = isDarkWanted(m_appearance);
+    const bool isDark = shell::isDarkWanted(m_appearance);
     if (std::exchange(m_isDark, isDark) == isDark)
         return;
     setColors(isDark);

@@ -1,6 +1,5 @@
 #include "fault.h"
 
-#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -26,13 +25,11 @@ namespace netvane::faults {
 namespace {
 
 // Set while no thread of the test is at work that could read them; the counts may change any time.
-char g_subject[256] = {};
-int g_error = 0;
-std::atomic<const char*> g_call = nullptr;
+Fault g_fault; // NOLINT: destroyed when no call is armed any more
+std::atomic<bool> g_isArmed = false;
 std::atomic<int> g_spared = 0;
 std::atomic<int> g_left = 0;
 std::atomic<int> g_hits = 0;
-QByteArray g_name; // NOLINT: what g_call points to
 
 const char* familyName(int family)
 {
@@ -64,27 +61,22 @@ std::string subjectOf(int descriptor)
 
 bool isArmed(const char* call)
 {
-    const char* armed = g_call.load(std::memory_order_acquire);
-    return armed && std::strcmp(armed, call) == 0;
+    return g_isArmed.load(std::memory_order_acquire) && std::strcmp(g_fault.call, call) == 0;
 }
 
-bool failsFor(const char* subject)
+bool fails(const char* call, const std::string& subject)
 {
-    if (!std::strstr(subject, g_subject) || g_spared.fetch_sub(1) > 0 || g_left.fetch_sub(1) <= 0)
+    if (!isArmed(call) || subject.find(g_fault.subject) == std::string::npos
+        || g_spared.fetch_sub(1) > 0 || g_left.fetch_sub(1) <= 0)
         return false;
     ++g_hits;
-    errno = g_error;
+    errno = g_fault.error;
     return true;
-}
-
-bool fails(const char* call, const char* subject)
-{
-    return isArmed(call) && failsFor(subject);
 }
 
 bool fails(const char* call, int descriptor)
 {
-    return isArmed(call) && failsFor(subjectOf(descriptor).c_str());
+    return isArmed(call) && fails(call, subjectOf(descriptor));
 }
 
 template <typename Function>
@@ -97,18 +89,16 @@ Function* next(Function*, const char* name)
 
 ArmedFault::ArmedFault(const Fault& fault)
 {
-    g_name = fault.call;
-    qstrncpy(g_subject, fault.subject.constData(), sizeof g_subject);
-    g_error = fault.error;
+    g_fault = fault;
     g_spared = fault.spared;
     g_left = fault.count;
     g_hits = 0;
-    g_call.store(g_name.constData(), std::memory_order_release);
+    g_isArmed.store(true, std::memory_order_release);
 }
 
 ArmedFault::~ArmedFault()
 {
-    g_call = nullptr;
+    g_isArmed = false;
 }
 
 int ArmedFault::hits() const
@@ -131,157 +121,56 @@ int openDescriptors()
 
 // The C library's headers say what may be thrown and may not be null; these say it again.
 // NOLINTBEGIN
-#define NETVANE_NEXT(name)                                                                         \
-    static const auto s_next = netvane::faults::next(&::name, #name);                              \
-    return s_next
+using namespace netvane::faults;
 
-using netvane::faults::fails;
+/// A function of the C library that returns -1 when it is to fail for `subject`.
+#define NETVANE_CALL(result, name, parameters, arguments, subject, exceptions)                     \
+    extern "C" result name parameters exceptions                                                   \
+    {                                                                                              \
+        static const auto s_next = next(&::name, #name);                                           \
+        return fails(#name, subject) ? result(-1) : s_next arguments;                              \
+    }
 
-extern "C" {
+NETVANE_CALL(int, socket, (int domain, int type, int protocol), (domain, type, protocol),
+    familyName(domain), noexcept)
+NETVANE_CALL(int, bind, (int fd, const sockaddr* address, socklen_t length), (fd, address, length),
+    fd, noexcept)
+NETVANE_CALL(
+    int, connect, (int fd, const sockaddr* address, socklen_t length), (fd, address, length), fd, )
+NETVANE_CALL(int, getsockname, (int fd, sockaddr* address, socklen_t* length),
+    (fd, address, length), fd, noexcept)
+NETVANE_CALL(int, getpeername, (int fd, sockaddr* address, socklen_t* length),
+    (fd, address, length), fd, noexcept)
+NETVANE_CALL(int, setsockopt, (int fd, int level, int name, const void* value, socklen_t length),
+    (fd, level, name, value, length), fd, noexcept)
+NETVANE_CALL(int, getsockopt, (int fd, int level, int name, void* value, socklen_t* length),
+    (fd, level, name, value, length), fd, noexcept)
+NETVANE_CALL(ssize_t, send, (int fd, const void* bytes, size_t size, int flags),
+    (fd, bytes, size, flags), fd, )
+NETVANE_CALL(
+    ssize_t, sendmsg, (int fd, const msghdr* message, int flags), (fd, message, flags), fd, )
+NETVANE_CALL(
+    ssize_t, recv, (int fd, void* bytes, size_t size, int flags), (fd, bytes, size, flags), fd, )
+NETVANE_CALL(ssize_t, recvfrom,
+    (int fd, void* bytes, size_t size, int flags, sockaddr* address, socklen_t* length),
+    (fd, bytes, size, flags, address, length), fd, )
+NETVANE_CALL(ssize_t, recvmsg, (int fd, msghdr* message, int flags), (fd, message, flags), fd, )
+NETVANE_CALL(int, poll, (pollfd * watched, nfds_t count, int timeout), (watched, count, timeout),
+    count == 1 ? watched->fd : -1, )
+NETVANE_CALL(int, eventfd, (unsigned int value, int flags), (value, flags), "", noexcept)
+NETVANE_CALL(int, timerfd_create, (clockid_t clock, int flags), (clock, flags), "", noexcept)
+NETVANE_CALL(int, timerfd_settime,
+    (int fd, int flags, const itimerspec* wanted, itimerspec* before), (fd, flags, wanted, before),
+    "", noexcept)
+NETVANE_CALL(int, pipe2, (int* ends, int flags), (ends, flags), "", noexcept)
+NETVANE_CALL(ssize_t, read, (int fd, void* bytes, size_t size), (fd, bytes, size), fd, )
+NETVANE_CALL(ssize_t, write, (int fd, const void* bytes, size_t size), (fd, bytes, size), fd, )
+NETVANE_CALL(int, fdatasync, (int fd), (fd), fd, )
+NETVANE_CALL(int, rename, (const char* from, const char* to), (from, to), from, noexcept)
+NETVANE_CALL(int, linkat, (int folder, const char* from, int newFolder, const char* to, int flags),
+    (folder, from, newFolder, to, flags), to, noexcept)
 
-int socket(int domain, int type, int protocol) noexcept
-{
-    if (fails("socket", netvane::faults::familyName(domain)))
-        return -1;
-    NETVANE_NEXT(socket)(domain, type, protocol);
-}
-
-int bind(int descriptor, const sockaddr* address, socklen_t length) noexcept
-{
-    if (fails("bind", descriptor))
-        return -1;
-    NETVANE_NEXT(bind)(descriptor, address, length);
-}
-
-int connect(int descriptor, const sockaddr* address, socklen_t length)
-{
-    if (fails("connect", descriptor))
-        return -1;
-    NETVANE_NEXT(connect)(descriptor, address, length);
-}
-
-int getsockname(int descriptor, sockaddr* address, socklen_t* length) noexcept
-{
-    if (fails("getsockname", descriptor))
-        return -1;
-    NETVANE_NEXT(getsockname)(descriptor, address, length);
-}
-
-int getpeername(int descriptor, sockaddr* address, socklen_t* length) noexcept
-{
-    if (fails("getpeername", descriptor))
-        return -1;
-    NETVANE_NEXT(getpeername)(descriptor, address, length);
-}
-
-int setsockopt(int descriptor, int level, int name, const void* value, socklen_t length) noexcept
-{
-    if (fails("setsockopt", descriptor))
-        return -1;
-    NETVANE_NEXT(setsockopt)(descriptor, level, name, value, length);
-}
-
-int getsockopt(int descriptor, int level, int name, void* value, socklen_t* length) noexcept
-{
-    if (fails("getsockopt", descriptor))
-        return -1;
-    NETVANE_NEXT(getsockopt)(descriptor, level, name, value, length);
-}
-
-ssize_t send(int descriptor, const void* bytes, size_t size, int flags)
-{
-    if (fails("send", descriptor))
-        return -1;
-    NETVANE_NEXT(send)(descriptor, bytes, size, flags);
-}
-
-ssize_t sendmsg(int descriptor, const msghdr* message, int flags)
-{
-    if (fails("sendmsg", descriptor))
-        return -1;
-    NETVANE_NEXT(sendmsg)(descriptor, message, flags);
-}
-
-ssize_t recv(int descriptor, void* bytes, size_t size, int flags)
-{
-    if (fails("recv", descriptor))
-        return -1;
-    NETVANE_NEXT(recv)(descriptor, bytes, size, flags);
-}
-
-ssize_t recvfrom(
-    int descriptor, void* bytes, size_t size, int flags, sockaddr* address, socklen_t* length)
-{
-    if (fails("recvfrom", descriptor))
-        return -1;
-    NETVANE_NEXT(recvfrom)(descriptor, bytes, size, flags, address, length);
-}
-
-ssize_t recvmsg(int descriptor, msghdr* message, int flags)
-{
-    if (fails("recvmsg", descriptor))
-        return -1;
-    NETVANE_NEXT(recvmsg)(descriptor, message, flags);
-}
-
-int poll(pollfd* watched, nfds_t count, int timeout)
-{
-    if (count == 1 && fails("poll", watched->fd))
-        return -1;
-    NETVANE_NEXT(poll)(watched, count, timeout);
-}
-
-int epoll_create1(int flags) noexcept
-{
-    if (fails("epoll_create1", ""))
-        return -1;
-    NETVANE_NEXT(epoll_create1)(flags);
-}
-
-int epoll_ctl(int epoll, int operation, int descriptor, epoll_event* event) noexcept
-{
-    if (fails("epoll_ctl", descriptor))
-        return -1;
-    NETVANE_NEXT(epoll_ctl)(epoll, operation, descriptor, event);
-}
-
-int epoll_wait(int epoll, epoll_event* events, int most, int timeout)
-{
-    if (fails("epoll_wait", ""))
-        return -1;
-    NETVANE_NEXT(epoll_wait)(epoll, events, most, timeout);
-}
-
-int eventfd(unsigned int value, int flags) noexcept
-{
-    if (fails("eventfd", ""))
-        return -1;
-    NETVANE_NEXT(eventfd)(value, flags);
-}
-
-int timerfd_create(clockid_t clock, int flags) noexcept
-{
-    if (fails("timerfd_create", ""))
-        return -1;
-    NETVANE_NEXT(timerfd_create)(clock, flags);
-}
-
-int timerfd_settime(
-    int descriptor, int flags, const itimerspec* wanted, itimerspec* before) noexcept
-{
-    if (fails("timerfd_settime", ""))
-        return -1;
-    NETVANE_NEXT(timerfd_settime)(descriptor, flags, wanted, before);
-}
-
-int pipe2(int* ends, int flags) noexcept
-{
-    if (fails("pipe2", ""))
-        return -1;
-    NETVANE_NEXT(pipe2)(ends, flags);
-}
-
-int open64(const char* path, int flags, ...)
+extern "C" int open64(const char* path, int flags, ...)
 {
     if (fails("open", path))
         return -1;
@@ -289,62 +178,27 @@ int open64(const char* path, int flags, ...)
     va_start(rest, flags);
     const mode_t mode = flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    NETVANE_NEXT(open64)(path, flags, mode);
+    static const auto s_next = next(&::open64, "open64");
+    return s_next(path, flags, mode);
 }
 
-ssize_t read(int descriptor, void* bytes, size_t size)
+/// Returns its error and leaves errno for one of them. Knows one name by itself.
+extern "C" int getaddrinfo(
+    const char* host, const char* port, const addrinfo* hints, addrinfo** found)
 {
-    if (fails("read", descriptor))
-        return -1;
-    NETVANE_NEXT(read)(descriptor, bytes, size);
+    static const auto s_next = next(&::getaddrinfo, "getaddrinfo");
+    if (!host || std::strcmp(host, kKnownHost) != 0 || (hints->ai_flags & AI_NUMERICHOST) != 0)
+        return s_next(host, port, hints, found);
+    if (!fails("getaddrinfo", host))
+        return s_next("127.0.0.1", port, hints, found);
+    errno = ENFILE;
+    return g_fault.error;
 }
 
-ssize_t write(int descriptor, const void* bytes, size_t size)
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+    void* (*run)(void*), void* argument) noexcept
 {
-    if (fails("write", descriptor))
-        return -1;
-    NETVANE_NEXT(write)(descriptor, bytes, size);
+    static const auto s_next = next(&::pthread_create, "pthread_create");
+    return fails("pthread_create", "") ? g_fault.error : s_next(thread, attributes, run, argument);
 }
-
-int fdatasync(int descriptor)
-{
-    if (fails("fdatasync", descriptor))
-        return -1;
-    NETVANE_NEXT(fdatasync)(descriptor);
-}
-
-int rename(const char* from, const char* to) noexcept
-{
-    if (fails("rename", from))
-        return -1;
-    NETVANE_NEXT(rename)(from, to);
-}
-
-int linkat(int folder, const char* from, int newFolder, const char* to, int flags) noexcept
-{
-    if (fails("linkat", to))
-        return -1;
-    NETVANE_NEXT(linkat)(folder, from, newFolder, to, flags);
-}
-
-/// Returns its error and leaves errno for one of them.
-int getaddrinfo(const char* host, const char* port, const addrinfo* hints, addrinfo** found)
-{
-    if (host && fails("getaddrinfo", host)) {
-        const int status = netvane::faults::g_error;
-        errno = ENFILE;
-        return status;
-    }
-    NETVANE_NEXT(getaddrinfo)(host, port, hints, found);
-}
-
-int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
-    void* argument) noexcept
-{
-    if (fails("pthread_create", ""))
-        return netvane::faults::g_error;
-    NETVANE_NEXT(pthread_create)(thread, attributes, run, argument);
-}
-
-} // extern "C"
 // NOLINTEND

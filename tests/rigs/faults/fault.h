@@ -1,17 +1,19 @@
 #pragma once
 
-#include <QByteArray>
 #include <QMetaType>
 
 namespace netvane::faults {
 
+/// A host name that the resolver of this process knows: 127.0.0.1.
+constexpr const char* kKnownHost = "peer.test";
+
 /// A system call that is to fail: which, how, and on what.
 struct Fault {
-    QByteArray call; ///< as the C library calls it
+    const char* call = ""; ///< as the C library calls it
     int error = 0; ///< errno, or what the call returns in its place (getaddrinfo, pthread_create)
     /// What the call is about: the family of the socket ("inet", "unix", "netlink"), or a part of
     /// the file's path. Empty: whatever it is about.
-    QByteArray subject;
+    const char* subject = "";
     int spared = 0; ///< so many calls succeed first
     int count = 1; ///< and so many fail then
 };

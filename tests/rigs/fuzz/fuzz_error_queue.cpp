@@ -29,9 +29,8 @@ extern "C" ssize_t recvmsg(int, msghdr* message, int)
     return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
-    FuzzedDataProvider input(data, size);
     g_name = fuzz::takeBytes(input, sizeof(sockaddr_storage));
     g_control = fuzz::takeRest(input);
     const auto error = net::takeQueuedError(-1);
@@ -41,5 +40,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const auto family = error->offender->storage.ss_family;
         fuzz::require(family == AF_INET || family == AF_INET6, "of a family that is known");
     }
-    return 0;
 }

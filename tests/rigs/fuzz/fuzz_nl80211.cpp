@@ -4,11 +4,10 @@
 
 using namespace netvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
     constexpr size_t kLongestMessage = 512;
     constexpr int kMost = 4;
-    FuzzedDataProvider input(data, size);
     const auto message = [&] { return fuzz::takeBytes(input, kLongestMessage); };
     const auto interface = radio::parseInterface(fuzz::asBytes(message()));
     std::vector<radio::StationRecord> stations;
@@ -26,8 +25,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         fuzz::require(!network.bssid || network.bssid->size() == 6, "an address has six bytes");
     if (interface.name)
         fuzz::require(!interface.name->contains('\0'), "a name ends at its zero");
-    const auto reading = radio::linkReading(interface, stations, survey, networks);
+    (void)radio::linkReading(interface, stations, survey, networks);
     (void)radio::needsScanTable(interface, stations);
-    fuzz::require(!reading.transmitRateMbps || *reading.transmitRateMbps >= 0, "so has the link's");
-    return 0;
 }

@@ -4,11 +4,10 @@
 
 using namespace netvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
     constexpr size_t kLongestAddress = 4096;
     constexpr size_t kLongestError = 64;
-    FuzzedDataProvider input(data, size);
     platform::HttpAnswer answer;
     if (input.ConsumeBool())
         answer.status = input.ConsumeIntegral<uint16_t>();
@@ -27,5 +26,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         fuzz::require(url.scheme() == u"http" || url.scheme() == u"https", "it is a page");
     }
     fuzz::require(probes::judgePortal(answer) == verdict, "it does not change its mind");
-    return 0;
 }

@@ -8,9 +8,9 @@
 
 using namespace netvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
-    const QByteArray text(reinterpret_cast<const char*>(data), qsizetype(size));
+    const QByteArray text = fuzz::takeRest(input);
     for (const QString& server : net::parseNameservers(text)) {
         fuzz::requireLine(server);
         const QByteArray address = server.section(u'%', 0, 0).toLatin1();
@@ -20,5 +20,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             "a server is an address");
         fuzz::require(text.contains(server.toUtf8()), "it is written as it stands");
     }
-    return 0;
 }

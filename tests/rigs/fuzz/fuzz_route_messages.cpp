@@ -6,10 +6,9 @@
 
 using namespace netvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
     constexpr size_t kLongestMessage = 256;
-    FuzzedDataProvider input(data, size);
     std::vector<net::RouteRecord> routes;
     std::vector<net::NextHopRecord> nextHops;
     while (input.remaining_bytes() > 0) {
@@ -25,5 +24,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (const auto router = net::defaultRouterOf(routes, nextHops))
         fuzz::require(
             QHostAddress(*router).protocol() == QAbstractSocket::IPv4Protocol, "an address");
-    return 0;
 }

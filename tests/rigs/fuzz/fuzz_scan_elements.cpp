@@ -6,11 +6,10 @@
 
 using namespace netvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
     constexpr size_t kLongestBeacon = 300;
     constexpr size_t kMost = 16;
-    FuzzedDataProvider input(data, size);
     std::vector<radio::BssRecord> table;
     while (input.remaining_bytes() > 0 && table.size() < kMost) {
         radio::BssRecord network;
@@ -38,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         known.insert(*network.bssid);
     }
     auto merged = table;
-    radio::addNewerTable(merged, table, std::chrono::milliseconds(input.ConsumeIntegral<uint16_t>()));
+    radio::addNewerTable(
+        merged, table, std::chrono::milliseconds(input.ConsumeIntegral<uint16_t>()));
     fuzz::require(merged.size() <= 2 * table.size(), "nothing is added but what was heard later");
-    return 0;
 }

@@ -7,9 +7,9 @@
 using namespace netvane;
 using State = desktop::SettingsContent::State;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
-    const QByteArray bytes(reinterpret_cast<const char*>(data), qsizetype(size));
+    const QByteArray bytes = fuzz::takeRest(input);
     const auto content = desktop::settingsContent(bytes);
     fuzz::require(
         (content.state == State::Readable) == content.problem.isEmpty(), "it says why not");
@@ -18,5 +18,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const auto again = desktop::settingsContent(QJsonDocument(content.values).toJson());
     fuzz::require(
         again.state == State::Readable && again.values == content.values, "nothing is lost");
-    return 0;
 }

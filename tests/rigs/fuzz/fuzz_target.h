@@ -12,6 +12,9 @@
 
 namespace netvane::fuzz {
 
+/// Tries one input; each target defines it.
+void tryInput(FuzzedDataProvider& input);
+
 /// A property that holds for every input. libFuzzer keeps the input that breaks it.
 inline void require(bool holds, const char* what)
 {
@@ -50,3 +53,11 @@ inline void requireLine(const QString& text)
 }
 
 } // namespace netvane::fuzz
+
+/// libFuzzer's entry. This header is included once in each target.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    FuzzedDataProvider input(data, size);
+    netvane::fuzz::tryInput(input);
+    return 0;
+}

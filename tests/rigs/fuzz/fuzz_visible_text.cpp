@@ -4,11 +4,10 @@
 
 using namespace netvane;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
     constexpr qsizetype kLongestName = 32;
     constexpr qsizetype kLongestEscape = 10; // \u{10ffff}
-    FuzzedDataProvider input(data, size);
     const QByteArray one = fuzz::takeBytes(input, kLongestName + 8);
     const QByteArray other = fuzz::takeRest(input).left(kLongestName + 8);
     const auto text = base::ssidText(one);
@@ -26,5 +25,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (!halves.isEmpty())
         halves[halves.size() / 2] = QChar(0xd800 + input.ConsumeIntegralInRange(0, 0x7ff));
     fuzz::requireLine(base::withVisibleControls(halves));
-    return 0;
 }

@@ -105,8 +105,8 @@ void SoakWorld::useRealDesktop(platform::Platform& platform, simulated::Simulate
     platform.appearance = std::make_unique<desktop::PortalAppearance>(*sessionBus);
     platform.statusNotifierHost = std::make_unique<desktop::SessionStatusNotifierHost>(*sessionBus);
     platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
-    platform.userDefaults
-        = std::make_unique<desktop::SettingsFile>(m_folder.filePath(u"settings.json"_s));
+    platform.userDefaults = std::make_unique<desktop::SettingsFile>(
+        m_folder.filePath(u"settings.json"_s), platform.queues->utility);
     platform.userDefaults->setBoolean(u"netvane.onboarding.completed"_s, true);
     platform.systemBus = std::move(systemBus);
     platform.sessionBus = std::move(sessionBus);

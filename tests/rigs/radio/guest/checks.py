@@ -7,7 +7,6 @@ import cost_scenarios
 import day_scenarios
 import link_scenarios
 import permission_scenarios
-import program_scenarios
 import scan_scenarios
 from report import Report
 from world import World
@@ -16,7 +15,7 @@ from world import World
 def chosen(names):
     """The scenarios whose names hold one of these, or all of them if there is none."""
     modules = (link_scenarios, adapter_scenarios, cost_scenarios, scan_scenarios,
-               permission_scenarios, program_scenarios, day_scenarios)
+               permission_scenarios, day_scenarios)
     every = [scenario for module in modules for scenario in module.SCENARIOS]
     every += scan_scenarios.MANAGED_SCENARIOS
     for name in names:
@@ -48,7 +47,6 @@ def main():
     play(scan_scenarios, world)
     play(permission_scenarios, world)
     play(scan_scenarios, world, of='MANAGED_SCENARIOS')
-    play(program_scenarios, world)
     play(day_scenarios, world)
     report.step('done')
     return report.close()

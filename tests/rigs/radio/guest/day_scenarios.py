@@ -1,18 +1,15 @@
 """A day with the whole program on a desktop: what it shows, says and notifies while the network
 changes, beside what other programs say of the same at the same time."""
-import json
 import re
 import signal
 import subprocess
 import time
 
 from desktop import Desktop, eventually
-from iw_reading import iw, read_iw, read_iw_scan
+from iw_reading import iw, read_iw
 from world import HOME, HOME_5_GHZ, shown
 
 PROBE = 'https://captive.apple.com/hotspot-detect.html'
-DOWNLOAD = 'https://speed.cloudflare.com/__down?bytes=5000000'
-RATE_MBITS = 1  # so little that the emulated processor is not what limits it
 THROTTLE_SECONDS = 30  # between two notifications
 LOOK_SECONDS = 5  # between two looks at the link
 
@@ -107,12 +104,6 @@ class Day:
         self.notifies('Network Changed', f'Connected to {shown(HOME_5_GHZ.ssid)}')
         self.link_agrees('roamed')
 
-    def weakens(self):
-        self.past_throttle()
-        self.world.do('heard_at', HOME_5_GHZ.phy, -85)
-        self.notifies('Signal Weak', 'WiFi signal has dropped to poor quality')
-        self.link_agrees('weak')
-
     def loses(self):
         self.past_throttle()
         self.world.do('out_of_range', HOME_5_GHZ.phy)
@@ -120,7 +111,6 @@ class Day:
         self.shows('the loss is on the dashboard', 'Connection', 'Not Connected')
         self.check('iw says the same', iw('dev', 'wlan0', 'link').strip(), 'Not connected.')
         self.world.do('in_range', HOME_5_GHZ.phy)
-        self.world.do('heard_at', HOME_5_GHZ.phy, HOME_5_GHZ.dbm)
         self.world.join(HOME)
         self.shows('the link is back', 'Connection', shown(HOME.ssid))
 
@@ -134,80 +124,13 @@ class Day:
             lambda: not self.desktop.texts(title), 90)))
         self.check('curl gets the page', _http_status(), '200')
 
-    def tests_speed(self):
-        self.world.do('shape', f'{RATE_MBITS}mbit')
-        self.desktop.press('Run Speed Test')
-        ours = eventually(self._speeds, 240)
-        if not self.check('the speed test ends', len(ours), 2):
-            return
-        curls = _download_by_curl()
-        print(f'Mbit/s on a line of {RATE_MBITS}: download {ours[0]}, upload {ours[1]}, '
-              f'by curl {curls:.1f}', flush=True)
-        for speed in ours:
-            self.check('the speed is that of curl, give or take a quarter',
-                       0.75 * curls <= speed <= 1.25 * curls)
-        self.world.do('shape', '1gbit')
-
-    def _speeds(self):
-        texts = self.desktop.every_text('Speed Test')
-        found = [texts[texts.index(name) + 1] for name in ('Download Speed', 'Upload Speed')
-                 if name in texts]
-        speeds = [float(text.split()[0]) for text in found if text.endswith(' Mbps')]
-        return speeds if len(speeds) == 2 else []
-
-    def scans(self):
-        self.desktop.keys('ctrl+d')
-        self.check('the window opens', bool(eventually(
-            lambda: self.desktop.tool('xdotool', 'search', '--onlyvisible', '--name',
-                                      '^Netvane$').split(), 60)))
-        self.desktop.press('Scan')
-        self.check('the scan finds more than the own network', bool(eventually(
-            lambda: len(self._channels()) > 2, 120)))
-        self.same('as many networks on each channel as iw knows',
-                  self._channels, _channels_by_iw, 90)
-
-    def _channels(self):
-        for text in self.desktop.every_text('Networks per Channel'):
-            found = re.findall(r'Channel (\d+)(?: \(current\))?: (\d+) network', text)
-            if found:
-                return {int(channel): int(count) for channel, count in found}
-        return {}
-
-    def traces(self):
-        theirs = re.findall(r'^ *(\d+)  ([\d.]+) ', subprocess.run(
-            ['traceroute', '-n', '-q', '1', '1.1.1.1'], capture_output=True, text=True, timeout=60,
-            check=False).stdout, re.M)
-        self.desktop.press('Run')
-        self.check('the trace is that of traceroute', eventually(
-            lambda: self._hops() if len(self._hops()) == len(theirs) else None, 90), theirs)
-
-    def _hops(self):
-        return [found.groups() for text in self.desktop.every_text('Hops')
-                if (found := re.match(r'Hop (\d+).*?(\d+\.\d+\.\d+\.\d+)', text))]
-
-    def exports(self):
-        self.desktop.press('Copy to Clipboard')
-        ours = eventually(lambda: self.desktop.tool('xclip', '-selection', 'clipboard', '-o',
-                                                    seconds=20), 30)
-        self.check('the report names the network', shown(HOME.ssid) in ours)
-        self.check('the report tells the signal of iw',
-                   any(f'{dbm} dBm' in ours for dbm in read_iw().signals))
-        alone = self.desktop.tool('/run/radio/netvane-report', seconds=180)
-        headings = re.compile(r'^#+ .*$', re.M)
-        sections = headings.findall(ours)
-        self.check('the report tells the speed test', '## Speed Test' in sections)
-        # The other program makes none.
-        self.check('the report on the command line has the same sections otherwise',
-                   headings.findall(alone), [each for each in sections if 'Speed' not in each])
-
     def ends(self):
         self.check('no notification but those', [title for title, _ in self.desktop.notified()],
-                   ['Network Changed', 'Signal Weak', 'Disconnected'])
+                   ['Network Changed', 'Disconnected'])
         self.desktop.netvane.terminate()
         self.check('SIGTERM ends it with status 0', self.desktop.netvane.wait(60), 0)
 
-    STEPS = (connects, roams, weakens, loses, meets_portal, tests_speed, scans, traces, exports,
-             ends)
+    STEPS = (connects, roams, loses, meets_portal, ends)
 
 
 def _connection_by_iw():
@@ -222,25 +145,9 @@ def _rate_by_iw():
     return str(max(read_iw().rates))
 
 
-def _channels_by_iw():
-    channels = {}
-    for network in read_iw_scan().values():
-        start = 2407 if network.frequency < 3000 else 5000 if network.frequency < 5950 else 5950
-        channel = (network.frequency - start) // 5
-        channels[channel] = channels.get(channel, 0) + 1
-    return channels
-
-
 def _http_status():
     return subprocess.run(['curl', '-s', '-o', '/dev/null', '-w', '%{http_code}', PROBE],
                           capture_output=True, text=True, timeout=60, check=False).stdout
-
-
-def _download_by_curl():
-    text = subprocess.run(['curl', '-s', '-o', '/dev/null', '-w', '{"s": %{speed_download}}',
-                           DOWNLOAD], capture_output=True, text=True, timeout=240,
-                          check=True).stdout
-    return json.loads(text)['s'] * 8 / 1e6
 
 
 def whole_day(report, world):

@@ -97,27 +97,20 @@ class Desktop:
     def click_item(self):
         self.tool('xdotool', 'mousemove', *ITEM, 'click', '1')
 
-    def keys(self, *keys):
-        self.tool('xdotool', 'key', *keys)
-
-    def _ask(self, what, name):
-        self._reader.stdin.write(json.dumps([what, name]).encode() + b'\n')
+    def _read(self, name):
+        self._reader.stdin.write(json.dumps(name).encode() + b'\n')
         self._reader.stdin.flush()
         if not select.select([self._reader.stdout], [], [], 120)[0]:
-            raise WorldError(f'the screen reader was silent: {what} {name}')
+            raise WorldError(f'the screen reader was silent: {name}')
         return json.loads(self._reader.stdout.readline())
 
     def texts(self, name):
         """The visible texts of the item of that name and of what is in it."""
-        return [text for _, text, visible in self._ask('read', name) or () if visible and text]
+        return [text for _, text, visible in self._read(name) or () if visible and text]
 
     def every_text(self, name):
         """Those that one would have to scroll to as well, and those that are hidden."""
-        return [text for _, text, _ in self._ask('read', name) or () if text]
-
-    def press(self, name):
-        if not self._ask('press', name):
-            raise WorldError(f'there is no button {name}')
+        return [text for _, text, _ in self._read(name) or () if text]
 
     def end(self):
         for process in reversed(self._started):

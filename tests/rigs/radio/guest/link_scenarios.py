@@ -7,7 +7,7 @@ from world import AWKWARD, HOME, HOME_5_GHZ, HOME_6_GHZ, shown
 
 def start(report, _world, watchers):
     for user in ('unprivileged', 'root'):
-        watcher = Watcher(user, f'link_watch_{user}.log')
+        watcher = Watcher(user, f'link_{user}.log')
         watchers.append(watcher)
         report.check(f'says that it is ready ({user})', watcher.first, {'event': 'ready'})
 
@@ -62,16 +62,4 @@ def out_of_range(report, world, watchers):
     becomes(report, 'in range again', watchers, want)
 
 
-def access_point_dies(report, world, watchers):
-    world.join(HOME_5_GHZ)
-    becomes(report, 'before the access point dies', watchers, {'band': 'fiveGHz', 'error': None})
-    world.do('kill_access_point', HOME_5_GHZ.phy)
-    becomes(report, 'access point died', watchers, LOST | {'error': UNREADABLE})
-    world.start(HOME_5_GHZ)
-    world.await_link(HOME_5_GHZ)
-    want = {'ssid': shown(HOME_5_GHZ.ssid), 'band': 'fiveGHz', 'error': None}
-    becomes(report, 'access point is back', watchers, want)
-
-
-SCENARIOS = (associated, signal, roaming, awkward_name, not_associated, out_of_range,
-             access_point_dies)
+SCENARIOS = (associated, signal, roaming, awkward_name, not_associated, out_of_range)

@@ -21,14 +21,14 @@ def _published(status):
 def permissions(report, world):
     world.do('supplicant_down')
     world.do('bus_up')
-    running = Watcher('unprivileged', 'link_watch_running.log')
+    running = Watcher('unprivileged', 'running.log')
     becomes(report, 'a system bus without NetworkManager', [running], AUTHORIZED)
     world.start_manager()
     for answer, word, status in ANSWERS:
         world.grant_scans(answer, word)
         want = _published(status)
         becomes(report, f'permission changes to "{word}" while running', [running], want)
-        fresh = Watcher('unprivileged', f'link_watch_{word}.log')
+        fresh = Watcher('unprivileged', f'{word}.log')
         becomes(report, f'permission "{word}" from the start', [fresh], want)
         report.check(f'permission "{word}": ends at the end of its input', fresh.end(), 0)
     report.check('permissions: ends at the end of its input', running.end(), 0)
@@ -38,7 +38,7 @@ def managed_link(report, world):
     """A readable name proves that it may be read, whatever NetworkManager says of scans."""
     world.start_manager()
     world.grant_scans('NO', 'no')
-    watcher = Watcher('unprivileged', 'link_watch_managed.log')
+    watcher = Watcher('unprivileged', 'managed.log')
     becomes(report, 'refused before NetworkManager associates', [watcher], _published(2))
     world.join(HOME)
     want = AUTHORIZED | {'ssid': shown(HOME.ssid), 'signal': HOME.dbm, 'error': None}

@@ -17,16 +17,16 @@ NO_RIGHTS = 'Scanning takes NetworkManager, iwd or wpa_supplicant, or more right
 
 
 def _watcher(user):
-    return Watcher(user, f'scan_watch_{user}.log', 'scan_watch')
+    return Watcher(user, f'scan_{user}.log')
 
 
 def _scans(report, name, watcher, keeps_table=True):
-    """Checks one scan: the networks that are in the air, heard by this very scan, and nothing else
-    than iw lists. iwd has the kernel forget in each go what it heard in the one before, so that iw
-    shows the rest only; there it is what iwd itself has found that must not be missing.
+    """Checks one scan: the networks that are in the air, heard by this scan, and nothing that iw
+    does not list. iwd makes the kernel drop the results of each partial scan at the end of the next
+    one, so iw lists only the last; there the networks that iwd itself found must not be missing.
 
-    An access point of this slow world can answer a probe too late, and is then missing or known from
-    an earlier scan only; then the air is scanned again."""
+    In this slow machine an access point can answer a probe too late, and is then missing or known
+    from an earlier scan only. Then the scan is repeated."""
     for _ in range(4):
         state, got, table, took_ms = _scan(watcher)
         missing = ALWAYS_HEARD - set(got.values())
@@ -51,7 +51,7 @@ def _scans(report, name, watcher, keeps_table=True):
 
 def _scan(watcher):
     begin = time.monotonic()
-    state = watcher.sample(SCAN_SECONDS)
+    state = watcher.scan(SCAN_SECONDS)
     table = read_iw_scan()
     got = {network['bssid']: (network['ssid'], *network['channel'], network['signal'])
            for network in state['networks']}
@@ -73,7 +73,7 @@ def _names_of_iwd():
 
 
 def _refused(report, name, watcher, error):
-    state = watcher.sample(SCAN_SECONDS)
+    state = watcher.scan(SCAN_SECONDS)
     report.check(name, (state['error'], state['networks']), (error, []))
 
 

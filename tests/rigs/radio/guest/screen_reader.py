@@ -1,9 +1,6 @@
-"""What a screen reader finds in the windows of a program that are shown, and what it can press:
-screen_reader.py PROGRAM. Each line of its input is a JSON list, answered by one line of JSON:
-
-    ["read", NAME]   the item of that name and all below it: a list of [role, name, whether visible]
-    ["press", NAME]  presses the button of that name; false if there is none
-"""
+"""What a screen reader finds in the visible windows of a program: screen_reader.py PROGRAM. Each line
+of its input is the name of an item as JSON, answered by one line of JSON: a list of
+[role, name, whether visible] of that item and all below it, or null if there is none."""
 import json
 import sys
 
@@ -41,13 +38,12 @@ class Reader:
                 return [window for window in children(application) if visible(window)]
         return []
 
-    def find(self, name, role=None):
+    def find(self, name):
         """Looks in the windows that are shown; what was found there once is asked at once."""
         for window in self._windows():
-            key = (window.path, name, role)
+            key = (window.path, name)
             if key not in self._found:
-                items = (item for item in walk(window)
-                         if item.get_name() == name and role in (None, item.get_role_name()))
+                items = (item for item in walk(window) if item.get_name() == name)
                 self._found[key] = next(items, None)
             if self._found[key]:
                 return self._found[key]
@@ -61,17 +57,12 @@ class Reader:
         item.clear_cache()
         return [[each.get_role_name(), each.get_name(), visible(each)] for each in walk(item)]
 
-    def press(self, name):
-        button = self.find(name, 'push button')
-        return bool(button) and button.get_action_iface().do_action(0)
-
 
 def main():
     reader = Reader(sys.argv[1])
     for line in sys.stdin:
-        what, name = json.loads(line)
         try:
-            answer = {'read': reader.read, 'press': reader.press}[what](name)
+            answer = reader.read(json.loads(line))
         except GLib.Error as error:  # an item that went away meanwhile
             print(f'screen reader: {error}', file=sys.stderr, flush=True)
             answer = None

@@ -1,4 +1,4 @@
-"""The programs link_watch and scan_watch, as one user, asked for sampling passes and scans."""
+"""The program wifi_watch, as one user, asked for sampling passes and scans."""
 import json
 import os
 import select
@@ -23,10 +23,9 @@ AUTHORIZED = {'needsPermission': False, 'authorization': 3, 'isAuthorized': True
 
 
 class Watcher:
-    def __init__(self, user, log, program='link_watch'):
+    def __init__(self, user, log):
         self.user = user
-        self._program = program
-        command = [f'/run/radio/{program}']
+        command = ['/run/radio/wifi_watch']
         if user != 'root':
             command = [*UNPRIVILEGED, *command]
         # What it publishes is logged beside what it writes to standard error itself.
@@ -41,11 +40,11 @@ class Watcher:
         end = time.monotonic() + seconds
         while b'\n' not in self._unread:
             if not select.select([output], [], [], max(0, end - time.monotonic()))[0]:
-                raise WorldError(f'{self._program} as {self.user} said nothing for {seconds} s')
+                raise WorldError(f'wifi_watch as {self.user} said nothing for {seconds} s')
             piece = os.read(output, 65536)
             if not piece:
                 status = self._process.wait(10)
-                raise WorldError(f'{self._program} as {self.user} ended with status {status}')
+                raise WorldError(f'wifi_watch as {self.user} ended with status {status}')
             self._unread += piece
         line, _, self._unread = self._unread.partition(b'\n')
         self._log.write(line + b'\n')
@@ -53,7 +52,14 @@ class Watcher:
 
     def sample(self, seconds=30):
         """The state that is published after one more pass."""
-        self._process.stdin.write(b'\n')
+        return self._ask(b'link\n', seconds)
+
+    def scan(self, seconds):
+        """The networks that one more scan has found."""
+        return self._ask(b'scan\n', seconds)
+
+    def _ask(self, request, seconds):
+        self._process.stdin.write(request)
         self._process.stdin.flush()
         return self._line(seconds)
 

@@ -5,44 +5,27 @@ import os
 import ssl
 import sys
 import threading
-import urllib.parse
 
 WEB = '10.9.2.2'
-PIECE = bytes(65536)
-MOST = 50_000_000
 
 
 class Answers(http.server.BaseHTTPRequestHandler):
     protocol_version = 'HTTP/1.1'
 
     def do_GET(self):  # pylint: disable=invalid-name  # the names that http.server wants
-        url = urllib.parse.urlsplit(self.path)
         if os.path.exists(sys.argv[2]):
             self._answer(302, b'', Location=f'http://{WEB}/login')
-        elif url.path == '/hotspot-detect.html':
+        elif self.path == '/hotspot-detect.html':
             self._answer(200, b'<HTML><BODY>Success</BODY></HTML>')
-        elif url.path == '/__down':
-            wanted = min(int(urllib.parse.parse_qs(url.query)['bytes'][0]), MOST)
-            self._answer(200, None, Content_Length=wanted)
-            for start in range(0, wanted, len(PIECE)):
-                self.wfile.write(PIECE[:wanted - start])
         else:
             self._answer(404, b'')
 
-    def do_POST(self):  # pylint: disable=invalid-name
-        left = min(int(self.headers['Content-Length']), MOST)
-        while left > 0:
-            left -= len(self.rfile.read(min(left, len(PIECE))))
-        self._answer(200, b'')
-
     def _answer(self, status, body, **headers):
         self.send_response(status)
-        if body is not None:
-            headers['Content_Length'] = len(body)
-        for name, value in headers.items():
-            self.send_header(name.replace('_', '-'), str(value))
+        for name, value in (headers | {'Content-Length': len(body)}).items():
+            self.send_header(name, str(value))
         self.end_headers()
-        self.wfile.write(body or b'')
+        self.wfile.write(body)
 
 
 def main():

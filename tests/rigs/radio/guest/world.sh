@@ -59,10 +59,6 @@ access_point() { # access_point PHY SSID_HEX FREQUENCY PASSPHRASE, which is empt
     ip netns exec air iw dev "wlan$1" set txpower fixed 0 &&
         ip -n air addr replace "192.168.$1.1/24" dev "wlan$1"
 }
-kill_access_point() { # kill_access_point PHY: without a farewell to its stations
-    kill -9 "$(<"$state/ap$1.pid")"
-    rm -f "$state/ap$1.pid"
-}
 heard_at() { # heard_at PHY DBM: how loud everybody hears this radio, -99 to -1
     # A receiver's signal is this plus the sender's power, which access_point has set to 0 dBm.
     # The kernel's file takes an unsigned number up to 6.1 and a signed one from 6.2.

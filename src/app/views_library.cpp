@@ -1,4 +1,4 @@
-#include "app/loaded_views.h"
+#include "app/views_library.h"
 
 #include "base/log.h"
 
@@ -18,21 +18,20 @@ Q_LOGGING_CATEGORY(logCategory, "netvane.app")
 
 } // namespace
 
-LoadedViews::LoadedViews(platform::Platform& platform, const QString& path)
-    : m_platform(platform)
-    , m_path(path)
+ViewsLibrary::ViewsLibrary(const QString& path)
+    : m_path(path)
     , m_file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC))
 {
 }
 
-QString LoadedViews::defaultPath()
+QString ViewsLibrary::defaultPath()
 {
     const QString folder = QCoreApplication::applicationDirPath();
     const QString installed = folder + u"/" NETVANE_VIEWS_FROM_PROGRAM ""_s;
     return QFile::exists(installed) ? installed : folder + u"/netvane-views.so"_s;
 }
 
-void LoadedViews::sayThatThereIsNone(const QString& reason)
+void ViewsLibrary::sayThatThereIsNone(const QString& reason)
 {
     base::log(logCategory(), u"Netvane: The windows cannot be loaded: "_s + reason);
     if (!m_message) {
@@ -47,30 +46,19 @@ void LoadedViews::sayThatThereIsNone(const QString& reason)
     m_message->raise();
 }
 
-bool LoadedViews::load()
+std::unique_ptr<DashboardViews> ViewsLibrary::makeViews(
+    const services::Services& services, const QMenu& menu)
 {
-    if (m_views)
-        return true;
     // By way of the descriptor: whatever the name stands for by now, this is what was opened.
     const QByteArray opened = "/proc/self/fd/" + QByteArray::number(m_file.get());
     void* library = m_file.isOpen() ? ::dlopen(opened.constData(), RTLD_NOW | RTLD_LOCAL) : nullptr;
     void* make = library ? ::dlsym(library, kMakeViews) : nullptr;
     if (make)
-        m_views.reset(reinterpret_cast<MakeViews*>(make)(m_platform));
-    else
-        sayThatThereIsNone(
-            m_file.isOpen() ? QString::fromLocal8Bit(::dlerror()) : u"There is no "_s + m_path);
-    return m_views != nullptr;
-}
-
-std::unique_ptr<shell::HostWindow> LoadedViews::popoverWindow(const AppDelegate& services)
-{
-    return load() ? m_views->popoverWindow(services) : nullptr;
-}
-
-std::unique_ptr<shell::HostWindow> LoadedViews::detailedWindow(const AppDelegate& services)
-{
-    return load() ? m_views->detailedWindow(services) : nullptr;
+        return std::unique_ptr<DashboardViews>(
+            reinterpret_cast<MakeLoadedViews*>(make)(services, menu));
+    sayThatThereIsNone(
+        m_file.isOpen() ? QString::fromLocal8Bit(::dlerror()) : u"There is no "_s + m_path);
+    return nullptr;
 }
 
 } // namespace netvane::app

@@ -2,6 +2,7 @@
 
 #include "base/work_queues.h"
 #include "platform/clipboard.h"
+#include "platform/save_panel.h"
 #include "platform/share_picker.h"
 
 #include <QMenu>
@@ -12,6 +13,21 @@
 class QTemporaryDir;
 
 namespace netvane::shell {
+
+/// The desktop's clipboard, not the selection that the middle mouse button pastes.
+class DesktopClipboard : public platform::Clipboard {
+public:
+    void setText(const QString& text) override;
+};
+
+/// The desktop's own file dialogue where it has one for Qt programs (the FileChooser portal, that
+/// of the toolkit), else Qt's.
+class DesktopSavePanel : public QObject, public platform::SavePanel {
+    Q_OBJECT
+
+public:
+    void show(const QString& title, const QString& fileName, Answer chosen) override;
+};
 
 /// A menu in the place of the share sheet that Linux desktops lack: a new message in the user's
 /// mail program (mailto, RFC 6068), a file in the program for text files, or the clipboard.

@@ -1,12 +1,15 @@
-#include "shell/desktop_share_picker.h"
+#include "shell/desktop_exports.h"
 
 #include "base/background_work.h"
 #include "base/log.h"
 #include "base/replace_file.h"
 
+#include <QClipboard>
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <QWindow>
@@ -19,6 +22,26 @@ namespace netvane::shell {
 namespace {
 
 Q_LOGGING_CATEGORY(logCategory, "netvane.shell")
+
+QFileDialog* makeDialog(const QString& title, const QString& fileName)
+{
+    auto* dialog = new QFileDialog;
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(title);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setMimeTypeFilters({u"text/plain"_s});
+    dialog->setDefaultSuffix(u"txt"_s);
+    dialog->setDirectory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    dialog->selectFile(fileName);
+    return dialog;
+}
+
+/// Absent when there is none, or one that is not on this machine.
+std::optional<QString> chosenPath(const QFileDialog& dialog)
+{
+    const QString path = dialog.selectedUrls().value(0).toLocalFile();
+    return path.isEmpty() ? std::nullopt : std::optional(path);
+}
 
 std::optional<QPoint> anchor(const QWindow* window)
 {
@@ -45,6 +68,21 @@ void open(const QUrl& url)
 }
 
 } // namespace
+
+void DesktopClipboard::setText(const QString& text)
+{
+    QGuiApplication::clipboard()->setText(text);
+}
+
+void DesktopSavePanel::show(const QString& title, const QString& fileName, Answer chosen)
+{
+    auto* dialog = makeDialog(title, fileName);
+    connect(dialog, &QDialog::finished, this, [dialog, chosen = std::move(chosen)](int result) {
+        chosen(result == QDialog::Accepted ? chosenPath(*dialog) : std::nullopt);
+    });
+    connect(this, &QObject::destroyed, dialog, [dialog] { delete dialog; });
+    dialog->show();
+}
 
 DesktopSharePicker::DesktopSharePicker(platform::Clipboard& clipboard, base::WorkQueue& queue)
     : m_clipboard(clipboard)

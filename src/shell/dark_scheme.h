@@ -5,10 +5,9 @@
 #include <QGuiApplication>
 #include <QPalette>
 
-namespace netvane::ui {
+namespace netvane::shell {
 
-/// What the desktop wants, or where it tells no scheme, what its palette looks like. Here and not
-/// in a source, for those as well who draw without the views being there.
+/// What the desktop wants, or where it tells no scheme, what its palette looks like. Main thread.
 inline bool isDarkWanted(const platform::Appearance& appearance)
 {
     using platform::ColorScheme;
@@ -20,4 +19,4 @@ inline bool isDarkWanted(const platform::Appearance& appearance)
         < palette.color(QPalette::WindowText).lightness();
 }
 
-} // namespace netvane::ui
+} // namespace netvane::shell

@@ -1,0 +1,62 @@
+#include "windows/quick_views.h"
+
+#include "platform/platform.h"
+#include "services/services.h"
+#include "ui/painting/theme.h"
+#include "ui/state/detailed_window_state.h"
+#include "ui/state/popover_state.h"
+#include "ui/view_engine.h"
+#include "windows/quick_window.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::windows {
+namespace {
+
+class QuickViews final : public app::DashboardViews {
+public:
+    QuickViews(const services::Services& services, const QMenu& menu)
+        : m_services(services)
+        , m_menu(menu)
+        , m_theme(*services.platform.appearance)
+    {
+        ui::ViewEngine::prepareRendering();
+    }
+
+    std::unique_ptr<shell::HostWindow> popoverWindow() override
+    {
+        return window<ui::PopoverState>(u"PopoverView"_s);
+    }
+    std::unique_ptr<shell::HostWindow> detailedWindow() override
+    {
+        return window<ui::DetailedWindowState>(u"DetailedWindowView"_s);
+    }
+
+private:
+    template <typename State>
+    std::unique_ptr<shell::HostWindow> window(const QString& view)
+    {
+        const auto state = std::make_shared<State>(m_services);
+        return std::make_unique<QuickWindow>(m_engine, m_menu,
+            QuickWindow::Content {
+                .source = QUrl(u"qrc:/qt/qml/Netvane/"_s + view + u".qml"_s),
+                .properties = {{u"viewState"_s, QVariant::fromValue(state.get())}},
+                .state = state,
+            });
+    }
+
+    const services::Services& m_services;
+    const QMenu& m_menu;
+    ui::Theme m_theme;
+    ui::ViewEngine m_engine {m_theme};
+};
+
+} // namespace
+
+std::unique_ptr<app::DashboardViews> makeQuickViews(
+    const services::Services& services, const QMenu& menu)
+{
+    return std::make_unique<QuickViews>(services, menu);
+}
+
+} // namespace netvane::windows

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "app/dashboard_views.h"
+
+/// The program's windows as Qt Quick draws them: the views put a state and its QML file into a
+/// `QuickWindow`. The room joins what the program knows of windows with what the states show. In
+/// the desktop program it is a library of its own (app/views_library.h).
+namespace netvane::windows {
+
+/// The popover and the detailed window of the program; as `app::MakeViews`. Main thread.
+std::unique_ptr<app::DashboardViews> makeQuickViews(
+    const services::Services& services, const QMenu& menu);
+
+} // namespace netvane::windows

@@ -1,9 +1,0 @@
-#pragma once
-
-#include "simulated/desktop.h"
-
-namespace netvane::test {
-
-using FakeAppearance = simulated::Appearance;
-
-} // namespace netvane::test

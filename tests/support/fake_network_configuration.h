@@ -1,9 +1,0 @@
-#pragma once
-
-#include "simulated/network.h"
-
-namespace netvane::test {
-
-using FakeNetworkConfiguration = simulated::NetworkConfiguration;
-
-} // namespace netvane::test
