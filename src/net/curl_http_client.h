@@ -7,6 +7,10 @@
 #include <thread>
 #include <vector>
 
+// This room connects to hosts, looks up names, sends probes, fetches pages and reads the routes. It
+// implements the network interfaces of `platform` with sockets, rtnetlink and libcurl. It bounds
+// the size and the time of all that comes from outside.
+
 namespace netvane::net {
 
 struct HttpExchange;

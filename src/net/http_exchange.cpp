@@ -1,6 +1,6 @@
 #include "net/http_exchange.h"
 
-#include <curl/curl.h>
+#include "net/curl_library.h"
 
 #include <algorithm>
 #include <array>
@@ -19,10 +19,10 @@ constexpr int kLongestPollMs = 60'000; // `cancel` ends the wait earlier
 constexpr std::array kRedirects {301, 302, 303, 305, 307, 308};
 
 struct FreeEasy {
-    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+    void operator()(CURL* easy) const { curlLibrary()->easyCleanup(easy); }
 };
 struct FreeList {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    void operator()(curl_slist* list) const { curlLibrary()->slistFreeAll(list); }
 };
 
 /// One response, which may be a redirect. libcurl calls the static functions; a result other than
@@ -46,64 +46,67 @@ public:
         setTrust();
         if (m_exchange.uploadSize)
             setUpload();
-        curl_easy_setopt(m_easy.get(), CURLOPT_HTTPHEADER, m_headers.get());
+        set(CURLOPT_HTTPHEADER, m_headers.get());
         noteError(perform());
         return redirect();
     }
 
 private:
+    template <typename Value>
+    void set(CURLoption option, Value value)
+    {
+        curlLibrary()->easySetopt(m_easy.get(), option, value);
+    }
+
     void setRequest()
     {
-        CURL* easy = m_easy.get();
-        curl_easy_setopt(easy, CURLOPT_URL, m_exchange.url.toEncoded().constData());
-        curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
-        curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
-        curl_easy_setopt(easy, CURLOPT_PROXY, kProxy);
-        curl_easy_setopt(easy, CURLOPT_USERAGENT, "Mozilla/5.0"); // some portals refuse others
-        curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L);
-        curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+        set(CURLOPT_URL, m_exchange.url.toEncoded().constData());
+        set(CURLOPT_PROTOCOLS_STR, "http,https");
+        set(CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
+        set(CURLOPT_PROXY, kProxy);
+        set(CURLOPT_USERAGENT, "Mozilla/5.0"); // some portals refuse others
+        set(CURLOPT_FORBID_REUSE, 1L);
+        set(CURLOPT_NOSIGNAL, 1L);
         // A resolver that hangs is left behind with its thread.
-        curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
-        curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, m_error.data());
-        curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &Hop::takeHeader);
-        curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
-        curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Hop::takeBody);
-        curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+        set(CURLOPT_QUICK_EXIT, 1L);
+        set(CURLOPT_ERRORBUFFER, m_error.data());
+        set(CURLOPT_HEADERFUNCTION, &Hop::takeHeader);
+        set(CURLOPT_HEADERDATA, this);
+        set(CURLOPT_WRITEFUNCTION, &Hop::takeBody);
+        set(CURLOPT_WRITEDATA, this);
         if (!m_exchange.keepsBody)
-            curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, kTransferBuffer);
+            set(CURLOPT_BUFFERSIZE, kTransferBuffer);
         addHeader("Accept-Encoding: identity"); // a small body cannot become a large one
         addHeader("Connection: close");
     }
 
     void setTrust()
     {
-        CURL* easy = m_easy.get();
-        curl_easy_setopt(easy, CURLOPT_SSL_SESSIONID_CACHE, 0L);
+        set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
         if (!m_exchange.authorityFile.isEmpty()) {
-            curl_easy_setopt(easy, CURLOPT_CAINFO, m_exchange.authorityFile.constData());
-            curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
-        } else if (curl_version_info(CURLVERSION_NOW)->capath) {
+            set(CURLOPT_CAINFO, m_exchange.authorityFile.constData());
+            set(CURLOPT_CAPATH, nullptr);
+        } else if (curlLibrary()->versionInfo(CURLVERSION_NOW)->capath) {
             // The folder is searched for one authority. Reading the file of all takes 20 ms.
-            curl_easy_setopt(easy, CURLOPT_CAINFO, nullptr);
+            set(CURLOPT_CAINFO, nullptr);
         }
     }
 
     void setUpload()
     {
-        CURL* easy = m_easy.get();
         m_toSend = *m_exchange.uploadSize;
-        curl_easy_setopt(easy, CURLOPT_POST, 1L);
-        curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(m_toSend));
-        curl_easy_setopt(easy, CURLOPT_UPLOAD_BUFFERSIZE, kTransferBuffer);
-        curl_easy_setopt(easy, CURLOPT_READFUNCTION, &Hop::giveZeros);
-        curl_easy_setopt(easy, CURLOPT_READDATA, this);
+        set(CURLOPT_POST, 1L);
+        set(CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(m_toSend));
+        set(CURLOPT_UPLOAD_BUFFERSIZE, kTransferBuffer);
+        set(CURLOPT_READFUNCTION, &Hop::giveZeros);
+        set(CURLOPT_READDATA, this);
         addHeader("Content-Type: application/octet-stream");
         addHeader("Expect:"); // do not wait for a permission to send
     }
 
     void addHeader(const char* line)
     {
-        if (curl_slist* longer = curl_slist_append(m_headers.get(), line)) {
+        if (curl_slist* longer = curlLibrary()->slistAppend(m_headers.get(), line)) {
             m_headers.release();
             m_headers.reset(longer);
         }
@@ -112,20 +115,20 @@ private:
     CURLcode perform()
     {
         CURLM* multi = m_exchange.multi;
-        if (curl_multi_add_handle(multi, m_easy.get()) != CURLM_OK)
+        if (curlLibrary()->multiAddHandle(multi, m_easy.get()) != CURLM_OK)
             return CURLE_FAILED_INIT;
         int running = 1;
         while (running > 0 && !m_exchange.isCancelled) {
-            if (curl_multi_perform(multi, &running) != CURLM_OK)
+            if (curlLibrary()->multiPerform(multi, &running) != CURLM_OK)
                 break;
             if (running > 0)
-                curl_multi_poll(multi, nullptr, 0, kLongestPollMs, nullptr);
+                curlLibrary()->multiPoll(multi, nullptr, 0, kLongestPollMs, nullptr);
         }
         CURLcode result = CURLE_ABORTED_BY_CALLBACK;
         int left = 0;
-        if (const CURLMsg* message = curl_multi_info_read(multi, &left))
+        if (const CURLMsg* message = curlLibrary()->multiInfoRead(multi, &left))
             result = message->data.result;
-        curl_multi_remove_handle(multi, m_easy.get());
+        curlLibrary()->multiRemoveHandle(multi, m_easy.get());
         return result;
     }
 
@@ -137,13 +140,13 @@ private:
             m_exchange.errorText = u"The response headers are too long"_s;
         else
             m_exchange.errorText = QString::fromLocal8Bit(
-                m_error.front() != '\0' ? m_error.data() : curl_easy_strerror(result));
+                m_error.front() != '\0' ? m_error.data() : curlLibrary()->easyStrerror(result));
     }
 
     std::optional<QUrl> redirect()
     {
         const char* next = nullptr;
-        curl_easy_getinfo(m_easy.get(), CURLINFO_REDIRECT_URL, &next);
+        curlLibrary()->easyGetinfo(m_easy.get(), CURLINFO_REDIRECT_URL, &next);
         if (m_exchange.errorText || !next
             || std::ranges::find(kRedirects, m_exchange.status.value_or(0)) == kRedirects.end())
             return {};
@@ -162,7 +165,7 @@ private:
         const std::string_view line(data, size);
         if (line == "\r\n" || line == "\n") {
             long status = 0;
-            curl_easy_getinfo(hop.m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
+            curlLibrary()->easyGetinfo(hop.m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
             hop.m_exchange.status = int(status);
         }
         return size;
@@ -195,7 +198,7 @@ private:
     const base::Clock& m_clock;
     std::array<char, CURL_ERROR_SIZE> m_error {};
     std::unique_ptr<curl_slist, FreeList> m_headers;
-    const std::unique_ptr<CURL, FreeEasy> m_easy {curl_easy_init()};
+    const std::unique_ptr<CURL, FreeEasy> m_easy {curlLibrary()->easyInit()};
     qsizetype m_headerBytes = 0;
     qint64 m_toSend = 0;
 };
@@ -236,22 +239,22 @@ void followRedirects(HttpExchange& exchange, const base::Clock& clock)
 HttpExchange::~HttpExchange()
 {
     if (multi)
-        curl_multi_cleanup(multi);
+        curlLibrary()->multiCleanup(multi);
 }
 
 void HttpExchange::cancel()
 {
     isCancelled = true;
     if (multi)
-        curl_multi_wakeup(multi);
+        curlLibrary()->multiWakeup(multi);
 }
 
 void runExchange(HttpExchange& exchange, const base::Clock& clock)
 {
-    if (isWebAddress(exchange.url)) {
-        // Not in the constructor: the first use of libcurl sets up TLS, which takes milliseconds.
-        curl_global_init(CURL_GLOBAL_DEFAULT);
-        exchange.multi = curl_multi_init();
+    if (!curlLibrary()) {
+        exchange.errorText = u"libcurl cannot be loaded"_s;
+    } else if (isWebAddress(exchange.url)) {
+        exchange.multi = curlLibrary()->multiInit();
         followRedirects(exchange, clock);
     } else {
         exchange.errorText = u"Not an http or https address"_s;
