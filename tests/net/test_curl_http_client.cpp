@@ -19,15 +19,9 @@ namespace {
 constexpr qint64 kBodyLimit = 64 * 1024;
 constexpr qint64 kAnswerLimit = 4'000'000;
 
-Script::Then stop(const char* name)
-{
-    return qstrcmp(name, "drips") == 0 ? Script::Then::Drip : Script::Then::StayOpen;
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(Script)
-Q_DECLARE_METATYPE(Script::Then)
 
 class TestCurlHttpClient : public QObject {
     Q_OBJECT
@@ -46,122 +40,85 @@ private Q_SLOTS:
 
     void tellsWhatCameBack_data()
     {
-        QTest::addColumn<QByteArray>("response");
+        QTest::addColumn<Script>("script");
         QTest::addColumn<int>("status");
         QTest::addColumn<QByteArray>("body");
         QTest::addColumn<QByteArray>("finalPath");
-        const auto movedTo = [](const char* where) {
-            return httpResponse("302 Found", QByteArray("Location: ") + where + "\r\n", "moved");
+        const auto row = [](const char* name, const Script& script, int status,
+                             const QByteArray& body, const QByteArray& finalPath = "/") {
+            QTest::newRow(name) << script << status << body << finalPath;
         };
+        const auto movedTo = [](const QByteArray& where) {
+            return Script {httpResponse("302 Found", "Location: " + where + "\r\n", "moved")};
+        };
+        const QByteArray head = "HTTP/1.1 200 OK\r\n", line = "X: y\r\n";
         const QByteArray asking = "WWW-Authenticate: Basic realm=\"x\"\r\n";
         const QByteArray packed = httpResponse("200 OK", "Content-Encoding: gzip\r\n", "\x1f\x8b");
-        QTest::newRow("packed, left so") << packed << 200 << "\x1f\x8b"_ba
-                                         << "/"_ba;
-        QTest::newRow("password") << httpResponse("401 No", asking, "no") << 401 << ""_ba
-                                  << "/"_ba;
-        QTest::newRow("ten redirects") << movedTo("/9") << 200 << "end"_ba
-                                       << "/end"_ba;
-        QTest::newRow("eleven") << movedTo("/10") << 302 << ""_ba
-                                << "/1"_ba;
-        QTest::newRow("to nobody") << movedTo("https://127.0.0.1:1/") << 0 << ""_ba
-                                   << ""_ba;
-        QTest::newRow("broken off") << packed.chopped(1) << 200 << ""_ba
-                                    << "/"_ba;
-        QTest::newRow("not HTTP") << "SSH-2.0-OpenSSH\r\n\r\n"_ba << 0 << ""_ba
-                                  << "/"_ba;
+        const QByteArray longest(kBodyLimit, 'x');
+        row("packed, left so", {packed}, 200, "\x1f\x8b");
+        row("up to the limit", {httpResponse("200 OK", "", longest)}, 200, longest);
+        row("without an end", {head + "\r\nx", Script::Then::Endless}, 200, longest);
+        row("60 KiB of headers", {head + line.repeated(10'000) + "\r\nhello"}, 200, "hello");
+        row("too many headers", {head + line.repeated(12'000) + "\r\nhello"}, 0, "");
+        row("endless header", {head + "X: y", Script::Then::Endless}, 0, "");
+        row("password", {httpResponse("401 No", asking, "no")}, 401, "");
+        row("ten redirects", movedTo("/9"), 200, "end", "/end");
+        row("eleven", movedTo("/10"), 302, "", "/1");
+        row("to nobody", movedTo("https://127.0.0.1:1/"), 0, "", "");
+        row("out of TLS", movedTo("http://127.0.0.1:1/"), 302, "");
+        row("to a file", movedTo("file:///etc/hostname"), 302, "");
+        row("broken off", {packed.chopped(1)}, 200, "");
+        row("not HTTP", {"SSH-2.0-OpenSSH\r\n\r\n"}, 0, "");
     }
     void tellsWhatCameBack()
     {
-        QFETCH(QByteArray, response);
+        QFETCH(Script, script);
         QFETCH(QByteArray, finalPath);
-        ScriptedHttpServer& server = *m_server;
-        server.script("/", {response});
-        server.script("/end", {httpResponse("200 OK", "", "end")});
+        m_server->script("/", script);
+        m_server->script("/end", {httpResponse("200 OK", "", "end")});
         for (int left = 1; left <= 10; ++left) {
             const QByteArray next = left == 1 ? "end" : QByteArray::number(left - 1);
-            server.script("/" + QByteArray::number(left),
+            m_server->script("/" + QByteArray::number(left),
                 {httpResponse("302 Found", "Location: /" + next + "\r\n", "")});
         }
-        get(server.url("/"));
+        get(m_server->url("/"));
         QVERIFY(m_answers.empty());
         QTRY_COMPARE(m_answers.size(), size_t(1));
         const HttpAnswer& answer = m_answers.front();
         QTEST(answer.status.value_or(0), "status");
         QTEST(answer.body.value_or(QByteArray()), "body");
         QCOMPARE(answer.errorText.has_value(), !answer.body.has_value());
+        QCOMPARE(answer.truncated, answer.body && script.then == Script::Then::Endless);
         QCOMPARE(answer.finalUrl,
-            finalPath.isEmpty() ? QUrl(u"https://127.0.0.1:1/"_s) : server.url(finalPath));
-    }
-
-    void takesNoMoreThanTheLimit()
-    {
-        ScriptedHttpServer& server = *m_server;
-        server.script("/", {"HTTP/1.1 200 OK\r\n\r\nx", Script::Then::Endless});
-        get(server.url("/"));
-        QTRY_COMPARE(m_answers.size(), size_t(1));
-        QVERIFY(m_answers.front().truncated);
-        QCOMPARE(m_answers.front().body, QByteArray(kBodyLimit, 'x'));
-        QVERIFY(!m_answers.front().errorText);
-        QTRY_COMPARE(server.openConnections(), 0);
-
-        server.script("/", {httpResponse("200 OK", "", QByteArray(kBodyLimit, 'x'))});
-        get(server.url("/"));
-        QTRY_COMPARE(m_answers.size(), size_t(2));
-        QVERIFY(!m_answers.back().truncated);
-        QCOMPARE(m_answers.back().body, m_answers.front().body);
-    }
-
-    void responseHeadersAreBounded_data()
-    {
-        QTest::addColumn<QByteArray>("line");
-        QTest::addColumn<Script::Then>("then");
-        QTest::addColumn<bool>("isAccepted");
-        QTest::newRow("up to 60 KiB")
-            << "X: y\r\n"_ba.repeated(10'000) << Script::Then::Close << true;
-        QTest::newRow("many lines")
-            << "X: y\r\n"_ba.repeated(12'000) << Script::Then::Close << false;
-        QTest::newRow("endless line") << "X: y"_ba << Script::Then::Endless << false;
-    }
-    void responseHeadersAreBounded()
-    {
-        QFETCH(QByteArray, line);
-        QFETCH(Script::Then, then);
-        ScriptedHttpServer& server = *m_server;
-        const QByteArray head = "HTTP/1.1 200 OK\r\n" + line;
-        server.script("/", {then == Script::Then::Close ? head + "\r\nhello" : head, then});
-        get(server.url("/"));
-        QTRY_COMPARE(m_answers.size(), size_t(1));
-        QTEST(m_answers.front().body.has_value(), "isAccepted");
-        QCOMPARE(m_answers.front().errorText.has_value(), !m_answers.front().body);
-        QVERIFY(server.endlessBytes() < 4 * 1024 * 1024);
-        QTRY_COMPARE(server.openConnections(), 0);
+            finalPath.isEmpty() ? QUrl(u"https://127.0.0.1:1/"_s) : m_server->url(finalPath));
+        QVERIFY(m_server->endlessBytes() < 4 * 1024 * 1024);
+        QTRY_COMPARE(m_server->openConnections(), 0);
     }
 
     void endsAtTheTimeLimit_data()
     {
-        QTest::addColumn<QByteArray>("response");
-        QTest::newRow("is silent") << ""_ba;
-        QTest::newRow("stops in the head") << "HTTP/1.1 200 OK\r\nX: y"_ba;
-        QTest::newRow("stops in the body")
-            << "HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\nSuccess"_ba;
-        QTest::newRow("drips") << "HTTP/1.1 200 OK\r\nContent-Length: 9999999\r\n\r\nx"_ba;
+        QTest::addColumn<Script>("script");
+        const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Length: 9999999\r\n";
+        QTest::newRow("is silent") << Script {"", Script::Then::StayOpen};
+        QTest::newRow("stops in the head") << Script {head, Script::Then::StayOpen};
+        QTest::newRow("stops in the body") << Script {head + "\r\nx", Script::Then::StayOpen};
+        QTest::newRow("drips") << Script {head + "\r\nx", Script::Then::Drip};
     }
     void endsAtTheTimeLimit()
     {
-        QFETCH(QByteArray, response);
-        ScriptedHttpServer& server = *m_server;
-        server.script("/", {response, stop(QTest::currentDataTag())});
-        get(server.url("/"));
-        QTRY_COMPARE(server.requests().size(), 1);
+        QFETCH(Script, script);
+        m_server->script("/", script);
+        get(m_server->url("/"));
+        QTRY_COMPARE(m_server->requests().size(), 1);
         m_clock.advance(4999ms);
-        if (stop(QTest::currentDataTag()) == Script::Then::Drip)
-            QTRY_VERIFY(server.endlessBytes() > 20);
+        if (script.then == Script::Then::Drip)
+            QTRY_VERIFY(m_server->endlessBytes() > 20);
         QVERIFY(m_answers.empty());
         m_clock.advance(1ms);
         QTRY_COMPARE(m_answers.size(), size_t(1));
         QVERIFY(m_answers.front().errorText);
         QVERIFY(!m_answers.front().body);
-        QTRY_COMPARE(server.openConnections(), 0);
+        QTRY_COMPARE(m_server->openConnections(), 0);
     }
 
     void waitsNoLongerForTheHandshakeEither()
@@ -179,37 +136,34 @@ private Q_SLOTS:
 
     void endsWithItsOwner()
     {
-        ScriptedHttpServer& server = *m_server;
-        server.script("/", {"HTTP/1.1 200 OK\r\n\r\nx", Script::Then::Drip});
-        get(server.url("/"));
-        QTRY_VERIFY(server.endlessBytes() > 0);
+        m_server->script("/", {"HTTP/1.1 200 OK\r\n\r\nx", Script::Then::Drip});
+        get(m_server->url("/"));
+        QTRY_VERIFY(m_server->endlessBytes() > 0);
         m_owner.reset();
-        QTRY_COMPARE(server.openConnections(), 0);
+        QTRY_COMPARE(m_server->openConnections(), 0);
         QVERIFY(m_answers.empty());
         QCOMPARE(m_clock.timerCount(), 0);
     }
 
-    void comesAsAStrangerEachTime()
+    void keepsNothingBetweenRequests()
     {
         const auto threads = [] { return QDir(u"/proc/self/task"_s).count(); };
         const auto threadsBefore = threads();
-        ScriptedHttpServer& server = *m_server;
         const QByteArray marks
             = "Set-Cookie: who=you\r\nETag: \"1\"\r\nCache-Control: max-age=9\r\n";
-        server.script("/", {httpResponse("302 Found", marks + "Location: /two\r\n", "")});
-        server.script("/two", {httpResponse("200 OK", marks, "hello"), Script::Then::StayOpen});
+        m_server->script("/", {httpResponse("302 Found", marks + "Location: /two\r\n", "")});
+        m_server->script("/two", {httpResponse("200 OK", marks, "hello"), Script::Then::StayOpen});
         for (size_t count = 1; count <= 2; ++count) {
-            get(server.url("/"));
+            get(m_server->url("/"));
             QTRY_COMPARE(m_answers.size(), count);
         }
-        QCOMPARE(server.requests().size(), 4);
-        QVERIFY(server.connectionCount() >= 4);
-        QCOMPARE(server.requests()[2], server.requests()[0]);
-        QCOMPARE(server.requests()[3], server.requests()[1]);
-        QVERIFY(server.requests()[0].contains("\r\nAccept-Encoding: identity\r\n"));
-        QVERIFY(!server.requests()[1].contains("Cookie"));
-        // Each transfer had one of its own. One of an earlier test may have been ending at the
-        // start.
+        QCOMPARE(m_server->requests().size(), 4);
+        QVERIFY(m_server->connectionCount() >= 4);
+        QCOMPARE(m_server->requests()[2], m_server->requests()[0]);
+        QCOMPARE(m_server->requests()[3], m_server->requests()[1]);
+        QVERIFY(m_server->requests()[0].contains("\r\nAccept-Encoding: identity\r\n"));
+        QVERIFY(!m_server->requests()[1].contains("Cookie"));
+        // A thread of an earlier test may have been ending at the start.
         QTRY_VERIFY(threads() <= threadsBefore);
     }
 
@@ -218,7 +172,6 @@ private Q_SLOTS:
         get(QUrl::fromLocalFile(QCoreApplication::applicationFilePath()));
         QTRY_COMPARE(m_answers.size(), size_t(1));
         QVERIFY(!m_answers.front().body);
-        QVERIFY(m_answers.front().errorText);
     }
 
     void downloads_data()
@@ -231,45 +184,29 @@ private Q_SLOTS:
             QTest::newRow(name) << script << received << error;
         };
         const QByteArray body(1'000'000, 'x');
-        const QByteArray login = "WWW-Authenticate: Basic realm=\"x\"\r\n";
         row("whole", {httpResponse("200 OK", "", body)}, 1'000'000);
         row("up to the limit", {httpResponse("200 OK", "", body + body + body + body)},
             kAnswerLimit);
         row("one more", {httpResponse("200 OK", "", body + body + body + body + "x")},
             kAnswerLimit + 1, u"far more"_s);
-        row("without an end", {"HTTP/1.1 200 OK\r\n\r\nx", Script::Then::Endless}, -1,
-            u"far more"_s);
-        row("cut", {httpResponse("200 OK", "", body).chopped(1)}, -1, u"closed"_s);
-        row("not found, and cut", {httpResponse("404 No", "", body).chopped(1)}, -1, u"closed"_s);
+        row("cut", {httpResponse("200 OK", "", body).chopped(1)}, 999'999, u"closed"_s);
         row("nothing", {}, 0, u" "_s);
-        row("not HTTP", {"SSH-2.0-OpenSSH\r\n\r\n"}, -1, u" "_s);
-        row("log in", {httpResponse("401 Unauthorized", login, body)}, 1'000'000);
         row("not found", {httpResponse("404 Not Found", "", body)}, 1'000'000);
-        row("elsewhere", {httpResponse("302 Found", "Location: /end\r\n", "moved")}, 3);
-        row("out of TLS", {httpResponse("302 Found", "Location: http://127.0.0.1:1/\r\n", "moved")},
-            -1, u" "_s);
-        row("to a file", {httpResponse("302 Found", "Location: file:///etc/hostname\r\n", "moved")},
-            -1, u" "_s);
     }
     void downloads()
     {
         QFETCH(Script, script);
-        QFETCH(qint64, received);
         QFETCH(QString, error);
         m_server->script("/", script);
-        m_server->script("/end", {httpResponse("200 OK", "", "end")});
         start({.url = m_server->url("/")});
         QTRY_COMPARE(m_outcomes.size(), size_t(1));
         const TransferOutcome& outcome = m_outcomes.front();
-        if (received >= 0)
-            QCOMPARE(outcome.receivedBytes, received);
+        QTEST(outcome.receivedBytes, "received");
         QCOMPARE(outcome.errorText.has_value(), !error.isEmpty());
         const QString errorText = outcome.errorText.value_or(QString());
         QVERIFY2(errorText.contains(error), qPrintable(errorText));
-        QVERIFY(outcome.receivedBytes < 2 * kAnswerLimit);
         QCOMPARE(outcome.endedAt, m_clock.monotonicNow());
         QTRY_COMPARE(m_server->openConnections(), 0);
-        QVERIFY(m_server->requests().first().contains("\r\nAccept-Encoding: identity\r\n"));
     }
 
     void uploads_data()
@@ -328,9 +265,7 @@ private Q_SLOTS:
     {
         {
             net::CurlHttpClient shortLived(m_clock, ScriptedHttpServer::authorityFile());
-            const platform::TransferRequest request {
-                .url = m_server->url("/"), .uploadSize = 5'000'000, .answerLimit = kAnswerLimit};
-            const auto transfer = shortLived.start(request, keepOutcome());
+            const auto transfer = shortLived.start({.url = m_server->url("/")}, keepOutcome());
         }
         QCoreApplication::processEvents();
         QVERIFY(m_outcomes.empty());
@@ -338,13 +273,10 @@ private Q_SLOTS:
     }
 
 private:
-    std::function<void(const HttpAnswer&)> keep()
-    {
-        return [this](const HttpAnswer& answer) { m_answers.push_back(answer); };
-    }
     void get(const QUrl& url)
     {
-        m_client->get({.url = url, .bodyLimit = kBodyLimit}, m_owner.get(), keep());
+        m_client->get({.url = url, .bodyLimit = kBodyLimit}, m_owner.get(),
+            [this](const HttpAnswer& answer) { m_answers.push_back(answer); });
     }
 
     std::function<void(const TransferOutcome&)> keepOutcome()
