@@ -1,5 +1,9 @@
 #pragma once
 
+// This room is the desktop program without its views: its start and its end, the application
+// delegate that owns the services, the status item, and the loading of the library that draws. It
+// knows no view.
+
 #include "app/dashboard_views.h"
 #include "base/clock.h"
 #include "services/services.h"

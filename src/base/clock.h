@@ -1,5 +1,9 @@
 #pragma once
 
+// This room holds what every other room uses: time and timers, the log, background work, results
+// that may be a failure, files and texts. It knows Qt Core and the system, and nothing of networks.
+// What only one room needs stands in that room.
+
 #include <chrono>
 #include <functional>
 #include <memory>

@@ -1,5 +1,9 @@
 #pragma once
 
+// This room is the program netvane-demo: the whole desktop program on the simulated platform, with
+// networks that are made up. `script.cpp` holds the scenes as plain data, and a `Stage` says which
+// one is on. It also draws the pictures of the documentation.
+
 #include "demo/scene.h"
 #include "simulated/simulated_platform.h"
 

@@ -1,5 +1,9 @@
 #pragma once
 
+// This room holds what runs only when the user starts it: the speed test with the latency under
+// load, the scan of the channels, and the trace of the way to a host. Each service publishes its
+// progress and its result.
+
 #include "base/clock.h"
 #include "diagnostics/speed_test_result.h"
 #include "platform/http_transfer.h"

@@ -1,5 +1,9 @@
 #pragma once
 
+// This room holds what is derived from the readings for the user: advice, the text of the report,
+// notifications about the network, and whether the introduction was seen. Most of it is pure
+// functions of plain records.
+
 #include "probes/network_metrics.h"
 #include "wifi/wifi_info.h"
 

@@ -13,7 +13,7 @@
 namespace netvane::net {
 namespace {
 
-/// An IPv4 address in the clothes of an IPv6 one (RFC 4291, 2.5.5.2) is one of IPv4 on the wire,
+/// An IPv4-mapped IPv6 address (RFC 4291, 2.5.5.2) is an IPv4 address on the wire,
 /// and errors come back as such.
 SocketAddress unmapped(const SocketAddress& address)
 {

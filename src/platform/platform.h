@@ -1,5 +1,9 @@
 #pragma once
 
+// This room says what the services need from the operating system, as small abstract classes and
+// plain values. Nothing is implemented here: the rooms radio, net, desktop and shell do that for a
+// real system, and the room simulated does it in memory. `Platform` is the sum of it.
+
 #include "base/clock.h"
 #include "base/work_queues.h"
 #include "platform/appearance.h"

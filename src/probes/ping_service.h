@@ -1,5 +1,10 @@
 #pragma once
 
+// This room holds the services that measure by themselves, on timers: latency and loss of the
+// router and the internet, the time of a name look-up, the captive portal, and what the network is
+// made of. Each publishes its last reading and keeps a bounded history. They use the classes of
+// `platform`.
+
 #include "base/clock.h"
 #include "platform/connection.h"
 #include "probes/latest_value_throttle.h"

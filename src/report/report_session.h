@@ -1,5 +1,8 @@
 #pragma once
 
+// This room is the program netvane-report: it takes some readings with the services of the desktop
+// program and prints them as Markdown. It needs no window system and no bus.
+
 #include "base/clock.h"
 #include "report/report_options.h"
 #include "services/services.h"

@@ -1,5 +1,9 @@
 #pragma once
 
+// This room holds what takes a desktop with windows: where the status item and the windows are
+// placed, the drawing of the icon, the clipboard, dialogues and settings pages. It uses Qt Widgets
+// and X11, and draws no view. The report program does not link it.
+
 #include <QObject>
 
 #include <optional>

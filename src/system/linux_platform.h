@@ -1,5 +1,8 @@
 #pragma once
 
+// This room makes the platform of a real Linux system. It is the only one that knows all the
+// implementations. Programs call it once; nothing else does.
+
 #include "platform/platform.h"
 
 namespace netvane::system {

@@ -1,5 +1,9 @@
 #pragma once
 
+// This room holds the Wi-Fi link: its record and what is derived from that, the service that
+// samples it, its history, and the permission that shows the name. The radio itself is behind
+// `platform::WiFiClient`.
+
 #include "base/clock.h"
 #include "base/work_queues.h"
 #include "platform/wifi_client.h"

@@ -1,5 +1,9 @@
 #pragma once
 
+// The room ui is what the user sees. In `state`, C++ decides what is shown: texts, grades, colours,
+// and when something is taken over. In `views` and `components` QML draws it, in `painting` C++
+// paints what QML cannot, and `symbols` are the drawings.
+
 #include "ui/state/channel_analysis_state.h"
 #include "ui/state/connection_status.h"
 #include "ui/state/dashboard_readings.h"
