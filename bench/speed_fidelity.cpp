@@ -4,18 +4,15 @@
 
 #include "base/log.h"
 #include "base/system_clock.h"
-#include "base/work_queues.h"
 #include "diagnostics/speed_test_service.h"
 #include "figure.h"
-#include "net/qt_http_client.h"
-#include "net/qt_http_transfers.h"
+#include "net/curl_http_client.h"
 #include "simulated/desktop.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QFile>
 #include <QProcess>
-#include <QSslCertificate>
 #include <QTimer>
 
 #include <algorithm>
@@ -157,18 +154,10 @@ public:
     }
 
 private:
-    QSslConfiguration tls() const
-    {
-        auto configuration = QSslConfiguration::defaultConfiguration();
-        configuration.setCaCertificates(QSslCertificate::fromPath(m_plan.authority));
-        return configuration;
-    }
-
     /// As the program did long before the user asks for a test: each fetch of a page needs it.
     void useTls()
     {
-        base::WorkQueue queue;
-        net::QtHttpClient client(m_clock, queue, tls());
+        net::CurlHttpClient client(m_clock, m_plan.authority);
         QEventLoop loop;
         client.get({.url = m_plan.server, .bodyLimit = 1}, &loop,
             [&loop](const platform::HttpAnswer&) { loop.quit(); });
@@ -192,7 +181,7 @@ private:
 
     const Plan m_plan;
     base::SystemClock m_clock;
-    net::QtHttpTransfers m_transfers {m_clock, tls()};
+    net::CurlHttpClient m_transfers {m_clock, m_plan.authority};
     simulated::UserDefaults m_defaults;
     SpeedTestService m_service {m_transfers, m_defaults, m_clock, m_plan.server};
     double m_memoryMb = 0;

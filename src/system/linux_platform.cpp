@@ -8,9 +8,8 @@
 #include "desktop/session_status_notifier_host.h"
 #include "desktop/settings_file.h"
 #include "desktop/suspend_watch.h"
+#include "net/curl_http_client.h"
 #include "net/linux_network_configuration.h"
-#include "net/qt_http_client.h"
-#include "net/qt_http_transfers.h"
 #include "net/socket_connections.h"
 #include "net/socket_hop_probes.h"
 #include "net/system_resolver.h"
@@ -42,9 +41,8 @@ platform::Platform makePlatform()
     platform.sleepMonitor = std::make_unique<desktop::SuspendWatch>(*platform.clock);
     platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
     platform.networkConfiguration = std::make_unique<net::LinuxNetworkConfiguration>();
-    platform.httpClient
-        = std::make_unique<net::QtHttpClient>(*platform.clock, platform.queues->utility);
-    platform.httpTransfers = std::make_unique<net::QtHttpTransfers>(*platform.clock);
+    platform.httpClient = std::make_unique<net::CurlHttpClient>(*platform.clock);
+    platform.httpTransfers = std::make_unique<net::CurlHttpClient>(*platform.clock);
     platform.connections = std::make_shared<net::SocketConnections>(*platform.clock);
     platform.hopProbes = std::make_shared<net::SocketHopProbes>(*platform.clock);
     platform.resolver = std::make_shared<net::SystemResolver>();

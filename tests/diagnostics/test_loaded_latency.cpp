@@ -4,7 +4,7 @@
 
 #include "base/system_clock.h"
 #include "diagnostics/speed_test_service.h"
-#include "net/qt_http_transfers.h"
+#include "net/curl_http_client.h"
 #include "net/socket_connections.h"
 #include "simulated/desktop.h"
 #include "support/captured_log.h"
@@ -103,7 +103,7 @@ private:
     QTcpServer m_routersPort;
     net::SocketConnections m_connections {m_clock};
     probes::PingService m_router {u"127.0.0.1"_s, u"router"_s, m_clock, m_connections};
-    net::QtHttpTransfers m_transfers {m_clock};
+    net::CurlHttpClient m_transfers {m_clock};
     simulated::UserDefaults m_defaults;
 };
 

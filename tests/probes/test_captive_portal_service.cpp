@@ -1,5 +1,4 @@
-#include "base/work_queues.h"
-#include "net/qt_http_client.h"
+#include "net/curl_http_client.h"
 #include "probes/captive_portal_service.h"
 #include "simulated/desktop.h"
 #include "simulated/http.h"
@@ -98,7 +97,7 @@ private Q_SLOTS:
         ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
         server.script("/probe", script);
         server.script("/login", {httpResponse("200 OK", "", "<form/>")});
-        net::QtHttpClient http(m_clock, m_queue, ScriptedHttpServer::trustingClient());
+        net::CurlHttpClient http(m_clock, ScriptedHttpServer::authorityFile());
         probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/probe"));
         service.checkForCaptivePortal();
         QTRY_VERIFY(service.loginURL());
@@ -110,7 +109,7 @@ private Q_SLOTS:
     {
         ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
         server.script("/", {httpResponse("200 OK", "", kPage)});
-        net::QtHttpClient http(m_clock, m_queue); // with the system's authorities
+        net::CurlHttpClient http(m_clock); // with the system's authorities
         probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/"));
         service.checkForCaptivePortal();
         QTRY_VERIFY(service.isCaptive());
@@ -125,7 +124,6 @@ private:
     }
 
     simulated::ManualClock m_clock;
-    base::WorkQueue m_queue;
     simulated::HttpClient m_http;
     simulated::UrlOpener m_opener;
     probes::CaptivePortalService m_service {m_http, m_opener, m_clock, kProbe};

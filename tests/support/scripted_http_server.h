@@ -29,8 +29,8 @@ public:
     explicit ScriptedHttpServer(
         Transport transport, const QHostAddress& address = QHostAddress::LocalHost);
 
-    /// Trusts the server's certificate and nothing else.
-    static QSslConfiguration trustingClient();
+    /// A PEM file with the server's certificate.
+    static QString authorityFile();
 
     void script(const QByteArray& path, const Script& script) { m_scripts.insert(path, script); }
     QUrl url(const QByteArray& path) const;
