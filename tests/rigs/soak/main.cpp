@@ -167,14 +167,13 @@ private:
     /// Past access points whose names never come again.
     void travel()
     {
-        for (int station = 0; station < 20; ++station) {
-            ++journey;
-            goTo(station % 2 == 0 ? u"upstairs"_s : u"home"_s);
-            pass(60s);
-        }
         const auto& link = delegate().wifiService()->currentWiFi();
-        expect("the name of a new network",
-            [&] { return link && link->ssid == u"Train %1"_s.arg(journey.load()); });
+        for (int station = 0; station < 20; ++station) {
+            const QString name = u"Train %1"_s.arg(++journey);
+            pass(60s);
+            expect("the name of a new network", [&] { return link && link->ssid == name; });
+            goTo(station % 2 == 0 ? u"upstairs"_s : u"home"_s);
+        }
     }
 
     void visitCafe()
@@ -195,9 +194,11 @@ bool soakFor(QApplication& application, int days, std::chrono::minutes hour)
     auto first = world.rest();
     const qint64 firstLines = world.logLines;
     world.watchedTests = 0;
-    for (int day = 1; day < days; ++day)
+    std::vector<soak::Figure> last;
+    for (int day = 1; day < days; ++day) {
         world.live(hour);
-    auto last = world.rest();
+        last = world.rest();
+    }
     // Chance makes one day noisier than another, but not by half.
     first.push_back({"log lines a day", firstLines});
     last.push_back({"log lines a day", (world.logLines - firstLines) / (days - 1), firstLines / 2});
