@@ -162,9 +162,7 @@ private Q_SLOTS:
         m_service.reset();
         QVERIFY(m_connections->made()[1]->isCancelled);
         finish(State::Ready, {}, 1);
-        QCOMPARE(m_log.take(),
-            QStringList({u"PingService: Timeout waiting for connection to unknown"_s,
-                u"PingService: Connection failed to unknown: Connection refused"_s}));
+        QCOMPARE(m_log.take(), QStringList());
         QCOMPARE(m_clock->timerCount(), 0);
     }
 
