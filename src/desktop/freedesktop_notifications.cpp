@@ -35,15 +35,11 @@ QString failureText(const QDBusMessage& answer)
 
 QString categoryName(platform::NotificationCategory category)
 {
-    switch (category) {
-    case platform::NotificationCategory::NetworkConnected:
-        return u"network.connected"_s;
-    case platform::NotificationCategory::NetworkDisconnected:
-        return u"network.disconnected"_s;
-    case platform::NotificationCategory::Network:
-        break;
-    }
-    return u"network"_s;
+    static const QHash<platform::NotificationCategory, QString> names {
+        {platform::NotificationCategory::NetworkConnected, u"network.connected"_s},
+        {platform::NotificationCategory::NetworkDisconnected, u"network.disconnected"_s},
+    };
+    return names.value(category, u"network"_s);
 }
 
 /// The arguments of Notify, susssasa{sv}i. The summary is plain text for every service.

@@ -1,9 +1,8 @@
 #include "net/curl_http_client.h"
 
-#include "base/main_thread.h"
 #include "net/http_exchange.h"
 
-#include <QObject>
+#include <QCoreApplication>
 
 #include <csignal>
 #include <system_error>
@@ -171,10 +170,12 @@ bool CurlHttpClient::run(const std::shared_ptr<HttpExchange>& exchange)
     const auto work = [exchange, &clock = m_clock] {
         blockSignals();
         runExchange(*exchange, clock);
-        base::postToMainThread([exchange] {
+        const auto deliver = [exchange] {
             if (exchange->deliver)
                 std::exchange(exchange->deliver, {})();
-        });
+        };
+        // Nobody waits once there is no application.
+        QMetaObject::invokeMethod(QCoreApplication::instance(), deliver, Qt::QueuedConnection);
         exchange->isOver = true;
     };
     try {

@@ -2,41 +2,30 @@
 
 #include "base/timestamp.h"
 
+#include <array>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::wifi {
 namespace {
 
-QString phyModeOfBand(WiFiFrequency frequency)
-{
-    switch (frequency) {
-    case WiFiFrequency::twoPointFourGHz:
-        return u"802.11n (WiFi 4)"_s;
-    case WiFiFrequency::fiveGHz:
-        return u"802.11ac (WiFi 5) or 802.11ax (WiFi 6)"_s;
-    case WiFiFrequency::sixGHz:
-        return u"802.11ax (WiFi 6E)"_s;
-    case WiFiFrequency::unknown:
-        break;
-    }
-    return u"Unknown"_s;
-}
+/// The texts of a band, in the order of `WiFiFrequency`.
+struct BandTexts {
+    QString displayName;
+    QString phyMode; ///< the likely standard when the rate does not tell
+};
+const std::array<BandTexts, 4> kBandTexts {{
+    {u"2.4 GHz"_s, u"802.11n (WiFi 4)"_s},
+    {u"5 GHz"_s, u"802.11ac (WiFi 5) or 802.11ax (WiFi 6)"_s},
+    {u"6 GHz (WiFi 6E)"_s, u"802.11ax (WiFi 6E)"_s},
+    {u"Unknown"_s, u"Unknown"_s},
+}};
 
 } // namespace
 
 QString displayName(WiFiFrequency frequency)
 {
-    switch (frequency) {
-    case WiFiFrequency::twoPointFourGHz:
-        return u"2.4 GHz"_s;
-    case WiFiFrequency::fiveGHz:
-        return u"5 GHz"_s;
-    case WiFiFrequency::sixGHz:
-        return u"6 GHz (WiFi 6E)"_s;
-    case WiFiFrequency::unknown:
-        break;
-    }
-    return u"Unknown"_s;
+    return kBandTexts.at(size_t(frequency)).displayName;
 }
 
 SignalQuality signalQuality(std::optional<int> signalDbm)
@@ -52,19 +41,9 @@ SignalQuality signalQuality(std::optional<int> signalDbm)
 
 QString caseName(SignalQuality quality)
 {
-    switch (quality) {
-    case SignalQuality::excellent:
-        return u"excellent"_s;
-    case SignalQuality::good:
-        return u"good"_s;
-    case SignalQuality::fair:
-        return u"fair"_s;
-    case SignalQuality::poor:
-        return u"poor"_s;
-    case SignalQuality::unknown:
-        break;
-    }
-    return u"unknown"_s;
+    static const std::array<QString, 5> names {
+        u"excellent"_s, u"good"_s, u"fair"_s, u"poor"_s, u"unknown"_s};
+    return names.at(size_t(quality));
 }
 
 QString WiFiInfo::id() const
@@ -75,7 +54,7 @@ QString WiFiInfo::id() const
 QString WiFiInfo::phyMode() const
 {
     if (!mcsIndex)
-        return phyModeOfBand(frequency);
+        return kBandTexts.at(size_t(frequency)).phyMode;
     if (*mcsIndex <= 7)
         return u"802.11n (WiFi 4)"_s;
     if (*mcsIndex <= 9)
