@@ -3,7 +3,7 @@
 #include "program_world.h"
 #include "support/captured_log.h"
 #include "support/test_main.h"
-#include "support/view_audit.h"
+#include "support/view_fixture.h"
 
 #include <QTest>
 

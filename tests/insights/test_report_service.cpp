@@ -1,3 +1,4 @@
+#include "base/visible_text.h"
 #include "insights/report_service.h"
 #include "simulated/desktop.h"
 #include "simulated/manual_clock.h"
@@ -5,17 +6,59 @@
 #include "support/settle.h"
 #include "support/test_main.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QLocale>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimeZone>
 
 using namespace netvane;
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
+using insights::ReportInputs;
+
 namespace {
 
 const QString kReport = u"# Netvane Diagnostic Report\n- SSID: Café 🛜"_s;
+
+const QDateTime kMoment(QDate(2026, 11, 16), QTime(15, 44, 22));
+
+ReportInputs everything()
+{
+    return {
+        .wifi = wifi::WiFiInfo {.ssid = u"HomeNet"_s,
+            .frequency = wifi::WiFiFrequency::fiveGHz,
+            .linkRate = 866,
+            .signalStrength = -58,
+            .noise = -92,
+            .mcsIndex = 9,
+            .channelWidth = 80},
+        // 12.25 lies exactly in the middle.
+        .router = probes::NetworkMetrics {.ping = 12.345, .jitter = 12.25, .packetLoss = 0.0},
+        .internet = probes::NetworkMetrics {.ping = 20.0, .jitter = 1.0, .packetLoss = 10.0 / 3},
+        .dnsLookupTime = 1234.56,
+        .dnsServer = u"192.0.2.53"_s,
+        .speedTest = diagnostics::SpeedTestResult {.downloadSpeed = 93.44,
+            .uploadSpeed = 11.0,
+            .pingBefore = 20.0,
+            .pingDuring = 42.0,
+            .pingAfter = 99.0},
+    };
+}
+
+ReportInputs hostile()
+{
+    ReportInputs inputs;
+    inputs.wifi
+        = wifi::WiFiInfo {.ssid = base::ssidText("<b>&amp;\"x\"](http://e)\n## \xe2\x80\xae\xff")};
+    inputs.router = probes::NetworkMetrics {.ping = 12.345};
+    inputs.internet = probes::NetworkMetrics {};
+    inputs.dnsServer = u"\x1b[2J\n## Speed Test"_s;
+    inputs.speedTest = diagnostics::SpeedTestResult {.pingDuring = 41.0};
+    return inputs;
+}
 
 } // namespace
 
@@ -23,12 +66,50 @@ class TestReportService : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void currentReport()
+    void wholeText()
     {
-        QVERIFY(!m_service.currentReport());
-        m_readings = insights::ReportInputs {.dnsServer = u"192.0.2.53"_s};
-        const auto report = m_service.currentReport();
-        QVERIFY(report && report->contains(u"- DNS Server: 192.0.2.53\n"_s));
+        const std::pair<QString, ReportInputs> rows[]
+            = {{u"nothing"_s, {}}, {u"everything"_s, everything()}, {u"hostile"_s, hostile()}};
+        for (const auto& [name, inputs] : rows) {
+            QFile file(QFINDTESTDATA(u"../data/report_%1.md"_s.arg(name)));
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            // Other languages write other decimal points.
+            const QLocale before;
+            QLocale::setDefault(QLocale(u"de_DE"_s));
+            const QString text = reportText(inputs, kMoment, QLocale(u"en_US"_s));
+            QLocale::setDefault(before);
+            QCOMPARE(text.split(u'\n'), QString::fromUtf8(file.readAll()).split(u'\n'));
+        }
+    }
+
+    void lagUnderLoad()
+    {
+        const std::tuple<std::optional<double>, std::optional<double>, QString> rows[]
+            = {{20.0, 40.0, {}}, {20.0, 50.0, u"2.5x"_s}, {std::nullopt, 41.0, {}}, {0.0, 0.0, {}}};
+        for (const auto& [before, during, ratio] : rows) {
+            const ReportInputs inputs {.speedTest
+                = diagnostics::SpeedTestResult {.pingBefore = before, .pingDuring = during}};
+            const QString text = reportText(inputs, kMoment, QLocale::c());
+            QCOMPARE(text.contains(u"Lag Under Load"_s), !ratio.isEmpty());
+            QVERIFY(text.contains(ratio));
+        }
+    }
+
+    /// Whatever the language: no day of the week, no time zone, nothing left over of either.
+    void datesOfAllLanguages()
+    {
+        const auto all = QLocale::matchingLocales(
+            QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry);
+        QVERIFY(all.size() > 100);
+        const QDateTime elsewhere(kMoment.date(), kMoment.time(), QTimeZone("Asia/Tokyo"));
+        for (const QLocale& locale : all) {
+            const QString text = insights::longDateMediumTime(kMoment, locale);
+            QCOMPARE(insights::longDateMediumTime(elsewhere, locale), text);
+            QVERIFY2(!text.contains(locale.dayName(1)), qPrintable(locale.name() + text));
+            QVERIFY2(text.front() != u',' && !text.front().isSpace() && !text.back().isSpace(),
+                qPrintable(locale.name() + text));
+            QVERIFY2(text.contains(locale.toString(44)), qPrintable(locale.name() + text));
+        }
     }
 
     /// All of a date is in one language, and in that of dates.
@@ -45,23 +126,12 @@ private Q_SLOTS:
         qputenv("LC_ALL", "C.UTF-8");
     }
 
-    void proposedName()
-    {
-        for (const auto& [time, text] :
-            {std::pair {0ms, u"1700000000.0"_s}, {500ms, u"1700000000.5"_s}}) {
-            m_clock.setWall(std::chrono::system_clock::time_point(1'700'000'000s + time));
-            m_service.saveReport(kReport);
-            QCOMPARE(m_savePanel.title, u"Save Diagnostic Report"_s);
-            QCOMPARE(m_savePanel.fileName, u"Netvane-Report-%1.txt"_s.arg(text));
-            m_savePanel.chosen({}); // without a handler
-        }
-    }
-
     void saving()
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"report.txt"_s);
         QCOMPARE(isSaved({}), false);
+        QVERIFY(m_savePanel.fileName.startsWith(u"Netvane-Report-"_s));
         QVERIFY(!QFile::exists(path));
         QCOMPARE(isSaved(path), true);
         QFile file(path);
@@ -91,9 +161,8 @@ private:
     simulated::SavePanel m_savePanel;
     simulated::SharePicker m_sharePicker;
     base::WorkQueue m_queue;
-    std::optional<insights::ReportInputs> m_readings;
     insights::ReportService m_service {
-        [this] { return m_readings; }, m_clock, m_queue, {m_clipboard, m_savePanel, m_sharePicker}};
+        [] { return std::nullopt; }, m_clock, m_queue, {m_clipboard, m_savePanel, m_sharePicker}};
 };
 
 NETVANE_TEST(TestReportService)

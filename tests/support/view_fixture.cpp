@@ -1,7 +1,6 @@
 #include "support/view_fixture.h"
 
-#include "support/view_audit.h"
-
+#include <QAccessible>
 #include <QQmlError>
 #include <QTest>
 
@@ -10,6 +9,76 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::test {
+namespace {
+
+constexpr double kRounding = 1.0; ///< points by which a text may be larger than its box
+constexpr int kElideMiddle = 2; ///< QQuickText::ElideMiddle
+
+QString flawOfText(const QQuickItem& item)
+{
+    const auto number = [&](const char* name) { return item.property(name).toDouble(); };
+    if (item.property("textFormat").toInt() != Qt::PlainText)
+        return u"may be rich text"_s;
+    if (item.property("truncated").toBool())
+        return item.property("elide").toInt() == kElideMiddle ? QString() : u"is cut"_s;
+    const bool fits = number("contentWidth") <= item.width() + kRounding
+        && number("contentHeight") <= item.height() + kRounding;
+    return fits || item.property("text") == QString() ? QString() : u"does not fit"_s;
+}
+
+QString flawOf(QQuickItem& item)
+{
+    if (item.inherits("QQuickText"))
+        return flawOfText(item);
+    if (!item.inherits("QQuickAbstractButton") && !item.inherits("QQuickTextField"))
+        return {};
+    const auto* interface = QAccessible::queryAccessibleInterface(&item);
+    if (!interface || interface->text(QAccessible::Name).isEmpty())
+        return u"has no name"_s;
+    return item.isEnabled() && !item.activeFocusOnTab() ? u"is not reached by Tab"_s : QString();
+}
+
+} // namespace
+
+QString describe(const QQuickItem& item)
+{
+    return QString::fromLatin1(item.metaObject()->className()) + u" '"_s
+        + item.property("text").toString().left(60) + u'\'';
+}
+
+QList<QQuickItem*> visibleItems(QQuickItem& root)
+{
+    QList<QQuickItem*> items;
+    if (!root.isVisible())
+        return items;
+    items.append(&root);
+    for (auto* child : root.childItems())
+        items += visibleItems(*child);
+    return items;
+}
+
+QStringList auditView(QQuickItem& root)
+{
+    QStringList flaws;
+    for (auto* item : visibleItems(root)) {
+        if (const QString flaw = flawOf(*item); !flaw.isEmpty())
+            flaws.append(flaw + u": "_s + describe(*item));
+    }
+    return flaws;
+}
+
+QList<QQuickItem*> tabChain(QQuickItem& root)
+{
+    QList<QQuickItem*> chain;
+    while (chain.size() < 200) { // more than any view has
+        QTest::keyClick(root.window(), Qt::Key_Tab);
+        auto* item = root.window()->activeFocusItem();
+        if (!item || chain.contains(item))
+            break;
+        chain.append(item);
+    }
+    return chain;
+}
 
 ViewFixture::ViewFixture(const QString& name, const QVariantMap& properties, int width)
 {
@@ -67,11 +136,6 @@ QStringList ViewFixture::problems()
         height = m_window.height();
         m_window.resize(m_window.width(), std::max(1, int(std::ceil(root().implicitHeight()))));
         QCoreApplication::processEvents();
-    }
-    for (const auto scheme : {platform::ColorScheme::Dark, platform::ColorScheme::Light}) {
-        m_appearance.setColorScheme(scheme);
-        m_window.setColor(m_theme.controlBackground());
-        (void)m_window.grabWindow();
     }
     return m_warnings + auditView(root());
 }

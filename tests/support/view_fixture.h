@@ -9,6 +9,20 @@
 
 namespace netvane::test {
 
+/// `root` and what is below it, in the order of the tree; hidden items are left out.
+QList<QQuickItem*> visibleItems(QQuickItem& root);
+
+/// The faults of the visible items, one line each: a text that may be drawn as rich text, a text
+/// that is cut (an ElidedText offers the whole of it), a control without a name for screen readers
+/// or one that Tab does not reach.
+QStringList auditView(QQuickItem& root);
+
+/// The controls that Tab visits, in order. The item's window must be the active one.
+QList<QQuickItem*> tabChain(QQuickItem& root);
+
+/// Names a control or text in a message.
+QString describe(const QQuickItem& item);
+
 /// One view in a window of its own, rendered in software without a display.
 class ViewFixture {
 public:
@@ -23,7 +37,7 @@ public:
     QStringList texts(const QString& below = {});
     /// Clicks the middle of the item that has the text.
     void click(const QString& text);
-    /// Renders the view in both schemes; what QML warned of so far and what `auditView` finds.
+    /// Renders the view; what QML warned of so far and what `auditView` finds.
     QStringList problems();
 
 private:

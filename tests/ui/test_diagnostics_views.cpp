@@ -1,30 +1,16 @@
 #include "support/test_main.h"
 #include "world.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace netvane;
 using namespace netvane::test;
 using diagnostics::TracerouteService;
-using Status = platform::AuthorizationStatus;
 
 class TestDiagnosticsViews : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void scanNeedsThePermission()
-    {
-        World world;
-        world.permit(Status::Denied);
-        ViewFixture view = world.dashboard();
-        view.click(u"Open System Settings"_s);
-        QCOMPARE(world.simulated.opener.opened, QList<QUrl> {platform::kPrivacySettingsUrl});
-        QCOMPARE(view.problems(), QStringList());
-        world.permit(Status::AuthorizedAlways);
-        QVERIFY(view.shows(u"Scan"_s) && !view.shows(u"Open System Settings"_s));
-    }
-
     void scan()
     {
         World world;
@@ -51,9 +37,6 @@ private Q_SLOTS:
         QVERIFY(!state.recommendedChannel().isValid()); // it is the current one
         find({1, 6, 6});
         QCOMPARE(state.recommendedChannel(), QVariant(1));
-        QSignalSpy bars(&state, &ui::ChannelAnalysisState::barsChanged);
-        world.clock.advance(1h); // changes only the text
-        QCOMPARE(bars.size(), 0);
         QList<int> many;
         for (int channel = 1; channel <= 40; ++channel)
             many += QList<int>(1 + channel * 7 % 13, channel * 4 + 1);
@@ -67,14 +50,6 @@ private Q_SLOTS:
         World world;
         auto& state = *world.state.speedTest();
         ViewFixture view = world.show(u"SpeedTestView"_s, state);
-        const auto pingRouter = [&](std::chrono::milliseconds roundTrip) {
-            world.services.routerPingService->stop();
-            world.services.routerPingService->start();
-            world.clock.advance(roundTrip);
-            world.routerConnections.tell(platform::ConnectionState::Ready);
-            QCoreApplication::processEvents();
-            world.clock.advance(1s);
-        };
         const auto end = [&](std::chrono::seconds duration, std::optional<QString> error = {}) {
             world.clock.advance(duration);
             world.simulated.transfers.end({.receivedBytes = 5'000'000,
@@ -83,8 +58,6 @@ private Q_SLOTS:
             QCoreApplication::processEvents();
         };
         view.click(u"↑↓ Run Speed Test"_s);
-        QVERIFY(world.services.speedTestService->isRunning() && !view.shows(u"Retest"_s));
-        QCOMPARE(view.problems(), QStringList());
         end(2s);
         end(4s);
         QCOMPARE(view.texts().mid(2, 4),
@@ -93,11 +66,10 @@ private Q_SLOTS:
         end(2s);
         end(1s, u"no route"_s);
         QVERIFY(!view.shows(u"Upload Speed"_s));
-        QCOMPARE(state.recentTests()[1].summary().section(u',', 1),
-            u" download 20.0 Mbps, upload 10.0 Mbps"_s);
-        pingRouter(10ms);
+        world.services.routerPingService->start();
+        world.ping(10ms, {});
         state.runTest();
-        pingRouter(35ms);
+        world.ping(35ms, {});
         end(2s);
         end(4s);
         QVERIFY(state.lagMessage().toString().startsWith(
@@ -150,7 +122,6 @@ private Q_SLOTS:
             QVERIFY(!service.isRunning() && !view.shows(u"Stop"_s));
         }
         view.click(u"Run"_s);
-        view.click(u"Run"_s); // changes nothing
         world.hop(u"192.0.2.1"_s);
         world.hop({});
         QCOMPARE(view.texts().mid(4),

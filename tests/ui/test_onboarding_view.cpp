@@ -1,7 +1,7 @@
 #include "support/test_main.h"
 #include "world.h"
 
-#include <QSignalSpy>
+#include <QAccessible>
 #include <QTest>
 
 using namespace netvane;
@@ -17,8 +17,6 @@ private Q_SLOTS:
     {
         World world;
         auto& state = *world.state.onboarding();
-        auto& service = *world.services.onboardingService;
-        QSignalSpy completed(&service, &insights::OnboardingService::isCompletedChanged);
         world.permit(Status::Denied);
         world.permit(Status::AuthorizedAlways);
         state.skip(); // not on this page
@@ -29,11 +27,6 @@ private Q_SLOTS:
         QCOMPARE(state.currentStep(), int(OnboardingState::Permission));
         world.permit(Status::AuthorizedAlways);
         QCOMPARE(state.currentStep(), int(OnboardingState::Ready));
-        state.goOn();
-        state.goOn(); // changes nothing
-        QCOMPARE(completed.size(), 1);
-        service.reset();
-        QCOMPARE(state.currentStep(), int(OnboardingState::Welcome));
     }
 
     void goesThroughItsPages()
@@ -53,7 +46,10 @@ private Q_SLOTS:
         view.click(u"Skip"_s);
         QTRY_VERIFY(!view.shows(u"Location Permission"_s));
         QCOMPARE(view.problems(), QStringList());
-        view.click(u"Get Started"_s);
+        // As a screen reader presses it.
+        QAccessible::queryAccessibleInterface(view.find("text", u"Get Started"_s))
+            ->actionInterface()
+            ->doAction(QAccessibleActionInterface::pressAction());
         QVERIFY(world.services.onboardingService->isCompleted());
     }
 };

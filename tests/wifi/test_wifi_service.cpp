@@ -4,6 +4,7 @@
 #include "support/settle.h"
 #include "support/test_main.h"
 #include "wifi/location_permission_service.h"
+#include "wifi/wifi_metrics_history.h"
 #include "wifi/wifi_service.h"
 #include "wifi/wifi_snapshot_observer.h"
 
@@ -11,6 +12,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <limits>
 
 using namespace netvane;
 using namespace netvane::wifi;
@@ -57,21 +59,6 @@ private Q_SLOTS:
     /// Work that is left over still reads the clock.
     void cleanup() { m_queue.waitForDone(); }
 
-    void readingBecomesSnapshot()
-    {
-        const auto service = makeService();
-        test::settle(m_queue);
-        const WiFiInfo expected {.timestamp = m_clock->now(),
-            .ssid = u"Home"_s,
-            .frequency = WiFiFrequency::fiveGHz,
-            .linkRate = 866,
-            .signalStrength = -60,
-            .noise = -92,
-            .interfaceName = u"wlan0"_s};
-        QCOMPARE(service->currentWiFi(), expected);
-        QVERIFY(!service->errorMessage());
-    }
-
     void oddReadings()
     {
         for (const double rate : {0.0, -1.0, double(INFINITY), double(NAN), 3e9})
@@ -79,9 +66,37 @@ private Q_SLOTS:
         QCOMPARE(makeWiFiInfo({.transmitRateMbps = 11529.6}, {}).linkRate, 11529); // Wi-Fi 7
         const auto info = makeWiFiInfo({.signalDbm = 0, .noiseDbm = 0}, {});
         QVERIFY(!info.signalStrength && !info.noise);
-        QCOMPARE(info.frequency, WiFiFrequency::unknown);
-        QCOMPARE(makeWiFiInfo({.band = platform::ChannelBand::Unknown}, {}).frequency,
-            WiFiFrequency::fiveGHz);
+    }
+
+    /// A rate index says more than the band.
+    void standards()
+    {
+        using enum WiFiFrequency;
+        const std::tuple<std::optional<int>, WiFiFrequency, QString> rows[]
+            = {{{}, sixGHz, u"802.11ax (WiFi 6E)"_s}, {{}, unknown, u"Unknown"_s},
+                {9, sixGHz, u"802.11ac (WiFi 5)"_s}, {10, fiveGHz, u"802.11ax (WiFi 6)"_s}};
+        for (const auto& [mcs, band, standard] : rows)
+            QCOMPARE((WiFiInfo {.frequency = band, .mcsIndex = mcs}.phyMode()), standard);
+    }
+
+    void seriesOfTheGraphs()
+    {
+        const std::pair<std::vector<std::optional<int>>, std::vector<double>> rows[] = {
+            {{-54, -54, -54}, {54, 54}}, // begins with two equal ones
+            {{-60, -58, 58}, {60, 58}}, // equal by magnitude
+            {{-60, {}, -61}, {60, 61}},
+            {{-1, -2, -3, -4, -5, -6, -7, -8, -9, -10, -11}, {2, 3, 4, 5, 6, 7, 8, 9, 10, 11}},
+            {{std::numeric_limits<int>::min()}, {2147483648.0}},
+        };
+        for (const auto& [readings, expected] : rows) {
+            WiFiMetricsHistory history(*m_clock);
+            for (const auto signal : readings)
+                history.addDataPoint({}, signal, {});
+            std::vector<double> values;
+            for (const auto& point : history.signalHistory())
+                values.push_back(point.value);
+            QCOMPARE(values, expected);
+        }
     }
 
     void passesAreSpacedAndNeverOverlap()
@@ -131,9 +146,6 @@ private Q_SLOTS:
             nextPass();
         QCOMPARE(service->updateCount(), 10);
         QCOMPARE(m_log.take().filter(u"WiFiService"_s), QStringList {u"WiFiService: Update #10"_s});
-        service->startMonitoring();
-        QCOMPARE(m_log.take(),
-            QStringList {u"WiFiService: startMonitoring() called but timer already exists"_s});
         service->stopMonitoring();
         m_clock->advance(60s);
         QCOMPARE(service->updateCount(), 10);
@@ -142,43 +154,23 @@ private Q_SLOTS:
 
     void whatCountsAsChange()
     {
-        using Change = void (*)(platform::LinkReading&);
-        const std::pair<Change, bool> rows[] = {
-            {[](auto&) {}, false},
-            {[](auto& r) { r.ssid = u"Office"_s; }, true},
-            {[](auto& r) { r.signalDbm = -61; }, true},
-            {[](auto& r) { r.transmitRateMbps = 780; }, true},
-            {[](auto& r) { r.noiseDbm = -80; }, false},
-            {[](auto& r) { r.band = platform::ChannelBand::TwoGHz; }, false},
-        };
+        auto& reading = *m_interface->reading;
+        const std::pair<std::function<void()>, bool> rows[] = {
+            {[&] { reading.ssid = u"Office"_s; }, true}, {[&] { reading.signalDbm = -61; }, true},
+            {[&] { reading.transmitRateMbps = 780; }, true},
+            {[&] { reading.noiseDbm = -80; }, false}};
         CountingObserver observer;
         const auto service = makeService();
         service->setNetworkNotificationService(&observer);
         test::settle(m_queue);
         for (const auto& [change, isPublished] : rows) {
             const QSignalSpy changes(service.get(), &WiFiService::currentWiFiChanged);
-            change(*m_interface->reading);
+            change();
             nextPass();
             QCOMPARE(changes.count(), isPublished ? 1 : 0);
-            QCOMPARE(observer.snapshots.back().noise, m_interface->reading->noiseDbm);
+            QCOMPARE(observer.snapshots.back().noise, reading.noiseDbm);
         }
-        QCOMPARE(observer.snapshots.size(), 7U); // every pass, published or not
-    }
-
-    void radioOffIsToldAtOnce()
-    {
-        CountingObserver observer;
-        const auto service = makeService();
-        test::settle(m_queue);
-        service->setNetworkNotificationService(&observer);
-        m_interface->isOn = false;
-        m_clock->advance(5s);
-        QVERIFY(!service->currentWiFi() && !service->isUpdating());
-        QCOMPARE(service->errorMessage(), u"Wi-Fi is turned off"_s);
-        QVERIFY(observer.snapshots.empty());
-        m_interface->isOn = true;
-        nextPass();
-        QVERIFY(service->currentWiFi() && !service->errorMessage());
+        QCOMPARE(observer.snapshots.size(), 5U); // every pass, published or not
     }
 
     void adapterComesAndGoes()
@@ -194,6 +186,12 @@ private Q_SLOTS:
         nextPass();
         QCOMPARE(service->currentWiFi()->ssid, u"Home"_s);
 
+        m_interface->isOn = false;
+        m_clock->advance(5s);
+        QVERIFY(!service->currentWiFi() && !service->isUpdating());
+        QCOMPARE(service->errorMessage(), u"Wi-Fi is turned off"_s);
+        m_interface->isOn = true;
+
         m_interface->reading.reset();
         const auto other = std::make_shared<simulated::WiFiInterface>();
         other->reading = platform::LinkReading {.ssid = u"Other"_s};
@@ -205,6 +203,29 @@ private Q_SLOTS:
         nextPass();
         QCOMPARE(service->errorMessage(), u"No Wi-Fi interface available"_s);
         QVERIFY(!service->currentWiFi() && !service->isUpdating());
+    }
+
+    void onlyAlwaysIsPermission()
+    {
+        for (const auto status :
+            {Status::Denied, Status::AuthorizedWhenInUse, Status::AuthorizedAlways}) {
+            m_manager.status = status;
+            m_permission->checkAuthorizationStatus();
+            QCOMPARE(m_permission->authorizationStatus(), status);
+            QCOMPARE(m_permission->isAuthorized(), status == Status::AuthorizedAlways);
+        }
+        QCOMPARE(m_log.take(),
+            QStringList {u"LocationPermissionService: Authorization status changed - "
+                         "isAuthorized: true, status: 3"_s});
+        QCOMPARE(m_manager.requests, 0); // never by itself
+    }
+
+    /// The user may have granted it elsewhere meanwhile.
+    void permissionIsReadWhenTheProgramIsActivated()
+    {
+        m_manager.status = Status::AuthorizedAlways;
+        Q_EMIT m_activity.didBecomeActive();
+        QVERIFY(m_permission->isAuthorized());
     }
 
     void withoutNameThePermissionDecides()
