@@ -137,17 +137,10 @@ private Q_SLOTS:
                 m_found[service->targetHost()] += hop.ipAddress;
     }
 
-    void paths_data()
-    {
-        QTest::addColumn<QString>("host");
-        QTest::addColumn<QStringList>("hops");
-        for (const auto& [host, hops] : expectations())
-            QTest::newRow(qPrintable(host)) << host << hops;
-    }
     void paths()
     {
-        QFETCH(QString, host);
-        QTEST(m_found.value(host), "hops");
+        for (const auto& [host, hops] : expectations())
+            QCOMPARE(m_found.value(host), hops);
     }
 
 private:
@@ -160,15 +153,10 @@ private:
             {u"10.0.4.2"_s, way + QStringList {u"10.0.4.2"_s}},
             {u"four.test"_s, way + QStringList {u"four.test"_s}},
             {u"six.test"_s, {u"fd00:1::2"_s, no, u"fd00:3::2"_s, u"six.test"_s}},
-            {u"10.0.3.2"_s, way},
             {u"203.0.113.9"_s, nothing}, // prohibited by the first router
             {u"198.51.100.9"_s, {u"10.0.1.2"_s, no, no, no}}, // the third has no route
             {u"192.0.2.9"_s, nothing}, // prohibited on this machine
-            {u"255.255.255.255"_s, nothing},
-            {u"127.0.0.1"_s, {u"127.0.0.1"_s}},
             {u"127.0.0.5"_s, {u"127.0.0.5"_s}}, // somebody listens and answers
-            {u"0.0.0.0"_s, {u"0.0.0.0"_s}},
-            {u"::ffff:127.0.0.1"_s, {u"::ffff:127.0.0.1"_s}},
             {u"no.such.host.test"_s, nothing},
         };
     }

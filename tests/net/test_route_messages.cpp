@@ -60,7 +60,6 @@ QByteArray group(std::initializer_list<quint32> members)
 }
 
 const QByteArray kHead = head(&rtmsg::rtm_tos, 0);
-const QByteArray kIPv6 = QByteArray("\xfe\x80", 2) + QByteArray(14, '\1');
 
 } // namespace
 
@@ -82,31 +81,17 @@ private Q_SLOTS:
         row("lowest metric", 2,
             {kHead + main + metric(600) + gateway(1), kHead + metric(100) + gateway(2),
                 kHead + metric(3000000000) + gateway(3)});
-        row("no metric", 2, {kHead + metric(1) + gateway(1), kHead + gateway(2)});
         row("point to point", 2, {kHead + link, kHead + metric(9) + gateway(2)});
-        row("some destinations", 0, {head(&rtmsg::rtm_dst_len, 1) + gateway(1)});
         row("another table", 0, {head(&rtmsg::rtm_table, RT_TABLE_LOCAL) + gateway(1)});
         row("a large table", 0, {head(&rtmsg::rtm_table, RT_TABLE_COMPAT) + other + gateway(1)});
-        row("unreachable", 0, {head(&rtmsg::rtm_type, RTN_UNREACHABLE) + gateway(1)});
-        row("some packets", 0, {head(&rtmsg::rtm_tos, 8) + gateway(1)});
-        row("dead", 0, {head(&rtmsg::rtm_flags, RTNH_F_DEAD) + gateway(1)});
-        row("no carrier", 1, {head(&rtmsg::rtm_flags, RTNH_F_LINKDOWN) + gateway(1)});
-        row("IPv6", 0, {head(&rtmsg::rtm_family, AF_INET6) + gateway(1)});
         row("via IPv4", 5, {kHead + attribute(RTA_VIA, raw(quint16(AF_INET)) + address(5))});
-        row("via IPv6", 0, {kHead + attribute(RTA_VIA, raw(quint16(AF_INET6)) + kIPv6)});
-        row("gateway 0.0.0.0", 0, {kHead + attribute(RTA_GATEWAY, QByteArray(4, '\0'))});
         row("several paths", 3,
             {kHead
                 + attribute(RTA_MULTIPATH,
                     hop(RTNH_F_DEAD, gateway(1)) + hop(0, {}) + hop(0, gateway(3))
                         + hop(0, gateway(4)))});
-        row("next hop object", 11, {through(1)});
-        row("dead object", 0, {through(2)});
-        row("object over IPv6", 0, {through(3)});
         row("group", 11, {through(4)});
         row("group of itself", 0, {through(5)});
-        row("object that is gone", 0, {through(77)});
-        row("object spelt out", 9, {through(2) + gateway(9)});
     }
     void router()
     {
@@ -115,8 +100,7 @@ private Q_SLOTS:
         std::vector<NextHopRecord> nextHops;
         for (const QByteArray& message : {nextHop(1, 0, attribute(NHA_GATEWAY, address(11))),
                  nextHop(2, RTNH_F_DEAD, attribute(NHA_GATEWAY, address(12))),
-                 nextHop(3, 0, attribute(NHA_GATEWAY, kIPv6), AF_INET6),
-                 nextHop(4, 0, group({2, 3, 1}), AF_UNSPEC), nextHop(5, 0, group({5}), AF_UNSPEC)})
+                 nextHop(4, 0, group({2, 1}), AF_UNSPEC), nextHop(5, 0, group({5}), AF_UNSPEC)})
             nextHops.push_back(parseNextHop(bytesOf(message)).value());
         std::vector<RouteRecord> records;
         for (const QByteArray& message : routes) {

@@ -1,9 +1,7 @@
-#include "net/curl_http_client.h"
 #include "probes/captive_portal_service.h"
 #include "simulated/desktop.h"
 #include "simulated/http.h"
 #include "simulated/manual_clock.h"
-#include "support/scripted_http_server.h"
 #include "support/test_main.h"
 
 #include <QtTest>
@@ -12,9 +10,6 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using namespace netvane;
 using platform::HttpAnswer;
-using test::httpResponse;
-using test::Script;
-using test::ScriptedHttpServer;
 
 namespace {
 
@@ -22,11 +17,8 @@ const QUrl kProbe(u"https://probe.test/hotspot-detect.html"_s);
 const QUrl kLogin(u"http://portal.test/login"_s);
 const HttpAnswer kCaptive {.status = 200, .body = "log in"_ba, .finalUrl = kLogin};
 const HttpAnswer kFree {.status = 200, .body = "Success"_ba, .finalUrl = kProbe};
-const QByteArray kPage = "<HTML><BODY>Success</BODY></HTML>"_ba;
 
 } // namespace
-
-Q_DECLARE_METATYPE(Script)
 
 class TestCaptivePortalService : public QObject {
     Q_OBJECT
@@ -72,48 +64,6 @@ private Q_SLOTS:
         QVERIFY(!m_service.isCaptive());
         QCOMPARE(flag.size(), 2);
         QCOMPARE(address.size(), 3);
-    }
-
-    void overTheNetwork_data()
-    {
-        QTest::addColumn<Script>("script");
-        QTest::addColumn<bool>("isCaptive");
-        QTest::addColumn<QByteArray>("loginPath");
-        const auto movedTo = [](const QByteArray& where) {
-            return Script {httpResponse("302 Found", "Location: " + where + "\r\n", "")};
-        };
-        const auto probe = "/probe"_ba;
-        QTest::newRow("the probe page")
-            << Script {httpResponse("200 OK", "", kPage)} << false << probe;
-        QTest::newRow("leads to a page of its own") << movedTo("/login") << true << "/login"_ba;
-        QTest::newRow("leads to a file") << movedTo("file:///etc/hostname") << true << probe;
-        QTest::newRow("leads out of TLS") << movedTo("http://127.0.0.1:1/") << true << probe;
-        QTest::newRow("hangs up") << Script {} << true << probe;
-    }
-    void overTheNetwork()
-    {
-        QFETCH(Script, script);
-        QFETCH(QByteArray, loginPath);
-        ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
-        server.script("/probe", script);
-        server.script("/login", {httpResponse("200 OK", "", "<form/>")});
-        net::CurlHttpClient http(m_clock, ScriptedHttpServer::authorityFile());
-        probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/probe"));
-        service.checkForCaptivePortal();
-        QTRY_VERIFY(service.loginURL());
-        QTEST(service.isCaptive(), "isCaptive");
-        QCOMPARE(service.loginURL(), server.url(loginPath));
-    }
-
-    void aCertificateOfThePortalsOwnMeansCaptive()
-    {
-        ScriptedHttpServer server(ScriptedHttpServer::Transport::Tls);
-        server.script("/", {httpResponse("200 OK", "", kPage)});
-        net::CurlHttpClient http(m_clock); // with the system's authorities
-        probes::CaptivePortalService service(http, m_opener, m_clock, server.url("/"));
-        service.checkForCaptivePortal();
-        QTRY_VERIFY(service.isCaptive());
-        QCOMPARE(service.loginURL(), server.url("/"));
     }
 
 private:

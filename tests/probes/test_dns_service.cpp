@@ -5,7 +5,6 @@
 #include "support/captured_log.h"
 #include "support/test_main.h"
 
-#include <QProcess>
 #include <QtTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -13,8 +12,6 @@ using namespace std::chrono_literals;
 using namespace netvane;
 
 namespace {
-
-constexpr const char* kLeaveWhileHanging = "--leave-while-hanging";
 
 /// A service and all that it needs.
 struct World {
@@ -31,18 +28,6 @@ struct World {
 
 class TestDNSService : public QObject {
     Q_OBJECT
-
-public:
-    static std::optional<int> runAs(const QStringList& arguments)
-    {
-        if (arguments.isEmpty() || arguments[0] != QLatin1StringView(kLeaveWhileHanging))
-            return {};
-        World world;
-        world.resolver->isHeld = true;
-        world.service->start();
-        const auto begun = [&world] { return world.resolver->calls == 1; };
-        return QTest::qWaitFor(begun) ? 0 : 1;
-    }
 
 private Q_SLOTS:
     void init() { m_world = std::make_unique<World>(); }
@@ -66,21 +51,6 @@ private Q_SLOTS:
         QCOMPARE(service->lookupCount(), 13);
     }
 
-    void timesTheResolver()
-    {
-        auto& [clock, configuration, pool, network, resolver, service] = *m_world;
-        resolver->isHeld = true;
-        service->start();
-        QTRY_COMPARE(resolver->calls, 1);
-        QElapsedTimer held;
-        held.start();
-        QTest::qSleep(3);
-        const double shortest = double(held.nsecsElapsed()) / 1e6;
-        resolver->letGo.release();
-        QTRY_VERIFY(service->lookupTime());
-        QVERIFY(*service->lookupTime() >= shortest);
-    }
-
     void aFailureLeavesALineAndNothingElse()
     {
         auto& [clock, configuration, pool, network, resolver, service] = *m_world;
@@ -93,17 +63,6 @@ private Q_SLOTS:
             QStringList {
                 u"DNSService: DNS lookup failed for host.test: Name or service not known (status: -2)"_s});
         QVERIFY(!service->lookupTime() && service->history().empty());
-    }
-
-    void namesTheFirstServer()
-    {
-        auto& [clock, configuration, pool, network, resolver, service] = *m_world;
-        service->start();
-        QVERIFY(!service->dnsServer());
-        QTRY_COMPARE(service->dnsServer(), u"Unknown"_s);
-        configuration.servers = {u"fe80::1%wlan0"_s, u"9.9.9.9"_s};
-        clock.advance(5s);
-        QTRY_COMPARE(service->dnsServer(), u"fe80::1%wlan0"_s);
     }
 
     void hangingLookupsGatherNoFurtherOnes()
@@ -137,17 +96,6 @@ private Q_SLOTS:
         QCOMPARE(shared.use_count(), 2); // the lookup keeps what it needs
         shared->letGo.release();
         QTRY_COMPARE(shared.use_count(), 1);
-    }
-
-    void theProgramLeavesWhileALookupHangs()
-    {
-        QProcess child;
-        child.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        child.start(QCoreApplication::applicationFilePath(),
-            {u"dns_service"_s, QString::fromLatin1(kLeaveWhileHanging)});
-        QVERIFY(child.waitForFinished(20000));
-        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(child.exitCode(), 0);
     }
 
 private:

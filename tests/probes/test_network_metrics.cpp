@@ -26,25 +26,6 @@ private Q_SLOTS:
             QCOMPARE(metrics.mosQuality(), quality);
         }
     }
-
-    void id()
-    {
-        const std::chrono::system_clock::time_point time(std::chrono::milliseconds(1700000000500));
-        QCOMPARE((NetworkMetrics {.timestamp = time, .target = u"router"_s}.id()),
-            u"1700000000.5-router"_s);
-    }
-
-    void labelsBeginAtTheirBounds()
-    {
-        const std::pair<double, QString> bounds[]
-            = {{4.3, u"Good"_s}, {4.0, u"Fair"_s}, {3.6, u"Poor"_s}, {3.1, u"Bad"_s}};
-        QString above = u"Excellent"_s;
-        for (const auto& [bound, below] : bounds) {
-            QCOMPARE(mosQuality(bound), above);
-            QCOMPARE(mosQuality(std::nextafter(bound, 0)), below);
-            above = below;
-        }
-    }
 };
 
 NETVANE_TEST(TestNetworkMetrics)

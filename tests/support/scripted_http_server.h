@@ -21,13 +21,11 @@ struct Script {
     Then then = Then::Close;
 };
 
-/// A server on the loopback interface that does what the tests tell it, over TLS with the
-/// certificate of tests/data/loopback.pem or in the clear. Runs on the test's own thread.
+/// A server on the loopback interface that does what the tests tell it over TLS with the
+/// certificate of tests/data/loopback.pem. Runs on the test's own thread.
 class ScriptedHttpServer : public QTcpServer {
 public:
-    enum class Transport { Tls, Clear };
-    explicit ScriptedHttpServer(
-        Transport transport, const QHostAddress& address = QHostAddress::LocalHost);
+    ScriptedHttpServer();
 
     /// A PEM file with the server's certificate.
     static QString authorityFile();
@@ -35,10 +33,8 @@ public:
     void script(const QByteArray& path, const Script& script) { m_scripts.insert(path, script); }
     QUrl url(const QByteArray& path) const;
 
-    /// The heads of the requests so far.
+    /// The heads of the requests whose bodies have come, too.
     const QByteArrayList& requests() const { return m_requests; }
-    /// The bytes of the requests' bodies so far.
-    qint64 uploadedBytes() const { return m_uploadedBytes; }
     /// What was sent of the answers that do not end, beyond their scripts.
     qint64 endlessBytes() const { return m_endlessBytes; }
     int connectionCount() const { return m_connectionCount; }
@@ -51,10 +47,8 @@ private:
     void answer(QSslSocket& socket, QByteArray& received);
     void keepSending(QSslSocket& socket, const QByteArray& bytes);
 
-    const Transport m_transport;
     QHash<QByteArray, Script> m_scripts;
     QByteArrayList m_requests;
-    qint64 m_uploadedBytes = 0;
     qint64 m_endlessBytes = 0;
     int m_connectionCount = 0;
     int m_openConnections = 0;

@@ -3,7 +3,6 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
-#include <sys/timerfd.h>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -111,14 +110,8 @@ using namespace netvane::faults;
 
 NETVANE_CALL(int, socket, (int domain, int type, int protocol), (domain, type, protocol),
     familyName(domain), noexcept)
-NETVANE_CALL(int, bind, (int fd, const sockaddr* address, socklen_t length), (fd, address, length),
-    fd, noexcept)
 NETVANE_CALL(
     int, connect, (int fd, const sockaddr* address, socklen_t length), (fd, address, length), fd, )
-NETVANE_CALL(int, getsockname, (int fd, sockaddr* address, socklen_t* length),
-    (fd, address, length), fd, noexcept)
-NETVANE_CALL(int, getpeername, (int fd, sockaddr* address, socklen_t* length),
-    (fd, address, length), fd, noexcept)
 NETVANE_CALL(int, setsockopt, (int fd, int level, int name, const void* value, socklen_t length),
     (fd, level, name, value, length), fd, noexcept)
 NETVANE_CALL(int, getsockopt, (int fd, int level, int name, void* value, socklen_t* length),
@@ -133,10 +126,6 @@ NETVANE_CALL(ssize_t, recvmsg, (int fd, msghdr* message, int flags), (fd, messag
 NETVANE_CALL(int, poll, (pollfd * watched, nfds_t count, int timeout), (watched, count, timeout),
     count == 1 ? watched->fd : -1, )
 NETVANE_CALL(int, eventfd, (unsigned int value, int flags), (value, flags), "", noexcept)
-NETVANE_CALL(int, timerfd_create, (clockid_t clock, int flags), (clock, flags), "", noexcept)
-NETVANE_CALL(int, timerfd_settime,
-    (int fd, int flags, const itimerspec* wanted, itimerspec* before), (fd, flags, wanted, before),
-    "", noexcept)
 NETVANE_CALL(int, pipe2, (int* ends, int flags), (ends, flags), "", noexcept)
 NETVANE_CALL(ssize_t, read, (int fd, void* bytes, size_t size), (fd, bytes, size), fd, )
 NETVANE_CALL(ssize_t, write, (int fd, const void* bytes, size_t size), (fd, bytes, size), fd, )

@@ -1,5 +1,5 @@
-#include "base/background_work.h"
 #include "base/termination_signals.h"
+#include "base/work_queues.h"
 #include "fault.h"
 #include "support/test_main.h"
 
@@ -54,21 +54,6 @@ private Q_SLOTS:
             if (what == u"signals")
                 QVERIFY(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0);
         }
-    }
-
-    /// There is no thread to be had for a while, as when a user's limit is reached.
-    void workGoesOnWithoutNewThreads()
-    {
-        base::WorkQueues queues;
-        const ArmedFault armed({"pthread_create", EAGAIN, "", 0, 1000});
-        for (auto* queue : {&queues.userInitiated, &queues.utility}) {
-            int results = 0;
-            for (int i = 0; i < 20; ++i)
-                base::runInBackground(
-                    *queue, this, [] { return 1; }, [&](int one) { results += one; });
-            QTRY_COMPARE(results, 20);
-        }
-        QCOMPARE(armed.hits(), 0);
     }
 };
 

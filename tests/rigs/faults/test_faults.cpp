@@ -1,19 +1,15 @@
 #include "base/background_work.h"
-#include "base/process_memory.h"
 #include "base/system_clock.h"
 #include "bus/bus_link.h"
 #include "desktop/settings_file.h"
-#include "desktop/suspend_watch.h"
 #include "diagnostics/traceroute_service.h"
 #include "fault.h"
-#include "insights/report_service.h"
 #include "net/linux_network_configuration.h"
 #include "net/socket_connections.h"
 #include "net/socket_hop_probes.h"
 #include "net/system_resolver.h"
 #include "probes/dns_service.h"
 #include "probes/network_utils.h"
-#include "simulated/desktop.h"
 #include "simulated/manual_clock.h"
 #include "support/captured_log.h"
 #include "support/own_network.h"
@@ -201,29 +197,6 @@ private:
         return logged() + (content(m_path) == kEarlier ? u" earlier"_s : u" later"_s);
     }
 
-    QString saveReport()
-    {
-        write(m_path, kEarlier);
-        simulated::SavePanel panel;
-        simulated::Clipboard clipboard;
-        simulated::SharePicker picker;
-        insights::ReportService service(
-            [] { return std::nullopt; }, m_clock, m_queues.utility, {clipboard, panel, picker});
-        std::optional<bool> written;
-        service.saveReport(u"# Report"_s, [&](bool isWritten) { written = isWritten; });
-        panel.chosen(m_path);
-        (void)QTest::qWaitFor([&] { return written.has_value(); });
-        return logged() + (written.value_or(false) ? u" written "_s : u" failed "_s)
-            + (content(m_path) == kEarlier ? u"earlier "_s : u"later "_s)
-            + QString::number(files());
-    }
-
-    QString readServers()
-    {
-        write(m_path, "nameserver 9.9.9.9\n");
-        return net::LinuxNetworkConfiguration({.resolvConf = m_path}).dnsServers().join(u' ');
-    }
-
     /// What a TCP probe tells.
     QString connectTo(const QString& host)
     {
@@ -265,16 +238,6 @@ private:
         return service.lookupTime() ? u"found"_s : log;
     }
 
-    static QString wakeUp()
-    {
-        simulated::ManualClock clock;
-        desktop::SuspendWatch watch(clock);
-        const QSignalSpy woken(&watch, &platform::SleepMonitor::didWake);
-        clock.sleep(1h);
-        watch.wallClockJumped();
-        return QString::number(woken.size());
-    }
-
     QString connectToBus()
     {
         simulated::ManualClock clock;
@@ -306,19 +269,6 @@ private:
         rows("settings are read", [this] { return readSettings(); }, u" later"_s,
             {{{"open", EMFILE, kFolder, 1}, notRead(EMFILE)},
                 {{"read", EIO, kFolder}, notRead(EIO)}});
-        const auto notSaved = [](int error) {
-            return u"ReportService: Failed to save file: "_s + qt_error_string(error)
-                + u" failed earlier 1"_s;
-        };
-        rows("a report is saved", [this] { return saveReport(); }, u" written later 1"_s,
-            {{{"write", ENOSPC, kFolder, 1, kAll}, notSaved(ENOSPC)},
-                {{"fdatasync", EIO, kFolder, 0, kAll}, notSaved(EIO)},
-                {{"rename", EACCES, kFolder, 0, kAll}, notSaved(EACCES)}});
-        rows("servers are read", [this] { return readServers(); }, u"9.9.9.9"_s,
-            {{{"open", EMFILE, kFolder, 1}, u""_s}, {{"read", EIO, kFolder}, u""_s}});
-        const auto memory = [] { return base::residentBytes() ? u"known"_s : u"absent"_s; };
-        rows("memory is read", memory, u"known"_s,
-            {{{"open", EMFILE, "statm"}, u"absent"_s}, {{"read", EIO, "statm"}, u"absent"_s}});
     }
 
     void addNetworkRows(const auto& rows)
@@ -340,23 +290,17 @@ private:
             {{{"socket", EMFILE, "inet", 0, kAll}, no},
                 {{"setsockopt", ENOPROTOOPT, "inet", 0, kAll}, no},
                 {{"connect", ENETUNREACH, "inet", 0, kAll}, no},
-                {{"getpeername", ENOBUFS, "inet", 0, kAll}, no},
                 {{"send", EPERM, "inet", 0, kAll}, no}, {{"recvmsg", EINTR, "inet"}, here}});
         const QString none = u"none"_s;
         rows("gateway", [this] { return gateway(); }, u"10.9.0.2"_s,
-            {{{"socket", EMFILE, "netlink"}, none}, {{"bind", ENOMEM, "netlink"}, none},
-                {{"getsockname", ENOBUFS, "netlink"}, none},
-                {{"setsockopt", ENOBUFS, "netlink"}, none}, {{"sendmsg", ENOBUFS, "netlink"}, none},
-                {{"recvmsg", ENOBUFS, "netlink"}, none}, {{"recvmsg", EAGAIN, "netlink"}, none},
-                {{"recvmsg", ENOMEM, "netlink"}, none}});
+            {{{"socket", EMFILE, "netlink"}, none}, {{"sendmsg", ENOBUFS, "netlink"}, none},
+                {{"recvmsg", ENOBUFS, "netlink"}, none}, {{"recvmsg", ENOMEM, "netlink"}, none}});
         const QString noThread = u"DNSService: No thread to be had for a lookup"_s;
         rows("look-up", [this] { return lookUp(); }, u"found"_s,
             {{{"getaddrinfo", EAI_AGAIN, faults::kKnownHost},
                  u"DNSService: DNS lookup failed for %1: %2 (status: -3)"_s.arg(
                      kPeer, told(EAI_AGAIN))},
                 {{"pthread_create", EAGAIN}, noThread}, {{"eventfd", EMFILE}, noThread}});
-        rows("a wake-up", wakeUp, u"1"_s,
-            {{{"timerfd_create", EMFILE}, u"1"_s}, {{"timerfd_settime", EINVAL}, u"1"_s}});
         const QString absent = u"absent, then connected"_s;
         rows("bus", [this] { return connectToBus(); }, u"connected"_s,
             {{{"socket", EMFILE, "unix"}, absent}, {{"connect", ECONNREFUSED, "unix"}, absent},
