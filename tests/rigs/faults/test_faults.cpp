@@ -134,7 +134,7 @@ private Q_SLOTS:
         QFETCH(QString, good);
         // What stays open after the first use.
         QCOMPARE(round(), good);
-        const int descriptors = openDescriptors();
+        const auto descriptors = openDescriptors();
         {
             const ArmedFault armed(fault);
             QCOMPARE(round(), meanwhile);
