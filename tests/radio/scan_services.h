@@ -51,12 +51,11 @@ inline Script manager(const Answer& scan = reply(), bool isManaged = true)
         {u"RequestScan"_s, scan}};
 }
 
-inline Script iwd(const Answer& scan = reply(), const QVariant& device = u"wlan0"_s,
-    const QString& mode = u"Station"_s)
+inline Script iwd(const Answer& scan = reply(), const QString& mode = u"Station"_s)
 {
     const ManagedObjects objects {{QDBusObjectPath(u"/net/connman/iwd"_s), {}},
         {QDBusObjectPath(kTraits.at(kIwd).object),
-            {{kIwd + u".Device"_s, {{u"Name"_s, device}}}, {kIwd + u'.' + mode, {}}}}};
+            {{kIwd + u".Device"_s, {{u"Name"_s, u"wlan0"_s}}}, {kIwd + u'.' + mode, {}}}}};
     return {{u"GetManagedObjects"_s, reply({QVariant::fromValue(objects)})}, {u"Scan"_s, scan}};
 }
 

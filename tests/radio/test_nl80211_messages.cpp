@@ -26,7 +26,6 @@ QByteArray flags(quint32 mask, quint32 set)
 
 const QByteArray kSignal61 = attribute(NL80211_STA_INFO_SIGNAL, raw(qint8(-61)));
 const QByteArray kAverage63 = attribute(NL80211_STA_INFO_SIGNAL_AVG, raw(qint8(-63)));
-const QByteArray kBeacon65 = attribute(NL80211_STA_INFO_BEACON_SIGNAL_AVG, raw(qint8(-65)));
 
 } // namespace
 
@@ -50,11 +49,6 @@ private Q_SLOTS:
                 + attribute(NL80211_ATTR_IFTYPE, raw(quint64(2)))
                 + attribute(NL80211_ATTR_IFNAME, "w"_ba) + attribute(NL80211_ATTR_WIPHY_FREQ, {})));
         QCOMPARE(oddSizes, (InterfaceRecord {.name = "w"_ba}));
-
-        const auto severalLinks = parseInterface(bytesOf(attribute(NL80211_ATTR_MLO_LINKS,
-            attribute(1, attribute(NL80211_ATTR_MLO_LINK_ID, raw(quint8(0))))
-                + attribute(2, attribute(NL80211_ATTR_WIPHY_FREQ, raw(quint32(5955)))))));
-        QCOMPARE(severalLinks.frequencyMhz, 5955);
     }
 
     void stations_data()
@@ -66,9 +60,7 @@ private Q_SLOTS:
             QTest::newRow(name) << station(info) << dbm << mbps;
         };
         row("nothing", {}, 0);
-        row("signal first", kBeacon65 + kAverage63 + kSignal61, -61);
-        row("average second", kBeacon65 + kAverage63, -63);
-        row("beacons last", kBeacon65, -65);
+        row("signal first", kAverage63 + kSignal61, -61);
         row("odd signal", attribute(NL80211_STA_INFO_SIGNAL, raw(qint32(-61))) + kAverage63, -63);
         row("claims too much", attribute(NL80211_STA_INFO_SIGNAL, raw(qint8(-61)), 200), 0);
         const QByteArray narrow = attribute(NL80211_RATE_INFO_BITRATE, raw(quint16(8667)));
@@ -110,14 +102,10 @@ private Q_SLOTS:
         constexpr quint32 kDirect = 1U << NL80211_STA_FLAG_TDLS_PEER;
         const auto tdls = peer(flags(kDirect | kAssociated, kDirect | kAssociated)
             + attribute(NL80211_STA_INFO_SIGNAL, raw(qint8(-20))));
-        const auto leaving
-            = peer(flags(kAssociated, 0) + attribute(NL80211_STA_INFO_SIGNAL, raw(qint8(-30))));
-        const auto blank = peer({});
         const auto mine = peer(flags(kAssociated, kAssociated) + kSignal61);
-        QCOMPARE(linkReading({}, {tdls, leaving, blank, mine}, {}, {}).signalDbm, -61);
+        QCOMPARE(linkReading({}, {tdls, mine}, {}, {}).signalDbm, -61);
         // Without a link there is no channel either.
-        const auto none
-            = linkReading({.name = "wlan0"_ba, .frequencyMhz = 5180}, {tdls, leaving}, {}, {});
+        const auto none = linkReading({.name = "wlan0"_ba, .frequencyMhz = 5180}, {tdls}, {}, {});
         QCOMPARE(none, LinkReading {.interfaceName = u"wlan0"_s});
     }
 

@@ -9,8 +9,8 @@
 
 namespace netvane::test {
 
-/// A kernel with one interface, "wlan0", whose events are datagrams that the test sends. The
-/// answers are set before a scan begins.
+/// A kernel with one interface, "wlan0", whose events are datagrams that the test sends. `table`
+/// is set before a scan ends.
 class FakeScanKernel : public radio::ScanKernel {
 public:
     /// `family` is the number of nl80211 in the events, which are about the interface 3.
@@ -27,23 +27,17 @@ public:
 
     base::Result<radio::ScanSetup> prepare() override
     {
-        if (absence)
-            return *absence;
         return radio::ScanSetup {{3, QStringLiteral("wlan0")},
             std::make_shared<radio::ScanEvents>(base::FileDescriptor(::dup(m_ends[0])), m_family)};
     }
     base::Result<std::monostate> trigger(const radio::ScanInterface&) override
     {
         ++triggers;
-        if (refusal)
-            return *refusal;
         return std::monostate {};
     }
     base::Result<std::vector<radio::BssRecord>> readTable(const radio::ScanInterface&) override
     {
         ++reads;
-        if (unreadable)
-            return *unreadable;
         return table;
     }
 
@@ -53,9 +47,6 @@ public:
             = ::send(m_ends[1], datagram.constData(), size_t(datagram.size()), 0);
     }
 
-    std::optional<base::Failure> absence;
-    std::optional<base::Failure> refusal;
-    std::optional<base::Failure> unreadable;
     std::vector<radio::BssRecord> table {{.frequencyMhz = 2437, .bssid = "\2\0\0\0\0"}};
     std::atomic<int> triggers = 0;
     std::atomic<int> reads = 0;

@@ -4,10 +4,7 @@
 #include "demo/script.h"
 #include "demo/staged_program.h"
 #include "desktop/freedesktop_notifications.h"
-#include "desktop/portal_appearance.h"
-#include "desktop/session_status_notifier_host.h"
 #include "desktop/settings_file.h"
-#include "radio/scan_permission.h"
 #include "support/captured_log.h"
 #include "support/fake_bus_service.h"
 #include "support/private_bus.h"
@@ -30,8 +27,7 @@ public:
     {
         for (const char* variable : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
             qputenv(variable, m_bus.address().toUtf8());
-        if (!m_folder.isValid() || !startBus())
-            qFatal("no temporary folder or no bus");
+        startBus();
         program = std::make_unique<demo::StagedProgram>(application,
             demo::StageOptions {.scenes = scenes(), .held = u"home"_s, .hasStatusArea = true},
             [this](demo::Stage& stage) { change(stage); });
@@ -41,9 +37,6 @@ public:
     {
         delegate().applicationWillTerminate();
         program->settle();
-        m_permission.reset();
-        m_appearance.reset();
-        m_panel.reset();
         program.reset();
     }
 
@@ -66,10 +59,10 @@ public:
             complaints.append(QString::fromLatin1(what));
     }
     /// A bus with a service that shows notifications.
-    bool startBus()
+    void startBus()
     {
         if (!m_bus.start())
-            return false;
+            qFatal("no bus");
         m_shower = std::make_unique<test::FakeBusService>(m_bus.address(),
             u"org.freedesktop.Notifications"_s, u"/org/freedesktop/Notifications"_s,
             [this](const QDBusMessage& call) {
@@ -78,7 +71,6 @@ public:
                     ? call.createReply(QStringList {u"body"_s})
                     : call.createReply(uint(++shownNotifications));
             });
-        return true;
     }
     /// It goes without notice, with all who are on it.
     void stopBus()
@@ -113,14 +105,13 @@ public:
 
     std::unique_ptr<demo::StagedProgram> program;
     std::atomic<int> journey = 0; ///< not zero: the number in the name of a new network
-    std::atomic<bool> isUnplugged = false; ///< the adapter is gone
     bool isScanConstant = false; ///< each scan finds the same networks
     qint64 logLines = 0;
     qint64 shownNotifications = 0;
     QStringList complaints; ///< of the views' engine, and what did not happen
 
 private:
-    /// The demonstration's, with look-ups that end at once, and a place without any network.
+    /// The demonstration's, with look-ups that end at once.
     static std::vector<demo::Scene> scenes()
     {
         auto all = demo::scenes();
@@ -128,10 +119,6 @@ private:
             if (scene.lookupTime)
                 scene.lookupTime = 0us;
         }
-        all.push_back({.name = u"lost"_s,
-            .link = {.interfaceName = u"wlan0"_s},
-            .downloadMbps = 1,
-            .uploadMbps = 1});
         return all;
     }
 
@@ -141,9 +128,6 @@ private:
         auto& platform = parts.platform;
         auto bus = std::make_unique<bus::BusLink>(
             QDBusConnection::SessionBus, parts.clock, parts.queues.userInitiated);
-        m_permission = std::make_unique<radio::ScanPermission>(*bus);
-        m_appearance = std::make_unique<desktop::PortalAppearance>(*bus);
-        m_panel = std::make_unique<desktop::SessionStatusNotifierHost>(*bus);
         platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*bus);
         platform.sessionBus = std::move(bus);
         platform.userDefaults = std::make_unique<desktop::SettingsFile>(
@@ -151,8 +135,6 @@ private:
         platform.userDefaults->setBoolean(u"netvane.onboarding.completed"_s, true);
         m_sleepMonitor = platform.sleepMonitor.get();
         parts.interface->script = [this, &stage]() -> std::optional<platform::LinkReading> {
-            if (isUnplugged)
-                return {};
             auto reading = stage.link();
             if (journey != 0 && reading.ssid)
                 reading.ssid = u"Train %1"_s.arg(journey.load());
@@ -164,15 +146,10 @@ private:
         };
     }
 
-    /// Every third scan fails; the others find hundreds of networks that were never there before.
+    /// Each scan finds hundreds of networks that were never there before.
     void endScan()
     {
         const int scan = isScanConstant ? 0 : m_scans;
-        if (scan != 0 && scan % 3 == 0) {
-            parts().scanner.finish(
-                base::Failure {base::FailureKind::Other, u"the driver is busy"_s});
-            return;
-        }
         std::vector<platform::NearbyNetwork> found;
         for (int i = 0; i < 200 + scan * 37 % 800; ++i)
             found.push_back({.ssid = u"neighbour %1 of %2"_s.arg(i).arg(scan),
@@ -186,10 +163,6 @@ private:
     QTemporaryDir m_folder;
     test::PrivateBus m_bus;
     std::unique_ptr<test::FakeBusService> m_shower;
-    // They follow the bus beside the program, which asks the simulated ones.
-    std::unique_ptr<radio::ScanPermission> m_permission;
-    std::unique_ptr<desktop::PortalAppearance> m_appearance;
-    std::unique_ptr<desktop::SessionStatusNotifierHost> m_panel;
     platform::SleepMonitor* m_sleepMonitor = nullptr;
     int m_scans = 0;
     std::unique_ptr<base::Timer> m_scanEnd;

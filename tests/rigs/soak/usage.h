@@ -45,11 +45,7 @@ inline qint64 residentKib()
 {
     QFile file(QStringLiteral("/proc/self/status"));
     const QByteArray status = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    return status.mid(status.indexOf("VmRSS:") + 6)
-        .simplified()
-        .split(' ')
-        .constFirst()
-        .toLongLong();
+    return status.mid(status.indexOf("VmRSS:") + 6).simplified().split(' ')[0].toLongLong();
 }
 
 /// Gives freed memory back to the system first. Each speed test that was watched since the first
