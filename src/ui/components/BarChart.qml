@@ -59,7 +59,7 @@ Item {
         font.family: Theme.footnote.family
         font.pixelSize: 9
     }
-    Repeater {
+    Rows {
         model: root.marks.map(mark => ({
             text: mark, left: root.plotLeft, right: root.width - root.overhang,
             y: root.plotBottom - root.heightOf(mark)
@@ -84,7 +84,7 @@ Item {
             }
         }
     }
-    Repeater {
+    Rows {
         model: root.columns()
 
         Item {

@@ -30,7 +30,7 @@ FocusScope {
             Accessible.role: Accessible.StaticText
             Accessible.name: "Page " + (root.currentStep + 1) + " of 3"
 
-            Repeater {
+            Rows {
                 model: [root.currentStep >= 0, root.currentStep >= 1, root.currentStep >= 2]
 
                 Rectangle {
