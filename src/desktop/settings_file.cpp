@@ -122,8 +122,16 @@ void SettingsFile::set(const QString& key, const QJsonValue& value)
 {
     if (m_content.values.value(key) == value)
         return;
-    // An undefined value takes the key away.
-    m_content.values.insert(key, value);
+    // A JSON object of Qt keeps the bytes of a text that was replaced or removed, so the values
+    // move to a new one.
+    QJsonObject values;
+    for (auto it = m_content.values.constBegin(); it != m_content.values.constEnd(); ++it) {
+        if (it.key() != key)
+            values.insert(it.key(), it.value());
+    }
+    if (!value.isUndefined())
+        values.insert(key, value);
+    m_content.values = std::move(values);
     storeSoon();
 }
 

@@ -65,10 +65,8 @@ public:
         // What the views' engine would collect some time later anyway.
         if (auto* popover = delegate().popover()->window())
             qmlEngine(&windows::rootOf(*popover))->collectGarbage();
-        return settledUsage(watchedTests);
+        return settledUsage();
     }
-
-    int watchedTests = 0; ///< speed tests that a view showed
 
 private:
     void goTo(const QString& scene) { program->stage().hold(scene); }
@@ -85,7 +83,6 @@ private:
     {
         dashboard.channelAnalysis()->scan();
         dashboard.speedTest()->runTest();
-        ++watchedTests;
         dashboard.traceroute()->run();
         pass(20s, 250ms);
         pass(40s);
@@ -165,7 +162,6 @@ bool soakFor(QApplication& application, int days, std::chrono::minutes hour)
     world.live(hour);
     auto first = world.rest();
     const qint64 firstLines = world.logLines;
-    world.watchedTests = 0;
     std::vector<soak::Figure> last;
     for (int day = 1; day < days; ++day) {
         world.live(hour);

@@ -86,7 +86,7 @@ public:
         program->settle();
     }
     /// What the program holds when nothing is under way.
-    std::vector<Figure> settledUsage(int watchedTests)
+    std::vector<Figure> settledUsage()
     {
         parts().queues.utility.waitForDone();
         // Threads of look-ups end a moment after their answer.
@@ -94,7 +94,7 @@ public:
             QThread::msleep(10);
             program->settle();
         }
-        auto usage = usageNow(watchedTests);
+        auto usage = usageNow();
         usage.push_back({"running timers", program->clock().timerCount()});
         usage.push_back({"files of settings", entries(m_folder.path())});
         return usage;

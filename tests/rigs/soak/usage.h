@@ -48,22 +48,19 @@ inline qint64 residentKib()
     return status.mid(status.indexOf("VmRSS:") + 6).simplified().split(' ')[0].toLongLong();
 }
 
-/// Gives freed memory back to the system first. Each speed test that was watched since the first
-/// figures may have left something in the views' engine.
-inline std::vector<Figure> usageNow(int watchedTests)
+/// Gives freed memory back to the system first.
+inline std::vector<Figure> usageNow()
 {
     std::vector<Figure> usage {{"open descriptors", entries(QStringLiteral("/proc/self/fd"))},
         // A thread of a pool that idles for long ends.
         {"threads", entries(QStringLiteral("/proc/self/task")), 1}, {"QObjects", g_objects}};
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     // A sanitizer keeps what was freed. Over thirty days a byte lost with each sample would be half
-    // a mebibyte. The rows of the list of recent tests are made anew after each: some 5 KiB of that
-    // are not given back, by tables that double.
-    const qint64 left = watchedTests * 8;
+    // a mebibyte.
     ::malloc_trim(0);
     const auto heap = ::mallinfo2();
-    usage.push_back({"heap in use, KiB", qint64(heap.uordblks + heap.hblkhd) / 1024, 256 + left});
-    usage.push_back({"resident, KiB", residentKib(), 4096 + left});
+    usage.push_back({"heap in use, KiB", qint64(heap.uordblks + heap.hblkhd) / 1024, 256});
+    usage.push_back({"resident, KiB", residentKib(), 4096});
 #endif
     return usage;
 }
