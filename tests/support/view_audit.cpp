@@ -2,8 +2,6 @@
 
 #include <QAccessible>
 #include <QQuickItem>
-#include <QQuickWindow>
-#include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -12,7 +10,6 @@ namespace {
 
 constexpr double kRounding = 1.0; ///< points by which a text may be larger than its box
 constexpr int kElideMiddle = 2; ///< QQuickText::ElideMiddle
-constexpr int kMostControls = 200;
 
 QString flawOfText(const QQuickItem& item)
 {
@@ -65,19 +62,6 @@ QStringList auditView(QQuickItem& root)
             flaws.append(flaw + u": "_s + describe(*item));
     }
     return flaws;
-}
-
-QList<QQuickItem*> tabChain(QQuickItem& root)
-{
-    QList<QQuickItem*> chain;
-    while (chain.size() < kMostControls) {
-        QTest::keyClick(root.window(), Qt::Key_Tab);
-        auto* item = root.window()->activeFocusItem();
-        if (!item || chain.contains(item))
-            break;
-        chain.append(item);
-    }
-    return chain;
 }
 
 } // namespace netvane::test
