@@ -15,7 +15,7 @@ namespace netvane::test {
 
 /// The program with its real views on a desktop with a status area, with its services running.
 struct Program : FakedWorld {
-    explicit Program(bool isIntroduced = true, bool isOpened = true)
+    explicit Program(bool isIntroduced = true)
         : FakedWorld(windows::makeQuickViews)
     {
         wifi.list = {interface};
@@ -23,8 +23,7 @@ struct Program : FakedWorld {
         location.status = platform::AuthorizationStatus::AuthorizedAlways;
         host.setPresent(true);
         launchAll();
-        if (isOpened)
-            click();
+        click();
     }
     ~Program()
     {

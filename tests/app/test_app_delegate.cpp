@@ -4,7 +4,6 @@
 #include "probes/ping_service.h"
 #include "support/captured_log.h"
 #include "support/test_main.h"
-#include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
 #include <QTest>
@@ -66,33 +65,6 @@ private Q_SLOTS:
         QCOMPARE(stopped.clock->timerCount(), 1); // that of the memory line
     }
 
-    void memoryLine()
-    {
-        World world;
-        world.launchAll();
-        for (const auto& [wait, lines] : {std::pair(29'999ms, 0), {1ms, 1}, {60'000ms, 2}}) {
-            world.clock->advance(wait);
-            QCOMPARE(m_log.take().filter(QRegularExpression(u"^Memory: \\d+\\.\\d MB$"_s)).size(),
-                lines);
-        }
-    }
-
-    void becomingActive()
-    {
-        World world;
-        world.delegate->applicationDidBecomeActive(); // before there are services
-        world.launchAll();
-        world.clock->advance(wifi::WiFiService::minUpdateInterval);
-        const int passes = world.delegate->wifiService()->updateCount();
-        world.location.status = platform::AuthorizationStatus::AuthorizedAlways; // no signal
-        m_log.take();
-        world.delegate->applicationDidBecomeActive();
-        QCOMPARE(
-            m_log.take().first(), u"Netvane: App became active - checking location permission"_s);
-        QVERIFY(world.delegate->locationPermissionService()->isAuthorized());
-        QCOMPARE(world.delegate->wifiService()->updateCount(), passes + 1);
-    }
-
     void sleepAndEnd()
     {
         World world;
@@ -119,9 +91,6 @@ private Q_SLOTS:
         world.settle();
         QCOMPARE(workDone(world), running);
         QCOMPARE(world.clock->timerCount(), 1); // that of the memory line
-        world.delegate->wifiService()->startMonitoring();
-        world.delegate->applicationWillTerminate(); // only the first time counts
-        QCOMPARE(world.clock->timerCount(), 2);
     }
 
     void snapshotsReachTheNotifications()

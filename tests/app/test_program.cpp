@@ -4,7 +4,7 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDir>
+#include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -124,6 +124,7 @@ private Q_SLOTS:
             u"Netvane: Application launched successfully"_s,
             uR"(Netvane: Default gateway: (\d{1,3}\.){3}\d{1,3})"_s, kLastLine};
         Program program;
+        program.setArguments({u"-session"_s, u"10f_1"_s}); // of a desktop that restores a session
         program.startOn(m_bus.address());
         QVERIFY(program.waitForLine(kLastLine));
         const QStringList lines = program.lines();
@@ -135,51 +136,25 @@ private Q_SLOTS:
         }
     }
 
-    void endsOnSignal_data()
-    {
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("after");
-        QTest::addColumn<QString>("bus");
-        QTest::newRow("SIGTERM while launching") << SIGTERM << kFirstLine << u"answers"_s;
-        QTest::newRow("SIGINT") << SIGINT << kLastLine << u"answers"_s;
-        QTest::newRow("SIGHUP") << SIGHUP << kLastLine << u"answers"_s;
-        QTest::newRow("no session bus") << SIGTERM << kLastLine << u"absent"_s;
-        QTest::newRow("hung buses") << SIGTERM << kLastLine << u"hangs"_s;
-        QTest::newRow("hung buses while launching") << SIGTERM << kFirstLine << u"hangs"_s;
-    }
-
     void endsOnSignal()
     {
-        QFETCH(int, number);
-        QFETCH(QString, after);
-        QFETCH(QString, bus);
-        Program program;
-        if (bus == u"hangs"_s) {
-            m_bus.suspend();
-            program.environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_bus.address());
+        for (const auto& [number, after, bus] :
+            {std::tuple(SIGTERM, kFirstLine, "answers"), {SIGHUP, kLastLine, "answers"},
+                {SIGTERM, kLastLine, "absent"}, {SIGTERM, kLastLine, "hangs"}}) {
+            Program program;
+            if (bus == "hangs"_ba) {
+                m_bus.suspend();
+                program.environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, m_bus.address());
+            }
+            if (bus == "absent"_ba)
+                program.startWith();
+            else
+                program.startOn(m_bus.address());
+            const bool started = program.waitForLine(after);
+            const bool ended = program.endsWith(0, number);
+            m_bus.resume();
+            QVERIFY2(started && ended, bus);
         }
-        if (bus == u"absent"_s)
-            program.startWith();
-        else
-            program.startOn(m_bus.address());
-        const bool started = program.waitForLine(after);
-        const bool ended = program.endsWith(0, number);
-        m_bus.resume();
-        QVERIFY(started);
-        QVERIFY(ended);
-    }
-
-    /// As nohup(1) has it.
-    void ignoredHangUp()
-    {
-        Program program;
-        program.startWith([] { std::signal(SIGHUP, SIG_IGN); });
-        QVERIFY(program.waitForLine(kLastLine));
-        // proc(5): a bit for each signal, the lowest for number 1, which this one has.
-        QFile status(u"/proc/%1/status"_s.arg(program.processId()));
-        QVERIFY(status.open(QIODevice::ReadOnly));
-        const QRegularExpression ignored(u"SigIgn:\\s*[0-9a-f]+[13579bdf]\\n"_s);
-        QVERIFY(ignored.match(QString::fromLatin1(status.readAll())).hasMatch());
     }
 
     void secondStart()
@@ -195,49 +170,45 @@ private Q_SLOTS:
         QVERIFY(isClaimedBy(first));
     }
 
-    void standardErrorIsOfNoUse_data()
-    {
-        QTest::addColumn<bool>("isClosed");
-        QTest::addColumn<bool>("isReaderGone");
-        QTest::newRow("closed") << true << true;
-        QTest::newRow("its reader is gone") << false << true;
-        QTest::newRow("its reader is stuck") << false << false;
-    }
-
     void standardErrorIsOfNoUse()
     {
-        QFETCH(bool, isClosed);
-        QFETCH(bool, isReaderGone);
-        int ends[2];
-        QCOMPARE(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
-        const auto close = qScopeGuard([&ends] { ::close(ends[1]); });
-        while (::write(ends[1], "\n", 1) > 0) { } // until it is full
-        ::fcntl(ends[1], F_SETFL, 0);
-        if (isReaderGone)
-            ::close(ends[0]);
-        Program program;
-        program.environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_bus.address());
-        program.environment.insert(u"QT_LOGGING_RULES"_s, u"*=false"_s); // only its own lines
-        program.startWith([isClosed, end = ends[1]] {
-            ::dup2(end, STDERR_FILENO);
-            for (int descriptor = 0; isClosed && descriptor <= STDERR_FILENO; ++descriptor)
-                ::close(descriptor);
-        });
-        QTRY_VERIFY_WITH_TIMEOUT(isClaimedBy(program), kStartLimitMs);
-        // The next thing that the program opens would get the number, and every line.
-        const QString target = QFile::symLinkTarget(u"/proc/%1/fd/2"_s.arg(program.processId()));
-        QVERIFY2(!isClosed || target.isEmpty() || target == u"/dev/null"_s, qPrintable(target));
-        QVERIFY(program.endsWith(0));
+        for (const bool isClosed : {true, false}) { // if not closed, its reader is stuck
+            int ends[2];
+            QCOMPARE(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
+            const auto close = qScopeGuard([&ends] { ::close(ends[0]), ::close(ends[1]); });
+            while (::write(ends[1], "\n", 1) > 0) { } // until it is full
+            ::fcntl(ends[1], F_SETFL, 0);
+            Program program;
+            program.environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_bus.address());
+            program.environment.insert(u"QT_LOGGING_RULES"_s, u"*=false"_s); // only its own lines
+            program.startWith([isClosed, end = ends[1]] {
+                ::dup2(end, STDERR_FILENO);
+                for (int descriptor = 0; isClosed && descriptor <= STDERR_FILENO; ++descriptor)
+                    ::close(descriptor);
+            });
+            QTRY_VERIFY_WITH_TIMEOUT(isClaimedBy(program), kStartLimitMs);
+            // The next thing that the program opens would get the number, and every line.
+            const QString target
+                = QFile::symLinkTarget(u"/proc/%1/fd/2"_s.arg(program.processId()));
+            QVERIFY2(!isClosed || target.isEmpty() || target == u"/dev/null"_s, qPrintable(target));
+            QVERIFY(program.endsWith(0));
+        }
     }
 
-    void noDisplay()
+    void endsByItself()
     {
-        Program program;
-        program.environment.remove(u"QT_QPA_PLATFORM"_s);
-        program.startWith();
-        QVERIFY(program.endsWith(1, 0));
-        QCOMPARE(program.lines().size(), 1);
-        QVERIFY(program.lines().first().startsWith(u"Netvane: There is no display"_s));
+        for (const auto& [argument, status, firstLine] :
+            {std::tuple(u"-reverse"_s, 1, u"Netvane: There is no display"_s),
+                {u"--background"_s, 2, u"Unknown option"_s},
+                {u"--version=1"_s, 2, u"Unexpected value"_s}}) {
+            Program program;
+            program.environment.remove(u"QT_QPA_PLATFORM"_s);
+            program.setArguments({argument});
+            program.startWith();
+            QVERIFY(program.endsWith(status, 0));
+            QVERIFY2(program.lines().value(0).startsWith(firstLine),
+                qPrintable(program.lines().join(u'\n')));
+        }
     }
 
 private:

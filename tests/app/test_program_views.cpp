@@ -5,6 +5,7 @@
 #include "support/test_main.h"
 #include "support/view_fixture.h"
 
+#include <QPointer>
 #include <QTest>
 
 using namespace netvane;
@@ -60,33 +61,23 @@ private Q_SLOTS:
     void updatesWhileItIsOpen()
     {
         Program program;
-        const auto lines = [this] { return m_log.take().filter(u"PopoverView:"_s); };
         QCOMPARE(program.state().updateCount(), 1);
         program.link(kHome);
         QVERIFY(!showsText(program.root(), u"Home"_s));
         program.clock->advance(10s);
         QVERIFY(showsText(program.root(), u"Home"_s));
-        const auto first = lines();
-        QVERIFY2(first.join(u'\n').endsWith(u"#2 took 0.00ms, changes: wifi, error"_s),
-            qPrintable(first.join(u'\n')));
-
-        auto other = kHome;
-        other.noiseDbm = -70; // not shown
-        program.link(other);
-        program.clock->advance(70s);
-        QCOMPARE(program.state().updateCount(), 9);
-        QCOMPARE(lines(), QStringList());
-        program.clock->advance(10s);
-        QCOMPARE(lines().size(), 1); // each tenth update, even without changes
+        const auto line = m_log.take().filter(u"PopoverView:"_s).value(1);
+        QVERIFY2(line.endsWith(u"#2 took 0.00ms, changes: wifi, error"_s), qPrintable(line));
 
         program.click();
         QVERIFY(!program.popover().isShown());
+        auto other = kHome;
         other.signalDbm = -85;
         program.link(other);
         program.clock->advance(60s);
-        QCOMPARE(program.state().updateCount(), 10);
+        QCOMPARE(program.state().updateCount(), 2);
         program.click();
-        QCOMPARE(program.state().updateCount(), 11);
+        QCOMPARE(program.state().updateCount(), 3);
         QVERIFY(showsText(program.root(), u"-85 dBm"_s));
     }
 
@@ -94,24 +85,41 @@ private Q_SLOTS:
     {
         Program program;
         QVERIFY(press(program.root(), u"Settings"_s));
-        QVERIFY(press(program.root(), u"Back"_s));
-        QCOMPARE(program.state().content(), PopoverState::Dashboard);
-        QVERIFY(press(program.root(), u"Settings"_s));
         program.key(Qt::Key_Escape);
         QCOMPARE(program.state().content(), PopoverState::Dashboard);
         QVERIFY(program.popover().isShown());
         program.key(Qt::Key_Escape);
         QVERIFY(!program.popover().isShown());
 
-        auto& window = program.windowRoot();
+        program.clickItem();
+        program.key(Qt::Key_D, Qt::ControlModifier);
+        QVERIFY(!program.popover().isShown());
+        QVERIFY(program.delegate->windowController()->isWindowVisible());
+        const QPointer<QQuickItem> window = &program.windowRoot(); // only brings it to the front
         program.link(kHome);
         program.clock->advance(5s);
-        QVERIFY(showsText(window, u"Home"_s));
-        QVERIFY(press(window, u"Settings"_s));
-        QVERIFY(control(window, u"Back"_s));
+        QVERIFY(showsText(*window, u"Home"_s));
+        QVERIFY(press(*window, u"Settings"_s));
         program.key(Qt::Key_Escape);
-        QVERIFY(!control(window, u"Back"_s));
+        QVERIFY(!control(*window, u"Back"_s));
         QVERIFY(program.delegate->windowController()->isWindowVisible());
+        const QPointer<QObject> state = window->property("viewState").value<QObject*>();
+        program.delegate->windowController()->window().close();
+        QCoreApplication::processEvents();
+        QVERIFY(!program.delegate->windowController()->isWindowVisible());
+        QVERIFY(!window && !state);
+    }
+
+    void clickBeforeTheServicesRun()
+    {
+        FakedWorld world(windows::makeQuickViews);
+        world.host.setPresent(true);
+        world.launch();
+        world.clickItem();
+        world.delegate->statusBarManager()->openInWindow();
+        world.settle();
+        QVERIFY(!world.delegate->popover()->isShown());
+        QVERIFY(!world.delegate->windowController());
     }
 
     void settingsCards()
@@ -120,25 +128,17 @@ private Q_SLOTS:
         program.link(kHome);
         auto& root = program.root();
         QVERIFY(press(root, u"Settings"_s));
-        QVERIFY(!control(root, u"Open Settings"_s));
-        QVERIFY(!control(root, u"Grant Permission"_s));
+        QCOMPARE(auditView(root).join(u'\n'), QString());
         QVERIFY(press(root, u"Network Changes"_s));
         QVERIFY(program.delegate->networkNotificationService()->notificationsEnabled());
         QVERIFY(control(root, u"Grant Permission"_s));
         program.notifications.tellSettings(platform::NotificationAuthorization::Authorized);
         QVERIFY(!control(root, u"Grant Permission"_s));
-        QVERIFY(showsText(root, u"Permission Granted"_s));
-
-        for (const auto& button : {u"Export Report"_s, u"Save to File..."_s}) {
-            program.savePanel.fileName.clear();
+        for (const auto& button : {u"Save to File..."_s, u"Copy to Clipboard"_s, u"Share..."_s})
             QVERIFY(press(root, button));
-            QVERIFY(!program.savePanel.fileName.isEmpty());
-        }
-        for (const auto& button : {u"Copy to Clipboard"_s, u"Share..."_s, u"Check for Updates"_s})
-            QVERIFY(press(root, button));
+        QVERIFY(!program.savePanel.fileName.isEmpty());
         QVERIFY(program.clipboard.text.contains(u"Home"_s));
         QCOMPARE(program.sharePicker.text, program.clipboard.text);
-        QVERIFY(!program.state().settings()->updateAnswer().isEmpty());
 
         program.state().goBack();
         program.location.change(platform::AuthorizationStatus::Denied);
@@ -165,34 +165,6 @@ private Q_SLOTS:
         for (const auto& key :
             {u"netvane.onboarding.completed"_s, u"networkNotificationsEnabled"_s})
             QVERIFY(!program.defaults.values.contains(key));
-    }
-
-    /// And nothing is cut or nameless.
-    void everyControlIsReachedInReadingOrder()
-    {
-        for (const auto& [content, atLeast] :
-            {std::pair(u"dashboard"_s, 5), {u"settings"_s, 8}, {u"onboarding"_s, 1}}) {
-            const bool isSettings = content == u"settings"_s;
-            Program program(content != u"onboarding"_s);
-            program.link(kHome);
-            program.clock->advance(10s);
-            program.state().setShowSettings(isSettings);
-            auto& root = program.root();
-            (void)root.window()->grabWindow(); // laid out by a frame
-            QCOMPARE(test::auditView(root).join(u'\n'), QString());
-            QString names;
-            double last = -1e6;
-            const auto chain = test::tabChain(root);
-            for (auto* item : chain) {
-                names += test::describe(*item) + u" > "_s;
-                // Relative to the content, which scrolls along with the focus.
-                const double y = item->mapToItem(root.findChild<QQuickItem*>(content), {0, 0}).y();
-                QVERIFY2(item->isVisible() && (isSettings || y > last - item->height()),
-                    qPrintable(names));
-                last = y;
-            }
-            QVERIFY2(chain.size() >= atLeast, qPrintable(names));
-        }
     }
 
 private:

@@ -12,7 +12,6 @@ using namespace netvane;
 using namespace desktop;
 using namespace platform;
 using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 using Status = NotificationAuthorization;
 using Failure = std::optional<QString>;
@@ -55,23 +54,25 @@ private Q_SLOTS:
 
     void answers()
     {
-        const std::pair<Answer, Status> answers[] = {{reply({QStringList()}), Status::Authorized},
-            {reply({QVariantList {u"body"_s}}), Status::Denied},
-            {error(u"org.freedesktop.DBus.Error.NoReply"_s), Status::NotDetermined}};
-        for (const auto& [answer, status] : answers) {
+        const Answer good = reply({QStringList()});
+        const std::tuple<Answer, Answer, Status, Failure> answers[] = {
+            {good, error(u"org.example.Full"_s, u"too many"_s), Status::Authorized, u"too many"_s},
+            {good, reply({u"7"_s}), Status::Authorized,
+                u"The notification service gave an answer that makes no sense"_s},
+            {reply({QVariantList {u"body"_s}}), test::kSilence, Status::Denied, {}},
+            {error(u"org.freedesktop.DBus.Error.NoReply"_s), test::kSilence, Status::NotDetermined,
+                {}}};
+        for (const auto& [capabilities, notify, status, failure] : answers) {
             init();
-            startDaemon(daemon(answer));
+            startDaemon(daemon(capabilities, notify));
             start();
             askSettings();
             QVERIFY(m_settings.empty()); // never inside the call
             QTRY_COMPARE(m_settings, std::vector {status});
-            std::vector<bool> permissions;
-            m_center->requestAuthorization(
-                NotificationOption::Alert, this, [&](bool isGranted, const Failure& failure) {
-                    permissions = {isGranted, failure.has_value()};
-                });
-            const bool isGood = status == Status::Authorized;
-            QTRY_COMPARE(permissions, (std::vector {isGood, !isGood}));
+            if (status != Status::Authorized)
+                continue;
+            add();
+            QTRY_COMPARE(m_adds, std::vector {failure});
         }
     }
 
@@ -84,13 +85,6 @@ private Q_SLOTS:
         QTRY_COMPARE(m_settings, std::vector {Status::Denied});
         QTRY_COMPARE(
             m_adds, std::vector {Failure(u"There is no notification service in this session"_s)});
-        QVERIFY(m_world.bus.start());
-        startDaemon(kPlain);
-        const QSignalSpy changes(m_center.get(), &UserNotificationCenter::settingsChanged);
-        m_world.clock.advance(1s);
-        QTRY_COMPARE(changes.count(), 1);
-        askSettings();
-        QTRY_COMPARE(m_settings, (std::vector {Status::Denied, Status::Authorized}));
     }
 
     /// It holds nothing up, and what it says in the end counts, but not for an owner that is gone.
@@ -120,7 +114,6 @@ private Q_SLOTS:
         const std::tuple<Answer, QString, QString, QString> requests[]
             = {{kPlain, text, text, text},
                 {kMarkup, text, text, u"to &lt;b&gt;&amp;amp;&quot;x&quot;"_s},
-                {kMarkup, most + u"<<"_s, most + u"<<"_s, u"&lt;"_s.repeated(200)},
                 {kMarkup, most + u"\U0001F6DC and more"_s, most + u'…',
                     u"&lt;"_s.repeated(198) + u'…'}};
         const QVariantMap hints {{u"desktop-entry"_s, u"org.netvane.Netvane"_s},
@@ -160,22 +153,6 @@ private Q_SLOTS:
         QCOMPARE(m_daemon->calls.last().arguments()[4], u"<"_s);
     }
 
-    void requestFails()
-    {
-        const std::pair<Answer, QString> answers[] = {
-            {error(u"org.example.Full"_s, u"too many"_s), u"too many"_s},
-            {error(u"org.example.Full"_s, {}), u"org.example.Full"_s},
-            {reply({u"7"_s}), u"The notification service gave an answer that makes no sense"_s}};
-        startDaemon(kPlain);
-        start();
-        for (const auto& [answer, text] : answers) {
-            m_daemon->answer = daemon(reply({QStringList()}), answer);
-            m_adds.clear();
-            add();
-            QTRY_COMPARE(m_adds, std::vector {Failure(text)});
-        }
-    }
-
     /// Only a notification starts it, no question does. The last one, since the bus keeps it.
     void activatable()
     {
@@ -192,18 +169,6 @@ private Q_SLOTS:
         QTRY_VERIFY(QFile::exists(mark));
         startDaemon(kMarkup);
         QTRY_COMPARE(m_adds, std::vector {Failure()});
-        QCOMPARE(m_daemon->calls.last().arguments()[4], u"&lt;"_s);
-        QCOMPARE(m_daemon->calls.size(), 2); // it is asked once, too
-        // Some end by themselves when there is nothing to show. We have not heard of it yet.
-        QFile::remove(mark);
-        m_daemon.reset();
-        const QDeadlineTimer limit(5s);
-        while (m_world.isOwned(kName) && !limit.hasExpired()) { }
-        add();
-        QTRY_VERIFY(QFile::exists(mark));
-        startDaemon(kPlain);
-        QTRY_COMPARE(m_adds, std::vector<Failure>(2));
-        QCOMPARE(m_daemon->calls.last().arguments()[4], u"<"_s);
     }
 
 private:

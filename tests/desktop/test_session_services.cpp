@@ -1,5 +1,6 @@
 #include "desktop/portal_appearance.h"
 #include "desktop/session_status_notifier_host.h"
+#include "desktop/suspend_watch.h"
 #include "support/fake_bus_service.h"
 #include "support/private_bus.h"
 #include "support/test_main.h"
@@ -10,6 +11,7 @@
 
 using namespace netvane;
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 using platform::ColorScheme;
 
 namespace {
@@ -21,22 +23,11 @@ QVariant wrapped(const QVariant& value)
 
 } // namespace
 
-/// The services whose state the program follows: the settings portal and the status area.
+/// What the program follows: the settings portal, the status area and the sleep of the machine.
 class TestSessionServices : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void colorSchemes()
-    {
-        const std::pair<QVariant, ColorScheme> values[]
-            = {{wrapped(wrapped(7U)), ColorScheme::NoPreference},
-                {wrapped(u"1"_s), ColorScheme::NoPreference},
-                {wrapped(wrapped(wrapped(1U))), ColorScheme::NoPreference},
-                {wrapped(2U), ColorScheme::Light}};
-        for (const auto& [value, scheme] : values)
-            QCOMPARE(desktop::colorSchemeOf(value), scheme);
-    }
-
     void portal()
     {
         const desktop::PortalAppearance appearance(*m_link);
@@ -70,8 +61,7 @@ private Q_SLOTS:
         auto panel = std::make_unique<test::FakeBusService>(m_world.bus.address(), name, path, yes);
         QTRY_COMPARE(host.isPresent(), std::optional(true));
         const std::pair<test::Answer, bool> answers[] = {{test::reply({wrapped(false)}), false},
-            {yes, true}, {test::error(u"org.example.Broken"_s), false}, {yes, true},
-            {test::reply({u"true"_s}), false}, {yes, true}};
+            {yes, true}, {test::reply({u"true"_s}), false}, {yes, true}};
         for (const auto& [answer, isPresent] : answers) {
             panel->answer = answer;
             panel->send(QDBusMessage::createSignal(path, name,
@@ -81,6 +71,23 @@ private Q_SLOTS:
         }
         panel.reset();
         QTRY_COMPARE(host.isPresent(), std::optional(false));
+    }
+
+    void onlyASleepWakes()
+    {
+        simulated::ManualClock clock;
+        clock.sleep(3h); // before anybody watched
+        desktop::SuspendWatch watch(clock);
+        const QSignalSpy woken(&watch, &platform::SleepMonitor::didWake);
+        clock.setWall({}); // somebody sets the time
+        watch.wallClockJumped();
+        clock.sleep(3ms); // the readings differ by as much
+        watch.wallClockJumped();
+        QCOMPARE(woken.size(), 0);
+        clock.sleep(5s);
+        watch.wallClockJumped();
+        watch.wallClockJumped();
+        QCOMPARE(woken.size(), 1);
     }
 
 private:

@@ -83,8 +83,9 @@ def check(program, folder):
     result = run(f"--seconds 7 --redact --output {target}")
     expect("a redacted report in a file", re.fullmatch("\n".join(report(r"\[address 1\]")) + "\n", target.read_text())
            and (result.returncode, result.stdout) == (0, ""), target.read_text())
-    for words, status, text in ((f"--seconds 1 --output {folder}/no/folder", 1, "folder"), ("--sesame", 2, "--help"),
-                                ("report.md", 2, "--help"), ("--help", 0, "--speed-test"), ("--version", 0, "netvane-report ")):
+    for words, status, text in ((f"--seconds 1 --output {folder}/no/folder", 1, "folder"), ("--seconds 0", 2, "1 to 86400"),
+                                ("--seconds 86401", 2, "--help"), ("--redact=yes", 2, "--help"), ("report.md", 2, "--help"),
+                                ("--help", 0, "--speed-test"), ("--version", 0, "netvane-report ")):
         result = run(words)
         shown, other = (result.stderr, result.stdout)[::-1 if status == 0 else 1]
         expect(words, result.returncode == status and text in shown and not other, result)

@@ -1,6 +1,5 @@
 #include "private_bus.h"
 
-#include <QDBusConnectionInterface>
 #include <QFile>
 
 #include <sys/prctl.h>
@@ -73,14 +72,6 @@ BusFixture::BusFixture(QDBusConnection::BusType busType)
         bus.address().toUtf8());
     if (!bus.start())
         qFatal("no dbus-daemon");
-}
-
-bool BusFixture::isOwned(const QString& name) const
-{
-    const auto observer = QDBusConnection::connectToBus(bus.address(), u"observer"_s);
-    const bool isOwned = observer.interface()->isServiceRegistered(name);
-    QDBusConnection::disconnectFromBus(observer.name());
-    return isOwned;
 }
 
 } // namespace netvane::test

@@ -49,8 +49,6 @@ struct BusFixture {
     {
         return std::make_unique<bus::BusLink>(type, clock, queue);
     }
-    /// As another program sees it, without running the event loop.
-    bool isOwned(const QString& name) const;
 
     const QDBusConnection::BusType type;
     PrivateBus bus;
