@@ -54,7 +54,7 @@ test-fresh: ## `make run` and `make test` on a RELEASE (trixie, bookworm) with n
 	@scripts/setup fresh
 	@scripts/test-fresh $(or $(RELEASE),trixie)
 
-check: check-format check-layers check-qml check-packaging check-hardening check-tidy check-sanitizers check-fuzz ## the other checks
+check: check-format check-layers check-share check-qml check-packaging check-hardening check-tidy check-sanitizers check-fuzz ## the other checks
 
 check-format: ## clang-format would change nothing
 	@scripts/setup check

@@ -67,19 +67,6 @@ QStringList auditView(QQuickItem& root)
     return flaws;
 }
 
-QList<QQuickItem*> tabChain(QQuickItem& root)
-{
-    QList<QQuickItem*> chain;
-    while (chain.size() < 200) { // more than any view has
-        QTest::keyClick(root.window(), Qt::Key_Tab);
-        auto* item = root.window()->activeFocusItem();
-        if (!item || chain.contains(item))
-            break;
-        chain.append(item);
-    }
-    return chain;
-}
-
 ViewFixture::ViewFixture(const QString& name, const QVariantMap& properties, int width)
 {
     QObject::connect(

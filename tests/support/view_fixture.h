@@ -17,9 +17,6 @@ QList<QQuickItem*> visibleItems(QQuickItem& root);
 /// or one that Tab does not reach.
 QStringList auditView(QQuickItem& root);
 
-/// The controls that Tab visits, in order. The item's window must be the active one.
-QList<QQuickItem*> tabChain(QQuickItem& root);
-
 /// Names a control or text in a message.
 QString describe(const QQuickItem& item);
 
