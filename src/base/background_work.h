@@ -43,14 +43,20 @@ void runInBackground(WorkQueue& queue, QObject* owner, Work work, Deliver delive
     startInBackground(queue, owner, std::move(work), std::move(deliver))();
 }
 
-/// The same, delivered in the given way.
+/// When a result is delivered, and the clock that batches results.
+struct DeliverySchedule {
+    Clock& clock;
+    Delivery delivery;
+};
+
+/// The same, delivered at the given time.
 template <typename Work, typename Deliver>
 void runInBackground(
-    WorkQueue& queue, QObject* owner, Work work, Deliver deliver, Clock& clock, Delivery delivery)
+    WorkQueue& queue, QObject* owner, Work work, Deliver deliver, const DeliverySchedule& schedule)
 {
     const auto listen = startInBackground(queue, owner, std::move(work), std::move(deliver));
-    if (delivery == Delivery::Batched)
-        clock.soon(owner, listen);
+    if (schedule.delivery == Delivery::Batched)
+        schedule.clock.soon(owner, listen);
     else
         listen();
 }

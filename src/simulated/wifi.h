@@ -17,7 +17,7 @@ public:
     bool powerOn() const override { return isOn; }
     std::optional<platform::LinkReading> readLink() override
     {
-        const auto seen = script ? script() : reading;
+        auto seen = script ? script() : reading;
         ++reads; // from here on `reading` may be changed
         if (isHeld)
             letGo.acquire();

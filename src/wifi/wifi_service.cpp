@@ -158,7 +158,7 @@ void WiFiService::findInterface(base::Delivery delivery)
         else
             endWithoutLink(kNoInterface);
     };
-    base::runInBackground(m_queue, this, firstOf, take, m_clock, delivery);
+    base::runInBackground(m_queue, this, firstOf, take, {m_clock, delivery});
 }
 
 void WiFiService::sampleInterface(base::Delivery delivery)
@@ -183,7 +183,7 @@ void WiFiService::sampleInterface(base::Delivery delivery)
               else
                   interfaceIsGone();
           };
-    base::runInBackground(m_queue, this, readLinkSnapshot, take, m_clock, delivery);
+    base::runInBackground(m_queue, this, readLinkSnapshot, take, {m_clock, delivery});
 }
 
 /// Unplugged, renamed or turned into something else: there may be another one.
