@@ -213,16 +213,20 @@ void FreedesktopNotifications::notify(Delivery delivery)
     call.setArguments(notifyArguments(delivery.request, m_service->hasBodyMarkup));
     bus::askBus(m_bus.connection(), call, bus::kAnswerLimitMs, this,
         [this, delivery = std::move(delivery)](const QDBusMessage& answer) mutable {
-            if (bus::isNobodyThere(answer) && std::exchange(delivery.mayRepeat, false)) {
-                delivery.mayStart = true;
-                readService();
-                whenKnown([this, delivery] { deliver(delivery); });
-            } else if (bus::isReply(answer, u"u"_s)) {
+            if (bus::isNobodyThere(answer) && std::exchange(delivery.mayRepeat, false))
+                repeat(std::move(delivery));
+            else if (bus::isReply(answer, u"u"_s))
                 delivery.done({});
-            } else {
+            else
                 delivery.done(failureText(answer));
-            }
         });
+}
+
+void FreedesktopNotifications::repeat(Delivery delivery)
+{
+    delivery.mayStart = true;
+    readService();
+    whenKnown([this, delivery = std::move(delivery)] { deliver(delivery); });
 }
 
 } // namespace netvane::desktop

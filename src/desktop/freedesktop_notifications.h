@@ -51,6 +51,7 @@ private:
     void deliver(Delivery delivery);
     void startService(const Delivery& delivery);
     void notify(Delivery delivery);
+    void repeat(Delivery delivery);
 
     bus::BusService m_bus;
     platform::NotificationAuthorization m_status

@@ -117,7 +117,7 @@ void blockSignals()
 
 } // namespace
 
-CurlHttpClient::CurlHttpClient(base::Clock& clock, QString authorityFile)
+CurlHttpClient::CurlHttpClient(base::Clock& clock, const QString& authorityFile)
     : m_clock(clock)
     , m_authorityFile(authorityFile.toLocal8Bit())
 {

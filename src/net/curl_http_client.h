@@ -22,7 +22,7 @@ class CurlHttpClient : public platform::HttpClient, public platform::HttpTransfe
 public:
     /// `clock` outlives this. `authorityFile` is a PEM file with the only certificates to trust;
     /// when it is empty, the system's authorities are trusted.
-    explicit CurlHttpClient(base::Clock& clock, QString authorityFile = {});
+    explicit CurlHttpClient(base::Clock& clock, const QString& authorityFile = {});
     /// Ends all requests and waits for their threads, which do not wait for the network.
     ~CurlHttpClient() override;
 

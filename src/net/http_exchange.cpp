@@ -107,7 +107,7 @@ private:
     void addHeader(const char* line)
     {
         if (curl_slist* longer = curlLibrary()->slistAppend(m_headers.get(), line)) {
-            m_headers.release();
+            (void)m_headers.release(); // it is part of the longer one
             m_headers.reset(longer);
         }
     }
