@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 using namespace netvane;
 using namespace netvane::diagnostics;
@@ -118,7 +119,7 @@ private Q_SLOTS:
         shell.start(u"sh"_s, {u"-c"_s, QString::fromLatin1(kChain)});
         QVERIFY(shell.waitForFinished());
         if (shell.exitCode() == kNoNamespace)
-            QSKIP("no namespaces to be had");
+            std::_Exit(kNoNamespace); // SKIP_RETURN_CODE: a skip shows as a skip
         QCOMPARE(shell.exitCode(), 0);
         QVERIFY(dropPrivileges());
         std::array<QUdpSocket, TracerouteService::probesPerHop> listeners;
