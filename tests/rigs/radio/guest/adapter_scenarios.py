@@ -54,7 +54,7 @@ def two_adapters(report, world, watchers):
     world.leave()
     world.start_eleven()
     world.do('second_adapter', 'in')
-    becomes(report, 'neither has a link', watchers, {'ssid': None, 'interface': 'wlan0'})
+    becomes(report, 'neither has a link', watchers, {'ssid': None, 'error': UNREADABLE})
     world.do('iw', 'dev', 'wlan6', 'connect', '-w', shown(ELEVEN.ssid))
     for name, change in (('idle', 'true'), ('blocked', 'radio_switch block'),
                          ('renamed', 'ip link set wlan0 name aaa')):
