@@ -42,7 +42,7 @@ struct StoreOutcome {
 };
 
 /// Reads the file, makes the changes, and puts the whole of it in the file's place, so that the
-/// values of others stay. Others that do the same wait for their turn, for up to five seconds; where
+/// values of others stay. Others that do the same wait for their turn, for up to two seconds; where
 /// there are no locks to be had (flock(2), some network file systems) nobody waits.
 StoreOutcome storeSettings(const QString& path, const std::vector<SettingsChange>& changes);
 

@@ -1,6 +1,7 @@
-#include "base/descriptors.h"
+#include "base/descriptor_limit.h"
 #include "base/log.h"
 #include "base/termination_signals.h"
+#include "base/write_all.h"
 #include "insights/report_text.h"
 #include "platform/platform.h"
 #include "report/redaction.h"
@@ -22,8 +23,8 @@ using namespace netvane;
 
 namespace {
 
-/// Sockets, pipes, threads, a speed test with its look-ups, and some to spare.
-constexpr int kNeededDescriptors = 64;
+// It has some 20 open while it tests the speed.
+constexpr unsigned kDescriptors = 64;
 
 int print(int stream, const QString& text)
 {
@@ -92,8 +93,8 @@ int run(const report::ReportOptions& options)
 
 int main(int argc, char** argv)
 {
-    if (const QString problem = base::provideDescriptors(kNeededDescriptors); !problem.isEmpty())
-        return complain(problem);
+    if (const auto problem = base::descriptorProblem(kDescriptors))
+        return complain(*problem);
     // The settings are those of the program with windows.
     QCoreApplication::setApplicationName(u"netvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(NETVANE_VERSION));

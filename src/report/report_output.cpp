@@ -1,8 +1,8 @@
 #include "report/report_output.h"
 
-#include "base/descriptors.h"
 #include "base/detached_work.h"
 #include "base/replace_file.h"
+#include "base/write_all.h"
 
 #include <QFile>
 #include <QFileInfo>

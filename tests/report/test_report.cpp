@@ -5,7 +5,6 @@
 #include "support/settle.h"
 #include "support/test_main.h"
 
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::Literals::StringLiterals;
@@ -40,13 +39,14 @@ private Q_SLOTS:
             return ++rounds[made.host] == 4 ? std::nullopt : std::optional(Answer {20ms, {}});
         };
         report::ReportSession session(world.platform, {});
-        const QSignalSpy finished(&session, &report::ReportSession::finished);
+        std::optional<insights::ReportInputs> readings;
+        connect(&session, &report::ReportSession::finished, this,
+            [&] { readings = session.services().readings(); });
         session.start();
         test::settle(world.queues.userInitiated);
-        while (finished.isEmpty())
+        while (!readings)
             static_cast<simulated::ManualClock&>(world.clock).advance(100ms);
-        for (const auto& metrics :
-            {session.services().readings().router, session.services().readings().internet})
+        for (const auto& metrics : {readings->router, readings->internet})
             QCOMPARE(metrics->packetLoss, std::optional(20.0));
     }
 };
