@@ -4,6 +4,8 @@
 
 #include <QUrl>
 
+#include <functional>
+
 namespace netvane::desktop {
 
 /// The proxy that the desktop is set to use, as its portal tells it

@@ -2,6 +2,8 @@
 
 #include "net/http_exchange.h"
 
+#include <QObject>
+
 #include <algorithm>
 #include <csignal>
 #include <system_error>
