@@ -1,6 +1,5 @@
 #include "demo/screenshots.h"
 
-#include "demo/script.h"
 #include "demo/staged_program.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
@@ -125,8 +124,7 @@ QImage pictureOf(QQuickWindow& window)
 
 bool draw(QApplication& application, const Picture& wanted, const QDir& folder)
 {
-    StagedProgram program(
-        application, {.scenes = scenes(), .held = wanted.scene, .hasStatusArea = true});
+    StagedProgram program(application, {.held = wanted.scene, .hasStatusArea = true});
     auto* window = wanted.show(program);
     const QDeadlineTimer animated(kAnimationTime);
     while (!animated.hasExpired())

@@ -1,7 +1,6 @@
 #include "demo/stage.h"
 
 #include "base/log.h"
-#include "demo/script.h"
 #include "diagnostics/speed_test_json.h"
 #include "diagnostics/speed_test_service.h"
 #include "insights/onboarding_service.h"

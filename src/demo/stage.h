@@ -4,7 +4,7 @@
 // networks that are made up. `script.cpp` holds the scenes as plain data, and a `Stage` says which
 // one is on. It also draws the pictures of the documentation.
 
-#include "demo/scene.h"
+#include "demo/script.h"
 #include "simulated/simulated_platform.h"
 
 #include <QObject>
@@ -14,7 +14,7 @@
 namespace netvane::demo {
 
 struct StageOptions {
-    std::vector<Scene> scenes; ///< at least one
+    std::vector<Scene> scenes = demo::scenes(); ///< at least one
     std::optional<QString> held; ///< the name of the scene that stays; absent: all in turn
     platform::ColorScheme colorScheme = platform::ColorScheme::NoPreference;
     bool hasStatusArea = false;

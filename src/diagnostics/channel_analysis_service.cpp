@@ -1,6 +1,7 @@
 #include "diagnostics/channel_analysis_service.h"
 
 #include "base/log.h"
+#include "base/publish.h"
 #include "wifi/location_permission_service.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ void ChannelAnalysisService::scanNetworks()
     }
     if (isTooSoon() || m_isScanning)
         return;
-    publish(m_isScanning, true, &ChannelAnalysisService::isScanningChanged);
+    setScanning(true);
     performScan();
 }
 
@@ -50,19 +51,20 @@ void ChannelAnalysisService::performScan()
         if (networks.failure().kind != base::FailureKind::NotFound) // there is an interface
             base::log(logCategory(),
                 u"ChannelAnalysisService: Scan failed: "_s + networks.failure().text);
-        publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
+        setScanning(false);
     });
 }
 
 void ChannelAnalysisService::processScanResults(
     const std::vector<platform::NearbyNetwork>& networks)
 {
-    publish(m_nearbyNetworks, networks, &ChannelAnalysisService::nearbyNetworksChanged);
+    base::publish(
+        *this, m_nearbyNetworks, networks, &ChannelAnalysisService::nearbyNetworksChanged);
     updateChannelUtilization();
     m_lastSuccess = m_clock.monotonicNow();
-    publish(
-        m_lastScanTime, std::optional(m_clock.now()), &ChannelAnalysisService::lastScanTimeChanged);
-    publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
+    base::publish(
+        *this, m_lastScanTime, m_clock.now(), &ChannelAnalysisService::lastScanTimeChanged);
+    setScanning(false);
 }
 
 void ChannelAnalysisService::updateChannelUtilization()
@@ -72,7 +74,7 @@ void ChannelAnalysisService::updateChannelUtilization()
         if (network.channel)
             ++counts[network.channel->number];
     }
-    publish(m_channelUtilization, std::move(counts),
+    base::publish(*this, m_channelUtilization, std::move(counts),
         &ChannelAnalysisService::channelUtilizationChanged);
 }
 
@@ -83,14 +85,9 @@ std::optional<int> ChannelAnalysisService::recommendedChannel() const
     return least == m_channelUtilization.end() ? std::nullopt : std::optional(least->first);
 }
 
-template <typename Value>
-void ChannelAnalysisService::publish(
-    Value& field, Value value, void (ChannelAnalysisService::*changed)())
+void ChannelAnalysisService::setScanning(bool isScanning)
 {
-    if (field == value)
-        return;
-    field = std::move(value);
-    Q_EMIT(this->*changed)();
+    base::publish(*this, m_isScanning, isScanning, &ChannelAnalysisService::isScanningChanged);
 }
 
 } // namespace netvane::diagnostics

@@ -19,13 +19,6 @@ namespace netvane::diagnostics {
 /// channel that fewest of them use. Main thread.
 class ChannelAnalysisService : public QObject {
     Q_OBJECT
-    Q_PROPERTY(std::vector<netvane::platform::NearbyNetwork> nearbyNetworks READ nearbyNetworks
-            NOTIFY nearbyNetworksChanged)
-    Q_PROPERTY(netvane::diagnostics::ChannelAnalysisService::ChannelUtilization channelUtilization
-            READ channelUtilization NOTIFY channelUtilizationChanged)
-    Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
-    Q_PROPERTY(std::optional<std::chrono::system_clock::time_point> lastScanTime READ lastScanTime
-            NOTIFY lastScanTimeChanged)
 
 public:
     /// Networks by channel number, in ascending order. A number that two bands share has one count.
@@ -73,8 +66,7 @@ private:
     void processScanResults(const std::vector<platform::NearbyNetwork>& networks);
     void updateChannelUtilization();
     bool isTooSoon() const;
-    template <typename Value>
-    void publish(Value& field, Value value, void (ChannelAnalysisService::*changed)());
+    void setScanning(bool isScanning);
 
     platform::NetworkScanner& m_scanner;
     base::Clock& m_clock;

@@ -1,7 +1,6 @@
 #include "diagnostics/speed_test_result.h"
 
-#include <array>
-#include <charconv>
+#include "base/decimal_text.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -9,15 +8,6 @@ namespace netvane::diagnostics {
 namespace {
 
 constexpr double kNoticeableRise = 2.0;
-
-/// What C's %.*f makes of it, whatever the locale: exact halves go to the even neighbour.
-QString fixedText(double value, int decimals)
-{
-    std::array<char, 400> text {}; // the largest double has 309 digits before its point
-    const auto end = std::to_chars(
-        text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals);
-    return QString::fromLatin1(text.data(), end.ptr - text.data());
-}
 
 } // namespace
 
@@ -30,7 +20,8 @@ std::optional<QString> SpeedTestResult::lagUnderLoadMessage() const
         return {};
     return u"Lag under load: router ping spiked from %1ms to %2ms (%3x) while maxing out your "
            "connection. This causes lag for everyone else on the network during heavy usage."_s.arg(
-               fixedText(*pingBefore, 0), fixedText(*pingDuring, 0), fixedText(ratio, 1));
+               base::fixedDecimal(*pingBefore, 0), base::fixedDecimal(*pingDuring, 0),
+               base::fixedDecimal(ratio, 1));
 }
 
 } // namespace netvane::diagnostics

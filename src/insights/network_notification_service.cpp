@@ -1,6 +1,7 @@
 #include "insights/network_notification_service.h"
 
 #include "base/log.h"
+#include "base/publish.h"
 
 #include <QUuid>
 
@@ -49,8 +50,10 @@ void NetworkNotificationService::setNotificationsEnabled(bool enabled)
 
 void NetworkNotificationService::refreshAuthorizationStatus()
 {
-    m_center.getNotificationSettings(
-        this, [this](AuthorizationStatus status) { setAuthorizationStatus(status); });
+    m_center.getNotificationSettings(this, [this](AuthorizationStatus status) {
+        base::publish(*this, m_authorizationStatus, status,
+            &NetworkNotificationService::authorizationStatusChanged);
+    });
 }
 
 void NetworkNotificationService::requestNotificationPermission()
@@ -125,12 +128,6 @@ void NetworkNotificationService::sendNotification(
         else
             m_lastNotificationTime = m_clock.monotonicNow();
     });
-}
-
-void NetworkNotificationService::setAuthorizationStatus(AuthorizationStatus status)
-{
-    if (std::exchange(m_authorizationStatus, status) != status)
-        Q_EMIT authorizationStatusChanged();
 }
 
 } // namespace netvane::insights

@@ -4,7 +4,6 @@
 #include "platform/user_defaults.h"
 #include "platform/user_notifications.h"
 #include "wifi/wifi_info.h"
-#include "wifi/wifi_snapshot_observer.h"
 
 #include <QObject>
 
@@ -54,7 +53,6 @@ private:
     bool mayNotify() const;
     void notifyOfChanges(const wifi::WiFiInfo& wifiInfo);
     void permissionAnswered(bool granted, const std::optional<QString>& error);
-    void setAuthorizationStatus(AuthorizationStatus status);
 
     platform::UserNotificationCenter& m_center;
     platform::UserDefaults& m_defaults;

@@ -1,9 +1,9 @@
 #include "insights/report_service.h"
 
 #include "base/background_work.h"
+#include "base/decimal_text.h"
 #include "base/log.h"
 #include "base/replace_file.h"
-#include "base/timestamp.h"
 
 #include <QDateTime>
 #include <QLocale>

@@ -3,9 +3,7 @@
 #include "base/clock.h"
 #include "base/work_queues.h"
 #include "insights/report_text.h"
-#include "platform/clipboard.h"
-#include "platform/save_panel.h"
-#include "platform/share_picker.h"
+#include "platform/exports.h"
 
 #include <QObject>
 

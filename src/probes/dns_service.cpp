@@ -2,7 +2,7 @@
 
 #include "base/detached_work.h"
 #include "base/log.h"
-#include "probes/bounded_history.h"
+#include "base/publish.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -31,8 +31,9 @@ DNSService::DNSService(const NetworkUtils& network, std::shared_ptr<platform::Re
     , m_resolver(std::move(resolver))
     , m_clock(clock)
     , m_testHost(std::move(testHost))
-    , m_lookupSubject(
-          clock, publicationInterval, [this](double milliseconds) { setLookupTime(milliseconds); })
+    , m_lookupSubject(clock, publicationInterval, [this](double milliseconds) {
+        base::publish(*this, m_lookupTime, milliseconds, &DNSService::lookupTimeChanged);
+    })
 {
 }
 
@@ -46,7 +47,11 @@ void DNSService::performLookup()
 {
     const QString server = m_network.getDNSServers().value(0, u"Unknown"_s);
     QMetaObject::invokeMethod(
-        this, [this, server] { setDnsServer(server); }, Qt::QueuedConnection);
+        this,
+        [this, server] {
+            base::publish(*this, m_dnsServer, server, &DNSService::dnsServerChanged);
+        },
+        Qt::QueuedConnection);
     timeLookup();
 }
 
@@ -88,22 +93,6 @@ void DNSService::finishLookup(const TimedResolution& lookup)
     const MetricDataPoint point {.timestamp = m_clock.now(), .value = milliseconds.count()};
     appendBounded(m_history, point, maxHistorySize);
     m_lookupSubject.send(milliseconds.count());
-}
-
-void DNSService::setLookupTime(double milliseconds)
-{
-    if (m_lookupTime == milliseconds)
-        return;
-    m_lookupTime = milliseconds;
-    Q_EMIT lookupTimeChanged();
-}
-
-void DNSService::setDnsServer(const QString& server)
-{
-    if (m_dnsServer == server)
-        return;
-    m_dnsServer = server;
-    Q_EMIT dnsServerChanged();
 }
 
 } // namespace netvane::probes

@@ -2,8 +2,8 @@
 
 #include "base/clock.h"
 #include "platform/resolver.h"
+#include "probes/history.h"
 #include "probes/latest_value_throttle.h"
-#include "probes/metric_data_point.h"
 #include "probes/network_utils.h"
 
 #include <QObject>
@@ -61,8 +61,6 @@ Q_SIGNALS:
 private:
     void timeLookup();
     void finishLookup(const TimedResolution& lookup);
-    void setLookupTime(double milliseconds);
-    void setDnsServer(const QString& server);
 
     const NetworkUtils& m_network;
     const std::shared_ptr<platform::Resolver> m_resolver;

@@ -1,6 +1,6 @@
 #include "probes/network_metrics.h"
 
-#include "base/timestamp.h"
+#include "base/decimal_text.h"
 
 #include <algorithm>
 

@@ -1,7 +1,8 @@
 #include "probes/ping_service.h"
 
 #include "base/log.h"
-#include "probes/bounded_history.h"
+#include "base/publish.h"
+#include "probes/history.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,8 +39,9 @@ PingService::PingService(QString targetHost, QString targetName, base::Clock& cl
     , m_targetName(std::move(targetName))
     , m_clock(clock)
     , m_connections(connections)
-    , m_metricsSubject(clock, publishInterval,
-          [this](const NetworkMetrics& metrics) { setCurrentMetrics(metrics); })
+    , m_metricsSubject(clock, publishInterval, [this](const NetworkMetrics& metrics) {
+        base::publish(*this, m_currentMetrics, metrics, &PingService::currentMetricsChanged);
+    })
 {
 }
 
@@ -175,14 +177,6 @@ double PingService::updatePacketLoss(bool success)
     appendBounded(m_recentResults, success, packetLossWindow);
     return double(std::ranges::count(m_recentResults, false)) / double(m_recentResults.size())
         * 100;
-}
-
-void PingService::setCurrentMetrics(const NetworkMetrics& metrics)
-{
-    if (m_currentMetrics == metrics)
-        return;
-    m_currentMetrics = metrics;
-    Q_EMIT currentMetricsChanged();
 }
 
 } // namespace netvane::probes

@@ -70,7 +70,6 @@ private:
     void recordResult(std::optional<double> latencyMs);
     std::optional<double> jitter() const;
     double updatePacketLoss(bool success);
-    void setCurrentMetrics(const NetworkMetrics& metrics);
 
     const QString m_targetHost;
     const QString m_targetName;

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "platform/appearance.h"
-#include "platform/clipboard.h"
+#include "platform/exports.h"
 #include "platform/instance_claim.h"
-#include "platform/save_panel.h"
-#include "platform/share_picker.h"
 #include "platform/status_notifier_host.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"

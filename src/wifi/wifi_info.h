@@ -51,4 +51,11 @@ struct WiFiInfo {
     bool operator==(const WiFiInfo&) const = default;
 };
 
+/// Receives every snapshot that the sampler takes, changed or not. Main thread.
+class WiFiSnapshotObserver {
+public:
+    virtual ~WiFiSnapshotObserver() = default;
+    virtual void checkForNetworkChanges(const WiFiInfo& wifiInfo) = 0;
+};
+
 } // namespace netvane::wifi

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/clock.h"
-#include "probes/metric_data_point.h"
+#include "probes/history.h"
 
 #include <QObject>
 

@@ -17,7 +17,6 @@
 namespace netvane::wifi {
 
 class LocationPermissionService;
-class WiFiSnapshotObserver;
 
 /// Samples the Wi-Fi link every 5 seconds and publishes the last snapshot that differs in name,
 /// signal or rate from the one before, a message for the user, and whether a permission is missing.

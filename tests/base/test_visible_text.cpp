@@ -69,7 +69,7 @@ private Q_SLOTS:
     {
         QCOMPARE(withVisibleControls(u"a\nb\x1b[31m\u2028 C:\\x\U0001F600"_s),
             u"a\\x0ab\\x1b[31m\\u{2028} C:\\x\U0001F600"_s);
-        QCOMPARE(withVisibleControls(QChar(0xd83d) + u"b"_s), u"\\u{d83d}b"_s); // half a pair
+        QCOMPARE(withVisibleControls(QChar(0xd83d) + u"b"_s), u"\ufffdb"_s); // half a pair
     }
 };
 

@@ -1,4 +1,3 @@
-#include "demo/script.h"
 #include "demo/staged_program.h"
 #include "demo/window_mark.h"
 #include "support/captured_log.h"
@@ -52,7 +51,7 @@ auto networkSockets()
 
 demo::StageOptions held(const QString& scene)
 {
-    return {.scenes = demo::scenes(), .held = scene, .hasStatusArea = true};
+    return {.held = scene, .hasStatusArea = true};
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_metrics_history.h"
 #include "wifi/wifi_service.h"
-#include "wifi/wifi_snapshot_observer.h"
 
 #include <QSignalSpy>
 #include <QTest>
