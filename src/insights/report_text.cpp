@@ -12,8 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::insights {
 namespace {
 
-constexpr double kNoticeableRise = 2.0; // of the round trip under load
-
 const QString kNoData = u"\n- No data available"_s;
 
 QString oneDecimal(double value)
@@ -85,12 +83,10 @@ QString dnsSection(const ReportInputs& inputs)
 
 QString lagLine(const diagnostics::SpeedTestResult& test)
 {
-    if (!test.pingBefore || !test.pingDuring)
+    const auto rise = test.riseUnderLoad();
+    if (!rise)
         return {};
-    const double ratio = *test.pingDuring / *test.pingBefore;
-    if (!(ratio > kNoticeableRise))
-        return {};
-    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(ratio) + u"x)"_s;
+    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(*rise) + u"x)"_s;
 }
 
 QString speedSection(const std::optional<diagnostics::SpeedTestResult>& test)

@@ -2,6 +2,7 @@
 #include "demo/window_mark.h"
 #include "support/captured_log.h"
 #include "support/test_main.h"
+#include "support/view_fixture.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
 
@@ -21,21 +22,9 @@ namespace {
 /// Longer than any interval at which something is looked at.
 constexpr std::chrono::milliseconds kUntilSeen = 35s;
 
-void collectTexts(const QQuickItem& item, QStringList& found)
-{
-    if (!item.isVisible())
-        return;
-    if (item.inherits("QQuickText"))
-        found.append(item.property("text").toString());
-    for (const auto* child : item.childItems())
-        collectTexts(*child, found);
-}
-
 QStringList textsOf(QWindow& window)
 {
-    QStringList texts;
-    collectTexts(windows::rootOf(window), texts);
-    return texts;
+    return test::visibleTexts(windows::rootOf(window));
 }
 
 auto networkSockets()

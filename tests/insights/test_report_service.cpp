@@ -82,19 +82,6 @@ private Q_SLOTS:
         }
     }
 
-    void lagUnderLoad()
-    {
-        const std::tuple<std::optional<double>, std::optional<double>, QString> rows[]
-            = {{20.0, 40.0, {}}, {20.0, 50.0, u"2.5x"_s}, {std::nullopt, 41.0, {}}, {0.0, 0.0, {}}};
-        for (const auto& [before, during, ratio] : rows) {
-            const ReportInputs inputs {.speedTest
-                = diagnostics::SpeedTestResult {.pingBefore = before, .pingDuring = during}};
-            const QString text = reportText(inputs, kMoment, QLocale::c());
-            QCOMPARE(text.contains(u"Lag Under Load"_s), !ratio.isEmpty());
-            QVERIFY(text.contains(ratio));
-        }
-    }
-
     /// Whatever the language: no day of the week, no time zone, nothing left over of either.
     void datesOfAllLanguages()
     {

@@ -57,6 +57,16 @@ QList<QQuickItem*> visibleItems(QQuickItem& root)
     return items;
 }
 
+QStringList visibleTexts(QQuickItem& root)
+{
+    QStringList texts;
+    for (const auto* item : visibleItems(root)) {
+        if (item->inherits("QQuickText"))
+            texts.append(item->property("text").toString());
+    }
+    return texts;
+}
+
 QStringList auditView(QQuickItem& root)
 {
     QStringList flaws;
@@ -96,13 +106,8 @@ QQuickItem* ViewFixture::find(const char* property, const QVariant& value)
 
 QStringList ViewFixture::texts(const QString& below)
 {
-    QStringList texts;
     auto* top = below.isEmpty() ? &root() : find("objectName", below);
-    for (auto* item : top ? visibleItems(*top) : QList<QQuickItem*>()) {
-        if (item->inherits("QQuickText"))
-            texts.append(item->property("text").toString());
-    }
-    return texts;
+    return top ? visibleTexts(*top) : QStringList();
 }
 
 void ViewFixture::click(const QString& text)

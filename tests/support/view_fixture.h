@@ -12,6 +12,9 @@ namespace netvane::test {
 /// `root` and what is below it, in the order of the tree; hidden items are left out.
 QList<QQuickItem*> visibleItems(QQuickItem& root);
 
+/// The visible texts in the order of the tree.
+QStringList visibleTexts(QQuickItem& root);
+
 /// The faults of the visible items, one line each: a text that may be drawn as rich text, a text
 /// that is cut (an ElidedText offers the whole of it), a control without a name for screen readers
 /// or one that Tab does not reach.
