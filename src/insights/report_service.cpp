@@ -71,7 +71,7 @@ void ReportService::copyReport(const QString& report)
 
 void ReportService::saveReport(const QString& report, const Completion& completion)
 {
-    // The panel may outlive this.
+    // The panel may outlive this object.
     m_exits.savePanel.show(u"Save Diagnostic Report"_s, proposedFileName(m_clock.now()),
         [self = QPointer(this), report, completion](const std::optional<QString>& path) {
             if (self && path)

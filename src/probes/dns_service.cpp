@@ -13,7 +13,8 @@ Q_LOGGING_CATEGORY(logCategory, "netvane.probes")
 
 constexpr int kLookupsPerLogLine = 10;
 
-/// The clock is the process's own: the service's one may be gone when a lookup that hung returns.
+/// Uses the clock of the process: that of the service may be destroyed before a blocked lookup
+/// returns.
 TimedResolution timedResolve(platform::Resolver& resolver, const std::string& host)
 {
     TimedResolution timed;

@@ -25,7 +25,7 @@ quint16 portOf(const QString& host)
 
 } // namespace
 
-/// One connection being timed. It goes when it is over, and then its connection and its timeout.
+/// One connection whose time is measured. It owns the connection and the timeout.
 struct PingService::Probe {
     const std::chrono::steady_clock::time_point startedAt;
     const std::chrono::milliseconds asleepBefore;
@@ -99,7 +99,7 @@ void PingService::measureLatency()
 {
     const auto probe = std::make_shared<Probe>(
         Probe {.startedAt = m_clock.monotonicNow(), .asleepBefore = m_clock.timeAsleep()});
-    // Weakly: when the service goes its probes go with it, and the connections with them.
+    // A weak pointer, so that the probes and their connections are destroyed with the service.
     probe->connection = m_connections.connectTcp(m_targetHost, portOf(m_targetHost),
         [this, weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
             if (const auto held = weakProbe.lock())
@@ -117,7 +117,7 @@ void PingService::handleEvent(const Probe& probe, const platform::ConnectionEven
     switch (event.state) {
     case platform::ConnectionState::Ready: {
         const auto latency = event.at - probe.startedAt;
-        // Too late: the timeout is due, and only a busy main thread has not run it yet.
+        // Too late: the timeout is due, but a busy main thread has not run it yet.
         if (latency < probeTimeout)
             finishProbe(probe, std::chrono::duration<double, std::milli>(latency).count(), {});
         return;
@@ -131,14 +131,14 @@ void PingService::handleEvent(const Probe& probe, const platform::ConnectionEven
     }
 }
 
-/// `message`, if there is one, is logged. The connection is cancelled.
+/// Logs `message` unless it is empty. Cancels the connection.
 void PingService::finishProbe(
     const Probe& probe, std::optional<double> latencyMs, const QString& message)
 {
     const auto place = std::ranges::find(m_inFlight, &probe, &std::shared_ptr<Probe>::get);
     if (place == m_inFlight.end())
         return;
-    const auto held = std::move(*place); // what it holds goes last
+    const auto held = std::move(*place); // keeps the probe alive to the end
     m_inFlight.erase(place);
     if (!message.isEmpty())
         base::log(logCategory(), u"PingService: "_s + message);
@@ -161,7 +161,7 @@ void PingService::recordResult(std::optional<double> latencyMs)
     m_metricsSubject.send(metrics);
 }
 
-/// Of the successful probes only; a loss leaves it as it was.
+/// From the successful probes only; a loss does not change it.
 std::optional<double> PingService::jitter() const
 {
     if (m_pingHistory.size() < 2)
