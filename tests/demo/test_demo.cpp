@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Longer than any interval at which something is looked at.
+/// Longer than every refresh interval.
 constexpr std::chrono::milliseconds kUntilSeen = 35s;
 
 QStringList textsOf(QWindow& window)
@@ -81,12 +81,12 @@ private Q_SLOTS:
         }
     }
 
-    /// What the user starts comes to its end, and nothing of all that reaches the network.
+    /// The diagnostics end, and none of them uses the network.
     void diagnosticsWithoutNetwork()
     {
         demo::StagedProgram program(*qApp, held(u"weak"_s));
         const demo::WindowMark mark(*qApp, program.stage());
-        // Only the popover's test knows of the router, and so of the lag.
+        // Only the popover's speed test has the router's probe, and so the lag.
         auto& speedTest
             = *demo::stateOf<ui::PopoverState>(program.openPopover(kUntilSeen)).speedTest();
         auto& window = program.openDetailedWindow(kUntilSeen);
@@ -109,7 +109,7 @@ private Q_SLOTS:
         QVERIFY(!dashboard.traceroute()->isRunning());
     }
 
-    /// Names and addresses that nobody chose with a narrow window in mind.
+    /// Names and addresses that are too long for a narrow window.
     void hostileScene()
     {
         const QString name

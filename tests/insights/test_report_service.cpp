@@ -82,7 +82,7 @@ private Q_SLOTS:
         }
     }
 
-    /// Whatever the language: no day of the week, no time zone, nothing left over of either.
+    /// In every language: no day of the week, no time zone, no rest of either.
     void datesOfAllLanguages()
     {
         const auto all = QLocale::matchingLocales(
@@ -99,7 +99,7 @@ private Q_SLOTS:
         }
     }
 
-    /// All of a date is in one language, and in that of dates.
+    /// The whole date is in one language, that of LC_TIME.
     void dateInTheUsersLanguage()
     {
         qputenv("LC_ALL", "");
@@ -130,7 +130,7 @@ private Q_SLOTS:
     }
 
 private:
-    /// What the completion says when this is chosen; absent unless it was called once.
+    /// The completion's value after the user chose this; absent unless it was called once.
     std::optional<bool> isSaved(const std::optional<QString>& path)
     {
         QList<bool> completions;

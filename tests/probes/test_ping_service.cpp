@@ -89,10 +89,10 @@ private Q_SLOTS:
         }
     }
 
-    /// The main thread is busy and hears of everything at the end, the timeout first.
+    /// The main thread is busy and handles all events late, the timeout first.
     void timeout()
     {
-        for (const int readyAt : {2999, 3100}) { // ms; each told just before the timeout
+        for (const int readyAt : {2999, 3100}) { // ms; each is delivered just before the timeout
             init();
             m_service->start();
             m_log.take();
@@ -135,7 +135,7 @@ private Q_SLOTS:
         QCOMPARE(m_clock->timerCount(), 0);
     }
 
-    /// What a connection does after a sleep, or how long it took, says nothing about the network.
+    /// The result and the time of a connection that was open during a sleep mean nothing.
     void sleepCountsAsNothing()
     {
         for (const auto end : {State::Failed, State::Ready}) {

@@ -122,7 +122,7 @@ void ViewFixture::click(const QString& text)
 
 QStringList ViewFixture::problems()
 {
-    // A frame lays out what changed, which may change what is around it.
+    // Each frame lays out what changed, which may change other items.
     for (int height = 0; height != m_window.height();) {
         (void)m_window.grabWindow();
         height = m_window.height();

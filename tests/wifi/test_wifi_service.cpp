@@ -55,7 +55,7 @@ private Q_SLOTS:
         m_log.take();
     }
 
-    /// Work that is left over still reads the clock.
+    /// Running work still reads the clock.
     void cleanup() { m_queue.waitForDone(); }
 
     void oddReadings()
@@ -67,7 +67,7 @@ private Q_SLOTS:
         QVERIFY(!info.signalStrength && !info.noise);
     }
 
-    /// A rate index says more than the band.
+    /// A rate index takes precedence over the band.
     void standards()
     {
         using enum WiFiFrequency;

@@ -20,7 +20,7 @@ class TestBeginWithout : public QObject {
     Q_OBJECT
 
 public:
-    /// What a process does as its first thing that gets no descriptor or thread.
+    /// Runs in a child process that gets no descriptor or thread.
     static std::optional<int> runAs(const QStringList& arguments)
     {
         if (arguments.value(0) != u"--begin")
@@ -38,8 +38,8 @@ public:
     }
 
 private Q_SLOTS:
-    /// The program says why it cannot begin without threads, and does not crash or hang; signals
-    /// that it cannot watch for end it by themselves.
+    /// Without threads the program prints the reason and ends, and does not crash or hang. Without
+    /// descriptors, signals keep their default and end it.
     void begin()
     {
         for (const auto& [what, error] :

@@ -70,7 +70,8 @@ QString told(int status)
 /// The one network that there is: loopback, and a router that is not there.
 bool makeNetwork()
 {
-    // The route names its next hop object without spelling it out, the harder case.
+    // The kernel then omits the gateway from the route and gives only the next hop object, the
+    // harder case.
     QFile compatible(u"/proc/sys/net/ipv4/nexthop_compat_mode"_s);
     if (compatible.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         compatible.write("0");
@@ -87,8 +88,8 @@ bool makeNetwork()
 
 } // namespace
 
-/// Calls of the system that fail, one a row: what is published meanwhile, that the next round is as
-/// good as ever, and that no descriptor is left.
+/// Failing system calls, one a row: what is published meanwhile, that the next round succeeds, and
+/// that no descriptor is left open.
 class TestFaults : public QObject {
     Q_OBJECT
 
@@ -144,7 +145,7 @@ private Q_SLOTS:
         QTRY_VERIFY(openDescriptors() <= descriptors);
     }
 
-    /// A broken file is not written over before there is a copy of it.
+    /// A broken file is not overwritten before a copy of it exists.
     void aBrokenFileIsSetAside()
     {
         write(m_path, "{cut o");
@@ -174,7 +175,7 @@ private:
         return int(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden).size());
     }
 
-    /// What is logged, what the file holds then, and how many files lie about.
+    /// The log line, the file's content and the number of files.
     QString storeSettings()
     {
         write(m_path, kEarlier);
@@ -197,7 +198,7 @@ private:
         return logged() + (content(m_path) == kEarlier ? u" earlier"_s : u" later"_s);
     }
 
-    /// What a TCP probe tells.
+    /// The result of a TCP probe.
     QString connectTo(const QString& host)
     {
         net::SocketConnections connections(m_clock);
@@ -261,7 +262,7 @@ private:
                 {{"fdatasync", EIO, kFolder, 0, kAll}, notStored(EIO)},
                 {{"linkat", ENOSPC, kFolder, 0, kAll}, notStored(ENOSPC)},
                 {{"rename", EACCES, kFolder, 0, kAll}, notStored(EACCES)}});
-        // What could not be read is not taken for an empty file, and so not written over.
+        // A file that cannot be read is not treated as empty, and so not overwritten.
         const auto notRead = [](int error) {
             return u"Settings: the file cannot be used: "_s + qt_error_string(error)
                 + u" earlier"_s;
