@@ -68,7 +68,7 @@ void StatusBarManager::setupStatusItem()
     base::log(logCategory(), u"StatusBarManager: Status bar button created"_s);
     connect(&m_statusArea, &shell::StatusArea::changed, this, &StatusBarManager::showStatusItem);
     showStatusItem();
-    // Panels decide about size and place; many tell neither.
+    // Panels decide about size and place; many report neither.
     const int width = m_statusItem ? m_statusItem->geometry().width() : 0;
     const QRect frame(0, 0, std::max(width, kItemHeight), kItemHeight);
     base::log(logCategory(),
@@ -129,7 +129,7 @@ void StatusBarManager::togglePopover()
         Q_EMIT m_notifications.popoverDidOpen();
 }
 
-/// The item, else the pointer that clicked on it. Wayland tells neither.
+/// The item, else the pointer that clicked on it. Wayland reports neither.
 std::optional<QRect> StatusBarManager::popoverAnchor() const
 {
     const QRect item = m_statusItem->geometry();

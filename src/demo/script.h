@@ -12,18 +12,18 @@
 
 namespace netvane::demo {
 
-// What the demonstration shows. Names and addresses are made up, those of the internet from the
-// ranges that documentation may use (RFC 5737).
+// The content of the demonstration. Names and addresses are invented; internet addresses are from
+// the ranges for documentation (RFC 5737).
 
-/// One situation that a user may be in, as plain data. Lists are gone through from the scene's
-/// beginning, one entry with each reading or probe, over and over.
+/// One situation of a user, as plain data. Each reading or probe takes the next entry of its list,
+/// from the scene's beginning and repeatedly.
 struct Scene {
-    QString name; ///< by which it is asked for
-    QString title; ///< for people
+    QString name; ///< for the command line
+    QString title; ///< for the window title
     std::chrono::seconds duration {40}; ///< zero: shown only when asked for
 
     bool hasRadio = true;
-    platform::LinkReading link; ///< but for what the three lists say
+    platform::LinkReading link; ///< without the values of the three lists
     std::vector<int> signalDbm;
     std::vector<int> noiseDbm;
     std::vector<double> rateMbps;
@@ -33,7 +33,7 @@ struct Scene {
     std::vector<std::optional<double>> internetTimes;
     double timeUnderLoad = 0; ///< ms that a transfer adds to both
     std::optional<std::chrono::microseconds> lookupTime; ///< absent: no name is resolved
-    std::optional<QUrl> portal; ///< the page that stands before the internet
+    std::optional<QUrl> portal; ///< the login page of a captive portal
     double downloadMbps = 0;
     double uploadMbps = 0;
 
@@ -52,7 +52,7 @@ std::vector<platform::NearbyNetwork> nearbyNetworks();
 
 /// A router on the way to any host.
 struct Hop {
-    QString address; ///< empty: it answers nobody
+    QString address; ///< empty: no answer
     double milliseconds = 0;
 };
 

@@ -31,7 +31,7 @@ public:
     virtual void show(const QString& title, const QString& fileName, Answer chosen) = 0;
 };
 
-/// Lets the user choose where a text goes, of what this desktop can do with one.
+/// Lets the user choose how to share a text: the desktop's programs for it.
 class SharePicker {
 public:
     virtual ~SharePicker() = default;

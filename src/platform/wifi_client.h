@@ -15,8 +15,8 @@ enum class ChannelBand {
     SixGHz,
 };
 
-/// A channel, told apart by its band: 2.4, 5 and 6 GHz share some numbers (IEEE 802.11-2020, Annex
-/// E).
+/// A channel, identified by its number and band: 2.4, 5 and 6 GHz share some numbers (IEEE
+/// 802.11-2020, Annex E).
 struct WiFiChannel {
     int number = 0;
     ChannelBand band = ChannelBand::Unknown;
@@ -24,15 +24,15 @@ struct WiFiChannel {
     bool operator==(const WiFiChannel&) const = default;
 };
 
-/// One reading of a Wi-Fi link. Each field is absent when the driver does not tell it or the
-/// interface is not associated; none of them depends on another.
+/// One reading of a Wi-Fi link. Each field is absent if the driver does not report it or the
+/// interface is not associated; each may be absent without the others.
 struct LinkReading {
     std::optional<QString> ssid; ///< as `ssidText` makes it
     std::optional<int> signalDbm;
     std::optional<int> noiseDbm;
     std::optional<double> transmitRateMbps;
     std::optional<ChannelBand> band; ///< absent without a current channel
-    std::optional<WiFiChannel> channel; ///< absent, too, where the bands have no such channel
+    std::optional<WiFiChannel> channel; ///< also absent if no band has such a channel
     std::optional<QString> interfaceName;
 
     bool operator==(const LinkReading&) const = default;
@@ -43,12 +43,12 @@ class WiFiInterface {
 public:
     virtual ~WiFiInterface() = default;
 
-    /// Whether the radio is on: false only when it is known to be blocked or the interface is down.
-    /// Answers at once; any thread.
+    /// Whether the radio is on: false only if it is known to be blocked or the interface is down.
+    /// Does not block; any thread.
     virtual bool powerOn() const = 0;
 
-    /// Reads the link; absent when the interface is gone or no longer a station. May wait for the
-    /// driver, within a bound: for background threads, one call at a time.
+    /// Reads the link; absent if the interface was removed or is no longer a station. May wait for
+    /// the driver, for a bounded time: for background threads, one call at a time.
     virtual std::optional<LinkReading> readLink() = 0;
 };
 
@@ -57,8 +57,8 @@ class WiFiClient {
 public:
     virtual ~WiFiClient() = default;
 
-    /// The interfaces in station mode, in the kernel's order; empty when there is no Wi-Fi at all.
-    /// May wait for the kernel, within a bound: for background threads.
+    /// The interfaces in station mode, in the kernel's order; empty without Wi-Fi. May wait for the
+    /// kernel, for a bounded time: for background threads.
     virtual std::vector<std::shared_ptr<WiFiInterface>> interfaces() = 0;
 };
 

@@ -21,7 +21,7 @@ LocationPermissionService::LocationPermissionService(
     platform::LocationManager& locationManager, platform::ApplicationActivity& activity)
     : m_locationManager(locationManager)
 {
-    // Queued: the manager may speak from inside a call of ours.
+    // Queued: the manager may emit inside a call of this class.
     connect(&m_locationManager, &platform::LocationManager::didChangeAuthorization, this,
         &LocationPermissionService::publish, Qt::QueuedConnection);
     checkAuthorizationStatus();
