@@ -1,7 +1,7 @@
 #pragma once
 
 // This room holds what the program derives from the readings for the user: advice, the text of the
-// report, notifications about the network; and whether the introduction was seen. Most of it are
+// report, notifications about the network; and whether the introduction was seen. Most of these are
 // pure functions of plain records.
 
 #include "probes/network_metrics.h"
