@@ -40,12 +40,6 @@ QString flawOf(QQuickItem& item)
 
 } // namespace
 
-QString describe(const QQuickItem& item)
-{
-    return QString::fromLatin1(item.metaObject()->className()) + u" '"_s
-        + item.property("text").toString().left(60) + u'\'';
-}
-
 QList<QQuickItem*> visibleItems(QQuickItem& root)
 {
     QList<QQuickItem*> items;
@@ -72,7 +66,8 @@ QStringList auditView(QQuickItem& root)
     QStringList flaws;
     for (auto* item : visibleItems(root)) {
         if (const QString flaw = flawOf(*item); !flaw.isEmpty())
-            flaws.append(flaw + u": "_s + describe(*item));
+            flaws.append(flaw + u": "_s + QString::fromLatin1(item->metaObject()->className())
+                + u" '"_s + item->property("text").toString().left(60) + u'\'');
     }
     return flaws;
 }

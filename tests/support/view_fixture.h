@@ -20,9 +20,6 @@ QStringList visibleTexts(QQuickItem& root);
 /// or a control that Tab does not reach.
 QStringList auditView(QQuickItem& root);
 
-/// Names a control or text in a message.
-QString describe(const QQuickItem& item);
-
 /// One view in a window of its own, rendered in software without a display.
 class ViewFixture {
 public:

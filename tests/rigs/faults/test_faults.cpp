@@ -1,5 +1,6 @@
 #include "base/background_work.h"
 #include "base/system_clock.h"
+#include "base/termination_signals.h"
 #include "bus/bus_link.h"
 #include "desktop/settings_file.h"
 #include "diagnostics/traceroute_service.h"
@@ -23,6 +24,8 @@
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <sys/resource.h>
 
 #include <netdb.h>
 
@@ -95,6 +98,22 @@ class TestFaults : public QObject {
 
 public:
     static bool prepare() { return test::enterOwnNetwork() && makeNetwork(); }
+    /// In a child process that gets no descriptor or thread.
+    static std::optional<int> runAs(const QStringList& arguments)
+    {
+        if (arguments.value(0) != u"--begin")
+            return {};
+        constexpr rlimit kNoCore {};
+        ::setrlimit(RLIMIT_CORE, &kNoCore);
+        const bool isQueues = arguments.value(1) == u"queues";
+        const ArmedFault armed(
+            isQueues ? Fault {"pthread_create", EAGAIN} : Fault {"pipe2", EMFILE});
+        if (isQueues)
+            const base::WorkQueues queues;
+        else
+            const base::TerminationSignals signals;
+        return armed.hits() == 1 ? 0 : 1;
+    }
 
 private Q_SLOTS:
     void init()
@@ -143,6 +162,23 @@ private Q_SLOTS:
         }
         QCOMPARE(round(), good);
         QTRY_VERIFY(openDescriptors() <= descriptors);
+    }
+
+    /// Without threads the program prints the reason and ends, and does not crash or hang. Without
+    /// descriptors, signals keep their default and end it.
+    void begin()
+    {
+        for (const auto& [what, error] :
+            {std::pair {u"queues"_s, "No threads for work in the background"},
+                {u"signals"_s, ""}}) {
+            QProcess child;
+            child.start(QCoreApplication::applicationFilePath(), {u"faults"_s, u"--begin"_s, what});
+            QVERIFY(child.waitForFinished(-1));
+            const auto errors = child.readAllStandardError();
+            QVERIFY2(errors.contains(error), errors.constData());
+            if (what == u"signals")
+                QVERIFY(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0);
+        }
     }
 
     /// A broken file is not overwritten before a copy of it exists.
