@@ -40,6 +40,9 @@ public:
     {
         return m_lastScanTime;
     }
+    /// Why the last request brought no new networks, in a sentence without its full stop; absent
+    /// after one that did, while one is under way, and without permission.
+    const std::optional<QString>& problem() const { return m_problem; }
     /// The channel with the fewest networks among those that have any, the lowest of several such;
     /// absent when nothing was counted.
     std::optional<int> recommendedChannel() const;
@@ -52,7 +55,7 @@ public:
 
     /// Begins a scan, unless permission is missing, the last success is too recent, or one is under
     /// way. Its results arrive by the published properties; a failed one changes none of them but
-    /// `isScanning`, and may be repeated at once.
+    /// `isScanning` and `problem`, and may be repeated at once.
     void scanNetworks();
 
 Q_SIGNALS:
@@ -60,13 +63,16 @@ Q_SIGNALS:
     void channelUtilizationChanged();
     void isScanningChanged();
     void lastScanTimeChanged();
+    void problemChanged();
 
 private:
     void performScan();
     void processScanResults(const std::vector<platform::NearbyNetwork>& networks);
     void updateChannelUtilization();
+    std::chrono::steady_clock::time_point realTime() const;
     bool isTooSoon() const;
     void setScanning(bool isScanning);
+    void setProblem(std::optional<QString> problem);
 
     platform::NetworkScanner& m_scanner;
     base::Clock& m_clock;
@@ -74,8 +80,9 @@ private:
     ChannelUtilization m_channelUtilization;
     bool m_isScanning = false;
     std::optional<std::chrono::system_clock::time_point> m_lastScanTime;
+    std::optional<QString> m_problem;
     const wifi::LocationPermissionService* m_locationPermissionService = nullptr;
-    /// Together with `m_lastScanTime`, which a clock that is set may move.
+    /// Together with `m_lastScanTime`, which a clock that is set may move. In `realTime`.
     std::optional<std::chrono::steady_clock::time_point> m_lastSuccess;
 };
 

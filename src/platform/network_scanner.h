@@ -32,14 +32,13 @@ public:
 
     virtual ~NetworkScanner() = default;
 
-    /// Scans with the default interface, the first in station mode, and delivers every network
-    /// once, or the reason why there was no scan. The kind NotFound means only that there is no
-    /// Wi-Fi interface. Takes seconds, half a minute at most. `deliver` is called later, and not
-    /// after the owner is destroyed.
+    /// Scans with the first of the `WiFiClient`'s interfaces and delivers every network once, or
+    /// the reason why there was no scan, in a sentence for the user. The kind NotFound means only
+    /// that there is no Wi-Fi interface. Takes seconds, half a minute at most. `deliver` is called
+    /// later, and not after the owner is destroyed.
     virtual void scan(QObject* owner, DeliverNetworks deliver) = 0;
 
-    /// Reads the current channel of the default interface; absent without an association. `deliver`
-    /// as above.
+    /// Reads the current channel of this interface; absent without a link. `deliver` as above.
     virtual void readCurrentChannel(QObject* owner, DeliverChannel deliver) = 0;
 };
 
