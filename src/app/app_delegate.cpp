@@ -3,7 +3,6 @@
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
 #include "base/log.h"
-#include "base/process_memory.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
 #include "probes/network_utils.h"
@@ -15,7 +14,10 @@
 #include "wifi/wifi_service.h"
 
 #include <QAction>
+#include <QFile>
 #include <QGuiApplication>
+
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -32,6 +34,19 @@ const QString kWayBack
     = u"This desktop has no status area. Netvane keeps running after you close this window. "
       "To open the window again, start Netvane again. To end Netvane, use Quit in its settings."_s;
 constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
+
+/// The resident set of this process, the second field of /proc/self/statm (proc(5)); absent if it
+/// cannot be read.
+std::optional<double> residentMebibytes()
+{
+    QFile file(u"/proc/self/statm"_s);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return {};
+    bool isNumber = false;
+    const auto pages = file.read(256).split(' ').value(1).toULongLong(&isNumber);
+    const double bytes = double(pages) * double(::sysconf(_SC_PAGESIZE));
+    return isNumber ? std::optional(bytes / kBytesPerMebibyte) : std::nullopt;
+}
 
 } // namespace
 
@@ -237,9 +252,8 @@ bool AppDelegate::applicationShouldHandleReopen(bool)
 
 void AppDelegate::logMemoryUsage() const
 {
-    if (const auto bytes = base::residentBytes())
-        base::log(
-            logCategory(), u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
+    if (const auto mebibytes = residentMebibytes())
+        base::log(logCategory(), u"Memory: %1 MB"_s.arg(*mebibytes, 0, 'f', 1));
 }
 
 } // namespace netvane::app

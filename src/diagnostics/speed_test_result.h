@@ -21,7 +21,10 @@ struct SpeedTestResult {
     std::optional<double> pingAfter; ///< ms, after the upload
     bool isRunning = false; ///< never true in a result of ours
 
-    /// A sentence for the user when the router took more than twice as long under the load.
+    /// The round trip under load as a multiple of the one before. Absent without both, and when
+    /// the router answered within twice the time: that is no lag.
+    std::optional<double> riseUnderLoad() const;
+    /// A sentence for the user about that rise.
     std::optional<QString> lagUnderLoadMessage() const;
 
     bool operator==(const SpeedTestResult&) const = default;

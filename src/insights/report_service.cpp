@@ -1,9 +1,9 @@
 #include "insights/report_service.h"
 
 #include "base/background_work.h"
+#include "base/decimal_text.h"
 #include "base/log.h"
 #include "base/replace_file.h"
-#include "base/timestamp.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -71,7 +71,7 @@ void ReportService::copyReport(const QString& report)
 
 void ReportService::saveReport(const QString& report, const Completion& completion)
 {
-    // The panel may outlive this.
+    // The panel may outlive this object.
     m_exits.savePanel.show(u"Save Diagnostic Report"_s, proposedFileName(m_clock.now()),
         [self = QPointer(this), report, completion](const std::optional<QString>& path) {
             if (self && path)

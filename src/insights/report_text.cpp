@@ -12,8 +12,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::insights {
 namespace {
 
-constexpr double kNoticeableRise = 2.0; // of the round trip under load
-
 const QString kNoData = u"\n- No data available"_s;
 
 QString oneDecimal(double value)
@@ -31,7 +29,7 @@ QString dbmOrUnknown(std::optional<int> dbm)
     return dbm ? QString::number(*dbm) + u" dBm"_s : u"Unknown"_s;
 }
 
-/// A line that is there only when its value is.
+/// A line; empty without a value.
 QString line(const QString& label, std::optional<int> value, const QString& unit = {})
 {
     return value ? u"\n- "_s + label + u": "_s + QString::number(*value) + unit : QString();
@@ -77,7 +75,8 @@ QString mosLine(const std::optional<probes::NetworkMetrics>& metrics)
 QString dnsSection(const ReportInputs& inputs)
 {
     QString text = u"\n- Lookup Time: "_s + valueOr(inputs.dnsLookupTime, u" ms"_s, u"N/A"_s);
-    // From a file that a network may have had a hand in; names are made safe where they are read.
+    // The network can influence the file that this comes from. Names of networks are already
+    // escaped where they are read.
     if (inputs.dnsServer)
         text += u"\n- DNS Server: "_s + base::withVisibleControls(*inputs.dnsServer);
     return text;
@@ -85,12 +84,10 @@ QString dnsSection(const ReportInputs& inputs)
 
 QString lagLine(const diagnostics::SpeedTestResult& test)
 {
-    if (!test.pingBefore || !test.pingDuring)
+    const auto rise = test.riseUnderLoad();
+    if (!rise)
         return {};
-    const double ratio = *test.pingDuring / *test.pingBefore;
-    if (!(ratio > kNoticeableRise))
-        return {};
-    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(ratio) + u"x)"_s;
+    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(*rise) + u"x)"_s;
 }
 
 QString speedSection(const std::optional<diagnostics::SpeedTestResult>& test)
@@ -103,7 +100,7 @@ QString speedSection(const std::optional<diagnostics::SpeedTestResult>& test)
         + line(u"Ping During"_s, test->pingDuring, u" ms"_s) + lagLine(*test);
 }
 
-/// A format of QLocale without one of its fields. What stands in quotes there is text.
+/// A format of QLocale without one of its fields. Quoted parts of a format are literal text.
 QString without(const QRegularExpression& field, const QString& format)
 {
     QStringList parts = format.split(u'\'');
@@ -112,8 +109,8 @@ QString without(const QRegularExpression& field, const QString& format)
     return parts.join(u'\'').trimmed();
 }
 
-/// What stands between a date and a time. Qt does not know the word for it in other languages, and
-/// a space is right in all of them.
+/// The separator of date and time. Qt has no word for it in other languages, and a space is correct
+/// in all of them.
 QString dateTimeSeparator(const QLocale& locale)
 {
     const auto language = locale.language();
@@ -130,7 +127,7 @@ QString longDateMediumTime(const QDateTime& time, const QLocale& locale)
     const QString clock = without(s_timeZone, locale.timeFormat(QLocale::LongFormat));
     QString text = locale.toString(time.date(), date) + dateTimeSeparator(locale)
         + locale.toString(time.time(), clock);
-    // Newer Qts take narrow no-break spaces from their tables.
+    // Newer versions of Qt use narrow no-break spaces.
     return text.replace(QChar(0x202F), u' ');
 }
 

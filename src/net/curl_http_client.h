@@ -16,8 +16,8 @@ namespace netvane::net {
 struct HttpExchange;
 
 /// HTTP/1.1 with libcurl: pages for the portal check and transfers for the speed test. Each request
-/// has a thread and a connection of its own; nothing is kept from one to the next. At most 64 KiB
-/// of response headers are accepted.
+/// has its own thread and connection; nothing is kept for the next one. At most 64 KiB of response
+/// headers are accepted.
 class CurlHttpClient : public platform::HttpClient, public platform::HttpTransfers {
 public:
     /// `clock` outlives this. `authorityFile` is a PEM file with the only certificates to trust;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kNextHopAttributeMax = NHA_GATEWAY; // nothing beyond it is read
 
-/// The fixed part that a message begins with; absent when the message is shorter.
+/// The fixed header of a message; absent if the message is shorter.
 template <typename Header>
 std::optional<Header> headerOf(netlink::AttributeBytes message)
 {
@@ -39,7 +39,7 @@ std::optional<QString> ipv4Text(const std::optional<QByteArray>& address)
     return QString::fromLatin1(text);
 }
 
-/// RTA_GATEWAY, or RTA_VIA in its place, which may name a router of another family.
+/// RTA_GATEWAY, or instead RTA_VIA, which may contain a router of another family.
 std::optional<QString> gatewayOf(const netlink::Attributes<RTA_MAX>& attributes)
 {
     if (auto gateway = ipv4Text(attributes.bytes(RTA_GATEWAY)))
@@ -52,8 +52,8 @@ std::optional<QString> gatewayOf(const netlink::Attributes<RTA_MAX>& attributes)
     return header.rtvia_family == AF_INET ? ipv4Text(via->sliced(sizeof header)) : std::nullopt;
 }
 
-/// RTA_MULTIPATH: the first next hop with a gateway. A link without carrier counts as dead where
-/// the kernel is told to ignore such links, and the flag says so.
+/// RTA_MULTIPATH: the first next hop with a gateway. A link without carrier counts as dead if the
+/// kernel is configured to ignore such links; the flag shows this.
 std::optional<QString> firstGateway(netlink::AttributeBytes nextHops)
 {
     while (const auto hop = headerOf<rtnexthop>(nextHops)) {
@@ -86,7 +86,7 @@ const NextHopRecord* findLiving(const std::vector<NextHopRecord>& nextHops, std:
     return found == nextHops.end() || found->dead ? nullptr : &*found;
 }
 
-/// Groups hold no groups (the kernel refuses them), so one step down is enough.
+/// Groups contain no groups (the kernel refuses them), so one level is enough.
 std::optional<QString> resolvedGateway(const std::vector<NextHopRecord>& nextHops, std::uint32_t id)
 {
     const NextHopRecord* hop = findLiving(nextHops, id);

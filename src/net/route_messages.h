@@ -10,8 +10,8 @@
 
 namespace netvane::net {
 
-// What the answers of rtnetlink (linux/rtnetlink.h, linux/nexthop.h) about IPv4 routes say. Both
-// parsers take what follows a message's netlink header and believe no length in it.
+// The content of rtnetlink's answers about IPv4 routes (linux/rtnetlink.h, linux/nexthop.h). Both
+// parsers take the bytes after the netlink header and check every length in them.
 
 /// RTM_NEWROUTE.
 struct RouteRecord {
@@ -25,7 +25,7 @@ struct RouteRecord {
 
     bool operator==(const RouteRecord&) const = default;
 };
-/// Absent when it is too short, or of another family than IPv4.
+/// Absent if it is too short or not about IPv4.
 std::optional<RouteRecord> parseRoute(netlink::AttributeBytes message);
 
 /// RTM_NEWNEXTHOP: one next hop, or a group of others.
@@ -37,14 +37,14 @@ struct NextHopRecord {
 
     bool operator==(const NextHopRecord&) const = default;
 };
-/// Absent when it is too short or has no number.
+/// Absent if it is too short or has no number.
 std::optional<NextHopRecord> parseNextHop(netlink::AttributeBytes message);
 
-/// Whether the route stands for all that no other route of the main table takes.
+/// Whether it is the default route of the main table.
 bool isDefaultRoute(const RouteRecord& route);
 
-/// Whether the route's gateway, if any, is told by its next hop object alone. The kernel spells the
-/// object out in the route unless net.ipv4.nexthop_compat_mode is off.
+/// Whether the route's gateway, if any, is only in its next hop object. The kernel repeats it in
+/// the route unless net.ipv4.nexthop_compat_mode is off.
 bool needsNextHops(const RouteRecord& route);
 
 /// The gateway of the default route of the lowest metric among those that have one; the first of

@@ -32,7 +32,7 @@ private:
 bool TcpProbe::ask(const SocketAddress& address)
 {
     const auto* peer = reinterpret_cast<const sockaddr*>(&address.storage);
-    // An interrupted connect goes on by itself.
+    // An interrupted connect continues in the kernel.
     return ::connect(descriptor(), peer, address.length) == 0 || errno == EINPROGRESS
         || errno == EINTR;
 }
@@ -46,7 +46,7 @@ std::optional<SocketProbe::Answer> TcpProbe::takeAnswer()
     socklen_t length = sizeof error;
     if (::getsockopt(descriptor(), SOL_SOCKET, SO_ERROR, &error, &length) != 0)
         error = errno;
-    // Reset, not refused: the peer had answered and closed since (tcp(7)).
+    // Reset, not refused: the peer answered and has closed since (tcp(7)).
     if (error == 0 || error == ECONNRESET || error == EPIPE)
         return Answer {.at = kernelTime()};
     return Answer {.error = error};

@@ -4,8 +4,8 @@
 
 namespace netvane::net {
 
-/// TCP connections. The main thread may be busy when the answer comes, and looks for it only after
-/// a moment (`Clock::soon`): the kernel takes the time of the handshake (TCP_INFO, tcp(7)).
+/// TCP connections. The main thread may be busy when the answer comes, and checks for it with a
+/// delay (`Clock::soon`), so the kernel measures the handshake (TCP_INFO, tcp(7)).
 class SocketConnections : public platform::ConnectionFactory {
 public:
     /// `clock` outlives this.

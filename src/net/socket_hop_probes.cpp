@@ -32,8 +32,8 @@ bool set(int socket, int level, int option, int value)
     return ::setsockopt(socket, level, option, &value, sizeof value) == 0;
 }
 
-/// When the last message that was taken from the socket had come, by the wall clock. The first call
-/// has the kernel take these times from then on, and fails.
+/// The arrival time of the last message that was read from the socket, by the wall clock. The first
+/// call makes the kernel record these times, and fails.
 std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
 {
     timespec stamp {};
@@ -43,7 +43,8 @@ std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
         std::chrono::seconds(stamp.tv_sec) + std::chrono::nanoseconds(stamp.tv_nsec));
 }
 
-/// An empty datagram with a hop limit, and who answers it: a router on the way, or the peer.
+/// Sends an empty datagram with a hop limit and receives the answer of a router on the path or of
+/// the peer.
 class UdpHopProbe : public SocketProbe {
 public:
     UdpHopProbe(ProbeContext& context, QString host, quint16 port, int hopLimit,
@@ -79,13 +80,13 @@ bool UdpHopProbe::ask(const SocketAddress& address)
         || ::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length)
             != 0)
         return false;
-    // As the kernel knows it from now on: connected to 0.0.0.0, it sends to 127.0.0.1.
+    // As the kernel has it after connecting: a socket connected to 0.0.0.0 sends to 127.0.0.1.
     m_peer.length = sizeof m_peer.storage;
     return ::getpeername(socket, reinterpret_cast<sockaddr*>(&m_peer.storage), &m_peer.length) == 0
         && ::send(socket, nullptr, 0, 0) == 0;
 }
 
-/// One message at a time: a host that sends many must not keep the main thread here.
+/// One message at a time: a host that sends many must not block the main thread.
 std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
 {
     const auto error = takeQueuedError(descriptor());
@@ -95,7 +96,7 @@ std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
     case HopAnswer::None:
         return {};
     case HopAnswer::Bad:
-        // Another address of the same name has another way, whose hops are none of this one's.
+        // Another address of the same name has another path, with other hops.
         return Answer {.error = int(error->report.ee_errno), .endsProbe = true};
     case HopAnswer::Good:
         break;
@@ -109,7 +110,7 @@ std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
 std::optional<SocketProbe::Answer> UdpHopProbe::takeDatagram()
 {
     SocketAddress sender {.length = sizeof sender.storage};
-    // It may have come while the socket had a port but no peer yet.
+    // It may have arrived while the socket had a port but no peer yet.
     if (::recvfrom(descriptor(), nullptr, 0, MSG_DONTWAIT,
             reinterpret_cast<sockaddr*>(&sender.storage), &sender.length)
             < 0

@@ -6,8 +6,8 @@
 
 namespace netvane::net {
 
-/// Hop probes: empty UDP datagrams, each on a socket of its own. The main thread may be busy when
-/// an answer comes: the kernel takes the time (SIOCGSTAMPNS, socket(7)).
+/// Hop probes: empty UDP datagrams, each on its own socket. The main thread may be busy when an
+/// answer comes, so the kernel stamps its arrival (SIOCGSTAMPNS, socket(7)).
 class SocketHopProbes : public platform::HopProbeFactory {
 public:
     /// `clock` outlives this.
@@ -21,20 +21,20 @@ public:
 
 private:
     ProbeContext m_context;
-    /// The kernel times packets while any socket asks for it, and begins with a delay. This one
-    /// spans the pauses between the probes of a trace.
+    /// The kernel stamps packets while any socket requests it, and begins with a delay. This socket
+    /// keeps it active in the pauses between the probes of a trace.
     base::FileDescriptor m_timed;
     std::unique_ptr<base::Timer> m_untimed;
 };
 
 enum class HopAnswer {
-    None, ///< meant for another datagram; the answer may still come
-    Good, ///< tells who is at that hop
+    None, ///< for another datagram; the answer may still come
+    Good, ///< identifies the hop
     Bad,
 };
 
 /// What an error means for a datagram to `peer`. A port counts as unreachable only if the peer
-/// itself says so; firewalls say it, too.
+/// itself reports it; firewalls report it too.
 HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer);
 
 } // namespace netvane::net

@@ -13,8 +13,8 @@
 namespace netvane::net {
 namespace {
 
-/// A resolver that hangs holds a thread for half a minute or so; a name that two services probe
-/// every three seconds would then hold about twenty.
+/// A blocked resolver keeps a thread for about half a minute; a name that two services probe every
+/// three seconds would then keep about twenty.
 constexpr int kMostLookUps = 32;
 
 class ProbeHandle : public platform::Connection {
@@ -126,7 +126,7 @@ void SocketProbe::askNext()
             m_error = errno;
             continue;
         }
-        // A peer on this machine has answered by now, and the main thread may be busy from here on.
+        // A peer on this machine has already answered, and the main thread may be busy after this.
         if (look())
             return;
         if (m_next == 1 && m_kind.firstLook == base::Delivery::Batched)
@@ -143,7 +143,7 @@ bool SocketProbe::look()
 {
     if (!m_socket.isOpen() || m_isAnswered)
         return true;
-    const auto now = clock().monotonicNow(); // before anything else: this is what is measured
+    const auto now = clock().monotonicNow(); // first of all: this is the measured time
     const auto answer = takeAnswer();
     if (!answer)
         return false;

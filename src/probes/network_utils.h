@@ -12,8 +12,9 @@ class QObject;
 
 namespace netvane::probes {
 
-/// What the probes and the dashboard ask about the machine's own set-up. Nothing is kept: each
-/// answer is read afresh. No failure is told; what is not known is absent or empty.
+/// Reads the network configuration of this machine for the probes and the dashboard, with the slow
+/// part in the background. Each call reads it again. Failures are not reported; an unknown value is
+/// absent or empty.
 class NetworkUtils {
 public:
     /// Both outlive this.
@@ -23,12 +24,12 @@ public:
     {
     }
 
-    /// The dotted address of the default IPv4 router. Any thread; may wait for the kernel, so the
-    /// main thread uses `getDefaultGateway`.
+    /// The address of the default IPv4 router, dotted decimal. Any thread; may wait for the kernel,
+    /// so the main thread uses `getDefaultGateway`.
     std::optional<QString> readDefaultGateway() const { return m_configuration.defaultRouter(); }
 
     /// Reads the gateway in the background and calls `completion` with it, once and on the main
-    /// thread, unless `context` is gone by then. Main thread.
+    /// thread, unless `context` is destroyed before. Main thread.
     void getDefaultGateway(
         QObject* context, std::function<void(std::optional<QString>)> completion) const;
 

@@ -1,9 +1,9 @@
 #pragma once
 
-// This room holds the services that measure by themselves, on timers: latency and loss of the
-// router and the internet, the time of a name look-up, the captive portal, and what the network is
-// made of. Each publishes its last reading and keeps a bounded history. They use the classes of
-// `platform`.
+// This room holds the services that measure on timers: latency and loss of the router and the
+// internet, the time of a name lookup, and the captive portal; and the reading of the network
+// configuration. Each service publishes its last reading and keeps a bounded history. They use the
+// classes of `platform`.
 
 #include "base/clock.h"
 #include "platform/connection.h"
@@ -20,8 +20,8 @@ namespace netvane::probes {
 
 /// Measures latency, jitter and loss towards one target every 3 seconds by the time that a TCP
 /// connection takes to become ready; one that does not within `probeTimeout` is a lost packet. One
-/// across which the machine slept tells nothing and counts as nothing.
-/// Main thread; connections may report on another, which never touches this.
+/// across which the machine slept tells nothing and counts as nothing. Main thread; connections
+/// that report on another thread never access this object.
 class PingService : public QObject {
     Q_OBJECT
 
@@ -38,11 +38,11 @@ public:
         platform::ConnectionFactory& connections);
     ~PingService() override;
 
-    /// Forgets what was measured before and begins; nothing when already running.
+    /// Clears the earlier results and begins; does nothing while running.
     void start();
-    /// Probes in flight still count.
+    /// The results of probes in flight still count.
     void stop();
-    /// Probes now and then every interval from now, when it is running: the machine woke up.
+    /// While running, probes now and then after every interval: for use when the machine woke up.
     void probeAtOnce();
 
     const QString& targetHost() const { return m_targetHost; }
@@ -70,7 +70,6 @@ private:
     void recordResult(std::optional<double> latencyMs);
     std::optional<double> jitter() const;
     double updatePacketLoss(bool success);
-    void setCurrentMetrics(const NetworkMetrics& metrics);
 
     const QString m_targetHost;
     const QString m_targetName;

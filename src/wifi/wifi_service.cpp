@@ -2,8 +2,8 @@
 
 #include "base/background_work.h"
 #include "base/log.h"
+#include "base/publish.h"
 #include "wifi/location_permission_service.h"
-#include "wifi/wifi_snapshot_observer.h"
 
 #include <limits>
 
@@ -33,16 +33,9 @@ WiFiFrequency frequencyOf(std::optional<platform::ChannelBand> band)
 {
     if (!band)
         return WiFiFrequency::unknown;
-    switch (*band) {
-    case platform::ChannelBand::TwoGHz:
+    if (*band == platform::ChannelBand::TwoGHz)
         return WiFiFrequency::twoPointFourGHz;
-    case platform::ChannelBand::SixGHz:
-        return WiFiFrequency::sixGHz;
-    case platform::ChannelBand::FiveGHz:
-    case platform::ChannelBand::Unknown:
-        break;
-    }
-    return WiFiFrequency::fiveGHz;
+    return *band == platform::ChannelBand::SixGHz ? WiFiFrequency::sixGHz : WiFiFrequency::fiveGHz;
 }
 
 std::optional<int> wholeMbps(std::optional<double> rate)
@@ -242,26 +235,18 @@ void WiFiService::finishPass()
 
 void WiFiService::setCurrentWiFi(std::optional<WiFiInfo> info)
 {
-    if (m_currentWiFi == info)
-        return;
-    m_currentWiFi = std::move(info);
-    Q_EMIT currentWiFiChanged();
+    base::publish(*this, m_currentWiFi, std::move(info), &WiFiService::currentWiFiChanged);
 }
 
 void WiFiService::setErrorMessage(std::optional<QString> message)
 {
-    if (m_errorMessage == message)
-        return;
-    m_errorMessage = std::move(message);
-    Q_EMIT errorMessageChanged();
+    base::publish(*this, m_errorMessage, std::move(message), &WiFiService::errorMessageChanged);
 }
 
 void WiFiService::setNeedsLocationPermission(bool needed)
 {
-    if (m_needsLocationPermission == needed)
-        return;
-    m_needsLocationPermission = needed;
-    Q_EMIT needsLocationPermissionChanged();
+    base::publish(
+        *this, m_needsLocationPermission, needed, &WiFiService::needsLocationPermissionChanged);
 }
 
 } // namespace netvane::wifi

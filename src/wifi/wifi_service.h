@@ -17,7 +17,6 @@
 namespace netvane::wifi {
 
 class LocationPermissionService;
-class WiFiSnapshotObserver;
 struct LinkSample;
 
 /// Samples the Wi-Fi link every 5 seconds and publishes the last snapshot that differs in name,

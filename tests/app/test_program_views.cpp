@@ -19,11 +19,9 @@ namespace {
 /// The first visible item of `type` with that text; null when there is none.
 QQuickItem* find(QQuickItem& item, const char* type, const QString& text)
 {
-    if (item.isVisible() && item.inherits(type) && item.property("text") == text)
-        return &item;
-    for (auto* child : item.childItems()) {
-        if (auto* found = find(*child, type, text))
-            return found;
+    for (auto* each : visibleItems(item)) {
+        if (each->inherits(type) && each->property("text") == text)
+            return each;
     }
     return nullptr;
 }

@@ -51,7 +51,7 @@ private:
     FileDescriptor m_socket;
 };
 
-/// One started connection and what it told.
+/// One started connection and its events.
 struct Started {
     using Events = std::vector<ConnectionEvent>;
 
@@ -100,7 +100,7 @@ private Q_SLOTS:
         const auto sent = m_clock.monotonicNow();
         Started other(m_connections, kLoopback, peer.port());
         other.connection->cancel();
-        QVERIFY(timed.all->empty()); // nothing is told inside a call
+        QVERIFY(timed.all->empty()); // no event inside a call
         QCOMPARE(other.states(), kCancelled);
         QCOMPARE(timed.states(), kReady);
         QVERIFY(before <= timed.all->at(0).at && timed.all->at(0).at <= sent);

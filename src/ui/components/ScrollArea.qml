@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Netvane
 
-// Scrolls what is higher than itself, by wheel, finger and keys, and follows the keyboard focus.
+// Scrolls content that is higher than itself, by wheel, touch and keys, and follows the keyboard
+// focus.
 Flickable {
     id: root
 

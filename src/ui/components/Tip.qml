@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Netvane
 
-// What an element has to say while the pointer rests on it.
+// The tool tip of an element.
 T.ToolTip {
     id: root
 

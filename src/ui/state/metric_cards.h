@@ -1,6 +1,6 @@
 #pragma once
 
-#include "probes/metric_data_point.h"
+#include "probes/history.h"
 #include "probes/network_metrics.h"
 #include "ui/state/accent.h"
 #include "wifi/wifi_info.h"

@@ -54,7 +54,7 @@ Card {
         Item { Layout.fillWidth: true }
     }
 
-    // Gives way where the longest words would not fit on the line.
+    // Becomes smaller if the longest words do not fit on the line.
     component Gap: Item {
         Layout.fillWidth: true
         Layout.minimumWidth: 3

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The sections of a dashboard below one another; the popover and the window have the same ones.
+// The sections of a dashboard in a column; the popover and the window have the same sections.
 ColumnLayout {
     id: root
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Netvane
 
-// Everything at once, in a window of its own.
+// The dashboard in a separate window.
 Item {
     id: root
 

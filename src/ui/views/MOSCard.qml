@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// How well a telephone call would sound.
+// The expected quality of a telephone call.
 Card {
     id: root
 
@@ -13,7 +13,7 @@ Card {
     title: "Voice Quality (MOS)"
     visible: isPresent
     spacing: 4
-    // A card that was away comes back as a new one.
+    // A card that is shown again starts collapsed.
     onIsPresentChanged: info.checked = false
 
     RowLayout {

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// A value with its name, its recent past and, on demand, what it means.
+// A value with its name, its recent history and, on demand, an explanation.
 Card {
     id: root
 
@@ -13,7 +13,7 @@ Card {
     title: metric.label
     visible: isPresent
     spacing: 0
-    // A card that was away comes back as a new one.
+    // A card that is shown again starts collapsed.
     onIsPresentChanged: info.checked = false
 
     RowLayout {

@@ -1,11 +1,11 @@
 import QtQuick
 import Netvane
 
-// The recent past of a value; while there is too little of it for a line, only the place of one.
+// The recent history of a value; a placeholder while there are too few points for a line.
 Item {
     id: root
 
-    // What the values are of.
+    // The name of the values.
     required property string label
     property alias values: sparkline.values
     property alias tint: sparkline.color

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The head of a dashboard: whose it is, the way to the settings, and the network.
+// The top of a dashboard: the program's name, the button for the settings, and the network.
 ColumnLayout {
     id: root
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The introduction for newcomers.
+// The introduction for new users.
 FocusScope {
     id: root
 
@@ -167,7 +167,7 @@ FocusScope {
         }
     }
 
-    // Something that is settled.
+    // A condition that is met.
     component InfoRow: SymbolText {
         symbol: "checkmark.circle.fill"
         tint: Theme.lightBlue

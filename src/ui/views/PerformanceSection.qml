@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// What is measured towards one target.
+// The measurements of one target.
 Card {
     id: root
 

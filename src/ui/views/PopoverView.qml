@@ -1,8 +1,8 @@
 import QtQuick
 import Netvane
 
-// What the popover shows: the introduction, the settings, or the dashboard. The ground is its
-// window's.
+// What the popover shows: the introduction, the settings, or the dashboard. The window paints the
+// background.
 Item {
     id: root
 
@@ -22,13 +22,13 @@ Item {
     implicitWidth: 420
     implicitHeight: wantedHeight
     focus: true
-    // What is not taken here closes the window.
+    // If it is not handled here, it closes the window.
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
 
     ScrollArea {
         objectName: "main-content"
         anchors.fill: parent
-        // Only the end of the introduction is animated; the settings come and go at once.
+        // Only the end of the introduction is animated; the settings appear at once.
         visible: opacity > 0 && root.viewState.content !== PopoverState.Settings
         enabled: root.viewState.content === PopoverState.Dashboard
         opacity: root.viewState.content === PopoverState.Onboarding ? 0 : 1
@@ -61,7 +61,7 @@ Item {
         viewState: root.viewState.onboarding
     }
 
-    // A screen that is there only while it is shown: most who open the dashboard look at nothing else.
+    // A screen that exists only while it is shown: most users open only the dashboard.
     component OnDemand: Loader {
         property bool isWanted: false
         required property string view

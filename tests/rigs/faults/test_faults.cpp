@@ -1,5 +1,6 @@
 #include "base/background_work.h"
 #include "base/system_clock.h"
+#include "base/termination_signals.h"
 #include "bus/bus_link.h"
 #include "desktop/settings_file.h"
 #include "diagnostics/traceroute_service.h"
@@ -23,6 +24,8 @@
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <sys/resource.h>
 
 #include <netdb.h>
 
@@ -70,7 +73,8 @@ QString told(int status)
 /// The one network that there is: loopback, and a router that is not there.
 bool makeNetwork()
 {
-    // The route names its next hop object without spelling it out, the harder case.
+    // The kernel then omits the gateway from the route and gives only the next hop object, the
+    // harder case.
     QFile compatible(u"/proc/sys/net/ipv4/nexthop_compat_mode"_s);
     if (compatible.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         compatible.write("0");
@@ -87,13 +91,29 @@ bool makeNetwork()
 
 } // namespace
 
-/// Calls of the system that fail, one a row: what is published meanwhile, that the next round is as
-/// good as ever, and that no descriptor is left.
+/// Failing system calls, one a row: what is published meanwhile, that the next round succeeds, and
+/// that no descriptor is left open.
 class TestFaults : public QObject {
     Q_OBJECT
 
 public:
     static bool prepare() { return test::enterOwnNetwork() && makeNetwork(); }
+    /// In a child process that gets no descriptor or thread.
+    static std::optional<int> runAs(const QStringList& arguments)
+    {
+        if (arguments.value(0) != u"--begin")
+            return {};
+        constexpr rlimit kNoCore {};
+        ::setrlimit(RLIMIT_CORE, &kNoCore);
+        const bool isQueues = arguments.value(1) == u"queues";
+        const ArmedFault armed(
+            isQueues ? Fault {"pthread_create", EAGAIN} : Fault {"pipe2", EMFILE});
+        if (isQueues)
+            const base::WorkQueues queues;
+        else
+            const base::TerminationSignals signals;
+        return armed.hits() == 1 ? 0 : 1;
+    }
 
 private Q_SLOTS:
     void init()
@@ -144,7 +164,24 @@ private Q_SLOTS:
         QTRY_VERIFY(openDescriptors() <= descriptors);
     }
 
-    /// A broken file is not written over before there is a copy of it.
+    /// Without threads the program prints the reason and ends, and does not crash or hang. Without
+    /// descriptors, signals keep their default and end it.
+    void begin()
+    {
+        for (const auto& [what, error] :
+            {std::pair {u"queues"_s, "No threads for work in the background"},
+                {u"signals"_s, ""}}) {
+            QProcess child;
+            child.start(QCoreApplication::applicationFilePath(), {u"faults"_s, u"--begin"_s, what});
+            QVERIFY(child.waitForFinished(-1));
+            const auto errors = child.readAllStandardError();
+            QVERIFY2(errors.contains(error), errors.constData());
+            if (what == u"signals")
+                QVERIFY(child.exitStatus() == QProcess::NormalExit && child.exitCode() == 0);
+        }
+    }
+
+    /// A broken file is not overwritten before a copy of it exists.
     void aBrokenFileIsSetAside()
     {
         write(m_path, "{cut o");
@@ -174,7 +211,7 @@ private:
         return int(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden).size());
     }
 
-    /// What is logged, what the file holds then, and how many files lie about.
+    /// The log line, the file's content and the number of files.
     QString storeSettings()
     {
         write(m_path, kEarlier);
@@ -197,7 +234,7 @@ private:
         return logged() + (content(m_path) == kEarlier ? u" earlier"_s : u" later"_s);
     }
 
-    /// What a TCP probe tells.
+    /// The result of a TCP probe.
     QString connectTo(const QString& host)
     {
         net::SocketConnections connections(m_clock);
@@ -261,7 +298,7 @@ private:
                 {{"fdatasync", EIO, kFolder, 0, kAll}, notStored(EIO)},
                 {{"linkat", ENOSPC, kFolder, 0, kAll}, notStored(ENOSPC)},
                 {{"rename", EACCES, kFolder, 0, kAll}, notStored(EACCES)}});
-        // What could not be read is not taken for an empty file, and so not written over.
+        // A file that cannot be read is not treated as empty, and so not overwritten.
         const auto notRead = [](int error) {
             return u"Settings: the file cannot be used: "_s + qt_error_string(error)
                 + u" earlier"_s;
