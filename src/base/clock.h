@@ -37,6 +37,11 @@ public:
     /// How long the machine has slept since it was started: what `monotonicNow` missed. Right to a
     /// few milliseconds.
     virtual std::chrono::milliseconds timeAsleep() const = 0;
+    /// For intervals that people live through, asleep or not: a pause between notifications.
+    std::chrono::steady_clock::time_point nowWithSleep() const
+    {
+        return monotonicNow() + timeAsleep();
+    }
 
     /// Runs `action` every `interval`, the first time one interval from now. From three seconds on
     /// all ticks may be up to half a second early or late, so that wake-ups coincide; shorter ones

@@ -36,7 +36,7 @@ void ChannelAnalysisService::scanNetworks()
 
 bool ChannelAnalysisService::isTooSoon() const
 {
-    return m_lastSuccess && m_clock.monotonicNow() - *m_lastSuccess < maxScanInterval;
+    return m_lastSuccess && m_clock.nowWithSleep() - *m_lastSuccess < maxScanInterval;
 }
 
 void ChannelAnalysisService::performScan()
@@ -59,7 +59,7 @@ void ChannelAnalysisService::processScanResults(
 {
     publish(m_nearbyNetworks, networks, &ChannelAnalysisService::nearbyNetworksChanged);
     updateChannelUtilization();
-    m_lastSuccess = m_clock.monotonicNow();
+    m_lastSuccess = m_clock.nowWithSleep();
     publish(
         m_lastScanTime, std::optional(m_clock.now()), &ChannelAnalysisService::lastScanTimeChanged);
     publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
