@@ -51,8 +51,8 @@ struct Services {
     void makeAll(platform::ApplicationActivity& activity);
     /// The report program: the link, whose sampling begins here, and the look-up of names.
     void makeForReport();
-    /// The latency probes of `router` and of the internet, not started. Without a router (absent)
-    /// there is no probe of it.
+    /// The latency probes of `router` and of the internet that are not there yet, not started.
+    /// Without a router (absent) there is no probe of it.
     void makeProbes(const std::optional<QString>& router);
     void makeSpeedTest();
 
