@@ -9,7 +9,7 @@
 namespace netvane::platform {
 
 enum class ConnectionState {
-    Ready, ///< the peer answered
+    Ready, ///< the peer answered, if only to refuse
     Failed, ///< none of the host's addresses can be had; final
     Cancelled, ///< by `cancel`, or because the connection or its factory went; final
 };
