@@ -153,10 +153,10 @@ void PingService::finishProbe(
     m_inFlight.erase(place);
     if (base::hasSlept(held->asleepBefore, m_clock.timeAsleep()))
         return;
-    if (latencyMs)
-        m_failures.clear();
-    else if (!failure.isEmpty())
+    if (!failure.isEmpty())
         logFailure(failure);
+    else if (latencyMs && m_inFlight.empty()) // one that began earlier may still time out
+        m_failures.clear();
     recordResult(latencyMs);
 }
 
