@@ -6,6 +6,7 @@
 #include "platform/application_activity.h"
 #include "platform/platform.h"
 #include "probes/network_utils.h"
+#include "probes/ping_service.h"
 #include "probes/probe_targets.h"
 #include "shell/activation_token.h"
 #include "shell/detailed_window_controller.h"
@@ -84,8 +85,8 @@ void AppDelegate::applicationDidFinishLaunching()
     m_services.makeAll(m_activity);
     setupStatusBar();
     setupMainMenu();
-    m_services.networkUtils->getDefaultGateway(
-        this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
+    m_services.networkUtils->followDefaultGateway(*m_platform.routeMonitor, this,
+        [this](const std::optional<QString>& address) { gatewayAnswered(address); });
     base::log(logCategory(), u"Netvane: Application launched successfully"_s);
     m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
 }
@@ -118,10 +119,19 @@ void AppDelegate::setupMainMenu()
     base::log(logCategory(), u"Netvane: Global keyboard shortcut ⌘D configured"_s);
 }
 
+/// The first answer makes the probes; a later one that is another address leads the router's probe
+/// there. Without a route it keeps its target.
 void AppDelegate::gatewayAnswered(const std::optional<QString>& address)
 {
-    const QString router = address.value_or(probes::kFallbackGateway);
+    auto* const probe = routerPingService();
+    const QString router = address.value_or(probe ? probe->targetHost() : probes::kFallbackGateway);
+    if (probe && probe->targetHost() == router)
+        return;
     base::log(logCategory(), u"Netvane: Default gateway: "_s + router);
+    if (probe) {
+        probe->setTargetHost(router);
+        return;
+    }
     m_services.makeProbes(router);
     QMetaObject::invokeMethod(this, &AppDelegate::startServices, Qt::QueuedConnection);
 }
@@ -135,6 +145,9 @@ void AppDelegate::startServices()
     setupPopover();
     connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake, this,
         &AppDelegate::sampleAfterSleep);
+    // A reading of the routes that failed is made up for.
+    connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake,
+        m_platform.routeMonitor.get(), &platform::RouteMonitor::routesChanged);
     base::log(logCategory(), u"Netvane: All services started"_s);
     m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
 }

@@ -37,6 +37,11 @@ public:
     /// The total sleep time since boot, which `monotonicNow` leaves out. Exact to a few
     /// milliseconds.
     virtual std::chrono::milliseconds timeAsleep() const = 0;
+    /// For intervals that people live through, asleep or not: a pause between notifications.
+    std::chrono::steady_clock::time_point nowWithSleep() const
+    {
+        return monotonicNow() + timeAsleep();
+    }
 
     /// Runs `action` every `interval`, first after one interval. With an interval of three seconds
     /// or more, all ticks may be half a second early or late, so that wake-ups coincide; with a

@@ -47,15 +47,9 @@ void ChannelAnalysisService::scanNetworks()
     performScan();
 }
 
-/// Time asleep counts.
-std::chrono::steady_clock::time_point ChannelAnalysisService::realTime() const
-{
-    return m_clock.monotonicNow() + m_clock.timeAsleep();
-}
-
 bool ChannelAnalysisService::isTooSoon() const
 {
-    return m_lastSuccess && realTime() - *m_lastSuccess < maxScanInterval;
+    return m_lastSuccess && m_clock.nowWithSleep() - *m_lastSuccess < maxScanInterval;
 }
 
 void ChannelAnalysisService::setProblem(std::optional<QString> problem)
@@ -85,7 +79,7 @@ void ChannelAnalysisService::processScanResults(
     base::publish(
         *this, m_nearbyNetworks, networks, &ChannelAnalysisService::nearbyNetworksChanged);
     updateChannelUtilization();
-    m_lastSuccess = realTime();
+    m_lastSuccess = m_clock.nowWithSleep();
     base::publish(
         *this, m_lastScanTime, m_clock.now(), &ChannelAnalysisService::lastScanTimeChanged);
     setScanning(false);

@@ -69,7 +69,6 @@ private:
     void performScan();
     void processScanResults(const std::vector<platform::NearbyNetwork>& networks);
     void updateChannelUtilization();
-    std::chrono::steady_clock::time_point realTime() const;
     bool isTooSoon() const;
     void setScanning(bool isScanning);
     void setProblem(std::optional<QString> problem);
@@ -82,7 +81,7 @@ private:
     std::optional<std::chrono::system_clock::time_point> m_lastScanTime;
     std::optional<QString> m_problem;
     const wifi::LocationPermissionService* m_locationPermissionService = nullptr;
-    /// Together with `m_lastScanTime`, which a clock that is set may move. In `realTime`.
+    /// Together with `m_lastScanTime`, which a clock that is set may move. By `Clock::nowWithSleep`.
     std::optional<std::chrono::steady_clock::time_point> m_lastSuccess;
 };
 

@@ -84,7 +84,7 @@ bool NetworkNotificationService::mayNotify() const
     if (!m_notificationsEnabled || m_authorizationStatus != AuthorizationStatus::Authorized)
         return false;
     return !m_lastNotificationTime
-        || m_clock.monotonicNow() - *m_lastNotificationTime >= notificationThrottleInterval;
+        || m_clock.nowWithSleep() - *m_lastNotificationTime >= notificationThrottleInterval;
 }
 
 void NetworkNotificationService::checkForNetworkChanges(const wifi::WiFiInfo& wifiInfo)
@@ -127,7 +127,7 @@ void NetworkNotificationService::sendNotification(
             base::log(logCategory(),
                 u"NetworkNotificationService: Failed to send notification: "_s + *error);
         else
-            m_lastNotificationTime = m_clock.monotonicNow();
+            m_lastNotificationTime = m_clock.nowWithSleep();
     });
 }
 

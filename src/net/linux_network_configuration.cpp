@@ -84,6 +84,12 @@ std::vector<NextHopRecord> readNextHops(netlink::NetlinkSocket& socket)
         socket, {RTM_GETNEXTHOP, RTM_NEWNEXTHOP, {}}, parseNextHop, all);
 }
 
+std::vector<LinkRecord> readTunnels(netlink::NetlinkSocket& socket)
+{
+    const auto isTunnel = [](const LinkRecord& link) { return link.isTunnel; };
+    return dump<ifinfomsg, LinkRecord>(socket, {RTM_GETLINK, RTM_NEWLINK, {}}, parseLink, isTunnel);
+}
+
 } // namespace
 
 std::optional<QString> LinuxNetworkConfiguration::defaultRouter()
@@ -95,7 +101,10 @@ std::optional<QString> LinuxNetworkConfiguration::defaultRouter()
     std::vector<NextHopRecord> nextHops;
     if (std::ranges::any_of(routes, needsNextHops))
         nextHops = readNextHops(socket.value());
-    return defaultRouterOf(routes, nextHops);
+    std::vector<LinkRecord> tunnels;
+    if (routes.size() > 1) // with one there is no choice
+        tunnels = readTunnels(socket.value());
+    return defaultRouterOf(routes, nextHops, tunnels);
 }
 
 /// The stub hides the real servers. Their list counts only while the C library asks the stub: a

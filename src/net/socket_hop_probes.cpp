@@ -12,6 +12,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kTimedAfterProbe = 5s; // longer than a probe and the pause after it
+constexpr quint16 kNeighbourPort = 33434; // the first of those that traces go to: nobody listens
 
 /// The numbers of one family's ICMP (RFC 792, RFC 4443).
 struct IcmpNumbers {
@@ -43,18 +44,22 @@ std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
         std::chrono::seconds(stamp.tv_sec) + std::chrono::nanoseconds(stamp.tv_nsec));
 }
 
+/// How far a datagram may go.
+struct Reach {
+    int hopLimit = 1;
+    bool isNeighbour = false; ///< no router may pass it on, whatever the routes say
+};
+
 /// Sends an empty datagram with a hop limit and receives the answer of a router on the path or of
 /// the peer.
 class UdpHopProbe : public SocketProbe {
 public:
-    UdpHopProbe(ProbeContext& context, QString host, quint16 port, int hopLimit,
-        platform::ConnectionHandler handler)
+    UdpHopProbe(ProbeContext& context, QString host, quint16 port, Reach reach,
+        base::Delivery firstLook, platform::ConnectionHandler handler)
         : SocketProbe(context,
-            {.socketType = SOCK_DGRAM,
-                .event = QSocketNotifier::Read,
-                .firstLook = base::Delivery::Immediate},
+            {.socketType = SOCK_DGRAM, .event = QSocketNotifier::Read, .firstLook = firstLook},
             std::move(host), port, std::move(handler))
-        , m_hopLimit(hopLimit)
+        , m_reach(reach)
     {
     }
 
@@ -64,19 +69,20 @@ private:
     std::optional<Answer> takeDatagram();
     Answer goodAnswer() const;
 
-    const int m_hopLimit;
+    const Reach m_reach;
     SocketAddress m_peer;
 };
 
 bool UdpHopProbe::ask(const SocketAddress& address)
 {
     const int socket = descriptor();
+    const auto [hopLimit, isNeighbour] = m_reach;
     (void)kernelStamp(socket);
     const bool isSet = address.storage.ss_family == AF_INET
-        ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, m_hopLimit)
+        ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, hopLimit)
         : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
-            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_hopLimit);
-    if (!isSet
+            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, hopLimit);
+    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, isNeighbour)
         || ::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length)
             != 0)
         return false;
@@ -145,12 +151,29 @@ HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
 std::unique_ptr<platform::Connection> SocketHopProbes::probeHop(
     const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler)
 {
-    if (!m_timed.isOpen()) {
-        m_timed = base::FileDescriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-        (void)kernelStamp(m_timed.get());
-    }
+    (void)takeTimes();
+    return handleOf(new UdpHopProbe(m_context, host, port, {.hopLimit = hopLimit},
+        base::Delivery::Immediate, std::move(handler)));
+}
+
+std::unique_ptr<platform::Connection> SocketHopProbes::probeNeighbour(
+    const QString& host, platform::ConnectionHandler handler)
+{
+    // As long as the kernel takes no times, that of an answer is when it is seen.
+    const auto firstLook = takeTimes() ? base::Delivery::Batched : base::Delivery::Immediate;
+    return handleOf(new UdpHopProbe(
+        m_context, host, kNeighbourPort, {.isNeighbour = true}, firstLook, std::move(handler)));
+}
+
+/// Whether the kernel has been doing so since an earlier probe.
+bool SocketHopProbes::takeTimes()
+{
     m_untimed = m_context.clock.after(kTimedAfterProbe, [this] { m_timed = {}; });
-    return handleOf(new UdpHopProbe(m_context, host, port, hopLimit, std::move(handler)));
+    if (m_timed.isOpen())
+        return true;
+    m_timed = base::FileDescriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    (void)kernelStamp(m_timed.get());
+    return false;
 }
 
 } // namespace netvane::net

@@ -19,7 +19,15 @@ public:
     std::unique_ptr<platform::Connection> probeHop(const QString& host, quint16 port, int hopLimit,
         platform::ConnectionHandler handler) override;
 
+    /// The same with a hop limit of 1, to an address on a network that this machine is part of:
+    /// `Failed` where a router would have to pass it on (SO_DONTROUTE, socket(7)). The first look
+    /// for an answer may wait a moment (`Clock::soon`).
+    [[nodiscard]] std::unique_ptr<platform::Connection> probeNeighbour(
+        const QString& host, platform::ConnectionHandler handler);
+
 private:
+    bool takeTimes();
+
     ProbeContext m_context;
     /// The kernel stamps packets while any socket requests it, and begins with a delay. This socket
     /// keeps it active in the pauses between the probes of a trace.

@@ -41,6 +41,9 @@ protected:
     struct Answer {
         int error = 0; ///< errno of a bad answer; 0: a good one
         bool endsProbe = false; ///< a bad answer after which no other address is tried
+        /// A good answer whose time nobody took. Where it was not watched for either, the host is
+        /// asked once more.
+        bool isUntimed = false;
         /// When it arrived, if the kernel stamped it.
         std::optional<std::chrono::steady_clock::time_point> at;
         QString from; ///< the address that answered, if that is not the host's
@@ -62,6 +65,7 @@ private:
     void takeAddresses(const HostAddresses& found);
     void askNext();
     bool look();
+    void askOnceMore();
     void lookOrWatch();
     void stopWatching();
     void tell(const platform::ConnectionEvent& event);
@@ -77,8 +81,11 @@ private:
     base::FileDescriptor m_socket;
     QSocketNotifier* m_notifier = nullptr;
     std::chrono::steady_clock::time_point m_askedAt;
+    /// What went by before the host was asked once more; no part of the measured time.
+    std::chrono::steady_clock::duration m_unmeasured {};
     int m_error = 0; ///< of the last address that failed
     bool m_isStarted = false;
+    bool m_isUnwatched = false; ///< an answer may lie there for a while before it is seen
     bool m_isAnswered = false;
     bool m_isCancelled = false;
 };

@@ -9,7 +9,7 @@
 namespace netvane::platform {
 
 enum class ConnectionState {
-    Ready, ///< the peer answered
+    Ready, ///< the peer answered, if only to refuse
     Failed, ///< no address of the host could be reached; final
     Cancelled, ///< by `cancel`, or because the connection or its factory was destroyed; final
 };

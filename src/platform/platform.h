@@ -17,6 +17,7 @@
 #include "platform/network_configuration.h"
 #include "platform/network_scanner.h"
 #include "platform/resolver.h"
+#include "platform/route_monitor.h"
 #include "platform/sleep_monitor.h"
 #include "platform/status_notifier_host.h"
 #include "platform/url_opener.h"
@@ -45,6 +46,7 @@ struct Platform {
     std::unique_ptr<StatusNotifierHost> statusNotifierHost;
     std::unique_ptr<InstanceClaim> instanceClaim;
     std::unique_ptr<SleepMonitor> sleepMonitor;
+    std::unique_ptr<RouteMonitor> routeMonitor;
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;
     std::unique_ptr<HttpTransfers> httpTransfers;

@@ -2,6 +2,7 @@
 
 #include "base/work_queues.h"
 #include "platform/network_configuration.h"
+#include "platform/route_monitor.h"
 
 #include <QStringList>
 
@@ -32,6 +33,11 @@ public:
     /// thread, unless `context` is destroyed before. Main thread.
     void getDefaultGateway(
         QObject* context, std::function<void(std::optional<QString>)> completion) const;
+
+    /// The same, now and whenever the default route may have changed. An answer that a later one
+    /// has overtaken is not told. `routes` outlives `context`.
+    void followDefaultGateway(platform::RouteMonitor& routes, QObject* context,
+        std::function<void(const std::optional<QString>&)> take) const;
 
     /// The DNS servers, the primary one first. Any thread; reads two small files at most.
     QStringList getDNSServers() const { return m_configuration.dnsServers(); }

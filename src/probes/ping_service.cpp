@@ -69,6 +69,19 @@ void PingService::start()
     probeAtOnce();
 }
 
+void PingService::setTargetHost(const QString& host)
+{
+    if (m_targetHost == host)
+        return;
+    const bool wasRunning = m_isRunning;
+    stop();
+    m_inFlight.clear(); // they would tell of the other target
+    m_failures.clear();
+    m_targetHost = host;
+    if (wasRunning)
+        start();
+}
+
 void PingService::probeAtOnce()
 {
     if (!m_isRunning)
@@ -119,31 +132,46 @@ void PingService::handleEvent(const Probe& probe, const platform::ConnectionEven
         const auto latency = event.at - probe.startedAt;
         // Too late: the timeout is due, but a busy main thread has not run it yet.
         if (latency < probeTimeout)
-            finishProbe(probe, std::chrono::duration<double, std::milli>(latency).count(), {});
+            finishProbe(probe, std::chrono::duration<double, std::milli>(latency).count());
         return;
     }
     case platform::ConnectionState::Failed:
         finishProbe(probe, {}, u"Connection failed to "_s + m_targetHost + u": "_s + event.error);
         return;
     case platform::ConnectionState::Cancelled:
-        finishProbe(probe, {}, {});
+        finishProbe(probe, {});
         return;
     }
 }
 
-/// Logs `message` unless it is empty. Cancels the connection.
+/// Cancels the connection.
 void PingService::finishProbe(
-    const Probe& probe, std::optional<double> latencyMs, const QString& message)
+    const Probe& probe, std::optional<double> latencyMs, const QString& failure)
 {
     const auto place = std::ranges::find(m_inFlight, &probe, &std::shared_ptr<Probe>::get);
     if (place == m_inFlight.end())
         return;
     const auto held = std::move(*place); // keeps the probe alive to the end
     m_inFlight.erase(place);
-    if (!message.isEmpty())
-        base::log(logCategory(), u"PingService: "_s + message);
-    if (!base::hasSlept(held->asleepBefore, m_clock.timeAsleep()))
-        recordResult(latencyMs);
+    if (base::hasSlept(held->asleepBefore, m_clock.timeAsleep()))
+        return;
+    if (!failure.isEmpty())
+        logFailure(failure);
+    else if (latencyMs && m_inFlight.empty()) // one that began earlier may still time out
+        m_failures.clear();
+    recordResult(latencyMs);
+}
+
+/// A router that is gone times out and is unreachable by turns: each is a line of its own once.
+void PingService::logFailure(const QString& failure)
+{
+    const auto now = m_clock.nowWithSleep();
+    auto& [count, loggedAt] = m_failures[failure];
+    if (++count > 1 && now - loggedAt < failureLogInterval)
+        return;
+    loggedAt = now;
+    const QString times = count > 1 ? u" (%1 times without an answer)"_s.arg(count) : QString();
+    base::log(logCategory(), u"PingService: "_s + failure + times);
 }
 
 void PingService::recordResult(std::optional<double> latencyMs)

@@ -12,6 +12,7 @@
 
 #include <QObject>
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -31,6 +32,8 @@ public:
     static constexpr std::chrono::milliseconds pingInterval {3000};
     static constexpr std::chrono::milliseconds probeTimeout {3000};
     static constexpr std::chrono::milliseconds publishInterval {500};
+    /// A failure that goes on is logged again after so long, asleep or not.
+    static constexpr std::chrono::hours failureLogInterval {1};
 
     /// `targetHost` is an address or a name, `targetName` the label that the records carry.
     /// `clock` and `connections` outlive this. Nothing is probed before `start`.
@@ -42,6 +45,9 @@ public:
     void start();
     /// The results of probes in flight still count.
     void stop();
+    /// Probes another target from now on; begins anew with it while running. Does nothing if it is
+    /// the same.
+    void setTargetHost(const QString& host);
     /// While running, probes now and then after every interval: for use when the machine woke up.
     void probeAtOnce();
 
@@ -62,16 +68,22 @@ Q_SIGNALS:
 
 private:
     struct Probe;
+    struct LoggedFailure {
+        int count = 0;
+        std::chrono::steady_clock::time_point loggedAt; ///< sleep counts
+    };
 
     void performPing();
     void measureLatency();
     void handleEvent(const Probe& probe, const platform::ConnectionEvent& event);
-    void finishProbe(const Probe& probe, std::optional<double> latencyMs, const QString& message);
+    void finishProbe(
+        const Probe& probe, std::optional<double> latencyMs, const QString& failure = {});
+    void logFailure(const QString& failure);
     void recordResult(std::optional<double> latencyMs);
     std::optional<double> jitter() const;
     double updatePacketLoss(bool success);
 
-    const QString m_targetHost;
+    QString m_targetHost;
     const QString m_targetName;
     base::Clock& m_clock;
     platform::ConnectionFactory& m_connections;
@@ -80,6 +92,8 @@ private:
     std::vector<double> m_pingHistory;
     std::vector<bool> m_recentResults; ///< of the last `packetLossWindow` probes, oldest first
     std::vector<std::shared_ptr<Probe>> m_inFlight;
+    std::map<QString, LoggedFailure>
+        m_failures; ///< since the last success, by what was said of them
     std::unique_ptr<base::Timer> m_pingTimer;
     LatestValueThrottle<NetworkMetrics> m_metricsSubject;
     int m_pingCount = 0;

@@ -50,8 +50,8 @@ struct Services {
     void makeAll(platform::ApplicationActivity& activity);
     /// The report program: the link, whose sampling begins here, and the name lookups.
     void makeForReport();
-    /// The latency probes of `router` and of the internet, not started. Without a router (absent)
-    /// there is only the second.
+    /// The latency probes of `router` and of the internet that do not exist yet, not started.
+    /// Without a router (absent) there is no probe of it.
     void makeProbes(const std::optional<QString>& router);
     void makeSpeedTest();
 

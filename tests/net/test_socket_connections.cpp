@@ -121,10 +121,11 @@ private Q_SLOTS:
         QTest::addColumn<HostAddresses>("found");
         QTest::addColumn<QString>("error");
         const QString name = u"peer.example"_s;
-        const QString refused = u"Connection refused"_s;
+        const QString unreachable = u"Network is unreachable"_s;
         const auto good = m_listening.address;
-        const auto bad = m_closed.address;
-        QTest::newRow("closed port") << kLoopback << HostAddresses {{}, "not asked"} << refused;
+        const auto bad = addressesOfLiteral("255.255.255.255", 80).at(0); // takes no connections
+        QTest::newRow("closed port") << kLoopback << HostAddresses {{}, "not asked"} << QString();
+        QTest::newRow("unreachable") << name << HostAddresses {{bad}, {}} << unreachable;
         QTest::newRow("second of two") << name << HostAddresses {{bad, good}, {}} << QString();
         QTest::newRow("no such name") << name << HostAddresses {{}, "unknown"} << u"unknown"_s;
     }

@@ -50,6 +50,12 @@ private Q_SLOTS:
         QCOMPARE(m_service->pingCount(), 1);
         finish(State::Cancelled);
         QCOMPARE(last().packetLoss, std::optional(100.0));
+        m_clock->advance(3s);
+        for (const auto& host : {u"192.0.2.2"_s, u"192.0.2.2"_s})
+            m_service->setTargetHost(host);
+        QCOMPARE(m_connections->made().back()->host, u"192.0.2.2"_s);
+        finish(State::Failed, {}, 1); // of the earlier target, which says nothing about this one
+        QCOMPARE(m_service->metrics().size(), size_t(1));
     }
 
     void port()
@@ -120,6 +126,26 @@ private Q_SLOTS:
         QCOMPARE(m_service->metrics().size(), size_t(2));
         QCOMPARE(m_log.take(),
             QStringList {u"PingService: Connection failed to 192.0.2.1: Connection refused"_s});
+    }
+
+    /// A failure that goes on is a line at first, and then one an hour, asleep or not.
+    void failuresThatGoOn()
+    {
+        const QString line = u"PingService: Connection failed to 192.0.2.1: gone"_s;
+        m_service->start();
+        finish(State::Ready);
+        for (int i = 0; i < 1199; ++i) {
+            m_clock->advance(3s);
+            finish(State::Failed, u"gone"_s);
+        }
+        QCOMPARE(m_log.take().filter(u"PingService:"_s), QStringList {line});
+        m_clock->sleep(10s);
+        for (const auto state : {State::Failed, State::Ready, State::Failed}) {
+            m_clock->advance(3s);
+            finish(state, u"gone"_s);
+        }
+        QCOMPARE(m_log.take().filter(u"PingService:"_s),
+            (QStringList {line + u" (1200 times without an answer)"_s, line}));
     }
 
     void destroyedWithProbesInFlight()
