@@ -25,11 +25,13 @@ constexpr qsizetype kLongestLine = PIPE_BUF / 3 - 1;
 std::atomic<LogSink> g_sink = nullptr;
 
 /// If a standard descriptor is closed at the start, the first file or socket that is opened gets
-/// its number, and then receives all that is written to standard error.
+/// its number, and then receives all that is written to standard error. It is opened for the other
+/// direction, so that what is printed fails as it does on a closed one.
 bool openStandardDescriptors()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) != descriptor)
+        const int direction = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", direction) != descriptor)
             return false;
     }
     return true;
