@@ -11,8 +11,9 @@
 
 namespace netvane::shell {
 
-/// The detailed window over its one life, from being shown to being closed. Its frame is remembered
-/// under "NetvaneWindow". Main thread.
+/// The detailed window over its one life, from being shown to being closed. It fits the screen with
+/// its title bar, even one that is smaller than its least size. Its frame is remembered under
+/// "NetvaneWindow". Main thread.
 class DetailedWindowController final : public QObject {
     Q_OBJECT
 
@@ -30,8 +31,11 @@ public:
     /// And takes the keyboard.
     void bringToFront();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
-    void restoreFrame();
+    void fitFrame(const QRect& wanted, const QMargins& margins);
     void noteFrame();
     void storeFrame();
     void handleVisible(bool isVisible);
@@ -40,6 +44,7 @@ private:
     base::Clock& m_clock;
     std::unique_ptr<HostWindow> m_host;
     QRect m_frame; ///< the last one seen on the screen; null before
+    bool m_isFitted = false; ///< to the margins that it has on the screen
     std::unique_ptr<base::Timer> m_storing;
 };
 

@@ -19,11 +19,13 @@ Item {
         visible: !root.viewState.showSettings
         focus: visible
         showsIndicator: true
+        bottomPadding: 16
 
+        // In a wide window a value would be far from its graph.
         DashboardColumn {
-            x: 32
+            x: Math.round((parent.width - width) / 2)
             y: 16
-            width: parent.width - 64
+            width: Math.min(parent.width - 64, 720)
             spacing: 16
             viewState: root.viewState
         }
