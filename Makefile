@@ -119,11 +119,11 @@ test-radio: ## end to end on simulated radios in a virtual machine
 	@cmake --build $(BUILD) -j $(JOBS)
 	@tests/rigs/radio/run --build $(BUILD)
 
-bench: ## docs/figures.md: the figures, each beside what it is compared with
+bench: ## docs/figures.md: the figures, each beside what it is compared with, and BEFORE, a checkout with its bench build
 	@scripts/setup build run test display bench radio
 	@cmake --preset bench >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
-	@bench/run-all $(BUILD)
+	@bench/run-all $(BUILD) $(BEFORE)
 
 clean: ## forgets everything that was built
 	@rm -rf $(BUILD)

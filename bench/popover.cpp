@@ -105,8 +105,7 @@ int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
     base::setLogSink([](const QString&) {});
-    test::Program program(true, false);
-    open(program);
+    test::Program program;
     program.link(test::kHome);
     std::vector<double> later;
     for (int i = 0; i < kLaterOpenings; ++i) {

@@ -20,7 +20,7 @@ enum class FailureKind {
 
 struct Failure {
     FailureKind kind = FailureKind::Other;
-    QString text; ///< for a log line, not for the user
+    QString text; ///< for a log line; for the user only where the operation says so
 
     bool operator==(const Failure&) const = default;
 };

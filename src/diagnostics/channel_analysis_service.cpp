@@ -12,6 +12,13 @@ namespace {
 
 Q_LOGGING_CATEGORY(logCategory, "netvane.diagnostics")
 
+QString sentenceOf(const base::Failure& failure)
+{
+    return failure.kind == base::FailureKind::NotAllowed
+        ? u"The system does not allow this user to scan"_s
+        : failure.text;
+}
+
 } // namespace
 
 ChannelAnalysisService::ChannelAnalysisService(
@@ -28,15 +35,31 @@ void ChannelAnalysisService::scanNetworks()
             logCategory(), u"ChannelAnalysisService: Location permission required for scanning"_s);
         return;
     }
-    if (isTooSoon() || m_isScanning)
+    if (m_isScanning)
         return;
+    setProblem({});
+    if (isTooSoon()) {
+        setProblem(u"Not scanned again, because the last scan was less than 30 seconds before"_s);
+        return;
+    }
     publish(m_isScanning, true, &ChannelAnalysisService::isScanningChanged);
     performScan();
 }
 
+/// Time asleep counts.
+std::chrono::steady_clock::time_point ChannelAnalysisService::realTime() const
+{
+    return m_clock.monotonicNow() + m_clock.timeAsleep();
+}
+
 bool ChannelAnalysisService::isTooSoon() const
 {
-    return m_lastSuccess && m_clock.monotonicNow() - *m_lastSuccess < maxScanInterval;
+    return m_lastSuccess && realTime() - *m_lastSuccess < maxScanInterval;
+}
+
+void ChannelAnalysisService::setProblem(std::optional<QString> problem)
+{
+    publish(m_problem, std::move(problem), &ChannelAnalysisService::problemChanged);
 }
 
 void ChannelAnalysisService::performScan()
@@ -50,6 +73,7 @@ void ChannelAnalysisService::performScan()
         if (networks.failure().kind != base::FailureKind::NotFound) // there is an interface
             base::log(logCategory(),
                 u"ChannelAnalysisService: Scan failed: "_s + networks.failure().text);
+        setProblem(sentenceOf(networks.failure()));
         publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
     });
 }
@@ -59,7 +83,7 @@ void ChannelAnalysisService::processScanResults(
 {
     publish(m_nearbyNetworks, networks, &ChannelAnalysisService::nearbyNetworksChanged);
     updateChannelUtilization();
-    m_lastSuccess = m_clock.monotonicNow();
+    m_lastSuccess = realTime();
     publish(
         m_lastScanTime, std::optional(m_clock.now()), &ChannelAnalysisService::lastScanTimeChanged);
     publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);

@@ -26,6 +26,7 @@ class ChannelAnalysisService : public QObject {
     Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
     Q_PROPERTY(std::optional<std::chrono::system_clock::time_point> lastScanTime READ lastScanTime
             NOTIFY lastScanTimeChanged)
+    Q_PROPERTY(std::optional<QString> problem READ problem NOTIFY problemChanged)
 
 public:
     /// Networks by channel number, in ascending order. A number that two bands share has one count.
@@ -47,6 +48,9 @@ public:
     {
         return m_lastScanTime;
     }
+    /// Why the last request brought no new networks, in a sentence without its full stop; absent
+    /// after one that did, while one is under way, and without permission.
+    const std::optional<QString>& problem() const { return m_problem; }
     /// The channel with the fewest networks among those that have any, the lowest of several such;
     /// absent when nothing was counted.
     std::optional<int> recommendedChannel() const;
@@ -59,7 +63,7 @@ public:
 
     /// Begins a scan, unless permission is missing, the last success is too recent, or one is under
     /// way. Its results arrive by the published properties; a failed one changes none of them but
-    /// `isScanning`, and may be repeated at once.
+    /// `isScanning` and `problem`, and may be repeated at once.
     void scanNetworks();
 
 Q_SIGNALS:
@@ -67,12 +71,15 @@ Q_SIGNALS:
     void channelUtilizationChanged();
     void isScanningChanged();
     void lastScanTimeChanged();
+    void problemChanged();
 
 private:
     void performScan();
     void processScanResults(const std::vector<platform::NearbyNetwork>& networks);
     void updateChannelUtilization();
+    std::chrono::steady_clock::time_point realTime() const;
     bool isTooSoon() const;
+    void setProblem(std::optional<QString> problem);
     template <typename Value>
     void publish(Value& field, Value value, void (ChannelAnalysisService::*changed)());
 
@@ -82,8 +89,9 @@ private:
     ChannelUtilization m_channelUtilization;
     bool m_isScanning = false;
     std::optional<std::chrono::system_clock::time_point> m_lastScanTime;
+    std::optional<QString> m_problem;
     const wifi::LocationPermissionService* m_locationPermissionService = nullptr;
-    /// Together with `m_lastScanTime`, which a clock that is set may move.
+    /// Together with `m_lastScanTime`, which a clock that is set may move. In `realTime`.
     std::optional<std::chrono::steady_clock::time_point> m_lastSuccess;
 };
 

@@ -33,14 +33,13 @@ public:
 
     virtual ~NetworkScanner() = default;
 
-    /// Scans with the default interface, the first in station mode, and hands over every network
-    /// once, or why there was no scan: the kind NotFound means that there is no Wi-Fi interface,
-    /// and nothing else. Takes seconds, half a minute at most. `deliver` is called later, and not
-    /// once the owner is gone.
+    /// Scans with the first of the `WiFiClient`'s interfaces and hands over every network once, or
+    /// why there was no scan, in a sentence for the user: the kind NotFound means that there is no
+    /// Wi-Fi interface, and nothing else. Takes seconds, half a minute at most. `deliver` is called
+    /// later, and not once the owner is gone.
     virtual void scan(QObject* owner, DeliverNetworks deliver) = 0;
 
-    /// Reads the channel that the default interface is on; absent when it is not associated.
-    /// `deliver` as above.
+    /// Reads the channel that this interface is on; absent without a link. `deliver` as above.
     virtual void readCurrentChannel(QObject* owner, DeliverChannel deliver) = 0;
 };
 

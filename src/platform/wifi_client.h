@@ -24,10 +24,13 @@ struct WiFiChannel {
     bool operator==(const WiFiChannel&) const = default;
 };
 
-/// One reading of a Wi-Fi link. Each field is absent when the driver does not tell it or the
-/// interface is not associated; none of them depends on another.
+/// One reading of a Wi-Fi link. Each field is absent when the driver does not tell it or there is
+/// no link; none of them depends on another. There is a link once the access point has let the
+/// interface in: it is associated, and authorized as far as the driver knows.
 struct LinkReading {
     std::optional<QString> ssid; ///< as `ssidText` makes it
+    /// The network that the interface asks to let it in, or signs in to, instead of a link.
+    std::optional<QString> joiningSsid;
     std::optional<int> signalDbm;
     std::optional<int> noiseDbm;
     std::optional<double> transmitRateMbps;
@@ -57,8 +60,11 @@ class WiFiClient {
 public:
     virtual ~WiFiClient() = default;
 
-    /// The interfaces in station mode, in the kernel's order; empty when there is no Wi-Fi at all.
-    /// May wait for the kernel, within a bound: for background threads.
+    /// The interfaces in station mode; empty when there is no Wi-Fi at all. The first is the one to
+    /// use: the one whose link was read last, while it has it; then those with a link that carry a
+    /// default IPv4 route, those with a link, those that sign in, those that are on, the rest;
+    /// within each the kernel's order. May wait for the kernel, within a bound: for background
+    /// threads.
     virtual std::vector<std::shared_ptr<WiFiInterface>> interfaces() = 0;
 };
 

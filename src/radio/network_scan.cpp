@@ -13,8 +13,7 @@ NetworkScan::NetworkScan(
     , m_context(std::move(context))
     , m_deliver(std::move(deliver))
 {
-    m_limitTimer = m_context.clock.after(kTimeLimit,
-        [this] { fail(base::FailureKind::TimedOut, u"The scan took more than 30 seconds"_s); });
+    m_limitTimer = m_context.clock.after(kTimeLimit, [this] { limitReached(); });
     base::runInBackground(
         m_context.queue, this, [kernel = m_context.kernel] { return kernel->prepare(); },
         [this](const base::Result<ScanSetup>& setup) { begin(setup); });
@@ -59,7 +58,7 @@ void NetworkScan::askNext()
         return;
     ScanPath* path = m_paths[m_asked++].get();
     connect(path, &ScanPath::notResponsible, this, &NetworkScan::askNext);
-    connect(path, &ScanPath::finished, this, &NetworkScan::finish);
+    connect(path, &ScanPath::finished, this, &NetworkScan::serviceFinished);
     connect(path, &ScanPath::failed, this,
         [this](const base::Failure& failure) { fail(failure.kind, failure.text); });
     path->requestScan(m_setup.interface);
@@ -67,30 +66,63 @@ void NetworkScan::askNext()
 
 void NetworkScan::takeEvents()
 {
-    for (const ScanEvent event : m_setup.events->receive(m_setup.interface.index))
+    for (const ScanEvent& event : m_setup.events->receive(m_setup.interface.index))
         takeEvent(event);
 }
 
 /// Ignores a scan that was already running before the request.
-void NetworkScan::takeEvent(ScanEvent event)
+void NetworkScan::takeEvent(const ScanEvent& event)
 {
     if (m_isScanned || m_isOver)
         return;
-    if (event == ScanEvent::Started) {
+    if (event.kind == ScanEvent::Kind::Started) {
         m_isRunning = true;
         m_settleTimer.reset();
         return;
     }
     if (!std::exchange(m_isRunning, false))
         return;
-    if (event == ScanEvent::Aborted) {
+    const bool isPartial = event.frequenciesMhz && event.frequenciesMhz->size() < kFewestChannels;
+    if (event.kind == ScanEvent::Kind::ResultsReady) {
+        addScanned(event);
+    } else if (!isPartial) {
         fail(base::FailureKind::Interrupted, u"The scan was aborted"_s);
-    } else if (isLastAsked()) {
-        finish();
-    } else {
-        readTable(); // the end of the next partial scan of iwd empties it
-        m_settleTimer = m_context.clock.after(kSettleTime, [this] { finish(); });
+        return;
     }
+    if (isLastAsked()) {
+        finish();
+        return;
+    }
+    readTable(); // the end of the next partial scan of iwd empties it
+    if (m_isWhole)
+        m_settleTimer = m_context.clock.after(kSettleTime, [this] { finish(); });
+}
+
+void NetworkScan::addScanned(const ScanEvent& results)
+{
+    if (results.frequenciesMhz)
+        m_scannedMhz.insert(results.frequenciesMhz->begin(), results.frequenciesMhz->end());
+    if (!results.frequenciesMhz || m_scannedMhz.size() >= kFewestChannels)
+        m_isWhole = true;
+}
+
+void NetworkScan::serviceFinished()
+{
+    takeEvents(); // the kernel's own word came first
+    m_isReported = !m_scannedMhz.empty();
+    if (m_isWhole)
+        finish();
+}
+
+/// A service may be set up to scan few channels: then what it scanned is all that there will be.
+void NetworkScan::limitReached()
+{
+    if (m_isReported)
+        finish();
+    else
+        fail(base::FailureKind::TimedOut,
+            m_isRunning ? u"The scan took more than 30 seconds"_s
+                        : u"No scan within 30 seconds. A connection may be in progress"_s);
 }
 
 void NetworkScan::finish()
@@ -133,7 +165,9 @@ void NetworkScan::takeTable(const base::Result<std::vector<BssRecord>>& table)
 
 void NetworkScan::fail(base::FailureKind kind, const QString& text)
 {
-    if (!m_isScanned) // once the scan is done only the kernel table is needed
+    if (m_isWhole || m_isScanned) // only the kernel's table is needed then
+        finish();
+    else
         end(base::Failure {kind, text});
 }
 

@@ -7,6 +7,7 @@
 #include <QSocketNotifier>
 
 #include <memory>
+#include <set>
 #include <vector>
 
 namespace netvane::radio {
@@ -20,8 +21,9 @@ struct ScanContext {
 };
 
 /// One scan, from the request to the networks: asks the services that can own the radio one after
-/// another, waits for the service's signal or the kernel's events, and then reads the kernel's
-/// scan table. Main thread; a child of its owner that deletes itself after it has delivered.
+/// another, waits for the kernel's events about a scan that began after the request, and then reads
+/// the kernel's scan table. The service's signal alone does not count: it may be about an older
+/// scan. Main thread; a child of its owner that deletes itself after it has delivered.
 class NetworkScan : public QObject {
 public:
     /// From the request to the end of the waiting.
@@ -29,6 +31,9 @@ public:
     /// iwd splits a scan into partial scans, each with its own results. If no other one starts
     /// within this time the scan is over, even if the service does not report the end.
     static constexpr std::chrono::milliseconds kSettleTime {3'000};
+    /// Whoever owns the radio also looks for the networks that it knows, on their channels alone.
+    /// Every adapter has the eleven channels of 2.4 GHz that are allowed everywhere.
+    static constexpr size_t kFewestChannels = 11;
 
     NetworkScan(
         QObject* owner, ScanContext context, platform::NetworkScanner::DeliverNetworks deliver);
@@ -39,7 +44,10 @@ private:
     void askNext();
     bool isLastAsked() const { return m_asked == m_paths.size(); }
     void takeEvents();
-    void takeEvent(ScanEvent event);
+    void takeEvent(const ScanEvent& event);
+    void addScanned(const ScanEvent& results);
+    void serviceFinished();
+    void limitReached();
     void readTable();
     void takeTable(const base::Result<std::vector<BssRecord>>& table);
     void finish();
@@ -55,6 +63,9 @@ private:
     std::unique_ptr<base::Timer> m_limitTimer;
     std::unique_ptr<base::Timer> m_settleTimer;
     bool m_isRunning = false; ///< a scan that began after the request
+    std::set<std::uint32_t> m_scannedMhz; ///< the channels of such scans that have ended
+    bool m_isWhole = false; ///< they are enough
+    bool m_isReported = false; ///< the service says that this was its scan
     std::vector<BssRecord> m_table; ///< what all goes have found
     std::optional<base::Failure> m_readFailure;
     std::chrono::steady_clock::time_point m_tableTime;

@@ -90,8 +90,11 @@ StationRecord parseStation(netlink::AttributeBytes bytes)
     if (const auto flags = info.number<nl80211_sta_flag_update>(NL80211_STA_INFO_STA_FLAGS)) {
         const auto isSet
             = [&flags](int flag) { return (flags->set & flags->mask & (1U << flag)) != 0; };
-        if ((flags->mask & (1U << NL80211_STA_FLAG_ASSOCIATED)) != 0)
-            record.associated = isSet(NL80211_STA_FLAG_ASSOCIATED);
+        const auto ifKept = [&flags, isSet](int flag) {
+            return (flags->mask & (1U << flag)) != 0 ? std::optional(isSet(flag)) : std::nullopt;
+        };
+        record.associated = ifKept(NL80211_STA_FLAG_ASSOCIATED);
+        record.authorized = ifKept(NL80211_STA_FLAG_AUTHORIZED);
         record.directPeer = isSet(NL80211_STA_FLAG_TDLS_PEER);
     }
     for (const int number : {NL80211_STA_INFO_SIGNAL, NL80211_STA_INFO_SIGNAL_AVG,
@@ -193,35 +196,48 @@ bool isStation(const InterfaceRecord& interface)
 
 bool needsScanTable(const InterfaceRecord& interface, const std::vector<StationRecord>& stations)
 {
+    if (std::ranges::any_of(stations, isAccessPoint))
+        return !interface.ssid || !interface.frequencyMhz;
+    return interface.ssid.has_value();
+}
+
+bool isAssociated(
+    const std::vector<StationRecord>& stations, const std::vector<BssRecord>& networks)
+{
     return std::ranges::any_of(stations, isAccessPoint)
-        && (!interface.ssid || !interface.frequencyMhz);
+        || std::ranges::any_of(networks, &BssRecord::associated);
 }
 
 platform::LinkReading linkReading(const InterfaceRecord& interface,
     const std::vector<StationRecord>& stations, const std::vector<SurveyRecord>& survey,
     const std::vector<BssRecord>& networks)
 {
+    platform::LinkReading reading;
+    if (interface.name)
+        reading.interfaceName = base::withVisibleControls(QString::fromUtf8(*interface.name));
     auto ssid = interface.ssid;
     if (!ssid)
         ssid = firstPresent(networks, &BssRecord::associated, &BssRecord::ssid);
-    // While an interface scans or is joining a network, it has a channel but no link.
-    const bool isJoined = ssid || std::ranges::any_of(stations, isAccessPoint);
-    auto frequency = isJoined ? interface.frequencyMhz : std::nullopt;
+    const auto name = ssid ? base::ssidText(*ssid) : std::nullopt;
+    const auto authorized = firstPresent(stations, isAccessPoint, &StationRecord::authorized);
+    // While an interface scans or is joining a network, it has a channel but no link. With a wrong
+    // password it is associated again and again, and never authorized.
+    if (!isAssociated(stations, networks) || !authorized.value_or(true)) {
+        reading.joiningSsid = name;
+        return reading;
+    }
+    auto frequency = interface.frequencyMhz;
     if (!frequency)
         frequency = firstPresent(networks, &BssRecord::associated, &BssRecord::frequencyMhz);
-
-    platform::LinkReading reading {
-        .ssid = ssid ? base::ssidText(*ssid) : std::nullopt,
-        .signalDbm = firstPresent(stations, isAccessPoint, &StationRecord::signalDbm),
-        .noiseDbm = isJoined ? noiseOf(survey, frequency) : std::nullopt,
-        .transmitRateMbps = firstPresent(stations, isAccessPoint, &StationRecord::transmitRateMbps),
-    };
+    reading.ssid = name;
+    reading.signalDbm = firstPresent(stations, isAccessPoint, &StationRecord::signalDbm);
+    reading.noiseDbm = noiseOf(survey, frequency);
+    reading.transmitRateMbps
+        = firstPresent(stations, isAccessPoint, &StationRecord::transmitRateMbps);
     if (frequency) {
         reading.band = bandOf(*frequency);
         reading.channel = channelOf(*frequency);
     }
-    if (interface.name)
-        reading.interfaceName = base::withVisibleControls(QString::fromUtf8(*interface.name));
     return reading;
 }
 

@@ -19,7 +19,8 @@ struct InterfaceRecord {
     std::optional<std::uint32_t> index;
     std::optional<QByteArray> name; ///< absent for devices without a network interface, as P2P ones
     std::optional<std::uint32_t> type; ///< enum nl80211_iftype
-    std::optional<QByteArray> ssid; ///< raw bytes; only while associated
+    /// Raw bytes; of the network that it joined or only asks to let it in.
+    std::optional<QByteArray> ssid;
     /// Of the first link of several; also while it asks to join a network.
     std::optional<std::uint32_t> frequencyMhz;
 
@@ -30,6 +31,8 @@ InterfaceRecord parseInterface(netlink::AttributeBytes attributes);
 /// NL80211_CMD_NEW_STATION: a peer, in station mode the access point.
 struct StationRecord {
     std::optional<bool> associated; ///< absent when the driver does not keep the flag
+    /// False until the keys are agreed on; at once true in an open network; absent as above.
+    std::optional<bool> authorized;
     bool directPeer = false; ///< a TDLS neighbour, not the access point
     std::optional<int> signalDbm; ///< last frame, else the average, else the beacons' average
     std::optional<double> transmitRateMbps;
@@ -75,12 +78,18 @@ std::optional<platform::WiFiChannel> channelOf(std::uint32_t frequencyMhz);
 /// Whether it is an interface that joins networks, and has a name.
 bool isStation(const InterfaceRecord& interface);
 
+/// Whether the interface is associated: the access point is one of its stations or, where the
+/// driver lists none, the table of networks marks one. Being allowed to send is another matter.
+bool isAssociated(
+    const std::vector<StationRecord>& stations, const std::vector<BssRecord>& networks);
+
 /// Combines the answers about one interface.
 platform::LinkReading linkReading(const InterfaceRecord& interface,
     const std::vector<StationRecord>& stations, const std::vector<SurveyRecord>& survey,
     const std::vector<BssRecord>& networks);
 
-/// Whether the table of networks is needed to complete the reading of an associated interface.
+/// Whether the table of networks is needed: to complete the reading of an associated interface, or
+/// to tell whether one without stations that has a network's name is associated.
 bool needsScanTable(const InterfaceRecord& interface, const std::vector<StationRecord>& stations);
 
 } // namespace netvane::radio

@@ -1,7 +1,7 @@
 #include "radio/nl80211_wifi_client.h"
 
 #include "netlink/netlink_socket.h"
-#include "radio/nl80211_messages.h"
+#include "radio/interface_choice.h"
 #include "radio/nl80211_socket.h"
 #include "radio/radio_power.h"
 
@@ -14,13 +14,13 @@ namespace {
 
 class Nl80211WiFiInterface : public platform::WiFiInterface {
 public:
-    Nl80211WiFiInterface(QString sysfsRoot, QByteArray name)
-        : m_sysfsRoot(std::move(sysfsRoot))
+    Nl80211WiFiInterface(std::shared_ptr<InterfaceChoice> choice, QByteArray name)
+        : m_choice(std::move(choice))
         , m_name(std::move(name))
     {
     }
 
-    bool powerOn() const override { return isRadioOn(m_sysfsRoot, m_name); }
+    bool powerOn() const override { return isRadioOn(m_name); }
 
     std::optional<platform::LinkReading> readLink() override
     {
@@ -32,29 +32,29 @@ public:
             [this](const auto& record) { return isStation(record) && *record.name == m_name; });
         if (mine == interfaces.end())
             return {};
-        const auto stations
-            = wifi.value().dump(NL80211_CMD_GET_STATION, *mine->index, parseStation);
+        const auto [stations, networks] = readAssociation(wifi.value(), *mine);
         std::vector<SurveyRecord> survey;
-        if (!stations.empty() || mine->frequencyMhz)
+        if (isAssociated(stations, networks))
             survey = wifi.value().dump(NL80211_CMD_GET_SURVEY, *mine->index, parseSurvey);
-        std::vector<BssRecord> networks;
-        if (needsScanTable(*mine, stations))
-            networks = wifi.value().dump(NL80211_CMD_GET_SCAN, *mine->index, parseBss);
-        return linkReading(*mine, stations, survey, networks);
+        const auto reading = linkReading(*mine, stations, survey, networks);
+        if (reading.ssid)
+            m_choice->keep(*mine->index);
+        return reading;
     }
 
 private:
-    QString m_sysfsRoot;
-    QByteArray m_name;
+    const std::shared_ptr<InterfaceChoice> m_choice;
+    const QByteArray m_name;
 };
 
 } // namespace
 
-std::unique_ptr<Nl80211WiFiClient> Nl80211WiFiClient::create(const QString& sysfsRoot)
+std::unique_ptr<Nl80211WiFiClient> Nl80211WiFiClient::create(
+    std::shared_ptr<InterfaceChoice> choice)
 {
     if (!netlink::NetlinkSocket::open(NETLINK_GENERIC))
         return nullptr;
-    return std::unique_ptr<Nl80211WiFiClient>(new Nl80211WiFiClient(sysfsRoot));
+    return std::unique_ptr<Nl80211WiFiClient>(new Nl80211WiFiClient(std::move(choice)));
 }
 
 std::vector<std::shared_ptr<platform::WiFiInterface>> Nl80211WiFiClient::interfaces()
@@ -63,10 +63,8 @@ std::vector<std::shared_ptr<platform::WiFiInterface>> Nl80211WiFiClient::interfa
     auto wifi = Nl80211Socket::open();
     if (!wifi)
         return found;
-    for (const auto& record : wifi.value().dump(NL80211_CMD_GET_INTERFACE, 0, parseInterface)) {
-        if (isStation(record))
-            found.push_back(std::make_shared<Nl80211WiFiInterface>(m_sysfsRoot, *record.name));
-    }
+    for (const auto& record : m_choice->inOrder(wifi.value()))
+        found.push_back(std::make_shared<Nl80211WiFiInterface>(m_choice, *record.name));
     return found;
 }
 

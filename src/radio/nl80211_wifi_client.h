@@ -6,30 +6,27 @@
 
 #include "platform/wifi_client.h"
 
-#include <QByteArray>
-#include <QString>
-
 namespace netvane::radio {
+
+class InterfaceChoice;
 
 /// Reads the link from nl80211 over generic netlink: needs no daemon and no privilege. Each read
 /// opens its own socket, so that nothing is out of date after a driver was reloaded, and looks the
 /// interface up by its name, because its index changes when an adapter is plugged in again.
 class Nl80211WiFiClient : public platform::WiFiClient {
 public:
-    /// Null when this process cannot open a netlink socket. `sysfsRoot` is where sysfs(5) is
-    /// mounted.
-    static std::unique_ptr<Nl80211WiFiClient> create(
-        const QString& sysfsRoot = QStringLiteral("/sys"));
+    /// Null when this process cannot open a netlink socket.
+    static std::unique_ptr<Nl80211WiFiClient> create(std::shared_ptr<InterfaceChoice> choice);
 
     std::vector<std::shared_ptr<platform::WiFiInterface>> interfaces() override;
 
 private:
-    explicit Nl80211WiFiClient(const QString& sysfsRoot)
-        : m_sysfsRoot(sysfsRoot)
+    explicit Nl80211WiFiClient(std::shared_ptr<InterfaceChoice> choice)
+        : m_choice(std::move(choice))
     {
     }
 
-    QString m_sysfsRoot;
+    const std::shared_ptr<InterfaceChoice> m_choice;
 };
 
 } // namespace netvane::radio

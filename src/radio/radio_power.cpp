@@ -26,9 +26,9 @@ std::optional<uint> sysfsNumber(const QString& path)
 
 } // namespace
 
-bool isRadioOn(const QString& sysfsRoot, const QByteArray& interfaceName)
+bool isRadioOn(const QByteArray& interfaceName)
 {
-    const QString device = sysfsRoot + u"/class/net/"_s + QFile::decodeName(interfaceName);
+    const QString device = u"/sys/class/net/"_s + QFile::decodeName(interfaceName);
     if (const auto flags = sysfsNumber(device + u"/flags"_s); flags && (*flags & IFF_UP) == 0)
         return false;
     const QDir wiphy(device + u"/phy80211"_s);

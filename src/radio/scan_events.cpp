@@ -22,18 +22,41 @@ namespace {
 constexpr size_t kDatagramSize = size_t(16) * 1024;
 constexpr int kDatagramsAtOnce = 64;
 
-std::optional<ScanEvent> eventOf(int command)
+std::optional<ScanEvent::Kind> kindOf(int command)
 {
     switch (command) {
     case NL80211_CMD_TRIGGER_SCAN:
-        return ScanEvent::Started;
+        return ScanEvent::Kind::Started;
     case NL80211_CMD_NEW_SCAN_RESULTS:
-        return ScanEvent::ResultsReady;
+        return ScanEvent::Kind::ResultsReady;
     case NL80211_CMD_SCAN_ABORTED:
-        return ScanEvent::Aborted;
+        return ScanEvent::Kind::Aborted;
     default:
         return {};
     }
+}
+
+/// A list of attributes that hold one frequency each.
+std::vector<std::uint32_t> frequenciesIn(netlink::AttributeBytes list)
+{
+    constexpr size_t kSize = NLA_HDRLEN + sizeof(std::uint32_t);
+    std::vector<std::uint32_t> frequencies(list.size() / kSize);
+    for (size_t i = 0; i < frequencies.size(); ++i)
+        std::memcpy(&frequencies[i], &list[i * kSize + NLA_HDRLEN], sizeof(std::uint32_t));
+    return frequencies;
+}
+
+std::optional<ScanEvent> eventOf(
+    const netlink::GenericMessage& message, std::uint32_t interfaceIndex)
+{
+    const auto kind = kindOf(message.command);
+    const netlink::Attributes<NL80211_ATTR_MAX> attributes(message.attributes);
+    if (!kind || attributes.number<std::uint32_t>(NL80211_ATTR_IFINDEX) != interfaceIndex)
+        return {};
+    ScanEvent event {.kind = *kind};
+    if (attributes.has(NL80211_ATTR_SCAN_FREQUENCIES))
+        event.frequenciesMhz = frequenciesIn(attributes.nested(NL80211_ATTR_SCAN_FREQUENCIES));
+    return event;
 }
 
 } // namespace
@@ -79,11 +102,7 @@ std::vector<ScanEvent> scanEvents(
     for (int left = int(datagram.size()); nlmsg_ok(message, left);
          message = nlmsg_next(const_cast<nlmsghdr*>(message), &left)) {
         const auto generic = netlink::genericMessage(*message, family);
-        const auto event = generic ? eventOf(generic->command) : std::nullopt;
-        if (event
-            && netlink::Attributes<NL80211_ATTR_MAX>(generic->attributes)
-                    .number<std::uint32_t>(NL80211_ATTR_IFINDEX)
-                == interfaceIndex)
+        if (const auto event = generic ? eventOf(*generic, interfaceIndex) : std::nullopt)
             found.push_back(*event);
     }
     return found;

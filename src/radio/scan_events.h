@@ -4,15 +4,22 @@
 #include "netlink/netlink_socket.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace netvane::radio {
 
-/// Events that the kernel sends about every scan, whichever program requested it.
-enum class ScanEvent {
-    Started, ///< NL80211_CMD_TRIGGER_SCAN
-    ResultsReady, ///< NL80211_CMD_NEW_SCAN_RESULTS
-    Aborted, ///< NL80211_CMD_SCAN_ABORTED
+/// An event that the kernel sends about every scan, whichever program requested it.
+struct ScanEvent {
+    enum class Kind {
+        Started, ///< NL80211_CMD_TRIGGER_SCAN
+        ResultsReady, ///< NL80211_CMD_NEW_SCAN_RESULTS
+        Aborted, ///< NL80211_CMD_SCAN_ABORTED
+    };
+    Kind kind = Kind::Started;
+    /// Its channels, by their centres (NL80211_ATTR_SCAN_FREQUENCIES); absent where the kernel does
+    /// not say.
+    std::optional<std::vector<std::uint32_t>> frequenciesMhz;
 };
 
 /// A socket in nl80211's multicast group "scan", which anybody may join.

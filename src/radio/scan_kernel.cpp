@@ -1,5 +1,6 @@
 #include "radio/scan_kernel.h"
 
+#include "radio/interface_choice.h"
 #include "radio/nl80211_socket.h"
 #include "radio/radio_power.h"
 
@@ -7,27 +8,23 @@
 
 #include <linux/nl80211.h>
 
-#include <algorithm>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::radio {
 
 base::Result<ScanSetup> Nl80211ScanKernel::prepare()
 {
-    auto wifi = Nl80211Socket::open();
-    if (!wifi) // without nl80211 there is no interface
-        return base::Failure {base::FailureKind::NotFound, wifi.failure().text};
-    const auto interfaces = wifi.value().dump(NL80211_CMD_GET_INTERFACE, 0, parseInterface);
-    const auto first = std::ranges::find_if(interfaces, isStation);
-    if (first == interfaces.end())
-        return base::Failure {base::FailureKind::NotFound, u"No Wi-Fi interface"_s};
-    if (!isRadioOn(m_sysfsRoot, *first->name))
+    auto wifi = Nl80211Socket::open(); // without nl80211 there is no interface
+    const auto interfaces = wifi ? m_choice->inOrder(wifi.value()) : std::vector<InterfaceRecord>();
+    if (interfaces.empty())
+        return base::Failure {base::FailureKind::NotFound, u"No Wi-Fi interface available"_s};
+    const auto& first = interfaces.front();
+    if (!isRadioOn(*first.name))
         return base::Failure {base::FailureKind::NotAvailable, u"Wi-Fi is turned off"_s};
     auto events = openScanEvents();
     if (!events)
         return base::Failure {base::FailureKind::Other, events.failure().text};
-    return ScanSetup {{*first->index, QFile::decodeName(*first->name)},
+    return ScanSetup {{*first.index, QFile::decodeName(*first.name)},
         std::make_shared<ScanEvents>(std::move(events.value()))};
 }
 

@@ -10,6 +10,8 @@
 
 namespace netvane::radio {
 
+class InterfaceChoice;
+
 /// The interface that scans.
 struct ScanInterface {
     std::uint32_t index = 0;
@@ -28,7 +30,7 @@ class ScanKernel {
 public:
     virtual ~ScanKernel() = default;
 
-    /// Listens for events and finds the default interface, whose radio is on.
+    /// Listens for events and finds the interface to use, whose radio is on.
     virtual base::Result<ScanSetup> prepare() = 0;
     /// Starts a scan in the driver; the events report its end.
     virtual base::Result<std::monostate> trigger(const ScanInterface& interface) = 0;
@@ -36,11 +38,11 @@ public:
     virtual base::Result<std::vector<BssRecord>> readTable(const ScanInterface& interface) = 0;
 };
 
-/// By nl80211. `sysfsRoot` is where sysfs(5) is mounted.
+/// By nl80211.
 class Nl80211ScanKernel : public ScanKernel {
 public:
-    explicit Nl80211ScanKernel(QString sysfsRoot = QStringLiteral("/sys"))
-        : m_sysfsRoot(std::move(sysfsRoot))
+    explicit Nl80211ScanKernel(std::shared_ptr<InterfaceChoice> choice)
+        : m_choice(std::move(choice))
     {
     }
 
@@ -49,7 +51,7 @@ public:
     base::Result<std::vector<BssRecord>> readTable(const ScanInterface& interface) override;
 
 private:
-    const QString m_sysfsRoot;
+    const std::shared_ptr<InterfaceChoice> m_choice;
 };
 
 } // namespace netvane::radio

@@ -42,9 +42,15 @@ void Services::makeAll(platform::ApplicationActivity& activity)
     auto& clock = *platform.clock;
     locationPermissionService
         = std::make_unique<wifi::LocationPermissionService>(*platform.locationManager, activity);
-    base::log(logCategory(),
-        u"Netvane: Location permission status: "_s
-            + QString::number(int(locationPermissionService->authorizationStatus())));
+    const auto logPermission = [service = locationPermissionService.get()] {
+        base::log(logCategory(),
+            u"Netvane: Location permission status: "_s
+                + QString::number(int(service->authorizationStatus())));
+    };
+    logPermission(); // mostly before the system's first answer, so each change is told as well
+    QObject::connect(locationPermissionService.get(),
+        &wifi::LocationPermissionService::authorizationStatusChanged,
+        locationPermissionService.get(), logPermission);
     networkNotificationService = std::make_unique<insights::NetworkNotificationService>(
         *platform.userNotifications, *platform.userDefaults, clock);
     makeLink();

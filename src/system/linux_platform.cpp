@@ -13,6 +13,7 @@
 #include "net/socket_connections.h"
 #include "net/socket_hop_probes.h"
 #include "net/system_resolver.h"
+#include "radio/interface_choice.h"
 #include "radio/linux_network_scanner.h"
 #include "radio/nl80211_wifi_client.h"
 #include "radio/scan_permission.h"
@@ -29,10 +30,11 @@ platform::Platform makePlatform()
     };
     auto systemBus = linkTo(QDBusConnection::SystemBus);
     auto sessionBus = linkTo(QDBusConnection::SessionBus);
-    platform.wifiClient = radio::Nl80211WiFiClient::create();
+    const auto choice = std::make_shared<radio::InterfaceChoice>();
+    platform.wifiClient = radio::Nl80211WiFiClient::create(choice);
     platform.networkScanner = std::make_unique<radio::LinuxNetworkScanner>(
         radio::ScanContext {*systemBus, *platform.clock, platform.queues->userInitiated,
-            std::make_shared<radio::Nl80211ScanKernel>()},
+            std::make_shared<radio::Nl80211ScanKernel>(choice)},
         platform.wifiClient);
     platform.locationManager = std::make_unique<radio::ScanPermission>(*systemBus);
     platform.appearance = std::make_unique<desktop::PortalAppearance>(*sessionBus);

@@ -21,8 +21,12 @@ LocationPermissionService::LocationPermissionService(
     : m_locationManager(locationManager)
 {
     // Queued: the manager may speak from inside a call of ours.
+    const auto takeAnswer = [this](AuthorizationStatus status) {
+        m_correctedAnswer.reset();
+        publish(status);
+    };
     connect(&m_locationManager, &platform::LocationManager::didChangeAuthorization, this,
-        &LocationPermissionService::publish, Qt::QueuedConnection);
+        takeAnswer, Qt::QueuedConnection);
     checkAuthorizationStatus();
     connect(&activity, &platform::ApplicationActivity::didBecomeActive, this,
         &LocationPermissionService::checkAuthorizationStatus);
@@ -31,6 +35,9 @@ LocationPermissionService::LocationPermissionService(
 void LocationPermissionService::checkAuthorizationStatus()
 {
     const auto status = m_locationManager.authorizationStatus();
+    if (status == m_correctedAnswer)
+        return;
+    m_correctedAnswer.reset();
     if (publish(status)) {
         base::log(logCategory(),
             u"LocationPermissionService: Authorization status changed - isAuthorized: %1, status: %2"_s
@@ -48,6 +55,7 @@ void LocationPermissionService::requestPermission()
 void LocationPermissionService::updateAuthorizationStatus(AuthorizationStatus status)
 {
     const auto apply = [this, status] {
+        m_correctedAnswer = m_locationManager.authorizationStatus();
         if (publish(status)) {
             base::log(logCategory(),
                 u"LocationPermissionService: Authorization status updated externally - status: %1, isAuthorized: %2"_s

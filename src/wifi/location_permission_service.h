@@ -5,6 +5,8 @@
 
 #include <QObject>
 
+#include <optional>
+
 namespace netvane::wifi {
 
 /// Tracks whether the system lets this user see network names and scans, and asks for it. Published
@@ -27,7 +29,8 @@ public:
     /// Has the system ask the user; an answer arrives as a change of the published state.
     void requestPermission();
     /// Takes a status from somebody who knows better than the system's answer: who could read a
-    /// network's name was allowed to. Applied on a later turn of the main loop.
+    /// network's name was allowed to. Applied on a later turn of the main loop; holds until the
+    /// system's own answer changes.
     void updateAuthorizationStatus(AuthorizationStatus status);
 
 Q_SIGNALS:
@@ -40,6 +43,8 @@ private:
     platform::LocationManager& m_locationManager;
     AuthorizationStatus m_authorizationStatus = AuthorizationStatus::NotDetermined;
     bool m_isAuthorized = false;
+    /// The system's answer that somebody knew better than.
+    std::optional<AuthorizationStatus> m_correctedAnswer;
 };
 
 } // namespace netvane::wifi

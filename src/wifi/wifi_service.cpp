@@ -10,6 +10,13 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::wifi {
+
+/// What a pass found.
+struct LinkSample {
+    std::shared_ptr<platform::WiFiInterface> interface; ///< null: none is there
+    std::optional<WiFiInfo> snapshot; ///< absent: its radio is off
+};
+
 namespace {
 
 Q_LOGGING_CATEGORY(logCategory, "netvane.wifi")
@@ -49,6 +56,32 @@ std::optional<int> wholeMbps(std::optional<double> rate)
 std::optional<int> unlessZero(std::optional<int> dbm)
 {
     return dbm == 0 ? std::nullopt : dbm;
+}
+
+std::optional<WiFiInfo> readSnapshot(platform::WiFiInterface& interface, const base::Clock& clock)
+{
+    const auto reading = interface.readLink();
+    return reading ? std::optional(makeWiFiInfo(*reading, clock.now())) : std::nullopt;
+}
+
+/// Keeps to an interface that has a link. When it is lost, or the interface was unplugged or
+/// renamed, another one may have a link, so the client is asked before anything is said.
+LinkSample readSample(platform::WiFiClient* client,
+    const std::shared_ptr<platform::WiFiInterface>& linked, const base::Clock& clock)
+{
+    if (linked) {
+        if (const auto snapshot = readSnapshot(*linked, clock); snapshot && snapshot->ssid)
+            return {linked, snapshot};
+    }
+    const auto interfaces
+        = client ? client->interfaces() : std::vector<std::shared_ptr<platform::WiFiInterface>>();
+    if (interfaces.empty())
+        return {};
+    const auto& first = interfaces.front();
+    if (!first->powerOn())
+        return {.interface = first};
+    const auto snapshot = readSnapshot(*first, clock);
+    return snapshot ? LinkSample {first, snapshot} : LinkSample {};
 }
 
 } // namespace
@@ -131,69 +164,40 @@ void WiFiService::beginPass(base::Delivery delivery)
     if (m_isUpdating)
         return;
     m_isUpdating = true;
-    m_lookedForInterface = false;
     m_lastUpdateTime = now;
     ++m_updateCount;
-    if (m_interface)
-        sampleInterface(delivery);
+    if (m_interface && !m_interface->powerOn())
+        takeSample({.interface = m_interface});
     else
-        findInterface(delivery);
+        readLinkSnapshot(delivery);
 }
 
-/// Asks the kernel, which may take its time. Each pass without an interface asks anew, so that an
-/// adapter plugged in later is found.
-void WiFiService::findInterface(base::Delivery delivery)
+void WiFiService::readLinkSnapshot(base::Delivery delivery)
 {
-    m_lookedForInterface = true;
-    const auto firstOf = [client = m_wifiClient]() -> std::shared_ptr<platform::WiFiInterface> {
-        if (!client)
-            return nullptr;
-        const auto interfaces = client->interfaces();
-        return interfaces.empty() ? nullptr : interfaces.front();
+    const auto read = [client = m_wifiClient, linked = m_interface, clock = &m_clock] {
+        return readSample(client.get(), linked, *clock);
     };
-    const auto take = [this](const std::shared_ptr<platform::WiFiInterface>& first) {
-        m_interface = first;
-        if (m_interface)
-            sampleInterface(base::Delivery::Immediate);
+    const auto take = [this, asleepBefore = m_clock.timeAsleep()](const LinkSample& sample) {
+        if (base::hasSlept(asleepBefore, m_clock.timeAsleep()))
+            readLinkSnapshot(base::Delivery::Immediate);
         else
-            endWithoutLink(kNoInterface);
+            takeSample(sample);
     };
-    base::runInBackground(m_queue, this, firstOf, take, {m_clock, delivery});
+    base::runInBackground(m_queue, this, read, take, {m_clock, delivery});
 }
 
-void WiFiService::sampleInterface(base::Delivery delivery)
+void WiFiService::takeSample(const LinkSample& sample)
 {
-    if (!m_interface->powerOn()) {
-        endWithoutLink(kRadioOff);
-        return;
-    }
-    if (m_updateCount % kPassesPerLogLine == 0)
-        base::log(logCategory(), u"WiFiService: Update #%1"_s.arg(m_updateCount));
-    const auto readLinkSnapshot
-        = [interface = m_interface, clock = &m_clock]() -> std::optional<WiFiInfo> {
-        const auto reading = interface->readLink();
-        return reading ? std::optional(makeWiFiInfo(*reading, clock->now())) : std::nullopt;
-    };
-    const auto take
-        = [this, asleepBefore = m_clock.timeAsleep()](const std::optional<WiFiInfo>& snapshot) {
-              if (base::hasSlept(asleepBefore, m_clock.timeAsleep()))
-                  sampleInterface(base::Delivery::Immediate);
-              else if (snapshot)
-                  applyLinkSnapshot(*snapshot);
-              else
-                  interfaceIsGone();
-          };
-    base::runInBackground(m_queue, this, readLinkSnapshot, take, {m_clock, delivery});
-}
-
-/// Unplugged, renamed or turned into something else: there may be another one.
-void WiFiService::interfaceIsGone()
-{
-    m_interface.reset();
-    if (m_lookedForInterface)
+    m_interface = sample.snapshot && sample.snapshot->ssid ? sample.interface : nullptr;
+    if (!sample.interface) {
         endWithoutLink(kNoInterface);
-    else
-        findInterface(base::Delivery::Immediate);
+    } else if (!sample.snapshot) {
+        endWithoutLink(kRadioOff);
+    } else {
+        if (m_updateCount % kPassesPerLogLine == 0)
+            base::log(logCategory(), u"WiFiService: Update #%1"_s.arg(m_updateCount));
+        applyLinkSnapshot(*sample.snapshot);
+    }
 }
 
 void WiFiService::applyLinkSnapshot(const WiFiInfo& snapshot)

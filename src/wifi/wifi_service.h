@@ -18,6 +18,7 @@ namespace netvane::wifi {
 
 class LocationPermissionService;
 class WiFiSnapshotObserver;
+struct LinkSample;
 
 /// Samples the Wi-Fi link every 5 seconds and publishes the last snapshot that differs in name,
 /// signal or rate from the one before, a message for the user, and whether a permission is missing.
@@ -67,9 +68,8 @@ Q_SIGNALS:
 
 private:
     void beginPass(base::Delivery delivery);
-    void findInterface(base::Delivery delivery);
-    void sampleInterface(base::Delivery delivery);
-    void interfaceIsGone();
+    void readLinkSnapshot(base::Delivery delivery);
+    void takeSample(const LinkSample& sample);
     void applyLinkSnapshot(const WiFiInfo& snapshot);
     void applyPermission(const WiFiInfo& snapshot, bool authorized);
     void endWithoutLink(const QString& message);
@@ -85,6 +85,7 @@ private:
     bool m_needsLocationPermission = false;
 
     std::shared_ptr<platform::WiFiClient> m_wifiClient;
+    /// The one that is sampled, while it has a link. Without one each pass asks the client anew.
     std::shared_ptr<platform::WiFiInterface> m_interface;
     base::Clock& m_clock;
     base::WorkQueue& m_queue;
@@ -93,7 +94,6 @@ private:
     WiFiSnapshotObserver* m_networkNotificationService = nullptr;
     int m_updateCount = 0;
     bool m_isUpdating = false;
-    bool m_lookedForInterface = false; ///< in this pass; once is enough
     std::optional<std::chrono::steady_clock::time_point> m_lastUpdateTime;
 };
 

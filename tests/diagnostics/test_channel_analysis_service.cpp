@@ -61,10 +61,14 @@ private Q_SLOTS:
         QVERIFY(!m_service->isScanning() && m_log.take().isEmpty());
 
         m_clock.advance(30s);
-        for (const auto kind : {base::FailureKind::NotAllowed, base::FailureKind::NotFound}) {
+        for (const auto& [kind, problem] : {std::pair(base::FailureKind::NotAllowed,
+                                                u"The system does not allow this user to scan"_s),
+                 {base::FailureKind::NotFound, u"not now"_s}}) {
             m_service->scanNetworks(); // at once after a failure
+            QVERIFY(!m_service->problem());
             m_scanner.finish(base::Failure {kind, u"not now"_s});
             QVERIFY(!m_service->isScanning());
+            QCOMPARE(m_service->problem(), problem);
         }
         QCOMPARE(m_scanner.scans, 3);
         QCOMPARE(m_log.take(), QStringList {u"ChannelAnalysisService: Scan failed: not now"_s});
@@ -97,8 +101,9 @@ private Q_SLOTS:
         m_clock.advance(29'999ms);
         m_service->scanNetworks();
         QCOMPARE(m_scanner.scans, 1);
+        QVERIFY(m_service->problem());
         m_clock.setWall(m_clock.now() - 48h);
-        m_clock.advance(1ms);
+        m_clock.sleep(1ms); // which counts
         m_service->scanNetworks();
         QCOMPARE(m_scanner.scans, 2);
         m_service.reset(); // during a scan

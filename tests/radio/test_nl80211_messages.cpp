@@ -1,3 +1,4 @@
+#include "radio/interface_choice.h"
 #include "radio/nl80211_messages.h"
 #include "support/netlink_bytes.h"
 #include "support/test_main.h"
@@ -104,9 +105,65 @@ private Q_SLOTS:
             + attribute(NL80211_STA_INFO_SIGNAL, raw(qint8(-20))));
         const auto mine = peer(flags(kAssociated, kAssociated) + kSignal61);
         QCOMPARE(linkReading({}, {tdls, mine}, {}, {}).signalDbm, -61);
+        QVERIFY(mine.associated == true && !mine.authorized);
         // Without a link there is no channel either.
         const auto none = linkReading({.name = "wlan0"_ba, .frequencyMhz = 5180}, {tdls}, {}, {});
         QCOMPARE(none, LinkReading {.interfaceName = u"wlan0"_s});
+    }
+
+    /// The interface has the name of a network that it only asks, or that does not let it in.
+    void joiningIsNoLink()
+    {
+        const InterfaceRecord interface {
+            .ssid = "Home"_ba, .frequencyMhz = 2437
+        };
+        const auto peer = [](std::optional<bool> associated, std::optional<bool> authorized) {
+            return StationRecord {
+                .associated = associated, .authorized = authorized, .signalDbm = -48};
+        };
+        const BssRecord heard {.ssid = "Home"_ba};
+        const BssRecord joined {.ssid = "Home"_ba, .associated = true};
+        const std::tuple<std::vector<StationRecord>, std::vector<BssRecord>, bool> rows[] = {
+            {{}, {heard}, false}, {{peer(false, false)}, {heard}, false},
+            {{peer(true, false)}, {joined}, false}, // a wrong password
+            {{peer(true, true)}, {}, true}, {{peer({}, {})}, {}, true}, // a driver without flags
+            {{}, {heard, joined}, true}, // a driver without stations
+        };
+        for (const auto& [stations, networks, isLink] : rows) {
+            const auto reading = linkReading(interface, stations, {}, networks);
+            QCOMPARE(reading.ssid, isLink ? std::optional(u"Home"_s) : std::nullopt);
+            QCOMPARE(reading.joiningSsid, isLink ? std::nullopt : std::optional(u"Home"_s));
+            QCOMPARE(
+                reading.signalDbm, isLink && !stations.empty() ? std::optional(-48) : std::nullopt);
+            QCOMPARE(reading.channel.has_value(), isLink);
+        }
+        QVERIFY(needsScanTable(interface, {}) && !needsScanTable(interface, {peer(true, false)}));
+    }
+
+    void interfacesInTheOrderOfUse()
+    {
+        // Interface, destination, gateway, flags, two counters, metric, mask.
+        const QByteArray routes = "wlan1 00000000 0132A8C0 0003 0 0 600 00000000\n"
+                                  "wlan1 00000000 0132A8C0 0003 0 0 90 00000000\n"
+                                  "wlan1 00000000 0132A8C0 0003 0 0 9 00000080\n"
+                                  "wlan2 0032A8C0 00000000 0001 0 0 5 00FFFFFF\nwlan2"_ba;
+        QCOMPARE(defaultRouteMetric(routes, "wlan1"_ba), 90U);
+        QVERIFY(!defaultRouteMetric(routes, "wlan2"_ba));
+
+        const auto named = [](const char* name) { return InterfaceRecord {.name = name}; };
+        std::vector<RankedInterface> interfaces = {{.interface = named("off"), .isKept = true},
+            {.interface = named("on"), .isOn = true},
+            {.interface = named("signs in"), .isAssociated = true},
+            {.interface = named("joined"), .hasLink = true},
+            {.interface = named("joined too"), .hasLink = true},
+            {.interface = named("600"), .hasLink = true, .routeMetric = 600},
+            {.interface = named("90"), .hasLink = true, .routeMetric = 90},
+            {.interface = named("kept"), .isKept = true, .hasLink = true}};
+        sortByUse(interfaces);
+        QByteArrayList order;
+        for (const auto& ranked : interfaces)
+            order.append(*ranked.interface.name);
+        QCOMPARE(order.join(','), "kept,90,600,joined,joined too,signs in,on,off"_ba);
     }
 
     void networkFillsWhatTheInterfaceLacks()

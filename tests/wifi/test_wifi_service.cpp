@@ -199,7 +199,17 @@ private Q_SLOTS:
         nextPass();
         QCOMPARE(service->currentWiFi()->ssid, u"Other"_s); // in the same pass
 
-        other->reading.reset(); // still listed, but no longer there when read
+        m_interface->reading = kHome;
+        m_client->list.insert(m_client->list.begin(), m_interface);
+        nextPass();
+        QCOMPARE(service->currentWiFi()->ssid, u"Other"_s); // as long as it has a link
+        CountingObserver observer;
+        service->setNetworkNotificationService(&observer);
+        other->reading = platform::LinkReading {};
+        nextPass();
+        QCOMPARE(service->currentWiFi()->ssid, u"Home"_s);
+        QCOMPARE(observer.snapshots.size(), 1U); // nothing is told of a loss between
+        m_interface->reading.reset(); // still listed, but no longer there when read
         nextPass();
         QCOMPARE(service->errorMessage(), u"No Wi-Fi interface available"_s);
         QVERIFY(!service->currentWiFi() && !service->isUpdating());
@@ -252,6 +262,11 @@ private Q_SLOTS:
         nextPass();
         QVERIFY(m_permission->isAuthorized() && !service->needsLocationPermission());
         QCOMPARE(m_log.take().filter(u"updated externally"_s).size(), 1);
+        Q_EMIT m_activity.didBecomeActive();
+        QVERIFY(m_permission->isAuthorized()); // until the system says something else
+        m_manager.status = Status::Restricted;
+        Q_EMIT m_activity.didBecomeActive();
+        QVERIFY(!m_permission->isAuthorized());
     }
 
     void resultsOfADestroyedServiceAreDropped()

@@ -18,7 +18,7 @@ ChannelAnalysisState::ChannelAnalysisState(const services::Services& services)
     using Service = diagnostics::ChannelAnalysisService;
     const auto* service = services.channelAnalysisService.get();
     for (const auto change : {&Service::nearbyNetworksChanged, &Service::channelUtilizationChanged,
-             &Service::isScanningChanged, &Service::lastScanTimeChanged})
+             &Service::isScanningChanged, &Service::lastScanTimeChanged, &Service::problemChanged})
         connect(service, change, this, &ChannelAnalysisState::refresh);
     connect(service, &Service::isScanningChanged, this, &ChannelAnalysisState::readCurrentChannel);
     connect(services.locationPermissionService.get(),
@@ -77,6 +77,8 @@ ChannelAnalysisState::Shown ChannelAnalysisState::shown() const
     shown.currentChannel = m_currentChannel;
     if (service.recommendedChannel() != m_currentChannel)
         shown.recommendedChannel = service.recommendedChannel();
+    if (shown.body != PermissionNeeded)
+        shown.problem = service.problem();
     if (const auto& time = service.lastScanTime())
         shown.lastScan = u"Last scan: "_s + m_times.text(*time);
     return shown;

@@ -42,6 +42,8 @@ class ChannelAnalysisState : public QObject {
     Q_PROPERTY(QVariant currentChannel READ currentChannel NOTIFY changed)
     /// Undefined when there is none or it is the current one.
     Q_PROPERTY(QVariant recommendedChannel READ recommendedChannel NOTIFY changed)
+    /// Why a press on Scan brought nothing new; undefined otherwise.
+    Q_PROPERTY(QVariant problem READ problem NOTIFY changed)
     /// A line; undefined before the first scan.
     Q_PROPERTY(QVariant lastScan READ lastScan NOTIFY changed)
 
@@ -58,6 +60,7 @@ public:
     QString chartSummary() const;
     QVariant currentChannel() const { return orUndefined(m_shown.currentChannel); }
     QVariant recommendedChannel() const { return orUndefined(m_shown.recommendedChannel); }
+    QVariant problem() const { return orUndefined(m_shown.problem); }
     QVariant lastScan() const { return orUndefined(m_shown.lastScan); }
 
     /// Whether all this can be seen. Coming into sight reads the current channel.
@@ -75,6 +78,7 @@ private:
         QList<ChartBar> bars;
         std::optional<int> currentChannel;
         std::optional<int> recommendedChannel;
+        std::optional<QString> problem;
         std::optional<QString> lastScan;
 
         bool operator==(const Shown&) const = default;

@@ -30,6 +30,7 @@ Card {
             onClicked: root.viewState.scan()
         }
     }
+    CardNote { text: root.viewState.problem ?? "" }
     Card {
         visible: root.viewState.body === ChannelAnalysisState.PermissionNeeded
         title: "Location permission"

@@ -1,6 +1,8 @@
 """The adapter itself: its switches, its interface taken away, and other interfaces beside it."""
-from watcher import NO_INTERFACE, NO_SNAPSHOT, TURNED_OFF, agrees_with_iw, becomes
-from world import HOME, shown
+from iw_reading import iw
+from watcher import (AUTHORIZED, LOST, NO_INTERFACE, NO_SNAPSHOT, TURNED_OFF, UNREADABLE, Watcher,
+                     agrees_with_iw, becomes)
+from world import ELEVEN, HOME, NETWORKS, shown, uptime
 
 READ_AGAIN = {'ssid': shown(HOME.ssid), 'signal': HOME.dbm, 'band': HOME.band,
               'interface': 'wlan0', 'error': None}
@@ -33,9 +35,6 @@ def _remove(world, *names):
 
 def other_interfaces(report, world, watchers):
     world.join(HOME)
-    _add(world, 'later')
-    agrees_with_iw(report, 'beside a later monitor and access point interface', watchers)
-    _remove(world, 'later0', 'later1')
     becomes(report, 'before the interface is removed', watchers, READ_AGAIN)
     _remove(world, 'wlan0')
     becomes(report, 'interface removed', watchers, NOTHING_TO_READ)
@@ -49,4 +48,51 @@ def other_interfaces(report, world, watchers):
     _remove(world, 'early0', 'early1')
 
 
-SCENARIOS = (turned_off, other_interfaces)
+def two_adapters(report, world, watchers):
+    """The one with a link is read, whatever becomes of the other."""
+    second = {'ssid': shown(ELEVEN.ssid), 'signal': ELEVEN.dbm, 'interface': 'wlan6', 'error': None}
+    world.leave()
+    world.start_eleven()
+    world.do('second_adapter', 'in')
+    becomes(report, 'neither has a link', watchers, {'ssid': None, 'error': UNREADABLE})
+    world.do('iw', 'dev', 'wlan6', 'connect', '-w', shown(ELEVEN.ssid))
+    for name, change in (('idle', 'true'), ('blocked', 'radio_switch block'),
+                         ('renamed', 'ip link set wlan0 name aaa')):
+        world.do(*change.split())
+        becomes(report, f'the other adapter is {name}', watchers, second)
+    late = Watcher('unprivileged', 'late.log')
+    becomes(report, 'started with two adapters', [late], second)
+    late.end()
+    state = watchers[1].ask('scan')
+    report.check('the second adapter scans', (state['error'], state['channel']),
+                 (None, [11, 'twoPointFourGHz']))
+    for change in ('ip link set aaa name wlan0', 'radio_switch unblock', 'ip link set wlan0 up'):
+        world.do(*change.split())
+    world.join(HOME)
+    becomes(report, 'the second adapter keeps its link', watchers, second)
+    world.do('second_adapter', 'out')
+    becomes(report, 'and is pulled out', watchers, READ_AGAIN)
+
+
+def joining(report, world, watchers):
+    """A network that is asked, or refuses, is no link, although the kernel tells its name."""
+    world.leave()
+    becomes(report, 'left the network', watchers, LOST | AUTHORIZED | {'error': UNREADABLE})
+    for name, command, sign in (
+            ('with a wrong passphrase', f'choose {len(NETWORKS)}', 'authorized:\tno'),
+            ('that is not there', 'iw dev wlan0 connect Nowhere', 'ssid Nowhere')):
+        world.do(*command.split())
+        looks, seen, end = 0, set(), uptime() + 40
+        while looks < 4 and uptime() < end:
+            before, states = _joins(sign), [watcher.ask('link') for watcher in watchers]
+            looks += before and _joins(sign)
+            seen |= {state['ssid'] for state in states}
+        report.check(f'a network {name} is no link', (looks > 0, seen), (True, {None}))
+        world.leave()
+
+
+def _joins(sign):
+    return sign in iw('dev', 'wlan0', 'station', 'dump') + iw('dev', 'wlan0', 'info')
+
+
+SCENARIOS = (turned_off, other_interfaces, two_adapters, joining)

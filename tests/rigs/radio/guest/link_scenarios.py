@@ -1,7 +1,6 @@
 """The link to one access point after another, with wpa_supplicant alone: no NetworkManager, no
 system bus."""
-from iw_reading import iw
-from watcher import AUTHORIZED, LOST, UNREADABLE, Watcher, agrees_with_iw, becomes
+from watcher import AUTHORIZED, Watcher, agrees_with_iw, becomes
 from world import AWKWARD, HOME, HOME_5_GHZ, HOME_6_GHZ, shown
 
 
@@ -17,14 +16,6 @@ def associated(report, world, watchers):
     becomes(report, 'authorised without a system bus', watchers, AUTHORIZED)
     agrees_with_iw(report, 'link as iw reads it', watchers)
     agrees_with_iw(report, 'link as iw reads it, after traffic', watchers, world, HOME.phy)
-
-
-def signal(report, world, watchers):
-    world.join(HOME)
-    for dbm in (-80, -33, HOME.dbm):
-        world.do('heard_at', HOME.phy, dbm)
-        want = {'signal': dbm, 'ssid': shown(HOME.ssid)}
-        becomes(report, f'signal follows to {dbm} dBm', watchers, want)
 
 
 def roaming(report, world, watchers):
@@ -44,22 +35,4 @@ def awkward_name(report, world, watchers):
     agrees_with_iw(report, 'a name of awkward bytes', watchers)
 
 
-def not_associated(report, world, watchers):
-    world.leave()
-    becomes(report, 'left the network', watchers, LOST | AUTHORIZED | {'error': UNREADABLE})
-
-
-def out_of_range(report, world, watchers):
-    world.join(HOME)
-    becomes(report, 'before the link is lost', watchers, {'ssid': shown(HOME.ssid), 'error': None})
-    world.do('out_of_range', HOME.phy)
-    becomes(report, 'out of range', watchers, LOST | {'error': UNREADABLE})
-    report.check('out of range: iw says the same', iw('dev', 'wlan0', 'link').strip(),
-                 'Not connected.')
-    world.do('in_range', HOME.phy)
-    world.await_link(HOME)
-    want = {'ssid': shown(HOME.ssid), 'signal': HOME.dbm, 'error': None}
-    becomes(report, 'in range again', watchers, want)
-
-
-SCENARIOS = (associated, signal, roaming, awkward_name, not_associated, out_of_range)
+SCENARIOS = (associated, roaming, awkward_name)

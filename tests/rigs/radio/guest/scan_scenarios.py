@@ -124,6 +124,11 @@ def scan_by_manager(report, world):
              'NetworkManager does not allow this user to scan')
     world.grant_scans('YES', 'yes')
     world.join(HOME)
+    world.do('manager_pauses')
+    state, _, table, took_ms = _scan(nobody)
+    newest = min((network.seen_ms_ago for network in table.values()), default=took_ms + 1)
+    report.check('scan while NetworkManager rests: a new one', (state['error'], newest <= took_ms),
+                 (None, True))
     state = _scans(report, 'scan while associated', nobody)
     report.check('scan while associated: current channel', state['channel'], CHANNELS[2437])
     _end(report, 'scan by NetworkManager', nobody)

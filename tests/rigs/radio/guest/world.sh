@@ -4,7 +4,8 @@
 # command's status are written as a line to descriptor 3.
 #
 #   this network namespace   phy0, wlan0: the station, whose link Netvane reads
-#   namespace "air"          phy1, wlan1 and so on: one access point each
+#   namespace "air"          phy1, wlan1 and so on: one access point each; the last is the second
+#                            adapter, until it is plugged in
 #
 # The access point of radio N answers 192.168.N.1. There is no name service and no internet before
 # `internet_up`.
@@ -108,6 +109,13 @@ supplicant_down() {
 choose() { cli select_network "$1" | grep -qx OK; }
 leave() { cli disable_network all | grep -qx OK; }
 associated() { cli status | grep -q wpa_state=COMPLETED; }
+second_adapter() { # second_adapter in|out: wlan6 beside wlan0, and on, or not there
+    if [ "$1" = in ]; then
+        ip netns exec air iw phy phy6 set netns 1 && ip link set wlan6 up
+    else
+        iw phy phy6 set netns name air
+    fi
+}
 radio_switch() { # radio_switch block|unblock: the station's alone, for rfkill knows no namespaces
     rfkill "$1" "$(cat /sys/class/ieee80211/phy0/rfkill*/index)"
 }
@@ -155,7 +163,15 @@ manager_up() {
     wpa_supplicant -B -u -s -O /run/wpa_supplicant -f "$logs/wpa_supplicant_dbus.log" || return 1
     # --debug: it stays in the foreground and logs to standard error.
     NetworkManager --debug --log-level=INFO >"$logs/NetworkManager.log" 2>&1 &
+    echo $! >$state/manager.pid
     wait_for 90 'nmcli -t -f DEVICE,STATE device | grep -qx wlan0:disconnected'
+}
+manager_pauses() { # for some seconds, and hears afterwards of a scan that has ended meanwhile
+    local pid
+    pid=$(<$state/manager.pid)
+    nmcli device wifi rescan && kill -STOP "$pid" || return 1
+    wait_for 30 'iw dev wlan0 scan trigger freq 2412' # refused until the other scan has ended
+    (sleep 5 && kill -CONT "$pid") &
 }
 manager_permission() { # what NetworkManager answers to the unprivileged user: 'yes' and so on
     setpriv --reuid=65534 --regid=65534 --clear-groups gdbus call --system \
