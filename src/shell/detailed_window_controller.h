@@ -30,6 +30,8 @@ public:
     void showWindow();
     /// And takes the keyboard.
     void bringToFront();
+    /// See `HostWindow::setNote`.
+    void setNote(const QString& text) { m_host->setNote(text); }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

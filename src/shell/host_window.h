@@ -23,6 +23,8 @@ public:
     /// Gives a window that has no frame a background with corners of this radius (in pixels) below
     /// its view.
     virtual void addBackground(int cornerRadius) = 0;
+    /// A line of its own above what the view shows; empty for none.
+    virtual void setNote(const QString& text) = 0;
     /// Lets go of the view and of what it shows. The window is empty then.
     virtual void releaseView() = 0;
 

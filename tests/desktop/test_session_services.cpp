@@ -38,14 +38,19 @@ private Q_SLOTS:
         test::FakeBusService portal(m_world.bus.address(), u"org.freedesktop.portal.Desktop"_s,
             path, test::reply({wrapped(wrapped(1U))}));
         QTRY_COMPARE(appearance.colorScheme(), ColorScheme::Dark);
+        test::FakeBusService stranger(
+            m_world.bus.address(), u"org.example.Other"_s, path, test::kSilence);
         const QString group = u"org.freedesktop.appearance"_s;
         const QString key = u"color-scheme"_s;
-        for (const QVariantList& arguments : {QVariantList {u"other"_s, key, wrapped(0U)},
-                 {group, key, 0U}, {}, {group, key, wrapped(2U)}}) {
+        const std::pair<test::FakeBusService&, QVariantList> sent[]
+            = {{stranger, {group, key, wrapped(0U)}}, {portal, {u"other"_s, key, wrapped(0U)}},
+                {portal, {group, key, 0U}}, {portal, {}}, {portal, {group, key, wrapped(2U)}}};
+        for (const auto& [sender, arguments] : sent) {
             auto signal = QDBusMessage::createSignal(
                 path, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
             signal.setArguments(arguments);
-            portal.send(signal);
+            sender.send(signal);
+            sender.flush();
         }
         QTRY_COMPARE(appearance.colorScheme(), ColorScheme::Light);
         QCOMPARE(changed.count(), 2);

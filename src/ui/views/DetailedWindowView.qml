@@ -6,6 +6,7 @@ Item {
     id: root
 
     required property DetailedWindowState viewState
+    property string note // of the window itself
 
     implicitWidth: 600
     implicitHeight: 800
@@ -13,9 +14,19 @@ Item {
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
     Component.onCompleted: viewState.appear()
 
+    WrappedText {
+        id: noteText
+        objectName: "window-note"
+        x: column.x
+        y: 12
+        width: column.width
+        visible: root.note !== "" && !root.viewState.showSettings
+        text: root.note
+    }
     ScrollArea {
         objectName: "main-content"
         anchors.fill: parent
+        anchors.topMargin: noteText.visible ? noteText.y + noteText.height : 0
         visible: !root.viewState.showSettings
         focus: visible
         showsIndicator: true
@@ -23,6 +34,7 @@ Item {
 
         // In a wide window a value would be far from its graph.
         DashboardColumn {
+            id: column
             x: Math.round((parent.width - width) / 2)
             y: 16
             width: Math.min(parent.width - 64, 720)
