@@ -77,7 +77,7 @@ void ReportService::saveReport(const QString& report, const Completion& completi
             if (self && path)
                 self->write(*path, report, completion);
             else if (completion)
-                completion(false);
+                completion(false, {});
         });
 }
 
@@ -89,7 +89,7 @@ void ReportService::write(const QString& path, const QString& report, const Comp
             if (!error.isEmpty())
                 base::log(logCategory(), u"ReportService: Failed to save file: "_s + error);
             if (completion)
-                completion(error.isEmpty());
+                completion(error.isEmpty(), error);
         });
 }
 

@@ -27,8 +27,8 @@ class ReportService : public QObject {
 public:
     /// Reads the running services; absent when there are none.
     using Readings = std::function<std::optional<ReportInputs>()>;
-    /// True when the file was written.
-    using Completion = std::function<void(bool written)>;
+    /// `problem` says why a file was not written; empty when the user chose none.
+    using Completion = std::function<void(bool written, const QString& problem)>;
 
     ReportService(Readings readings, const base::Clock& clock, base::WorkQueue& queue,
         const ReportExits& exits);

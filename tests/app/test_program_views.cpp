@@ -137,6 +137,13 @@ private Q_SLOTS:
         QVERIFY(!program.savePanel.fileName.isEmpty());
         QVERIFY(program.clipboard.text.contains(u"Home"_s));
         QCOMPARE(program.sharePicker.text, program.clipboard.text);
+        QVERIFY(press(root, u"Copy to Clipboard"_s));
+        QVERIFY(showsText(root, u"The report is on the clipboard."_s));
+        program.savePanel.chosen(u"/none/report.txt"_s);
+        program.settle();
+        const auto problem = program.state().settings()->property("reportProblem").toString();
+        QVERIFY(problem.startsWith(u"The report could not be saved: "_s));
+        QVERIFY(showsText(root, problem));
 
         program.state().goBack();
         program.location.change(platform::AuthorizationStatus::Denied);
@@ -159,6 +166,7 @@ private Q_SLOTS:
         QVERIFY(press(program.root(), u"Settings"_s));
         QVERIFY(press(program.root(), u"Reset Onboarding"_s));
         QCOMPARE(program.state().content(), PopoverState::Onboarding);
+        QVERIFY(!showsText(program.root(), u"Network Diagnostics"_s)); // not below the introduction
         QVERIFY(service.notificationsEnabled());
         for (const auto& key :
             {u"netvane.onboarding.completed"_s, u"networkNotificationsEnabled"_s})

@@ -151,7 +151,7 @@ private:
     std::optional<bool> isSaved(const std::optional<QString>& path)
     {
         QList<bool> completions;
-        m_service.saveReport(kReport, [&](bool written) { completions.append(written); });
+        m_service.saveReport(kReport, [&](bool written, auto) { completions.append(written); });
         if (!completions.isEmpty())
             return {};
         m_savePanel.chosen(path);

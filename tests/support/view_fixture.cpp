@@ -21,6 +21,11 @@ QString flawOfText(const QQuickItem& item)
         return u"may be rich text"_s;
     if (item.property("truncated").toBool())
         return item.property("elide").toInt() == kElideMiddle ? QString() : u"is cut"_s;
+    for (const auto* card = item.parentItem(); card; card = card->parentItem()) {
+        const double right = item.mapToItem(card, {item.width(), 0}).x();
+        if (card->property("hasShadow").isValid() && right > card->width() + kRounding)
+            return u"is outside of its card"_s;
+    }
     const bool fits = number("contentWidth") <= item.width() + kRounding
         && number("contentHeight") <= item.height() + kRounding;
     return fits || item.property("text") == QString() ? QString() : u"does not fit"_s;

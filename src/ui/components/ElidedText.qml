@@ -13,13 +13,5 @@ PlainText {
     horizontalAlignment: Text.AlignLeft
     maximumLineCount: 1
 
-    HoverHandler {
-        id: hover
-        enabled: root.truncated
-    }
-
-    Tip {
-        shown: hover.hovered && root.truncated
-        text: root.text
-    }
+    HoverTip { text: root.truncated ? root.text : "" }
 }

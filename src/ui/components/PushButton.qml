@@ -49,7 +49,7 @@ PlainButton {
             return share > 0 ? Qt.tint(base, Qt.alpha(other, share)) : base
         }
         border.width: root.prominent ? 0 : 1
-        border.color: Theme.separator
+        border.color: Theme.outline
         FocusRing { control: root }
     }
 }

@@ -9,6 +9,7 @@ Flickable {
 
     default property alias content: holder.data
     property bool showsIndicator: false
+    property real bottomPadding: 0
 
     readonly property Item focusItem: Window.activeFocusItem
 
@@ -53,13 +54,13 @@ Flickable {
         contentItem: Rectangle {
             implicitWidth: 6
             radius: 3
-            color: bar.pressed || bar.hovered ? Theme.secondaryText : Theme.track
+            color: bar.pressed || bar.hovered ? Theme.secondaryText : Theme.outline
         }
     }
 
     Item {
         id: holder
         width: root.width
-        height: childrenRect.y + childrenRect.height
+        height: childrenRect.y + childrenRect.height + root.bottomPadding
     }
 }

@@ -23,7 +23,7 @@ T.TextField {
     background: Rectangle {
         radius: 6
         color: Theme.controlBackground
-        border.color: Theme.separator
+        border.color: Theme.outline
         FocusRing { control: root }
     }
 

@@ -13,7 +13,7 @@ ColumnLayout {
     Binding {
         target: root.viewState
         property: "isShown"
-        value: root.visible && root.enabled && root.Window.visibility !== Window.Hidden
+        value: root.visible && root.Window.visibility !== Window.Hidden
     }
     NetworkInfoView {
         objectName: "network-info"

@@ -7,18 +7,18 @@ Item {
 
     // The name of the values.
     required property string label
-    property alias values: sparkline.values
+    property alias graph: sparkline.graph
     property alias tint: sparkline.color
 
     implicitWidth: 80
     implicitHeight: 24
     Accessible.role: Accessible.Graphic
-    Accessible.name: label + " history: " + sparkline.summary
+    Accessible.name: label + " history: " + graph.summary
 
     Sparkline {
         id: sparkline
         anchors.fill: parent
-        visible: values.length > 1
+        visible: graph.hasLine
     }
     Rectangle {
         anchors.fill: parent
@@ -26,4 +26,5 @@ Item {
         radius: 4
         color: Qt.alpha(root.tint, 0.15)
     }
+    HoverTip { text: root.graph.summary }
 }

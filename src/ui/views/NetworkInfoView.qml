@@ -51,6 +51,10 @@ ColumnLayout {
             StatusDot {
                 Layout.margins: -glowRadius
                 color: Theme.accents[root.info.signalAccent]
+                Accessible.role: Accessible.Graphic
+                Accessible.name: root.info.signalGrade
+
+                HoverTip { text: root.info.signalGrade }
             }
             ColumnLayout {
                 spacing: 2

@@ -40,6 +40,7 @@ FocusScope {
                     height: 8
                     radius: 4
                     color: modelData ? Theme.blue : Theme.separator
+                    border.color: modelData ? Theme.blue : Theme.outline
                 }
             }
         }

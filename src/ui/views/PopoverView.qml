@@ -28,15 +28,11 @@ Item {
     ScrollArea {
         objectName: "main-content"
         anchors.fill: parent
-        // Only the end of the introduction is animated; the settings appear at once.
-        visible: opacity > 0 && root.viewState.content !== PopoverState.Settings
-        enabled: root.viewState.content === PopoverState.Dashboard
+        visible: root.viewState.content === PopoverState.Dashboard
         opacity: root.viewState.content === PopoverState.Onboarding ? 0 : 1
-        focus: enabled
+        focus: visible
 
-        Behavior on opacity {
-            NumberAnimation { duration: 200; easing.type: Easing.InOutQuad }
-        }
+        Behavior on opacity { Fading { } }
 
         DashboardColumn {
             id: column
@@ -56,9 +52,19 @@ Item {
     }
     OnDemand {
         objectName: "onboarding"
+        opacity: isWanted ? 1 : 0
         isWanted: root.viewState.content === PopoverState.Onboarding
         view: "OnboardingView.qml"
         viewState: root.viewState.onboarding
+
+        Behavior on opacity { Fading { } }
+    }
+
+    // What comes with a change of the introduction fades in, and what it replaces is gone at once: two
+    // screens over each other cannot be read. The settings come and go without.
+    component Fading: NumberAnimation {
+        duration: 200
+        easing.type: Easing.InOutQuad
     }
 
     // A screen that exists only while it is shown: most users open only the dashboard.
