@@ -81,7 +81,8 @@ private:
     std::optional<std::chrono::system_clock::time_point> m_lastScanTime;
     std::optional<QString> m_problem;
     const wifi::LocationPermissionService* m_locationPermissionService = nullptr;
-    /// Together with `m_lastScanTime`, which a clock that is set may move. By `Clock::nowWithSleep`.
+    /// Together with `m_lastScanTime`, which a clock that is set may move. By
+    /// `Clock::nowWithSleep`.
     std::optional<std::chrono::steady_clock::time_point> m_lastSuccess;
 };
 

@@ -6,6 +6,8 @@
 #include <netinet/ip_icmp.h>
 #include <sys/ioctl.h>
 
+#include <mutex>
+
 namespace netvane::net {
 namespace {
 
@@ -44,52 +46,103 @@ std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
         std::chrono::seconds(stamp.tv_sec) + std::chrono::nanoseconds(stamp.tv_nsec));
 }
 
-/// How far a datagram may go.
-struct Reach {
+/// Asks once: whoever comes later, or meanwhile, gets the same answer. Some threads may still wait
+/// for it when the program ends.
+AddressLookup askingOnce(const AddressLookup& lookUp)
+{
+    struct Answer {
+        std::once_flag asked;
+        HostAddresses found;
+    };
+    return
+        [lookUp, answer = std::make_shared<Answer>()](const std::string& host, std::uint16_t port) {
+            std::call_once(answer->asked, [&] { answer->found = lookUp(host, port); });
+            HostAddresses found = answer->found;
+            for (auto& address : found.addresses)
+                portOf(address) = htons(port);
+            return found;
+        };
+}
+
+/// What the probes of a path share; the last of them may outlive it.
+struct Path {
+    const QString host;
+    const AddressLookup lookUp;
+    in_port_t ownPort = 0; ///< in the order of the network; 0 before the first probe
+};
+
+struct Datagram {
+    quint16 port = 0;
     int hopLimit = 1;
     bool isNeighbour = false; ///< no router may pass it on, whatever the routes say
+    base::Delivery firstLook = base::Delivery::Immediate;
 };
 
 /// Sends an empty datagram with a hop limit and receives the answer of a router on the path or of
 /// the peer.
 class UdpHopProbe : public SocketProbe {
 public:
-    UdpHopProbe(ProbeContext& context, QString host, quint16 port, Reach reach,
-        base::Delivery firstLook, platform::ConnectionHandler handler)
+    UdpHopProbe(ProbeContext& context, std::shared_ptr<Path> path, const Datagram& datagram,
+        platform::ConnectionHandler handler)
         : SocketProbe(context,
-            {.socketType = SOCK_DGRAM, .event = QSocketNotifier::Read, .firstLook = firstLook},
-            std::move(host), port, std::move(handler))
-        , m_reach(reach)
+            {.socketType = SOCK_DGRAM,
+                .event = QSocketNotifier::Read,
+                .firstLook = datagram.firstLook},
+            path->host, datagram.port, std::move(handler))
+        , m_path(std::move(path))
+        , m_datagram(datagram)
     {
     }
 
 private:
+    AddressLookup lookUp() const override { return m_path->lookUp; }
     bool ask(const SocketAddress& address) override;
+    void takeOwnPort(sa_family_t family);
     std::optional<Answer> takeAnswer() override;
     std::optional<Answer> takeDatagram();
     Answer goodAnswer() const;
 
-    const Reach m_reach;
+    const std::shared_ptr<Path> m_path;
+    const Datagram m_datagram;
     SocketAddress m_peer;
 };
 
 bool UdpHopProbe::ask(const SocketAddress& address)
 {
     const int socket = descriptor();
-    const auto [hopLimit, isNeighbour] = m_reach;
     (void)kernelStamp(socket);
+    // Without a flow label, by which routers may share load, too: the kernel makes one a socket.
     const bool isSet = address.storage.ss_family == AF_INET
-        ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, hopLimit)
+        ? set(socket, IPPROTO_IP, IP_RECVERR, 1)
+            && set(socket, IPPROTO_IP, IP_TTL, m_datagram.hopLimit)
         : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
-            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, hopLimit);
-    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, isNeighbour)
-        || ::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length)
-            != 0)
+            && set(socket, IPPROTO_IPV6, IPV6_AUTOFLOWLABEL, 0)
+            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_datagram.hopLimit);
+    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, m_datagram.isNeighbour))
+        return false;
+    takeOwnPort(address.storage.ss_family);
+    if (::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length) != 0)
         return false;
     // As the kernel has it after connecting: a socket connected to 0.0.0.0 sends to 127.0.0.1.
     m_peer.length = sizeof m_peer.storage;
     return ::getpeername(socket, reinterpret_cast<sockaddr*>(&m_peer.storage), &m_peer.length) == 0
         && ::send(socket, nullptr, 0, 0) == 0;
+}
+
+/// That of the path. If somebody else took it between two probes, the rest has another.
+void UdpHopProbe::takeOwnPort(sa_family_t family)
+{
+    SocketAddress own {.length
+        = family == AF_INET ? socklen_t(sizeof(sockaddr_in)) : socklen_t(sizeof(sockaddr_in6))};
+    own.storage.ss_family = family;
+    auto* name = reinterpret_cast<sockaddr*>(&own.storage);
+    for (const in_port_t port : {m_path->ownPort, in_port_t(0)}) {
+        portOf(own) = port;
+        if (::bind(descriptor(), name, own.length) == 0)
+            break;
+    }
+    if (::getsockname(descriptor(), name, &own.length) == 0)
+        m_path->ownPort = portOf(own);
 }
 
 /// One message at a time: a host that sends many must not block the main thread.
@@ -102,7 +155,7 @@ std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
     case HopAnswer::None:
         return {};
     case HopAnswer::Bad:
-        // Another address of the same name has another path, with other hops.
+        // Another address of the same name has another way, whose hops are none of this one's.
         return Answer {.error = int(error->report.ee_errno), .endsProbe = true};
     case HopAnswer::Good:
         break;
@@ -116,7 +169,7 @@ std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
 std::optional<SocketProbe::Answer> UdpHopProbe::takeDatagram()
 {
     SocketAddress sender {.length = sizeof sender.storage};
-    // It may have arrived while the socket had a port but no peer yet.
+    // It may have come while the socket had a port but no peer yet.
     if (::recvfrom(descriptor(), nullptr, 0, MSG_DONTWAIT,
             reinterpret_cast<sockaddr*>(&sender.storage), &sender.length)
             < 0
@@ -133,6 +186,30 @@ SocketProbe::Answer UdpHopProbe::goodAnswer() const
     return {.at = clock().monotonicNow() - (std::chrono::system_clock::now() - *stamp)};
 }
 
+class SocketHopPath : public platform::HopPath {
+public:
+    SocketHopPath(ProbeContext& context, const QString& host)
+        : m_context(context)
+        , m_path(new Path {.host = host, .lookUp = askingOnce(context.lookUp)})
+    {
+        (void)kernelStamp(m_timed.get());
+    }
+
+    std::unique_ptr<platform::Connection> probe(
+        quint16 port, int hopLimit, platform::ConnectionHandler handler) override
+    {
+        return handleOf(new UdpHopProbe(
+            m_context, m_path, {.port = port, .hopLimit = hopLimit}, std::move(handler)));
+    }
+
+private:
+    ProbeContext& m_context;
+    const std::shared_ptr<Path> m_path;
+    /// The kernel stamps packets while any socket requests it, and begins with a delay. This socket
+    /// keeps it active in the pauses between the probes.
+    const base::FileDescriptor m_timed {::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
+};
+
 } // namespace
 
 HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
@@ -148,12 +225,9 @@ HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
                                                                          : HopAnswer::Bad;
 }
 
-std::unique_ptr<platform::Connection> SocketHopProbes::probeHop(
-    const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler)
+std::unique_ptr<platform::HopPath> SocketHopProbes::pathTo(const QString& host)
 {
-    (void)takeTimes();
-    return handleOf(new UdpHopProbe(m_context, host, port, {.hopLimit = hopLimit},
-        base::Delivery::Immediate, std::move(handler)));
+    return std::make_unique<SocketHopPath>(m_context, host);
 }
 
 std::unique_ptr<platform::Connection> SocketHopProbes::probeNeighbour(
@@ -161,8 +235,9 @@ std::unique_ptr<platform::Connection> SocketHopProbes::probeNeighbour(
 {
     // As long as the kernel takes no times, that of an answer is when it is seen.
     const auto firstLook = takeTimes() ? base::Delivery::Batched : base::Delivery::Immediate;
-    return handleOf(new UdpHopProbe(
-        m_context, host, kNeighbourPort, {.isNeighbour = true}, firstLook, std::move(handler)));
+    return handleOf(new UdpHopProbe(m_context,
+        std::make_shared<Path>(Path {.host = host, .lookUp = m_context.lookUp}),
+        {.port = kNeighbourPort, .isNeighbour = true, .firstLook = firstLook}, std::move(handler)));
 }
 
 /// Whether the kernel has been doing so since an earlier probe.

@@ -16,10 +16,9 @@ public:
     {
     }
 
-    std::unique_ptr<platform::Connection> probeHop(const QString& host, quint16 port, int hopLimit,
-        platform::ConnectionHandler handler) override;
+    std::unique_ptr<platform::HopPath> pathTo(const QString& host) override;
 
-    /// The same with a hop limit of 1, to an address on a network that this machine is part of:
+    /// One probe with a hop limit of 1, to an address on a network that this machine is part of:
     /// `Failed` where a router would have to pass it on (SO_DONTROUTE, socket(7)). The first look
     /// for an answer may wait a moment (`Clock::soon`).
     [[nodiscard]] std::unique_ptr<platform::Connection> probeNeighbour(
@@ -30,7 +29,7 @@ private:
 
     ProbeContext m_context;
     /// The kernel stamps packets while any socket requests it, and begins with a delay. This socket
-    /// keeps it active in the pauses between the probes of a trace.
+    /// keeps it active in the pauses between the probes of a neighbour.
     base::FileDescriptor m_timed;
     std::unique_ptr<base::Timer> m_untimed;
 };
