@@ -6,13 +6,11 @@
 #include <netinet/ip_icmp.h>
 #include <sys/ioctl.h>
 
+#include <mutex>
+#include <utility>
+
 namespace netvane::net {
 namespace {
-
-using namespace std::chrono_literals;
-
-constexpr auto kTimedAfterProbe = 5s; // longer than a probe and the pause after it
-constexpr quint16 kNeighbourPort = 33434; // the first of those that traces go to: nobody listens
 
 /// The numbers of one family's ICMP (RFC 792, RFC 4443).
 struct IcmpNumbers {
@@ -44,51 +42,98 @@ std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
         std::chrono::seconds(stamp.tv_sec) + std::chrono::nanoseconds(stamp.tv_nsec));
 }
 
-/// How far a datagram may go.
-struct Reach {
-    int hopLimit = 1;
-    bool isNeighbour = false; ///< no router may pass it on, whatever the routes say
+/// Asks once: whoever comes later, or meanwhile, gets the same answer. Some threads may still wait
+/// for it when the program ends.
+AddressLookup askingOnce(const AddressLookup& lookUp)
+{
+    struct Answer {
+        std::once_flag asked;
+        HostAddresses found;
+    };
+    return
+        [lookUp, answer = std::make_shared<Answer>()](const std::string& host, std::uint16_t port) {
+            std::call_once(answer->asked, [&] { answer->found = lookUp(host, port); });
+            HostAddresses found = answer->found;
+            for (auto& address : found.addresses)
+                portOf(address) = htons(port);
+            return found;
+        };
+}
+
+/// What the probes of a path share; the last of them may outlive it.
+struct Path {
+    const QString host;
+    const AddressLookup lookUp;
+    const bool isToNeighbour = false; ///< no router may pass a datagram on, whatever the routes say
+    bool isTimed = false; ///< since an earlier probe
+    in_port_t ownPort = 0; ///< in the order of the network; 0 before the first probe
+    /// The kernel times packets while any socket asks for it, and begins with a delay. This one
+    /// spans the pauses between the probes.
+    const base::FileDescriptor timed {::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
 };
 
 /// An empty datagram with a hop limit, and who answers it: a router on the way, or the peer.
 class UdpHopProbe : public SocketProbe {
 public:
-    UdpHopProbe(ProbeContext& context, QString host, quint16 port, Reach reach,
+    UdpHopProbe(ProbeContext& context, std::shared_ptr<Path> path, quint16 port, int hopLimit,
         base::Delivery firstLook, platform::ConnectionHandler handler)
         : SocketProbe(context,
             {.socketType = SOCK_DGRAM, .event = QSocketNotifier::Read, .firstLook = firstLook},
-            std::move(host), port, std::move(handler))
-        , m_reach(reach)
+            path->host, port, std::move(handler))
+        , m_path(std::move(path))
+        , m_hopLimit(hopLimit)
     {
     }
 
 private:
+    AddressLookup lookUp() const override { return m_path->lookUp; }
     bool ask(const SocketAddress& address) override;
+    void takeOwnPort(sa_family_t family);
     std::optional<Answer> takeAnswer() override;
     std::optional<Answer> takeDatagram();
     Answer goodAnswer() const;
 
-    const Reach m_reach;
+    const std::shared_ptr<Path> m_path;
+    const int m_hopLimit;
     SocketAddress m_peer;
 };
 
 bool UdpHopProbe::ask(const SocketAddress& address)
 {
     const int socket = descriptor();
-    const auto [hopLimit, isNeighbour] = m_reach;
     (void)kernelStamp(socket);
+    // Without a flow label, by which routers may share load, too: the kernel makes one a socket.
     const bool isSet = address.storage.ss_family == AF_INET
-        ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, hopLimit)
+        ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, m_hopLimit)
         : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
-            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, hopLimit);
-    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, isNeighbour)
-        || ::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length)
-            != 0)
+            && set(socket, IPPROTO_IPV6, IPV6_AUTOFLOWLABEL, 0)
+            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_hopLimit);
+    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, m_path->isToNeighbour))
+        return false;
+    if (!m_path->isToNeighbour) // there is one way to it; each probe has a port of its own
+        takeOwnPort(address.storage.ss_family);
+    if (::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length) != 0)
         return false;
     // As the kernel knows it from now on: connected to 0.0.0.0, it sends to 127.0.0.1.
     m_peer.length = sizeof m_peer.storage;
     return ::getpeername(socket, reinterpret_cast<sockaddr*>(&m_peer.storage), &m_peer.length) == 0
         && ::send(socket, nullptr, 0, 0) == 0;
+}
+
+/// That of the path. If somebody else took it between two probes, the rest has another.
+void UdpHopProbe::takeOwnPort(sa_family_t family)
+{
+    SocketAddress own {.length
+        = family == AF_INET ? socklen_t(sizeof(sockaddr_in)) : socklen_t(sizeof(sockaddr_in6))};
+    own.storage.ss_family = family;
+    auto* name = reinterpret_cast<sockaddr*>(&own.storage);
+    for (const in_port_t port : {m_path->ownPort, in_port_t(0)}) {
+        portOf(own) = port;
+        if (::bind(descriptor(), name, own.length) == 0)
+            break;
+    }
+    if (::getsockname(descriptor(), name, &own.length) == 0)
+        m_path->ownPort = portOf(own);
 }
 
 /// One message at a time: a host that sends many must not keep the main thread here.
@@ -132,6 +177,30 @@ SocketProbe::Answer UdpHopProbe::goodAnswer() const
     return {.at = clock().monotonicNow() - (std::chrono::system_clock::now() - *stamp)};
 }
 
+class SocketHopPath : public platform::HopPath {
+public:
+    SocketHopPath(ProbeContext& context, const QString& host, bool isToNeighbour)
+        : m_context(context)
+        , m_path(new Path {
+              .host = host, .lookUp = askingOnce(context.lookUp), .isToNeighbour = isToNeighbour})
+    {
+        (void)kernelStamp(m_path->timed.get());
+    }
+
+    std::unique_ptr<platform::Connection> probe(
+        quint16 port, int hopLimit, platform::ConnectionHandler handler) override
+    {
+        // Before the kernel takes times, that of an answer is when it is seen.
+        const bool mayWait = std::exchange(m_path->isTimed, true) && m_path->isToNeighbour;
+        return handleOf(new UdpHopProbe(m_context, m_path, port, hopLimit,
+            mayWait ? base::Delivery::Batched : base::Delivery::Immediate, std::move(handler)));
+    }
+
+private:
+    ProbeContext& m_context;
+    const std::shared_ptr<Path> m_path;
+};
+
 } // namespace
 
 HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
@@ -147,32 +216,14 @@ HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
                                                                          : HopAnswer::Bad;
 }
 
-std::unique_ptr<platform::Connection> SocketHopProbes::probeHop(
-    const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler)
+std::unique_ptr<platform::HopPath> SocketHopProbes::pathTo(const QString& host)
 {
-    (void)takeTimes();
-    return handleOf(new UdpHopProbe(m_context, host, port, {.hopLimit = hopLimit},
-        base::Delivery::Immediate, std::move(handler)));
+    return std::make_unique<SocketHopPath>(m_context, host, false);
 }
 
-std::unique_ptr<platform::Connection> SocketHopProbes::probeNeighbour(
-    const QString& host, platform::ConnectionHandler handler)
+std::unique_ptr<platform::HopPath> SocketHopProbes::pathToNeighbour(const QString& host)
 {
-    // As long as the kernel takes no times, that of an answer is when it is seen.
-    const auto firstLook = takeTimes() ? base::Delivery::Batched : base::Delivery::Immediate;
-    return handleOf(new UdpHopProbe(
-        m_context, host, kNeighbourPort, {.isNeighbour = true}, firstLook, std::move(handler)));
-}
-
-/// Whether the kernel has been doing so since an earlier probe.
-bool SocketHopProbes::takeTimes()
-{
-    m_untimed = m_context.clock.after(kTimedAfterProbe, [this] { m_timed = {}; });
-    if (m_timed.isOpen())
-        return true;
-    m_timed = base::FileDescriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    (void)kernelStamp(m_timed.get());
-    return false;
+    return std::make_unique<SocketHopPath>(m_context, host, true);
 }
 
 } // namespace netvane::net

@@ -16,23 +16,14 @@ public:
     {
     }
 
-    std::unique_ptr<platform::Connection> probeHop(const QString& host, quint16 port, int hopLimit,
-        platform::ConnectionHandler handler) override;
-
-    /// The same with a hop limit of 1, to an address on a network that this machine is part of:
-    /// `Failed` where a router would have to pass it on (SO_DONTROUTE, socket(7)). The first look
-    /// for an answer may wait a moment (`Clock::soon`).
-    [[nodiscard]] std::unique_ptr<platform::Connection> probeNeighbour(
-        const QString& host, platform::ConnectionHandler handler);
+    std::unique_ptr<platform::HopPath> pathTo(const QString& host) override;
+    /// To a host on a network that this machine is part of: a probe is `Failed` where a router
+    /// would have to pass it on (SO_DONTROUTE, socket(7)). For probes again and again: from the
+    /// second on an answer is looked for after a moment (`Clock::soon`).
+    std::unique_ptr<platform::HopPath> pathToNeighbour(const QString& host);
 
 private:
-    bool takeTimes();
-
     ProbeContext m_context;
-    /// The kernel times packets while any socket asks for it, and begins with a delay. This one
-    /// spans the pauses between probes.
-    base::FileDescriptor m_timed;
-    std::unique_ptr<base::Timer> m_untimed;
 };
 
 enum class HopAnswer {
