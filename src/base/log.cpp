@@ -25,11 +25,13 @@ constexpr qsizetype kLongestLine = PIPE_BUF / 3 - 1;
 std::atomic<LogSink> g_sink = nullptr;
 
 /// A descriptor that is closed when the program starts would be given to the first thing that is
-/// opened, a connection say, and with it all that is written to standard error.
+/// opened, a connection say, and with it all that is written to standard error. It is opened for
+/// the other direction, so that what is printed fails as it does on a closed one.
 bool openStandardDescriptors()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) != descriptor)
+        const int direction = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", direction) != descriptor)
             return false;
     }
     return true;

@@ -18,6 +18,15 @@ QUrl withPath(QUrl server, const QString& path)
     return server;
 }
 
+std::optional<QString> encoded(const std::vector<SpeedTestResult>& results)
+{
+    auto text = encodeSpeedTests(results);
+    if (text)
+        return std::move(text.value());
+    base::log(logCategory(), u"SpeedTestService: Failed to save history: "_s + text.failure().text);
+    return {};
+}
+
 } // namespace
 
 std::optional<double> megabitsPerSecond(qint64 bytes, std::chrono::steady_clock::duration elapsed)
@@ -150,17 +159,17 @@ void SpeedTestService::addToHistory(const SpeedTestResult& result)
     if (history.size() > maxHistoryCount)
         history.resize(maxHistoryCount);
     setHistory(std::move(history));
-    saveHistory();
+    // The other program may have stored tests since the start of this one.
+    if (encoded({result}))
+        m_defaults.editText(historyKey, [result](const std::optional<QString>& stored) {
+            return withSpeedTest(result, stored, maxHistoryCount);
+        });
 }
 
 void SpeedTestService::saveHistory()
 {
-    const auto text = encodeSpeedTests(m_history);
-    if (text)
-        m_defaults.setText(historyKey, text.value());
-    else
-        base::log(
-            logCategory(), u"SpeedTestService: Failed to save history: "_s + text.failure().text);
+    if (const auto text = encoded(m_history))
+        m_defaults.setText(historyKey, *text);
 }
 
 void SpeedTestService::loadHistory()

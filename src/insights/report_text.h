@@ -13,8 +13,9 @@ class QLocale;
 
 namespace netvane::insights {
 
-/// Where the report sends people who need help.
-inline const QString kSupportAddress = QStringLiteral("https://netvane.org/support");
+/// Where the report sends people who need help: the project's address on the web, or the manual
+/// page where the build was given none.
+QString supportAddress();
 
 /// What a report tells. Anything may be absent without the others.
 struct ReportInputs {
@@ -24,6 +25,7 @@ struct ReportInputs {
     std::optional<double> dnsLookupTime; ///< ms
     std::optional<QString> dnsServer;
     std::optional<diagnostics::SpeedTestResult> speedTest;
+    bool isRedacted = false; ///< what stands for a name or an address is our own text
 };
 
 /// The diagnostic report as Markdown, without a newline at its end. Numbers are written as in C;

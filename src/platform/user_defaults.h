@@ -2,9 +2,14 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace netvane::platform {
+
+/// Makes a new text of the stored one, which may be absent. May be called more than once, and on
+/// any thread.
+using TextEdit = std::function<QString(const std::optional<QString>& stored)>;
 
 /// Small values that survive restarts, each under a key of its own. What is set can be read back at
 /// once, whether or not it could be stored. Main thread.
@@ -18,6 +23,9 @@ public:
 
     virtual void setBoolean(const QString& key, bool value) = 0;
     virtual void setText(const QString& key, const QString& value) = 0;
+    /// For a text that another process may have changed since it was read here: `edit` gets the one
+    /// that is stored when the new one takes its place.
+    virtual void editText(const QString& key, const TextEdit& edit) = 0;
     virtual void remove(const QString& key) = 0;
 };
 

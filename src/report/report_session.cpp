@@ -59,9 +59,12 @@ void ReportSession::followGateway(const std::optional<QString>& gateway)
 
 bool ReportSession::isSampled() const
 {
-    // The first of the metrics was there before any round.
-    const auto hasRounds
-        = [](const auto& probe) { return probe && probe->metrics().size() > kRounds; };
+    // The first of the metrics was there before any round, and the last one is published later
+    // than it is recorded.
+    const auto hasRounds = [](const auto& probe) {
+        return probe && probe->metrics().size() > kRounds
+            && probe->currentMetrics() == probe->metrics().back();
+    };
     return m_hasLink && hasRounds(m_services.internetPingService)
         && (!m_services.routerPingService || hasRounds(m_services.routerPingService));
 }

@@ -74,6 +74,10 @@ public:
     std::optional<QString> text(const QString& key) const override { return valueOf<QString>(key); }
     void setBoolean(const QString& key, bool value) override { values[key] = value; }
     void setText(const QString& key, const QString& value) override { values[key] = value; }
+    void editText(const QString& key, const platform::TextEdit& edit) override
+    {
+        values[key] = edit(text(key));
+    }
     void remove(const QString& key) override { values.remove(key); }
 
     QHash<QString, QVariant> values;

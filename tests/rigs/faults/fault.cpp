@@ -134,17 +134,21 @@ NETVANE_CALL(int, rename, (const char* from, const char* to), (from, to), from, 
 NETVANE_CALL(int, linkat, (int folder, const char* from, int newFolder, const char* to, int flags),
     (folder, from, newFolder, to, flags), to, noexcept)
 
-extern "C" int open64(const char* path, int flags, ...)
-{
-    if (fails("open", path))
-        return -1;
-    va_list rest;
-    va_start(rest, flags);
-    const mode_t mode = flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, mode_t) : 0;
-    va_end(rest);
-    static const auto s_next = next(&::open64, "open64");
-    return s_next(path, flags, mode);
-}
+#define NETVANE_OPEN(name)                                                                         \
+    extern "C" int name(const char* path, int flags, ...)                                          \
+    {                                                                                              \
+        if (fails("open", path))                                                                   \
+            return -1;                                                                             \
+        va_list rest;                                                                              \
+        va_start(rest, flags);                                                                     \
+        const mode_t mode = flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, mode_t) : 0;            \
+        va_end(rest);                                                                              \
+        static const auto s_next = next(&::name, #name);                                           \
+        return s_next(path, flags, mode);                                                          \
+    }
+
+NETVANE_OPEN(open)
+NETVANE_OPEN(open64)
 
 /// Returns its error and leaves errno for one of them. Knows one name by itself.
 extern "C" int getaddrinfo(

@@ -76,6 +76,8 @@ def two_adapters(report, world, watchers):
 
 def joining(report, world, watchers):
     """A network that is asked, or refuses, is no link, although the kernel tells its name."""
+    world.join(HOME)
+    becomes(report, 'before it leaves', watchers, READ_AGAIN)
     world.leave()
     becomes(report, 'left the network', watchers, LOST | AUTHORIZED | {'error': UNREADABLE})
     for name, command, sign in (

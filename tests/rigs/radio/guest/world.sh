@@ -166,12 +166,12 @@ manager_up() {
     echo $! >$state/manager.pid
     wait_for 90 'nmcli -t -f DEVICE,STATE device | grep -qx wlan0:disconnected'
 }
-manager_pauses() { # for some seconds, and hears afterwards of a scan that has ended meanwhile
-    local pid
+manager_pauses() { # for ten seconds, while others look at one channel: now and when five are over
+    local pid look='iw dev wlan0 scan trigger freq 2412'
     pid=$(<$state/manager.pid)
     nmcli device wifi rescan && kill -STOP "$pid" || return 1
-    wait_for 30 'iw dev wlan0 scan trigger freq 2412' # refused until the other scan has ended
-    (sleep 5 && kill -CONT "$pid") &
+    wait_for 30 "$look" # refused until the scan before has ended
+    (sleep 5 && $look && sleep 5; kill -CONT "$pid") &
 }
 manager_permission() { # what NetworkManager answers to the unprivileged user: 'yes' and so on
     setpriv --reuid=65534 --regid=65534 --clear-groups gdbus call --system \
