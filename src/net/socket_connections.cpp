@@ -18,6 +18,7 @@ using namespace std::chrono_literals;
 
 constexpr int kSilentFrom = 3; // attempts in a row
 constexpr auto kSilence = 2s; // an attempt that is given up earlier says nothing
+constexpr quint16 kUnusedPort = 33434; // the first of those that traces go to: nobody listens
 constexpr size_t kMostHosts = 16; // with a record; those of networks long gone are forgotten
 
 /// Sets up a TCP connection.
@@ -89,7 +90,8 @@ std::optional<SocketProbe::Answer> TcpProbe::takeAnswer()
     }
     if (!isPeersOwn(error))
         return Answer {.error = error};
-    failedAttempts() = {.isRefused = true};
+    failedAttempts().isRefused = true;
+    failedAttempts().unanswered = 0;
     return Answer {.isUntimed = true};
 }
 
@@ -169,8 +171,11 @@ std::unique_ptr<platform::Connection> SocketConnections::connectTcp(
             handler(event);
     };
     // What another router says about the datagram is no answer of the host.
+    auto& path = failed->second.datagrams;
+    if (!path)
+        path = m_datagrams.pathToNeighbour(host);
     auto datagram
-        = m_datagrams.probeNeighbour(host, [take, host](const platform::ConnectionEvent& event) {
+        = path->probe(kUnusedPort, 1, [take, host](const platform::ConnectionEvent& event) {
               if (event.state == State::Ready && event.answeredBy == host)
                   take(event);
           });

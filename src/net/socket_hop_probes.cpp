@@ -7,14 +7,10 @@
 #include <sys/ioctl.h>
 
 #include <mutex>
+#include <utility>
 
 namespace netvane::net {
 namespace {
-
-using namespace std::chrono_literals;
-
-constexpr auto kTimedAfterProbe = 5s; // longer than a probe and the pause after it
-constexpr quint16 kNeighbourPort = 33434; // the first of those that traces go to: nobody listens
 
 /// The numbers of one family's ICMP (RFC 792, RFC 4443).
 struct IcmpNumbers {
@@ -35,8 +31,8 @@ bool set(int socket, int level, int option, int value)
     return ::setsockopt(socket, level, option, &value, sizeof value) == 0;
 }
 
-/// The arrival time of the last message that was read from the socket, by the wall clock. The first
-/// call makes the kernel record these times, and fails.
+/// When the last message that was taken from the socket had come, by the wall clock. The first call
+/// has the kernel take these times from then on, and fails.
 std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
 {
     timespec stamp {};
@@ -68,29 +64,24 @@ AddressLookup askingOnce(const AddressLookup& lookUp)
 struct Path {
     const QString host;
     const AddressLookup lookUp;
+    const bool isToNeighbour = false; ///< no router may pass a datagram on, whatever the routes say
+    bool isTimed = false; ///< since an earlier probe
     in_port_t ownPort = 0; ///< in the order of the network; 0 before the first probe
+    /// The kernel times packets while any socket asks for it, and begins with a delay. This one
+    /// spans the pauses between the probes.
+    const base::FileDescriptor timed {::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
 };
 
-struct Datagram {
-    quint16 port = 0;
-    int hopLimit = 1;
-    bool isNeighbour = false; ///< no router may pass it on, whatever the routes say
-    base::Delivery firstLook = base::Delivery::Immediate;
-};
-
-/// Sends an empty datagram with a hop limit and receives the answer of a router on the path or of
-/// the peer.
+/// An empty datagram with a hop limit, and who answers it: a router on the way, or the peer.
 class UdpHopProbe : public SocketProbe {
 public:
-    UdpHopProbe(ProbeContext& context, std::shared_ptr<Path> path, const Datagram& datagram,
-        platform::ConnectionHandler handler)
+    UdpHopProbe(ProbeContext& context, std::shared_ptr<Path> path, quint16 port, int hopLimit,
+        base::Delivery firstLook, platform::ConnectionHandler handler)
         : SocketProbe(context,
-            {.socketType = SOCK_DGRAM,
-                .event = QSocketNotifier::Read,
-                .firstLook = datagram.firstLook},
-            path->host, datagram.port, std::move(handler))
+            {.socketType = SOCK_DGRAM, .event = QSocketNotifier::Read, .firstLook = firstLook},
+            path->host, port, std::move(handler))
         , m_path(std::move(path))
-        , m_datagram(datagram)
+        , m_hopLimit(hopLimit)
     {
     }
 
@@ -103,7 +94,7 @@ private:
     Answer goodAnswer() const;
 
     const std::shared_ptr<Path> m_path;
-    const Datagram m_datagram;
+    const int m_hopLimit;
     SocketAddress m_peer;
 };
 
@@ -113,17 +104,17 @@ bool UdpHopProbe::ask(const SocketAddress& address)
     (void)kernelStamp(socket);
     // Without a flow label, by which routers may share load, too: the kernel makes one a socket.
     const bool isSet = address.storage.ss_family == AF_INET
-        ? set(socket, IPPROTO_IP, IP_RECVERR, 1)
-            && set(socket, IPPROTO_IP, IP_TTL, m_datagram.hopLimit)
+        ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, m_hopLimit)
         : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
             && set(socket, IPPROTO_IPV6, IPV6_AUTOFLOWLABEL, 0)
-            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_datagram.hopLimit);
-    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, m_datagram.isNeighbour))
+            && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_hopLimit);
+    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, m_path->isToNeighbour))
         return false;
-    takeOwnPort(address.storage.ss_family);
+    if (!m_path->isToNeighbour) // there is one way to it; each probe has a port of its own
+        takeOwnPort(address.storage.ss_family);
     if (::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length) != 0)
         return false;
-    // As the kernel has it after connecting: a socket connected to 0.0.0.0 sends to 127.0.0.1.
+    // As the kernel knows it from now on: connected to 0.0.0.0, it sends to 127.0.0.1.
     m_peer.length = sizeof m_peer.storage;
     return ::getpeername(socket, reinterpret_cast<sockaddr*>(&m_peer.storage), &m_peer.length) == 0
         && ::send(socket, nullptr, 0, 0) == 0;
@@ -145,7 +136,7 @@ void UdpHopProbe::takeOwnPort(sa_family_t family)
         m_path->ownPort = portOf(own);
 }
 
-/// One message at a time: a host that sends many must not block the main thread.
+/// One message at a time: a host that sends many must not keep the main thread here.
 std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
 {
     const auto error = takeQueuedError(descriptor());
@@ -188,26 +179,26 @@ SocketProbe::Answer UdpHopProbe::goodAnswer() const
 
 class SocketHopPath : public platform::HopPath {
 public:
-    SocketHopPath(ProbeContext& context, const QString& host)
+    SocketHopPath(ProbeContext& context, const QString& host, bool isToNeighbour)
         : m_context(context)
-        , m_path(new Path {.host = host, .lookUp = askingOnce(context.lookUp)})
+        , m_path(new Path {
+              .host = host, .lookUp = askingOnce(context.lookUp), .isToNeighbour = isToNeighbour})
     {
-        (void)kernelStamp(m_timed.get());
+        (void)kernelStamp(m_path->timed.get());
     }
 
     std::unique_ptr<platform::Connection> probe(
         quint16 port, int hopLimit, platform::ConnectionHandler handler) override
     {
-        return handleOf(new UdpHopProbe(
-            m_context, m_path, {.port = port, .hopLimit = hopLimit}, std::move(handler)));
+        // Before the kernel takes times, that of an answer is when it is seen.
+        const bool mayWait = std::exchange(m_path->isTimed, true) && m_path->isToNeighbour;
+        return handleOf(new UdpHopProbe(m_context, m_path, port, hopLimit,
+            mayWait ? base::Delivery::Batched : base::Delivery::Immediate, std::move(handler)));
     }
 
 private:
     ProbeContext& m_context;
     const std::shared_ptr<Path> m_path;
-    /// The kernel stamps packets while any socket requests it, and begins with a delay. This socket
-    /// keeps it active in the pauses between the probes.
-    const base::FileDescriptor m_timed {::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
 };
 
 } // namespace
@@ -227,28 +218,12 @@ HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
 
 std::unique_ptr<platform::HopPath> SocketHopProbes::pathTo(const QString& host)
 {
-    return std::make_unique<SocketHopPath>(m_context, host);
+    return std::make_unique<SocketHopPath>(m_context, host, false);
 }
 
-std::unique_ptr<platform::Connection> SocketHopProbes::probeNeighbour(
-    const QString& host, platform::ConnectionHandler handler)
+std::unique_ptr<platform::HopPath> SocketHopProbes::pathToNeighbour(const QString& host)
 {
-    // As long as the kernel takes no times, that of an answer is when it is seen.
-    const auto firstLook = takeTimes() ? base::Delivery::Batched : base::Delivery::Immediate;
-    return handleOf(new UdpHopProbe(m_context,
-        std::make_shared<Path>(Path {.host = host, .lookUp = m_context.lookUp}),
-        {.port = kNeighbourPort, .isNeighbour = true, .firstLook = firstLook}, std::move(handler)));
-}
-
-/// Whether the kernel has been doing so since an earlier probe.
-bool SocketHopProbes::takeTimes()
-{
-    m_untimed = m_context.clock.after(kTimedAfterProbe, [this] { m_timed = {}; });
-    if (m_timed.isOpen())
-        return true;
-    m_timed = base::FileDescriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    (void)kernelStamp(m_timed.get());
-    return false;
+    return std::make_unique<SocketHopPath>(m_context, host, true);
 }
 
 } // namespace netvane::net

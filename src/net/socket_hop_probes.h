@@ -6,8 +6,8 @@
 
 namespace netvane::net {
 
-/// Hop probes: empty UDP datagrams, each on its own socket. The main thread may be busy when an
-/// answer comes, so the kernel stamps its arrival (SIOCGSTAMPNS, socket(7)).
+/// Hop probes: empty UDP datagrams, each on a socket of its own. The main thread may be busy when
+/// an answer comes: the kernel takes the time (SIOCGSTAMPNS, socket(7)).
 class SocketHopProbes : public platform::HopProbeFactory {
 public:
     /// `clock` outlives this.
@@ -17,31 +17,23 @@ public:
     }
 
     std::unique_ptr<platform::HopPath> pathTo(const QString& host) override;
-
-    /// One probe with a hop limit of 1, to an address on a network that this machine is part of:
-    /// `Failed` where a router would have to pass it on (SO_DONTROUTE, socket(7)). The first look
-    /// for an answer may wait a moment (`Clock::soon`).
-    [[nodiscard]] std::unique_ptr<platform::Connection> probeNeighbour(
-        const QString& host, platform::ConnectionHandler handler);
+    /// To a host on a network that this machine is part of: a probe is `Failed` where a router
+    /// would have to pass it on (SO_DONTROUTE, socket(7)). For probes again and again: from the
+    /// second on an answer is looked for after a moment (`Clock::soon`).
+    std::unique_ptr<platform::HopPath> pathToNeighbour(const QString& host);
 
 private:
-    bool takeTimes();
-
     ProbeContext m_context;
-    /// The kernel stamps packets while any socket requests it, and begins with a delay. This socket
-    /// keeps it active in the pauses between the probes of a neighbour.
-    base::FileDescriptor m_timed;
-    std::unique_ptr<base::Timer> m_untimed;
 };
 
 enum class HopAnswer {
-    None, ///< for another datagram; the answer may still come
-    Good, ///< identifies the hop
+    None, ///< meant for another datagram; the answer may still come
+    Good, ///< tells who is at that hop
     Bad,
 };
 
 /// What an error means for a datagram to `peer`. A port counts as unreachable only if the peer
-/// itself reports it; firewalls report it too.
+/// itself says so; firewalls say it, too.
 HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer);
 
 } // namespace netvane::net

@@ -13,8 +13,8 @@
 namespace netvane::net {
 namespace {
 
-/// A blocked resolver keeps a thread for about half a minute; a name that two services probe every
-/// three seconds would then keep about twenty.
+/// A resolver that hangs holds a thread for half a minute or so; a name that two services probe
+/// every three seconds would then hold about twenty.
 constexpr int kMostLookUps = 32;
 
 class ProbeHandle : public platform::Connection {
@@ -128,7 +128,7 @@ void SocketProbe::askNext()
             continue;
         }
         m_isAsked = true;
-        // A peer on this machine has already answered, and the main thread may be busy after this.
+        // A peer on this machine has answered by now, and the main thread may be busy from here on.
         if (look())
             return;
         m_isUnwatched = m_next == 1 && m_kind.firstLook == base::Delivery::Batched
@@ -147,7 +147,7 @@ bool SocketProbe::look()
 {
     if (!m_socket.isOpen() || m_isAnswered)
         return true;
-    const auto now = clock().monotonicNow(); // first of all: this is the measured time
+    const auto now = clock().monotonicNow(); // before anything else: this is what is measured
     const auto answer = takeAnswer();
     if (!answer)
         return false;
@@ -161,7 +161,7 @@ bool SocketProbe::look()
         tell({.state = platform::ConnectionState::Ready,
             .at = std::clamp(answer->at.value_or(now), m_askedAt, now) - m_unmeasured,
             .answeredBy = answer->from.isEmpty() ? m_host : answer->from,
-            .askedAt = m_askedAt});
+            .askedAt = m_askedAt - m_unmeasured});
         return true;
     }
     m_error = answer->error;
