@@ -48,6 +48,8 @@ protected:
     SocketProbe(ProbeContext& context, Kind kind, QString host, quint16 port,
         platform::ConnectionHandler handler);
 
+    /// How a name is resolved.
+    virtual AddressLookup lookUp() const { return m_context.lookUp; }
     /// Sends the question; false, and errno, when it cannot.
     virtual bool ask(const SocketAddress& address) = 0;
     /// Never waits; absent when there is no answer yet.
@@ -78,6 +80,7 @@ private:
     std::chrono::steady_clock::time_point m_askedAt;
     int m_error = 0; ///< of the last address that failed
     bool m_isStarted = false;
+    bool m_isAsked = false;
     bool m_isAnswered = false;
     bool m_isCancelled = false;
 };

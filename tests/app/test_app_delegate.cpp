@@ -105,7 +105,8 @@ private Q_SLOTS:
 
         world.delegate->speedTestService()->runSpeedTest(nullptr);
         world.delegate->applicationWillTerminate();
-        QVERIFY(world.transfers.started.front()->isGone);
+        QVERIFY(!world.http.pending.back().owner);
+        world.http.pending.pop_back();
         QVERIFY(!world.delegate->speedTestService()->isRunning());
         world.clock->advance(60s);
         world.settle();
