@@ -108,6 +108,16 @@ private Q_SLOTS:
         QVERIFY(!window && !state);
     }
 
+    void windowTellsTheWayBackWithoutAnItem()
+    {
+        Program program;
+        const auto* note = program.windowRoot().findChild<QQuickItem*>(u"window-note"_s);
+        for (const bool hasItem : {true, false, true}) {
+            program.host.setPresent(hasItem);
+            QCOMPARE(note->isVisible(), !hasItem);
+        }
+    }
+
     void clickBeforeTheServicesRun()
     {
         FakedWorld world(windows::makeQuickViews);
