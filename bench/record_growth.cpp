@@ -68,7 +68,7 @@ public:
 
 class InstantPage : public platform::HttpClient {
 public:
-    void get(const platform::HttpRequest& request, QObject* owner,
+    void send(const platform::HttpRequest& request, QObject* owner,
         std::function<void(const platform::HttpAnswer&)> deliver) override
     {
         const platform::HttpAnswer answer {

@@ -157,9 +157,9 @@ private:
     /// As the program did long before the user asks for a test: each fetch of a page needs it.
     void useTls()
     {
-        net::CurlHttpClient client(m_clock, m_plan.authority);
+        net::CurlHttpClient client(m_clock, {}, m_plan.authority);
         QEventLoop loop;
-        client.get({.url = m_plan.server, .bodyLimit = 1}, &loop,
+        client.send({.url = m_plan.server, .bodyLimit = 1}, &loop,
             [&loop](const platform::HttpAnswer&) { loop.quit(); });
         loop.exec();
     }
@@ -181,9 +181,9 @@ private:
 
     const Plan m_plan;
     base::SystemClock m_clock;
-    net::CurlHttpClient m_transfers {m_clock, m_plan.authority};
+    net::CurlHttpClient m_http {m_clock, {}, m_plan.authority};
     simulated::UserDefaults m_defaults;
-    SpeedTestService m_service {m_transfers, m_defaults, m_clock, m_plan.server};
+    SpeedTestService m_service {m_http, m_defaults, m_clock, m_plan.server};
     double m_memoryMb = 0;
     double m_blockedMs = 0;
     double m_lateMs = 0;

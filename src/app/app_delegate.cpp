@@ -7,6 +7,7 @@
 #include "platform/platform.h"
 #include "probes/network_utils.h"
 #include "probes/probe_targets.h"
+#include "shell/activation_token.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
 #include "wifi/location_permission_service.h"
@@ -29,6 +30,9 @@ Q_LOGGING_CATEGORY(logCategory, "netvane.app")
 constexpr std::chrono::milliseconds kMemoryLogInterval = 30s;
 /// A session that begins starts its panel and us in any order.
 constexpr std::chrono::milliseconds kStatusAreaLimit = 3s;
+const QString kWayBack
+    = u"This desktop has no status area. Netvane keeps running after you close this window. "
+      "To open the window again, start Netvane again. To end Netvane, use Quit in its settings."_s;
 constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
 
 /// The resident set of this process, the second field of /proc/self/statm (proc(5)); absent if it
@@ -61,6 +65,7 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
         &AppDelegate::handleOpenInWindow);
     connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
         &AppDelegate::popoverDidOpenNotification);
+    connect(&m_statusArea, &shell::StatusArea::changed, this, &AppDelegate::noteWayBack);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -189,7 +194,16 @@ void AppDelegate::openDetailedWindow()
         return;
     m_windowController = std::make_unique<shell::DetailedWindowController>(
         views()->detailedWindow(), *m_platform.userDefaults, *m_platform.clock);
+    noteWayBack();
     m_windowController->showWindow();
+}
+
+/// Closing the window leaves nothing to be seen of a program that has no item.
+void AppDelegate::noteWayBack()
+{
+    const bool hasItem = m_statusArea.state() == shell::StatusArea::State::Present;
+    if (m_windowController)
+        m_windowController->setNote(hasItem ? QString() : kWayBack);
 }
 
 /// Without a status area the window is the only way to the program. An item appears in any that
@@ -199,16 +213,19 @@ void AppDelegate::followStatusArea()
     m_statusAreaTimer.reset();
     if (m_statusArea.state() == shell::StatusArea::State::Present)
         return;
+    base::log(logCategory(), u"ERROR: Failed to create status bar button"_s);
     base::log(logCategory(),
         u"Netvane: This desktop has no status area, so the window opens instead; "
         "start Netvane again to open it again"_s);
     openDetailedWindow();
 }
 
-void AppDelegate::applicationStartedAgain()
+void AppDelegate::applicationStartedAgain(const QString& activationToken)
 {
-    if (!m_isTerminated && m_statusArea.state() != shell::StatusArea::State::Present)
-        openDetailedWindow();
+    if (m_isTerminated || m_statusArea.state() == shell::StatusArea::State::Present)
+        return;
+    shell::useActivationToken(activationToken);
+    openDetailedWindow();
 }
 
 void AppDelegate::applicationDidBecomeActive()

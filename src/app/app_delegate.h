@@ -46,8 +46,9 @@ public:
     /// What a second start of the program asks of this one: nothing.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
     /// The program was started once more. Where there is no status area to find it in, that is a
-    /// request for its window.
-    void applicationStartedAgain();
+    /// request for its window, and the token (see `platform::InstanceClaim`) brings it to the
+    /// front.
+    void applicationStartedAgain(const QString& activationToken = {});
 
     StatusBarManager* statusBarManager() { return m_statusBarManager.get(); }
     /// Null until the services run.
@@ -112,6 +113,7 @@ private:
     void openDetailedWindow();
     DashboardViews* views();
     void followStatusArea();
+    void noteWayBack();
     void gatewayAnswered(const std::optional<QString>& address);
     void startServices();
     void sampleAfterSleep();

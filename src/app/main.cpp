@@ -1,16 +1,22 @@
 #include "app/program_options.h"
 #include "app/program_run.h"
 #include "app/views_library.h"
+#include "base/descriptor_limit.h"
 #include "base/log.h"
+#include "bus/bus_probe.h"
 #include "platform/platform.h"
 #include "system/linux_platform.h"
 
+#include <QInputDevice>
+
 #include <malloc.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <vector>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace netvane;
@@ -19,12 +25,41 @@ namespace {
 
 Q_LOGGING_CATEGORY(logCategory, "netvane.app")
 
+// It has some 40 open while it runs, with its windows and a speed test.
+constexpr unsigned kDescriptors = 96;
+
 QStringList wordsOf(int argc, char** argv)
 {
     QStringList words;
     for (int i = 0; i < argc; ++i)
         words += QString::fromLocal8Bit(argv[i]);
     return words;
+}
+
+/// Whether the program can run here; says why not.
+bool mayBegin()
+{
+    const auto problem = base::descriptorProblem(kDescriptors);
+    if (problem)
+        base::log(logCategory(), u"Netvane: "_s + *problem);
+    else if (!app::hasDisplay())
+        base::log(logCategory(),
+            u"Netvane: There is no display to run on; start it from a desktop session"_s);
+    return !problem && app::hasDisplay();
+}
+
+/// Qt 6.4 crashes in the first text field where a Wayland compositor has no seat, that is no
+/// keyboard or pointer for anybody: its input method takes the seat for granted. Which input method
+/// there is is settled by then, so the program begins once more, with the plainest one.
+void avoidCrashWithoutSeat(const std::vector<char*>& arguments)
+{
+    constexpr char kInputMethod[] = "QT_IM_MODULE";
+    if (QGuiApplication::platformName() != u"wayland"_s || !QInputDevice::devices().isEmpty()
+        || qEnvironmentVariableIsSet(kInputMethod))
+        return;
+    base::log(logCategory(), u"Netvane: This Wayland display has no keyboard and no pointer"_s);
+    qputenv(kInputMethod, "compose");
+    ::execv("/proc/self/exe", arguments.data());
 }
 
 int run(QApplication& application)
@@ -51,12 +86,14 @@ int main(int argc, char** argv)
         std::fputs(qPrintable(answer->text), answer->status == 0 ? stdout : stderr);
         return answer->status;
     }
-    if (!app::hasDisplay()) {
-        base::log(logCategory(),
-            u"Netvane: There is no display to run on; start it from a desktop session"_s);
+    if (!mayBegin())
         return 1;
-    }
+    if (!bus::prepareSessionBus())
+        base::log(logCategory(), u"Netvane: The session bus does not answer, so it is not used"_s);
+    // With the null at the end. Qt takes its own words out of the original.
+    const std::vector<char*> arguments(argv, argv + argc + 1);
     QApplication application(argc, argv);
+    avoidCrashWithoutSeat(arguments);
     QGuiApplication::setDesktopFileName(u"org.netvane.Netvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);
     const int status = run(application);

@@ -10,7 +10,8 @@ namespace {
 const QString kHelp
     = u"Usage: netvane [--help | --version]\n"
       "Says in plain words what is wrong with the Wi-Fi, from the status area of the desktop.\n"
-      "Starting it again shows the window of the copy that runs.\n\n"
+      "On a desktop without a status area, starting it again shows the window of the copy that\n"
+      "runs.\n\n"
       "Options:\n"
       "  --help     Show this text.\n"
       "  --version  Show the version.\n"_s;

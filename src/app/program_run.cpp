@@ -73,14 +73,16 @@ void Program::follow(QApplication& application)
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &m_delegate,
         &AppDelegate::applicationWillTerminate);
     auto* claim = m_platform.instanceClaim.get();
-    QObject::connect(claim, &platform::InstanceClaim::startedAgain, &m_delegate, [this] {
-        m_delegate.applicationShouldHandleReopen(false);
-        m_delegate.applicationStartedAgain();
-    });
+    QObject::connect(claim, &platform::InstanceClaim::startedAgain, &m_delegate,
+        [this](const QString& activationToken) {
+            m_delegate.applicationShouldHandleReopen(false);
+            m_delegate.applicationStartedAgain(activationToken);
+        });
     QObject::connect(claim, &platform::InstanceClaim::decided, &m_delegate, [this](bool isFirst) {
         if (!isFirst) {
             base::log(logCategory(),
-                u"Netvane: Already running in this session; look for its icon in the status area"_s);
+                u"Netvane: Already running in this session; see its icon in the status area, "
+                "or its window where there is no status area"_s);
             QCoreApplication::quit();
             return;
         }

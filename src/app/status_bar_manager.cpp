@@ -65,19 +65,11 @@ void StatusBarManager::setup(wifi::WiFiService* wifiService)
 
 void StatusBarManager::setupStatusItem()
 {
-    base::log(logCategory(), u"StatusBarManager: Status bar button created"_s);
-    connect(&m_statusArea, &shell::StatusArea::changed, this, &StatusBarManager::showStatusItem);
-    showStatusItem();
-    // Panels decide about size and place; many report neither.
-    const int width = m_statusItem ? m_statusItem->geometry().width() : 0;
-    const QRect frame(0, 0, std::max(width, kItemHeight), kItemHeight);
-    base::log(logCategory(),
-        u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
     qApp->installEventFilter(this);
     connect(&m_appearance, &platform::Appearance::colorSchemeChanged, this,
         &StatusBarManager::applyIcon);
-    base::log(
-        logCategory(), u"StatusBarManager: Status bar item setup complete - should be visible"_s);
+    connect(&m_statusArea, &shell::StatusArea::changed, this, &StatusBarManager::showStatusItem);
+    showStatusItem();
 }
 
 /// Once there is a place for it. From then on it comes back by itself with every panel.
@@ -92,6 +84,13 @@ void StatusBarManager::showStatusItem()
     connect(
         m_statusItem.get(), &QSystemTrayIcon::activated, this, &StatusBarManager::handleActivated);
     m_statusItem->show();
+    base::log(logCategory(), u"StatusBarManager: Status bar button created"_s);
+    // Panels decide about size and place; many tell neither.
+    const QRect frame(0, 0, std::max(m_statusItem->geometry().width(), kItemHeight), kItemHeight);
+    base::log(logCategory(),
+        u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
+    base::log(
+        logCategory(), u"StatusBarManager: Status bar item setup complete - should be visible"_s);
 }
 
 bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)

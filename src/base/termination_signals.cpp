@@ -6,11 +6,14 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 
 namespace netvane::base {
 namespace {
 
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+// Long enough for what is being stored; a session that ends does not wait much longer for anybody.
+constexpr unsigned kGraceSeconds = 3;
 
 // A signal handler may do little more than write a byte; the event loop reads it (pipe(7)).
 std::array<int, 2> g_pipe = {-1, -1};
@@ -20,7 +23,13 @@ void writeByte(int)
     const int savedErrno = errno;
     const char byte = 0;
     [[maybe_unused]] const auto written = ::write(g_pipe[1], &byte, 1);
+    ::alarm(kGraceSeconds);
     errno = savedErrno;
+}
+
+void endNow(int)
+{
+    ::_exit(EXIT_FAILURE);
 }
 
 int openPipe()
@@ -28,6 +37,7 @@ int openPipe()
     // Without descriptors left the signals keep their default, which ends the program too.
     if (::pipe2(g_pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         return -1;
+    std::signal(SIGALRM, endNow);
     struct sigaction action { };
     action.sa_handler = writeByte;
     action.sa_flags = SA_RESTART;

@@ -9,6 +9,8 @@ namespace netvane::bus {
 
 /// For a service that may only just be starting.
 inline constexpr int kAnswerLimitMs = 25'000;
+/// Waits until there is an answer or the service is gone (DBUS_TIMEOUT_INFINITE).
+inline constexpr int kNoLimitMs = 0x7fff'ffff;
 
 /// Sends `call` and passes the answer, or the error in its place, to `take` on the calling thread.
 /// Nothing is passed after `owner` is destroyed. No answer within `limitMs` is an error too

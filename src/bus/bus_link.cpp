@@ -4,8 +4,6 @@
 #include "base/publish.h"
 #include "bus/bus_probe.h"
 
-#include <QFile>
-
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -14,20 +12,6 @@ namespace {
 
 // A machine without a bus mostly stays without one: after the first tries once a minute is enough.
 constexpr std::chrono::milliseconds kRetryDelays[] = {1s, 2s, 5s, 15s, 60s};
-
-/// Where the bus listens (D-Bus, "Well-known message bus instances"); empty when it would have to
-/// be started.
-QByteArray addressOf(QDBusConnection::BusType bus)
-{
-    const bool isSystem = bus == QDBusConnection::SystemBus;
-    QByteArray address = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : "DBUS_SESSION_BUS_ADDRESS");
-    if (!address.isEmpty())
-        return address;
-    if (isSystem)
-        return "unix:path=/var/run/dbus/system_bus_socket"_ba;
-    const QByteArray ofUser = qgetenv("XDG_RUNTIME_DIR") + "/bus";
-    return QFile::exists(QFile::decodeName(ofUser)) ? "unix:path=" + ofUser : QByteArray();
-}
 
 QString nextConnectionName()
 {
@@ -54,8 +38,8 @@ void BusLink::connectToBus()
 {
     using Connection = std::optional<QDBusConnection>;
     const auto connectNow
-        = [bus = m_bus, address = addressOf(m_bus), name = nextConnectionName()]() -> Connection {
-        if (!isBusAwake(address))
+        = [bus = m_bus, address = busAddress(m_bus), name = nextConnectionName()]() -> Connection {
+        if (probeBus(address) != BusState::Awake)
             return {};
         return QDBusConnection::connectToBus(bus, name);
     };

@@ -18,9 +18,14 @@ BusService::BusService(BusLink& link, QString name, QString path, QString interf
 {
 }
 
+void BusService::listenTo(const QString& signal)
+{
+    m_signals.push_back({m_path, m_interface, signal, SLOT(takeOwnSignal(QDBusMessage))});
+}
+
 void BusService::listenTo(const QString& path, const QString& interface, const QString& signal)
 {
-    m_signals.push_back({path, interface, signal});
+    m_signals.push_back({path, interface, signal, SIGNAL(signalled(QDBusMessage))});
 }
 
 void BusService::begin()
@@ -34,17 +39,28 @@ void BusService::followLink()
     if (m_link.state() == BusLink::State::Connecting)
         return;
     dropAnswers();
+    m_owner.clear();
     if (!isBusThere()) {
         Q_EMIT gone();
         return;
     }
     QDBusConnection bus = connection();
     for (const Signal& signal : m_signals)
-        bus.connect(QString(), signal.path, signal.interface, signal.name, this,
-            SIGNAL(signalled(QDBusMessage)));
+        bus.connect(QString(), signal.path, signal.interface, signal.name, this, signal.receiver);
     bus.connect(QString(), kBusPath, kBus, u"NameOwnerChanged"_s, {m_name}, u"sss"_s, this,
         SLOT(takeOwnerChange(QDBusMessage)));
-    Q_EMIT reachable();
+    // Its answer comes before any signal of a later owner: the bus keeps the order.
+    askBus(bus, ownerQuestion(m_name), kAnswerLimitMs, this, [this](const QDBusMessage& answer) {
+        m_owner = isReply(answer, u"s"_s) ? answer.arguments().value(0).toString() : QString();
+        if (isBusThere())
+            Q_EMIT reachable();
+    });
+}
+
+void BusService::takeOwnSignal(const QDBusMessage& signal)
+{
+    if (!m_owner.isEmpty() && signal.service() == m_owner)
+        Q_EMIT signalled(signal);
 }
 
 void BusService::takeOwnerChange(const QDBusMessage& signal)
@@ -53,7 +69,8 @@ void BusService::takeOwnerChange(const QDBusMessage& signal)
     if (signal.service() != kBus || !isBusThere())
         return;
     dropAnswers();
-    if (signal.arguments().value(2).toString().isEmpty())
+    m_owner = signal.arguments().value(2).toString();
+    if (m_owner.isEmpty())
         Q_EMIT gone();
     else
         Q_EMIT reachable();
@@ -76,11 +93,12 @@ QDBusMessage BusService::propertyCall(const QString& property) const
     return call;
 }
 
-void BusService::ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> take)
+void BusService::ask(
+    const QDBusMessage& call, std::function<void(const QDBusMessage&)> take, int limitMs)
 {
     if (!isBusThere())
         return;
-    askBus(connection(), call, kAnswerLimitMs, this,
+    askBus(connection(), call, limitMs, this,
         [this, question = ++m_questions, take = std::move(take)](const QDBusMessage& answer) {
             if (question == m_questions)
                 take(answer);

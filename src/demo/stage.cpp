@@ -139,12 +139,9 @@ void Stage::writeScripts()
             = parts.clock.after(kScanTime, [this] { parts.scanner.finish(nearbyNetworks()); });
     };
     parts.connections.script = [this](const auto& made) { return connectionAnswer(made); };
-    parts.transfers.script = [this](const auto& request) { return transferEnd(request); };
-    parts.http.whenAsked = [this] {
-        m_pageEnd = parts.clock.after(kPageTime, [this] {
-            while (!parts.http.pending.empty())
-                parts.http.answer(page(parts.http.pending.front().request.url));
-        });
+    parts.http.script = [this](const auto& request) {
+        return request.keepsBody ? HttpClient::End {kPageTime, page(request.url)}
+                                 : transferEnd(request);
     };
     parts.resolver->errorText = "Temporary failure in name resolution";
     parts.resolver->takeTime
@@ -178,18 +175,18 @@ std::optional<Stage::Connections::Answer> Stage::connectionAnswer(
     const auto time = times.empty() ? std::nullopt : times[entry(kProbeInterval, times.size())];
     if (!time)
         return {};
-    const double load = parts.transfers.running > 0 ? scene().timeUnderLoad : 0;
+    const double load = parts.http.transfers > 0 ? scene().timeUnderLoad : 0;
     return {{microseconds(*time + load), made.host}};
 }
 
-Stage::HttpTransfers::End Stage::transferEnd(const platform::TransferRequest& request) const
+Stage::HttpClient::End Stage::transferEnd(const platform::HttpRequest& request) const
 {
     const qint64 asked = QUrlQuery(request.url).queryItemValue(u"bytes"_s).toLongLong();
     const auto bits = double(request.uploadSize.value_or(asked)) * 8;
     const double bitsPerMicrosecond
         = request.uploadSize ? scene().uploadMbps : scene().downloadMbps;
     return {std::chrono::microseconds(std::llround(bits / bitsPerMicrosecond)),
-        request.uploadSize ? 0 : asked};
+        {.receivedBytes = request.uploadSize ? 0 : asked}};
 }
 
 /// The probe page, or the portal's page.

@@ -42,7 +42,7 @@ Q_SIGNALS:
 
 private:
     using Connections = simulated::Connections;
-    using HttpTransfers = simulated::HttpTransfers;
+    using HttpClient = simulated::HttpClient;
 
     void begin(size_t index);
     void goOn();
@@ -51,7 +51,7 @@ private:
     void writeScripts();
     void writeScriptsOfDesktop();
     std::optional<Connections::Answer> connectionAnswer(const Connections::Made& made) const;
-    HttpTransfers::End transferEnd(const platform::TransferRequest& request) const;
+    HttpClient::End transferEnd(const platform::HttpRequest& request) const;
     platform::HttpAnswer page(const QUrl& url) const;
 
     const std::vector<Scene> m_scenes;
@@ -61,7 +61,6 @@ private:
     const std::shared_ptr<std::atomic<int>> m_lookupTime = std::make_shared<std::atomic<int>>(0);
     std::unique_ptr<base::Timer> m_change;
     std::unique_ptr<base::Timer> m_scanEnd;
-    std::unique_ptr<base::Timer> m_pageEnd;
 };
 
 } // namespace netvane::demo

@@ -14,6 +14,21 @@ constexpr uint kNameExists = 3;
 
 const QString kName = u"org.netvane.Netvane"_s;
 const QString kPath = u"/org/netvane/Netvane"_s;
+// Of the platform data (Desktop Entry Specification, "D-Bus Activation").
+const QString kTokenKey = u"activation-token"_s;
+
+/// What the launcher of this process gave it; empty for nothing.
+QString ownToken()
+{
+    return qEnvironmentVariable("XDG_ACTIVATION_TOKEN", qEnvironmentVariable("DESKTOP_STARTUP_ID"));
+}
+
+/// Older launchers give the second one.
+QString tokenOf(const QVariantMap& platformData)
+{
+    const QString token = platformData.value(kTokenKey).toString();
+    return token.isEmpty() ? platformData.value(u"desktop-startup-id"_s).toString() : token;
+}
 
 } // namespace
 
@@ -22,11 +37,19 @@ BusNameClaim::BusNameClaim(bus::BusLink& sessionBus, base::Clock& clock)
     , m_clock(clock)
 {
     connect(&m_sessionBus, &bus::BusLink::stateChanged, this, &BusNameClaim::followSessionBus);
-    connect(&m_object, &ApplicationObject::activated, this, &platform::InstanceClaim::startedAgain);
+    connect(&m_object, &ApplicationObject::activated, this,
+        [this](const QVariantMap& data) { Q_EMIT startedAgain(tokenOf(data)); });
+    connect(&m_lock, &InstanceLock::told, this, &platform::InstanceClaim::startedAgain);
 }
 
 void BusNameClaim::claim()
 {
+    if (!m_lock.take()) {
+        m_lock.tellOther(ownToken());
+        QMetaObject::invokeMethod(
+            this, [this] { decide(false); }, Qt::QueuedConnection);
+        return;
+    }
     m_isClaiming = true;
     m_limit = m_clock.after(kDecisionLimit, [this] { decide(true); });
     followSessionBus();
@@ -64,7 +87,7 @@ void BusNameClaim::activateOther()
     m_limit = m_clock.after(kDecisionLimit, [this] { decide(false); });
     auto call = QDBusMessage::createMethodCall(
         kName, kPath, u"org.freedesktop.Application"_s, u"Activate"_s);
-    call << QVariantMap();
+    call << QVariantMap {{kTokenKey, ownToken()}};
     call.setAutoStartService(false);
     bus::askBus(m_sessionBus.connection(), call, bus::kAnswerLimitMs, this,
         [this](const QDBusMessage&) { decide(false); });

@@ -2,6 +2,7 @@
 
 #include "base/clock.h"
 #include "bus/bus_link.h"
+#include "desktop/instance_lock.h"
 #include "platform/instance_claim.h"
 
 #include <QVariantMap>
@@ -16,17 +17,18 @@ class ApplicationObject final : public QObject {
 public Q_SLOTS:
     // The interface's own spelling.
     // NOLINTNEXTLINE(readability-identifier-naming)
-    Q_SCRIPTABLE void Activate(const QVariantMap&) { Q_EMIT activated(); }
+    Q_SCRIPTABLE void Activate(const QVariantMap& platformData) { Q_EMIT activated(platformData); }
 
 Q_SIGNALS:
-    void activated();
+    void activated(const QVariantMap& platformData);
 };
 
-/// The running copy owns `org.netvane.Netvane` on the session bus
-/// (org.freedesktop.DBus.RequestName, without queueing for it). Without a session bus every copy
-/// counts as the first. The name is claimed again when the bus is back. A later copy calls Activate
-/// of the first one's `org.freedesktop.Application` at /org/netvane/Netvane, as launchers of
-/// desktop entries do, and then reports that it is not the first.
+/// The running copy has the lock of its display and owns `org.netvane.Netvane` on the session bus
+/// (org.freedesktop.DBus.RequestName, without queueing for it). The name is claimed again when the
+/// bus is back. A later copy finds the lock taken and tells its owner. On another display of the
+/// same bus it finds the name taken and calls Activate of `org.freedesktop.Application` at
+/// /org/netvane/Netvane, as launchers of desktop entries do. Then it reports that it is not the
+/// first. Without a bus and a runtime folder every copy counts as the first.
 class BusNameClaim : public platform::InstanceClaim {
     Q_OBJECT
 
@@ -44,6 +46,7 @@ private:
     bus::BusLink& m_sessionBus;
     base::Clock& m_clock;
     ApplicationObject m_object;
+    InstanceLock m_lock;
     std::unique_ptr<base::Timer> m_limit;
     bool m_isClaiming = false;
     bool m_isDecided = false;

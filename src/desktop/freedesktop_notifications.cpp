@@ -94,18 +94,23 @@ void FreedesktopNotifications::readService()
         return;
     }
     m_isReading = true;
-    m_bus.ask(bus::ownerQuestion(kService), [this](const QDBusMessage& answer) {
-        if (!bus::isReply(answer, u"s"_s)) {
-            takeCapabilities({}, answer);
-            return;
-        }
-        const auto owner = answer.arguments().value(0).toString();
-        const auto call
-            = QDBusMessage::createMethodCall(owner, kServicePath, kService, u"GetCapabilities"_s);
-        m_bus.ask(call, [this, owner](const QDBusMessage& capabilities) {
-            takeCapabilities(owner, capabilities);
-        });
-    });
+    if (m_bus.owner().isEmpty())
+        readActivatableNames();
+    else
+        askCapabilities(m_bus.owner(), bus::kAnswerLimitMs);
+}
+
+/// Nobody waits longer than usual, but the answer is taken whenever it comes.
+void FreedesktopNotifications::askCapabilities(const QString& owner, int limitMs)
+{
+    const auto call
+        = QDBusMessage::createMethodCall(owner, kServicePath, kService, u"GetCapabilities"_s);
+    const auto take = [this, owner, limitMs](const QDBusMessage& answer) {
+        takeCapabilities(owner, answer);
+        if (bus::isLate(answer) && limitMs != bus::kNoLimitMs)
+            askCapabilities(owner, bus::kNoLimitMs);
+    };
+    m_bus.ask(call, take, limitMs);
 }
 
 void FreedesktopNotifications::takeCapabilities(const QString& owner, const QDBusMessage& answer)

@@ -20,7 +20,7 @@ std::optional<NotificationService> notificationService(const QDBusMessage& answe
 /// The desktop's notification service (org.freedesktop.Notifications, version 1.2) on the session
 /// bus. Nobody has to be asked for permission: a service that answers means authorised, and so does
 /// one that the bus would start for the first notification. No service means denied. One that was
-/// asked but has not answered leaves what was known.
+/// asked but has not answered leaves what was known, until it answers.
 class FreedesktopNotifications : public platform::UserNotificationCenter {
     Q_OBJECT
 
@@ -43,6 +43,7 @@ private:
     };
 
     void readService();
+    void askCapabilities(const QString& owner, int limitMs);
     void takeCapabilities(const QString& owner, const QDBusMessage& answer);
     void readActivatableNames();
     void setKnown(platform::NotificationAuthorization status, std::optional<QString> failure = {});

@@ -9,7 +9,7 @@
 namespace netvane::diagnostics {
 
 /// What one speed test found. The round trips are those that the router's latency probe had
-/// published last at three moments of the test.
+/// published last at three moments of the test; it is asked once more while the download runs.
 struct SpeedTestResult {
     QUuid id;
     /// When the upload had ended, in whole microseconds, so that it survives being stored.
@@ -21,6 +21,8 @@ struct SpeedTestResult {
     std::optional<double> pingAfter; ///< ms, after the upload
     bool isRunning = false; ///< never true in a result of ours
 
+    /// Nothing could be measured in either direction.
+    bool hasFailed() const { return !downloadSpeed && !uploadSpeed; }
     /// The round trip under load as a multiple of the one before. Absent without both, and when
     /// the router answered within twice the time: that is no lag.
     std::optional<double> riseUnderLoad() const;

@@ -29,9 +29,9 @@ std::optional<double> megabitsPerSecond(qint64 bytes, std::chrono::steady_clock:
     return double(bytes) * 8 / (seconds * 1'000'000);
 }
 
-SpeedTestService::SpeedTestService(platform::HttpTransfers& transfers,
-    platform::UserDefaults& defaults, base::Clock& clock, const QUrl& server)
-    : m_transfers(transfers)
+SpeedTestService::SpeedTestService(platform::HttpClient& http, platform::UserDefaults& defaults,
+    base::Clock& clock, const QUrl& server)
+    : m_http(http)
     , m_defaults(defaults)
     , m_clock(clock)
     , m_downloadURL(withPath(server, kSpeedTestDownloadPath))
@@ -63,41 +63,56 @@ void SpeedTestService::runDownloadTest()
 {
     QUrl url = m_downloadURL;
     url.setQuery(QUrlQuery {{u"bytes"_s, QString::number(testSizeBytes)}});
-    m_downloadTask = m_transfers.start(
-        {.url = url, .answerLimit = patience * testSizeBytes, .silenceLimit = requestTimeout},
-        [this, start = m_clock.monotonicNow()](
-            const platform::TransferOutcome& outcome) { downloadEnded(start, outcome); });
+    const auto start = m_clock.monotonicNow();
+    m_downloadTask = std::make_unique<QObject>();
+    m_http.send({.url = url,
+                    .bodyLimit = patience * testSizeBytes,
+                    .keepsBody = false,
+                    .keepsConnection = true, // for the upload
+                    .silenceLimit = requestTimeout,
+                    .notice = [this] { askRouter(); },
+                    .noticeBytes = loadedBytes},
+        m_downloadTask.get(),
+        [this, start](const platform::HttpAnswer& answer) { downloadEnded(start, answer); });
 }
 
-void SpeedTestService::downloadEnded(Start start, const platform::TransferOutcome& outcome)
+void SpeedTestService::downloadEnded(Start start, const platform::HttpAnswer& answer)
 {
     m_downloadTask.reset();
-    if (outcome.errorText)
-        base::log(logCategory(), u"SpeedTestService: Download test error: "_s + *outcome.errorText);
-    else if (outcome.receivedBytes > 0)
-        m_underWay.downloadSpeed
-            = megabitsPerSecond(outcome.receivedBytes, outcome.endedAt - start);
+    if (answer.errorText)
+        base::log(logCategory(), u"SpeedTestService: Download test error: "_s + *answer.errorText);
+    else if (answer.receivedBytes > 0)
+        m_underWay.downloadSpeed = megabitsPerSecond(answer.receivedBytes, answer.endedAt - start);
+    m_problem.clear();
+    if (!m_underWay.downloadSpeed)
+        m_problem = u"The download failed: "_s + answer.errorText.value_or(u"nothing came"_s);
     m_underWay.pingDuring = routerPing();
     runUploadTest();
 }
 
 void SpeedTestService::runUploadTest()
 {
-    m_uploadTask = m_transfers.start({.url = m_uploadURL,
-                                         .uploadSize = testSizeBytes,
-                                         .answerLimit = patience * testSizeBytes,
-                                         .silenceLimit = requestTimeout},
-        [this, start = m_clock.monotonicNow()](
-            const platform::TransferOutcome& outcome) { uploadEnded(start, outcome); });
+    const auto start = m_clock.monotonicNow();
+    m_uploadTask = std::make_unique<QObject>();
+    m_http.send({.url = m_uploadURL,
+                    .uploadSize = testSizeBytes,
+                    .bodyLimit = patience * testSizeBytes,
+                    .keepsBody = false,
+                    .silenceLimit = requestTimeout},
+        m_uploadTask.get(),
+        [this, start](const platform::HttpAnswer& answer) { uploadEnded(start, answer); });
 }
 
-void SpeedTestService::uploadEnded(Start start, const platform::TransferOutcome& outcome)
+void SpeedTestService::uploadEnded(Start start, const platform::HttpAnswer& answer)
 {
     m_uploadTask.reset();
-    if (outcome.errorText)
-        base::log(logCategory(), u"SpeedTestService: Upload test error: "_s + *outcome.errorText);
-    else
-        m_underWay.uploadSpeed = megabitsPerSecond(testSizeBytes, outcome.endedAt - start);
+    if (answer.errorText) {
+        base::log(logCategory(), u"SpeedTestService: Upload test error: "_s + *answer.errorText);
+        m_problem
+            = (m_underWay.downloadSpeed ? u"The upload failed: "_s : u"The speed test failed: "_s)
+            + *answer.errorText;
+    } else
+        m_underWay.uploadSpeed = megabitsPerSecond(testSizeBytes, answer.endedAt - start);
     m_underWay.pingAfter = routerPing();
     if (!m_underWay.pingDuring)
         m_underWay.pingDuring = m_underWay.pingAfter;
@@ -113,6 +128,13 @@ void SpeedTestService::publish()
     Q_EMIT resultChanged();
     setRunning(false);
     addToHistory(result);
+}
+
+/// Its own next probe may come only after the download.
+void SpeedTestService::askRouter()
+{
+    if (m_routerPingService)
+        m_routerPingService->probeAtOnce();
 }
 
 std::optional<double> SpeedTestService::routerPing() const

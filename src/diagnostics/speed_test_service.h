@@ -6,7 +6,7 @@
 
 #include "base/clock.h"
 #include "diagnostics/speed_test_result.h"
-#include "platform/http_transfer.h"
+#include "platform/http_client.h"
 #include "platform/user_defaults.h"
 #include "probes/ping_service.h"
 
@@ -36,16 +36,22 @@ public:
     static constexpr std::chrono::milliseconds requestTimeout {60000}; ///< without any progress
     /// A server that sends more than so many times what it was asked for fails the test.
     static constexpr qint64 patience = 4;
+    /// When so much of the download has come, the router is asked how long it takes now: on a slow
+    /// link there is a queue by then, on a fast one its answer still comes before the end.
+    static constexpr qint64 loadedBytes = testSizeBytes / 8;
     inline static const QString historyKey = QStringLiteral("speedTestHistory");
 
     /// All outlive this. Loads the history; nothing else happens before a test is run. `server` is
     /// where the two paths are.
-    SpeedTestService(platform::HttpTransfers& transfers, platform::UserDefaults& defaults,
+    SpeedTestService(platform::HttpClient& http, platform::UserDefaults& defaults,
         base::Clock& clock, const QUrl& server);
     ~SpeedTestService() override;
 
     /// The latest test that came to its end since the start.
     const std::optional<SpeedTestResult>& result() const { return m_result; }
+    /// What the latest test could not measure and why, in a sentence for the user; empty when it
+    /// measured everything. In part the words of libcurl or of a server. Changes with `result`.
+    const QString& problem() const { return m_problem; }
     bool isRunning() const { return m_isRunning; }
     /// Newest first, at most `maxHistoryCount`.
     const std::vector<SpeedTestResult>& history() const { return m_history; }
@@ -70,16 +76,17 @@ private:
     using Start = std::chrono::steady_clock::time_point;
 
     void runDownloadTest();
-    void downloadEnded(Start start, const platform::TransferOutcome& outcome);
+    void downloadEnded(Start start, const platform::HttpAnswer& answer);
     void runUploadTest();
-    void uploadEnded(Start start, const platform::TransferOutcome& outcome);
+    void uploadEnded(Start start, const platform::HttpAnswer& answer);
     void publish();
+    void askRouter();
     std::optional<double> routerPing() const;
     void addToHistory(const SpeedTestResult& result);
     void loadHistory();
     void setRunning(bool isRunning);
 
-    platform::HttpTransfers& m_transfers;
+    platform::HttpClient& m_http;
     platform::UserDefaults& m_defaults;
     base::Clock& m_clock;
     const QUrl m_downloadURL;
@@ -89,8 +96,9 @@ private:
     std::vector<SpeedTestResult> m_history;
     QPointer<probes::PingService> m_routerPingService;
     SpeedTestResult m_underWay; ///< what the running test has found so far
-    std::unique_ptr<platform::HttpTransfer> m_downloadTask;
-    std::unique_ptr<platform::HttpTransfer> m_uploadTask;
+    QString m_problem;
+    std::unique_ptr<QObject> m_downloadTask; ///< owns the transfer under way
+    std::unique_ptr<QObject> m_uploadTask; ///< likewise
 };
 
 /// In Mbps. Absent when no time has passed.

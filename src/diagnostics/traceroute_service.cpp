@@ -5,6 +5,7 @@
 
 #include <numeric>
 
+using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace netvane::diagnostics {
@@ -28,6 +29,8 @@ struct TracerouteService::Run {
     }
 
     const QString target;
+    std::unique_ptr<platform::HopPath> path; ///< absent before the first probe
+    QString sendError; ///< of the last probe, when it could not be sent
     int hopNumber = 1;
     int probeNumber = 0; ///< of this hop; 0 before the first
     std::vector<ProbeResult> results; ///< of this hop
@@ -57,6 +60,7 @@ void TracerouteService::startTrace(const QString& host)
     m_targetHost = host;
     const bool hadHops = !m_hops.empty();
     m_hops.clear();
+    m_earlyEnd.clear();
     m_isRunning = true;
     m_run = std::make_shared<Run>(host);
     m_run->timer = m_clock.after(0ms, [this] { performTrace(); });
@@ -81,24 +85,30 @@ void TracerouteService::stopTrace()
 void TracerouteService::performTrace()
 {
     // Four numbers are taken for an address whatever their size, and everything else with a dot for
-    // a name or an address; resolving is left to each probe.
-    if (!m_run->target.contains(u'.') || m_run->isCancelled)
+    // a name or an address; resolving is left to the probes.
+    const bool isTarget = m_run->target.contains(u'.');
+    if (!isTarget || m_run->isCancelled) {
+        if (!m_run->isCancelled)
+            m_earlyEnd = u"Nothing to trace: type a name with a dot in it, or an IPv4 address"_s;
         endTrace();
-    else
-        sendProbe();
+        return;
+    }
+    m_run->path = m_probes.pathTo(m_run->target);
+    sendProbe();
 }
 
 void TracerouteService::sendProbe()
 {
     ++m_run->probeNumber;
+    m_run->sendError.clear();
     const auto probe = std::make_shared<Probe>(Probe {.startedAt = m_clock.monotonicNow()});
     // Weakly: when the run goes its probe goes with it, and the connection with that.
-    probe->connection = m_probes.probeHop(m_run->target,
-        quint16(portBeforeFirst + m_run->probeNumber), m_run->hopNumber,
-        [this, weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
-            if (const auto held = weakProbe.lock())
-                handleEvent(*held, event);
-        });
+    probe->connection
+        = m_run->path->probe(quint16(portBeforeFirst + m_run->probeNumber), m_run->hopNumber,
+            [this, weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
+                if (const auto held = weakProbe.lock())
+                    handleEvent(*held, event);
+            });
     m_run->probe = probe;
     m_run->timer = m_clock.after(timeoutPerHop, [this] { finishProbe({}); });
     probe->connection->start();
@@ -107,14 +117,18 @@ void TracerouteService::sendProbe()
 void TracerouteService::handleEvent(const Probe& probe, const platform::ConnectionEvent& event)
 {
     if (event.state != platform::ConnectionState::Ready) {
+        if (!event.askedAt)
+            m_run->sendError = event.error;
         finishProbe({});
         return;
     }
-    const auto elapsed = event.at - probe.startedAt;
     // Too late: the timeout is due, and only a busy main thread has not run it yet.
-    if (elapsed < timeoutPerHop)
-        finishProbe(ProbeResult {.address = event.answeredBy,
-            .timeMs = std::chrono::duration<double, std::milli>(elapsed).count()});
+    if (event.at - probe.startedAt >= timeoutPerHop)
+        return;
+    // The resolver's time is none of the router's.
+    const auto elapsed = event.at - event.askedAt.value_or(probe.startedAt);
+    finishProbe(ProbeResult {.address = event.answeredBy,
+        .timeMs = std::chrono::duration<double, std::milli>(elapsed).count()});
 }
 
 void TracerouteService::finishProbe(const std::optional<ProbeResult>& result)
@@ -144,6 +158,8 @@ void TracerouteService::finishHop()
     const bool isTarget = hop.ipAddress == m_run->target;
     const bool isLast
         = isTarget || (hop.latency ? hop.hopNumber == maxHops : hop.hopNumber > maxSilentStart);
+    if (isLast && !isTarget && !m_run->isCancelled)
+        m_earlyEnd = reasonOfEnd(hop);
     const std::weak_ptr<Run> run = m_run;
     m_hops.push_back(hop);
     Q_EMIT hopsChanged();
@@ -177,6 +193,15 @@ TracerouteHop TracerouteService::hopOfRun() const
         hop.latency = std::accumulate(times.begin(), times.end(), 0.0) / double(times.size());
     hop.isComplete = hop.ipAddress == m_run->target || int(times.size()) == probesPerHop;
     return hop;
+}
+
+QString TracerouteService::reasonOfEnd(const TracerouteHop& last) const
+{
+    if (last.latency)
+        return u"The target was not reached within %1 hops"_s.arg(maxHops);
+    if (!m_run->sendError.isEmpty())
+        return u"No probe could be sent: %1"_s.arg(m_run->sendError);
+    return u"Hop %1 did not answer; the trace ends there"_s.arg(last.hopNumber);
 }
 
 void TracerouteService::endTrace()

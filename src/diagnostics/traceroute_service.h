@@ -41,6 +41,9 @@ public:
     bool isRunning() const { return m_isRunning; }
     /// Of the current or last trace, as it was given; `defaultTarget` before the first.
     const QString& targetHost() const { return m_targetHost; }
+    /// Why the last trace ended before it reached its target, in a sentence for the user; empty
+    /// when it did reach it, when the user stopped it, and while one runs.
+    const QString& earlyEnd() const { return m_earlyEnd; }
 
     /// `host` is whatever the user typed. Without a dot in it there is nothing to trace and the
     /// trace ends at once, without hops. Ignored while a trace runs.
@@ -66,6 +69,7 @@ private:
     void afterPause();
     void finishHop();
     TracerouteHop hopOfRun() const;
+    QString reasonOfEnd(const TracerouteHop& last) const;
     void endTrace();
     void setRunning(bool isRunning);
 
@@ -74,6 +78,7 @@ private:
     std::vector<TracerouteHop> m_hops;
     bool m_isRunning = false;
     QString m_targetHost = defaultTarget();
+    QString m_earlyEnd;
     /// The trace that runs, or the last hop of one that was stopped. Timers and probes belong to
     /// it, so that nothing of an old trace is left once there is a new one.
     std::shared_ptr<Run> m_run;

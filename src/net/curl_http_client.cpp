@@ -2,65 +2,68 @@
 
 #include "net/http_exchange.h"
 
-#include <QCoreApplication>
-
+#include <algorithm>
 #include <csignal>
 #include <system_error>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace netvane::net {
 namespace {
 
-enum class Limit { OfTime, OfSilence };
+constexpr auto kProxyAge = 5min; // asking at each check would wake up three processes
 
-/// The main thread's side of an exchange: ends it at the limit, or when this is destroyed.
-class Request : public platform::HttpTransfer {
+/// The main thread's side of an exchange: ends it at a limit, or when its owner goes.
+class Request : public QObject {
 public:
-    Request(base::Clock& clock, std::shared_ptr<HttpExchange> exchange, Limit limit,
-        std::chrono::milliseconds length)
-        : m_clock(clock)
+    Request(QObject* owner, base::Clock& clock, std::shared_ptr<HttpExchange> exchange)
+        : QObject(owner)
+        , m_clock(clock)
         , m_exchange(std::move(exchange))
-        , m_limit(limit)
-        , m_length(length)
         , m_start(clock.monotonicNow())
     {
-        m_exchange->lastProgress = m_start;
     }
     ~Request() override
     {
         m_exchange->deliver = {};
+        m_exchange->notice = {};
         m_exchange->cancel();
     }
 
-    /// `deliver` may destroy this.
-    void begin(bool hasThread, std::function<void(HttpExchange&)> deliver)
+    /// The limits hold from here on. `deliver` may destroy this.
+    void begin(std::function<void(const HttpExchange&)> deliver)
     {
-        m_hasThread = hasThread;
+        m_exchange->lastProgress = m_start;
         m_exchange->deliver = [this, deliver = std::move(deliver)] {
             m_timer.reset();
             const auto exchange = m_exchange;
-            if (m_isLate)
-                exchange->errorText = m_limit == Limit::OfTime
-                    ? u"The time limit was reached"_s
-                    : u"The server was silent for too long"_s;
+            if (m_lateText)
+                exchange->errorText = m_lateText;
+            deleteLater();
             deliver(*exchange);
         };
         watch();
     }
+    /// The exchange is on a thread, which tells of its end.
+    void threadBegan() { m_hasThread = true; }
 
 private:
     /// The timer is not moved while bytes flow: it looks for progress when it is due.
     void watch()
     {
-        const auto from = m_limit == Limit::OfTime ? m_start : m_exchange->lastProgress.load();
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(
-            from + m_length - m_clock.monotonicNow());
+        const auto& request = m_exchange->request;
+        const auto silenceEnd = m_exchange->lastProgress.load() + request.silenceLimit;
+        const auto end
+            = request.timeLimit ? std::min(silenceEnd, m_start + *request.timeLimit) : silenceEnd;
+        const auto left
+            = std::chrono::ceil<std::chrono::milliseconds>(end - m_clock.monotonicNow());
         if (left > left.zero()) {
             m_timer = m_clock.after(left, [this] { watch(); });
             return;
         }
-        m_isLate = true;
+        m_lateText = end == silenceEnd ? u"The server was silent for too long"_s
+                                       : u"The time limit was reached"_s;
         m_exchange->cancel();
         if (!m_hasThread) {
             m_exchange->endedAt = m_clock.monotonicNow();
@@ -70,41 +73,27 @@ private:
 
     base::Clock& m_clock;
     const std::shared_ptr<HttpExchange> m_exchange;
-    const Limit m_limit;
-    const std::chrono::milliseconds m_length;
     const std::chrono::steady_clock::time_point m_start;
     std::unique_ptr<base::Timer> m_timer;
     bool m_hasThread = false;
-    bool m_isLate = false;
-};
-
-/// Ends its request together with the owner of a page.
-struct OwnedRequest : QObject {
-    using QObject::QObject;
-    std::unique_ptr<Request> request;
+    std::optional<QString> m_lateText; ///< once a limit was reached
 };
 
 platform::HttpAnswer answerOf(const HttpExchange& exchange)
 {
     platform::HttpAnswer answer {.status = exchange.status,
+        .receivedBytes = exchange.receivedBytes,
         .truncated = exchange.isTooLong,
-        .finalUrl = exchange.url,
+        .finalUrl = exchange.request.url,
+        .endedAt = exchange.endedAt,
         .errorText = exchange.errorText};
-    if (!answer.errorText && answer.status >= 400)
+    if (exchange.isTooLong && !exchange.request.keepsBody)
+        answer.errorText = u"The server sends far more than it was asked for"_s;
+    if (!answer.errorText && answer.status && *answer.status / 100 != 2)
         answer.errorText = u"The server answered with status %1"_s.arg(*answer.status);
     if (!answer.errorText && !exchange.body.isEmpty())
         answer.body = exchange.body;
     return answer;
-}
-
-platform::TransferOutcome outcomeOf(const HttpExchange& exchange)
-{
-    platform::TransferOutcome outcome {.receivedBytes = exchange.receivedBytes,
-        .endedAt = exchange.endedAt,
-        .errorText = exchange.errorText};
-    if (exchange.isTooLong)
-        outcome.errorText = u"The server sends far more than it was asked for"_s;
-    return outcome;
 }
 
 /// Signals are for the main thread; SIGPIPE is for nobody.
@@ -115,10 +104,23 @@ void blockSignals()
     pthread_sigmask(SIG_BLOCK, &all, nullptr);
 }
 
+/// Whether libcurl finds one there. The name in capitals is not read for http: servers put a
+/// visitor's header into it.
+bool isProxyInEnvironment(const QString& scheme)
+{
+    const QByteArray own = scheme.toLatin1() + "_proxy";
+    const QByteArray names[]
+        = {own, own.startsWith("https") ? own.toUpper() : own, "all_proxy", "ALL_PROXY"};
+    return std::ranges::any_of(
+        names, [](const QByteArray& name) { return !qEnvironmentVariableIsEmpty(name); });
+}
+
 } // namespace
 
-CurlHttpClient::CurlHttpClient(base::Clock& clock, const QString& authorityFile)
+CurlHttpClient::CurlHttpClient(
+    base::Clock& clock, ProxyLookup lookUpProxy, const QString& authorityFile)
     : m_clock(clock)
+    , m_lookUpProxy(std::move(lookUpProxy))
     , m_authorityFile(authorityFile.toLocal8Bit())
 {
 }
@@ -131,51 +133,54 @@ CurlHttpClient::~CurlHttpClient()
     }
 }
 
-void CurlHttpClient::get(const platform::HttpRequest& request, QObject* owner,
+void CurlHttpClient::send(const platform::HttpRequest& request, QObject* owner,
     std::function<void(const platform::HttpAnswer&)> deliver)
 {
-    auto exchange = std::make_shared<HttpExchange>();
-    exchange->url = request.url;
-    exchange->bodyLimit = request.bodyLimit;
-    exchange->maximumRedirects = request.maximumRedirects;
-    exchange->keepsBody = true;
-    auto* owned = new OwnedRequest(owner);
-    owned->request = std::make_unique<Request>(m_clock, exchange, Limit::OfTime, request.timeLimit);
-    owned->request->begin(
-        run(exchange), [owned, deliver = std::move(deliver)](const HttpExchange& ended) {
-            owned->deleteLater();
-            deliver(answerOf(ended));
-        });
+    const auto exchange = std::make_shared<HttpExchange>();
+    exchange->request = request;
+    exchange->notice = std::exchange(exchange->request.notice, {});
+    exchange->authorityFile = m_authorityFile;
+    exchange->session = std::exchange(m_session, {});
+    const auto end = [this, deliver = std::move(deliver), host = request.url.host()](
+                         const HttpExchange& ended) {
+        if (ended.request.keepsConnection)
+            m_session = ended.session;
+        if (!ended.status)
+            m_proxies.remove(host);
+        deliver(answerOf(ended));
+    };
+    auto* sent = new Request(owner, m_clock, exchange);
+    sent->begin(end);
+    findProxy(request.url, sent, [this, sent, exchange](const auto& proxy) {
+        exchange->proxy = proxy;
+        exchange->lastProgress = m_clock.monotonicNow();
+        if (run(exchange))
+            sent->threadBegan();
+    });
 }
 
-std::unique_ptr<platform::HttpTransfer> CurlHttpClient::start(
-    const platform::TransferRequest& request,
-    std::function<void(const platform::TransferOutcome&)> deliver)
+void CurlHttpClient::findProxy(const QUrl& url, QObject* owner,
+    const std::function<void(const std::optional<QByteArray>&)>& take)
 {
-    auto exchange = std::make_shared<HttpExchange>();
-    exchange->url = request.url;
-    exchange->uploadSize = request.uploadSize;
-    exchange->bodyLimit = request.answerLimit;
-    auto transfer
-        = std::make_unique<Request>(m_clock, exchange, Limit::OfSilence, request.silenceLimit);
-    transfer->begin(run(exchange),
-        [deliver = std::move(deliver)](const HttpExchange& ended) { deliver(outcomeOf(ended)); });
-    return transfer;
+    const auto known = m_proxies.constFind(url.host());
+    if (!m_lookUpProxy || isProxyInEnvironment(url.scheme()))
+        take({});
+    else if (known != m_proxies.constEnd() && m_clock.monotonicNow() < known->askedAt + kProxyAge)
+        take(known->address);
+    else
+        m_lookUpProxy(url, owner, [this, host = url.host(), take](const QByteArray& address) {
+            m_proxies.insert(host, {address, m_clock.monotonicNow()});
+            take(address);
+        });
 }
 
 bool CurlHttpClient::run(const std::shared_ptr<HttpExchange>& exchange)
 {
     joinFinished();
-    exchange->authorityFile = m_authorityFile;
     const auto work = [exchange, &clock = m_clock] {
         blockSignals();
         runExchange(*exchange, clock);
-        const auto deliver = [exchange] {
-            if (exchange->deliver)
-                std::exchange(exchange->deliver, {})();
-        };
-        // Nobody waits once there is no application.
-        QMetaObject::invokeMethod(QCoreApplication::instance(), deliver, Qt::QueuedConnection);
+        exchange->tell(&HttpExchange::deliver);
         exchange->isOver = true;
     };
     try {

@@ -67,6 +67,12 @@ const sockaddr_in6& asIPv6(const SocketAddress& address)
 
 } // namespace
 
+in_port_t& portOf(SocketAddress& address)
+{
+    // It is at the same place in both families.
+    return reinterpret_cast<sockaddr_in&>(address.storage).sin_port;
+}
+
 bool isSameHost(const SocketAddress& first, const SocketAddress& second)
 {
     if (first.storage.ss_family != second.storage.ss_family)
@@ -79,7 +85,6 @@ bool isSameHost(const SocketAddress& first, const SocketAddress& second)
 
 bool isSamePeer(const SocketAddress& first, const SocketAddress& second)
 {
-    // The port is at the same place in both families.
     return isSameHost(first, second) && asIPv4(first).sin_port == asIPv4(second).sin_port;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <netinet/in.h>
 #include <sys/socket.h>
 
 #include <cstdint>
@@ -14,6 +15,8 @@ struct SocketAddress {
     socklen_t length = 0;
 };
 
+/// The port of either family, in the order of the network.
+in_port_t& portOf(SocketAddress& address);
 /// Whether both are addresses of one host, whatever the ports and scopes.
 bool isSameHost(const SocketAddress& first, const SocketAddress& second);
 /// Whether the ports are equal too.

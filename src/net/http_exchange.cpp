@@ -2,6 +2,8 @@
 
 #include "net/curl_library.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -11,11 +13,10 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::net {
 namespace {
 
-/// No proxy, whatever the environment says: libcurl takes an empty text for that.
-constexpr auto kProxy = "";
 constexpr qsizetype kHeaderLimit = qsizetype(64) * 1024; // bytes, of one response
 constexpr long kTransferBuffer = 128L * 1024; // bytes; libcurl's 16 KiB cost time on a fast link
 constexpr int kLongestPollMs = 60'000; // `cancel` ends the wait earlier
+constexpr int kMostRedirects = 10;
 constexpr std::array kRedirects {301, 302, 303, 305, 307, 308};
 
 struct FreeEasy {
@@ -44,10 +45,11 @@ public:
         }
         setRequest();
         setTrust();
-        if (m_exchange.uploadSize)
-            setUpload();
+        if (m_exchange.request.uploadSize)
+            setUpload(*m_exchange.request.uploadSize);
         set(CURLOPT_HTTPHEADER, m_headers.get());
         noteError(perform());
+        noteRefusal();
         return redirect();
     }
 
@@ -60,12 +62,12 @@ private:
 
     void setRequest()
     {
-        set(CURLOPT_URL, m_exchange.url.toEncoded().constData());
+        set(CURLOPT_URL, m_exchange.request.url.toEncoded().constData());
         set(CURLOPT_PROTOCOLS_STR, "http,https");
         set(CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_1));
-        set(CURLOPT_PROXY, kProxy);
+        if (m_exchange.proxy)
+            set(CURLOPT_PROXY, m_exchange.proxy->constData());
         set(CURLOPT_USERAGENT, "Mozilla/5.0"); // some portals refuse others
-        set(CURLOPT_FORBID_REUSE, 1L);
         set(CURLOPT_NOSIGNAL, 1L);
         // A resolver that hangs is left behind with its thread.
         set(CURLOPT_QUICK_EXIT, 1L);
@@ -74,9 +76,12 @@ private:
         set(CURLOPT_HEADERDATA, this);
         set(CURLOPT_WRITEFUNCTION, &Hop::takeBody);
         set(CURLOPT_WRITEDATA, this);
-        if (!m_exchange.keepsBody)
+        if (!m_exchange.request.keepsBody)
             set(CURLOPT_BUFFERSIZE, kTransferBuffer);
         addHeader("Accept-Encoding: identity"); // a small body cannot become a large one
+        if (m_exchange.request.keepsConnection)
+            return;
+        set(CURLOPT_FORBID_REUSE, 1L);
         addHeader("Connection: close");
     }
 
@@ -92,14 +97,17 @@ private:
         }
     }
 
-    void setUpload()
+    void setUpload(qint64 size)
     {
-        m_toSend = *m_exchange.uploadSize;
+        m_toSend = size;
         set(CURLOPT_POST, 1L);
-        set(CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(m_toSend));
+        set(CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(size));
         set(CURLOPT_UPLOAD_BUFFERSIZE, kTransferBuffer);
         set(CURLOPT_READFUNCTION, &Hop::giveZeros);
         set(CURLOPT_READDATA, this);
+        // A connection that was kept may turn out to be closed: libcurl begins anew on another.
+        set(CURLOPT_SEEKFUNCTION, &Hop::seek);
+        set(CURLOPT_SEEKDATA, this);
         addHeader("Content-Type: application/octet-stream");
         addHeader("Expect:"); // do not wait for a permission to send
     }
@@ -121,8 +129,11 @@ private:
         while (running > 0 && !m_exchange.isCancelled) {
             if (curlLibrary()->multiPerform(multi, &running) != CURLM_OK)
                 break;
+            int sockets = 0; // on which something happened: progress, the handshakes' included
             if (running > 0)
-                curlLibrary()->multiPoll(multi, nullptr, 0, kLongestPollMs, nullptr);
+                curlLibrary()->multiPoll(multi, nullptr, 0, kLongestPollMs, &sockets);
+            if (sockets > 0)
+                m_exchange.lastProgress = m_clock.monotonicNow();
         }
         CURLcode result = CURLE_ABORTED_BY_CALLBACK;
         int left = 0;
@@ -136,11 +147,22 @@ private:
     {
         if (m_exchange.isTooLong || result == CURLE_OK)
             return;
+        // libcurl quotes the address of a proxy that it does not like, password included.
+        const bool isTold = m_error.front() != '\0' && !std::strchr(m_error.data(), '@');
         if (m_headerBytes > kHeaderLimit)
             m_exchange.errorText = u"The response headers are too long"_s;
         else
             m_exchange.errorText = QString::fromLocal8Bit(
-                m_error.front() != '\0' ? m_error.data() : curlLibrary()->easyStrerror(result));
+                isTold ? m_error.data() : curlLibrary()->easyStrerror(result));
+    }
+
+    /// A proxy that does not lead to the server has answered all the same.
+    void noteRefusal()
+    {
+        long status = 0;
+        curlLibrary()->easyGetinfo(m_easy.get(), CURLINFO_HTTP_CONNECTCODE, &status);
+        if (!m_exchange.status && status >= 300)
+            m_exchange.status = int(status);
     }
 
     std::optional<QUrl> redirect()
@@ -153,12 +175,9 @@ private:
         return QUrl::fromEncoded(next);
     }
 
-    void noteProgress() { m_exchange.lastProgress = m_clock.monotonicNow(); }
-
     static size_t takeHeader(char* data, size_t, size_t size, void* self)
     {
         auto& hop = *static_cast<Hop*>(self);
-        hop.noteProgress();
         hop.m_headerBytes += qsizetype(size);
         if (hop.m_headerBytes > kHeaderLimit)
             return 0;
@@ -166,32 +185,41 @@ private:
         if (line == "\r\n" || line == "\n") {
             long status = 0;
             curlLibrary()->easyGetinfo(hop.m_easy.get(), CURLINFO_RESPONSE_CODE, &status);
-            hop.m_exchange.status = int(status);
+            if (status != 0) // of a proxy's "connected" otherwise
+                hop.m_exchange.status = int(status);
         }
         return size;
     }
 
     static size_t takeBody(char* data, size_t, size_t size, void* self)
     {
-        auto& hop = *static_cast<Hop*>(self);
-        auto& exchange = hop.m_exchange;
-        hop.noteProgress();
+        auto& exchange = static_cast<Hop*>(self)->m_exchange;
+        const auto& request = exchange.request;
+        const bool wasNoticed = exchange.receivedBytes >= request.noticeBytes;
         exchange.receivedBytes += qint64(size);
-        if (exchange.keepsBody)
+        if (!wasNoticed && exchange.receivedBytes >= request.noticeBytes)
+            exchange.tell(&HttpExchange::notice);
+        if (request.keepsBody)
             exchange.body.append(data,
-                std::min(qsizetype(size), qsizetype(exchange.bodyLimit) - exchange.body.size()));
-        exchange.isTooLong = exchange.receivedBytes > exchange.bodyLimit;
+                std::min(qsizetype(size), qsizetype(request.bodyLimit) - exchange.body.size()));
+        exchange.isTooLong = exchange.receivedBytes > request.bodyLimit;
         return exchange.isTooLong ? 0 : size;
     }
 
     static size_t giveZeros(char* into, size_t, size_t size, void* self)
     {
         auto& hop = *static_cast<Hop*>(self);
-        hop.noteProgress();
         const auto count = std::min(qint64(size), hop.m_toSend);
         std::memset(into, 0, size_t(count));
         hop.m_toSend -= count;
         return size_t(count);
+    }
+
+    static int seek(void* self, curl_off_t offset, int)
+    {
+        auto& hop = *static_cast<Hop*>(self);
+        hop.m_toSend = *hop.m_exchange.request.uploadSize - offset;
+        return CURL_SEEKFUNC_OK;
     }
 
     HttpExchange& m_exchange;
@@ -220,13 +248,13 @@ void followRedirects(HttpExchange& exchange, const base::Clock& clock)
         const auto next = Hop(exchange, clock).run();
         if (!next)
             return;
-        if (redirects == exchange.maximumRedirects || !mayFollow(exchange.url, *next)) {
+        if (redirects == kMostRedirects || !mayFollow(exchange.request.url, *next)) {
             exchange.errorText = u"The redirect is not followed"_s;
             return;
         }
         if (*exchange.status != 307 && *exchange.status != 308)
-            exchange.uploadSize.reset();
-        exchange.url = *next;
+            exchange.request.uploadSize.reset();
+        exchange.request.url = *next;
         exchange.status.reset();
         exchange.body.clear();
         exchange.receivedBytes = 0;
@@ -236,12 +264,6 @@ void followRedirects(HttpExchange& exchange, const base::Clock& clock)
 
 } // namespace
 
-HttpExchange::~HttpExchange()
-{
-    if (multi)
-        curlLibrary()->multiCleanup(multi);
-}
-
 void HttpExchange::cancel()
 {
     isCancelled = true;
@@ -249,12 +271,25 @@ void HttpExchange::cancel()
         curlLibrary()->multiWakeup(multi);
 }
 
+void HttpExchange::tell(Handler HttpExchange::*handler)
+{
+    const auto told = [exchange = shared_from_this(), handler] {
+        if (const auto handle = std::exchange((*exchange).*handler, {}))
+            handle();
+    };
+    // Nobody waits once there is no application.
+    QMetaObject::invokeMethod(QCoreApplication::instance(), told, Qt::QueuedConnection);
+}
+
 void runExchange(HttpExchange& exchange, const base::Clock& clock)
 {
     if (!curlLibrary()) {
         exchange.errorText = u"libcurl cannot be loaded"_s;
-    } else if (isWebAddress(exchange.url)) {
-        exchange.multi = curlLibrary()->multiInit();
+    } else if (isWebAddress(exchange.request.url)) {
+        if (!exchange.session)
+            exchange.session
+                = std::shared_ptr<CURLM>(curlLibrary()->multiInit(), curlLibrary()->multiCleanup);
+        exchange.multi = exchange.session.get();
         followRedirects(exchange, clock);
     } else {
         exchange.errorText = u"Not an http or https address"_s;

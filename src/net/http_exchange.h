@@ -1,16 +1,10 @@
 #pragma once
 
 #include "base/clock.h"
-
-#include <QByteArray>
-#include <QString>
-#include <QUrl>
+#include "platform/http_client.h"
 
 #include <atomic>
-#include <chrono>
-#include <functional>
 #include <memory>
-#include <optional>
 
 using CURLM = void; // as in curl/curl.h
 
@@ -18,28 +12,26 @@ namespace netvane::net {
 
 /// One request and its response, redirects included. The thread of the request calls
 /// `runExchange`; the main thread reads the results once `deliver` is called.
-struct HttpExchange {
-    HttpExchange() = default;
-    ~HttpExchange();
-    HttpExchange(const HttpExchange&) = delete;
-    HttpExchange& operator=(const HttpExchange&) = delete;
+struct HttpExchange : std::enable_shared_from_this<HttpExchange> {
+    using Handler = std::function<void()>;
 
     /// Makes `runExchange` return soon. Any thread.
     void cancel();
+    /// Has the main thread run `deliver` or `notice` and drop it. Any thread.
+    void tell(Handler HttpExchange::*handler);
 
-    // The request. `url` follows redirects.
-    QUrl url;
-    std::optional<qint64> uploadSize; ///< zero bytes to POST; absent: GET
-    qint64 bodyLimit = 0; ///< bytes; a longer body ends the exchange
-    int maximumRedirects = 10;
-    bool keepsBody = false; ///< otherwise the bytes of the body are only counted
-    QByteArray authorityFile;
+    platform::HttpRequest request; ///< `url` follows redirects
+    QByteArray authorityFile; ///< see `CurlHttpClient`
+    /// Empty: none; absent: what the environment says.
+    std::optional<QByteArray> proxy;
+    /// libcurl's connections: those that the request before left open, later those of this one.
+    std::shared_ptr<CURLM> session;
 
     // The results.
     std::optional<int> status; ///< of a response whose headers are complete
     QByteArray body;
     qint64 receivedBytes = 0; ///< of the last response's body
-    bool isTooLong = false; ///< the body exceeded `bodyLimit`
+    bool isTooLong = false; ///< the body exceeded the limit
     std::optional<QString> errorText;
     std::chrono::steady_clock::time_point endedAt;
 
@@ -47,9 +39,11 @@ struct HttpExchange {
     std::atomic<std::chrono::steady_clock::time_point> lastProgress;
     std::atomic<bool> isCancelled = false;
     std::atomic<bool> isOver = false; ///< the thread is about to end
-    std::atomic<CURLM*> multi = nullptr;
+    std::atomic<CURLM*> multi = nullptr; ///< of `session`
 
-    std::function<void()> deliver; ///< main thread; empty when nobody waits
+    // Main thread; empty when nobody waits.
+    Handler deliver;
+    Handler notice;
 };
 
 /// Blocks until the exchange has ended or was cancelled.

@@ -6,12 +6,10 @@
 #include <netinet/ip_icmp.h>
 #include <sys/ioctl.h>
 
+#include <mutex>
+
 namespace netvane::net {
 namespace {
-
-using namespace std::chrono_literals;
-
-constexpr auto kTimedAfterProbe = 5s; // longer than a probe and the pause after it
 
 /// The numbers of one family's ICMP (RFC 792, RFC 4443).
 struct IcmpNumbers {
@@ -43,27 +41,59 @@ std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
         std::chrono::seconds(stamp.tv_sec) + std::chrono::nanoseconds(stamp.tv_nsec));
 }
 
+/// Resolves once: later and simultaneous calls get the same answer. Some threads may still wait for
+/// it when the program ends.
+AddressLookup askingOnce(const AddressLookup& lookUp)
+{
+    struct Answer {
+        std::once_flag asked;
+        HostAddresses found;
+    };
+    return
+        [lookUp, answer = std::make_shared<Answer>()](const std::string& host, std::uint16_t port) {
+            std::call_once(answer->asked, [&] { answer->found = lookUp(host, port); });
+            HostAddresses found = answer->found;
+            for (auto& address : found.addresses)
+                portOf(address) = htons(port);
+            return found;
+        };
+}
+
+/// The state that the probes of a path share; the last of them may outlive it.
+struct Path {
+    const QString host;
+    const AddressLookup lookUp;
+    in_port_t ownPort = 0; ///< in network byte order; 0 before the first probe
+    /// The kernel stamps packets while any socket requests it, and begins with a delay. This socket
+    /// keeps it active in the pauses between the probes.
+    const base::FileDescriptor timed {::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
+};
+
 /// Sends an empty datagram with a hop limit and receives the answer of a router on the path or of
 /// the peer.
 class UdpHopProbe : public SocketProbe {
 public:
-    UdpHopProbe(ProbeContext& context, QString host, quint16 port, int hopLimit,
+    UdpHopProbe(ProbeContext& context, std::shared_ptr<Path> path, quint16 port, int hopLimit,
         platform::ConnectionHandler handler)
         : SocketProbe(context,
             {.socketType = SOCK_DGRAM,
                 .event = QSocketNotifier::Read,
                 .firstLook = base::Delivery::Immediate},
-            std::move(host), port, std::move(handler))
+            path->host, port, std::move(handler))
+        , m_path(std::move(path))
         , m_hopLimit(hopLimit)
     {
     }
 
 private:
+    AddressLookup lookUp() const override { return m_path->lookUp; }
     bool ask(const SocketAddress& address) override;
+    void takeOwnPort(sa_family_t family);
     std::optional<Answer> takeAnswer() override;
     std::optional<Answer> takeDatagram();
     Answer goodAnswer() const;
 
+    const std::shared_ptr<Path> m_path;
     const int m_hopLimit;
     SocketAddress m_peer;
 };
@@ -72,18 +102,37 @@ bool UdpHopProbe::ask(const SocketAddress& address)
 {
     const int socket = descriptor();
     (void)kernelStamp(socket);
+    // Without a flow label, by which routers may share load, too: the kernel makes one a socket.
     const bool isSet = address.storage.ss_family == AF_INET
         ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, m_hopLimit)
         : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
+            && set(socket, IPPROTO_IPV6, IPV6_AUTOFLOWLABEL, 0)
             && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_hopLimit);
-    if (!isSet
-        || ::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length)
-            != 0)
+    if (!isSet)
+        return false;
+    takeOwnPort(address.storage.ss_family);
+    if (::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length) != 0)
         return false;
     // As the kernel has it after connecting: a socket connected to 0.0.0.0 sends to 127.0.0.1.
     m_peer.length = sizeof m_peer.storage;
     return ::getpeername(socket, reinterpret_cast<sockaddr*>(&m_peer.storage), &m_peer.length) == 0
         && ::send(socket, nullptr, 0, 0) == 0;
+}
+
+/// Binds to the port of the path, or to another if it was taken between two probes.
+void UdpHopProbe::takeOwnPort(sa_family_t family)
+{
+    SocketAddress own {.length
+        = family == AF_INET ? socklen_t(sizeof(sockaddr_in)) : socklen_t(sizeof(sockaddr_in6))};
+    own.storage.ss_family = family;
+    auto* name = reinterpret_cast<sockaddr*>(&own.storage);
+    for (const in_port_t port : {m_path->ownPort, in_port_t(0)}) {
+        portOf(own) = port;
+        if (::bind(descriptor(), name, own.length) == 0)
+            break;
+    }
+    if (::getsockname(descriptor(), name, &own.length) == 0)
+        m_path->ownPort = portOf(own);
 }
 
 /// One message at a time: a host that sends many must not block the main thread.
@@ -127,6 +176,26 @@ SocketProbe::Answer UdpHopProbe::goodAnswer() const
     return {.at = clock().monotonicNow() - (std::chrono::system_clock::now() - *stamp)};
 }
 
+class SocketHopPath : public platform::HopPath {
+public:
+    SocketHopPath(ProbeContext& context, const QString& host)
+        : m_context(context)
+        , m_path(new Path {.host = host, .lookUp = askingOnce(context.lookUp)})
+    {
+        (void)kernelStamp(m_path->timed.get());
+    }
+
+    std::unique_ptr<platform::Connection> probe(
+        quint16 port, int hopLimit, platform::ConnectionHandler handler) override
+    {
+        return handleOf(new UdpHopProbe(m_context, m_path, port, hopLimit, std::move(handler)));
+    }
+
+private:
+    ProbeContext& m_context;
+    const std::shared_ptr<Path> m_path;
+};
+
 } // namespace
 
 HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
@@ -142,15 +211,9 @@ HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
                                                                          : HopAnswer::Bad;
 }
 
-std::unique_ptr<platform::Connection> SocketHopProbes::probeHop(
-    const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler)
+std::unique_ptr<platform::HopPath> SocketHopProbes::pathTo(const QString& host)
 {
-    if (!m_timed.isOpen()) {
-        m_timed = base::FileDescriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-        (void)kernelStamp(m_timed.get());
-    }
-    m_untimed = m_context.clock.after(kTimedAfterProbe, [this] { m_timed = {}; });
-    return handleOf(new UdpHopProbe(m_context, host, port, hopLimit, std::move(handler)));
+    return std::make_unique<SocketHopPath>(m_context, host);
 }
 
 } // namespace netvane::net

@@ -16,15 +16,10 @@ public:
     {
     }
 
-    std::unique_ptr<platform::Connection> probeHop(const QString& host, quint16 port, int hopLimit,
-        platform::ConnectionHandler handler) override;
+    std::unique_ptr<platform::HopPath> pathTo(const QString& host) override;
 
 private:
     ProbeContext m_context;
-    /// The kernel stamps packets while any socket requests it, and begins with a delay. This socket
-    /// keeps it active in the pauses between the probes of a trace.
-    base::FileDescriptor m_timed;
-    std::unique_ptr<base::Timer> m_untimed;
 };
 
 enum class HopAnswer {

@@ -89,7 +89,7 @@ void SocketProbe::cancel()
 void SocketProbe::lookUpHost()
 {
     auto& context = m_context;
-    const auto work = [lookUp = context.lookUp, host = m_host.toStdString(), port = m_port] {
+    const auto work = [lookUp = lookUp(), host = m_host.toStdString(), port = m_port] {
         return lookUp(host, port);
     };
     const auto deliver = [&context, probe = QPointer(this)](const HostAddresses& found) {
@@ -126,6 +126,7 @@ void SocketProbe::askNext()
             m_error = errno;
             continue;
         }
+        m_isAsked = true;
         // A peer on this machine has already answered, and the main thread may be busy after this.
         if (look())
             return;
@@ -152,7 +153,8 @@ bool SocketProbe::look()
         m_isAnswered = true;
         tell({.state = platform::ConnectionState::Ready,
             .at = std::clamp(answer->at.value_or(now), m_askedAt, now),
-            .answeredBy = answer->from.isEmpty() ? m_host : answer->from});
+            .answeredBy = answer->from.isEmpty() ? m_host : answer->from,
+            .askedAt = m_askedAt});
         return true;
     }
     m_error = answer->error;
@@ -198,8 +200,10 @@ void SocketProbe::tell(const platform::ConnectionEvent& event)
 
 void SocketProbe::fail(const QString& error)
 {
-    tell(
-        {.state = platform::ConnectionState::Failed, .at = clock().monotonicNow(), .error = error});
+    tell({.state = platform::ConnectionState::Failed,
+        .at = clock().monotonicNow(),
+        .error = error,
+        .askedAt = m_isAsked ? std::optional(m_askedAt) : std::nullopt});
 }
 
 } // namespace netvane::net

@@ -49,6 +49,8 @@ protected:
     SocketProbe(ProbeContext& context, Kind kind, QString host, quint16 port,
         platform::ConnectionHandler handler);
 
+    /// How a name is resolved.
+    virtual AddressLookup lookUp() const { return m_context.lookUp; }
     /// Sends the request; false with errno if that fails.
     virtual bool ask(const SocketAddress& address) = 0;
     /// Never waits; absent without an answer yet.
@@ -79,6 +81,7 @@ private:
     std::chrono::steady_clock::time_point m_askedAt;
     int m_error = 0; ///< of the last address that failed
     bool m_isStarted = false;
+    bool m_isAsked = false;
     bool m_isAnswered = false;
     bool m_isCancelled = false;
 };

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace netvane::platform {
 
@@ -21,8 +22,11 @@ struct ConnectionEvent {
     std::chrono::steady_clock::time_point at;
     QString error; ///< only when failed: the system's own words in the user's language
     /// Only when ready: the host as it was given, or the address of the router that answered for
-    /// it (see `HopProbeFactory`).
+    /// it (see `HopPath`).
     QString answeredBy;
+    /// When the question was sent to the address that this is about, after its name was resolved;
+    /// absent when nothing could be sent.
+    std::optional<std::chrono::steady_clock::time_point> askedAt {};
 };
 
 /// Called once for each state, on the main thread and never inside a call of the connection. Must

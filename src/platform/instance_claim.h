@@ -17,8 +17,10 @@ Q_SIGNALS:
     /// Once. False if another copy is running, which was notified of this start; true also if that
     /// cannot be found out.
     void decided(bool isFirst);
-    /// In the running copy: the program was started once more.
-    void startedAgain();
+    /// In the running copy: the program was started once more. The token lets it take the keyboard
+    /// (xdg-activation-v1, or the startup id of the Startup Notification Protocol); empty when
+    /// there is none.
+    void startedAgain(const QString& activationToken);
 };
 
 } // namespace netvane::platform

@@ -11,7 +11,6 @@
 #include "platform/exports.h"
 #include "platform/hop_probe.h"
 #include "platform/http_client.h"
-#include "platform/http_transfer.h"
 #include "platform/instance_claim.h"
 #include "platform/location_manager.h"
 #include "platform/network_configuration.h"
@@ -47,7 +46,6 @@ struct Platform {
     std::unique_ptr<SleepMonitor> sleepMonitor;
     std::unique_ptr<UrlOpener> urlOpener;
     std::unique_ptr<HttpClient> httpClient;
-    std::unique_ptr<HttpTransfers> httpTransfers;
     std::shared_ptr<ConnectionFactory> connections;
     std::shared_ptr<HopProbeFactory> hopProbes;
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that may outlive all other objects

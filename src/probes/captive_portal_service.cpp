@@ -21,7 +21,7 @@ void CaptivePortalService::start()
 
 void CaptivePortalService::checkForCaptivePortal()
 {
-    m_http.get({.url = m_captiveURL, .timeLimit = timeLimit}, this,
+    m_http.send({.url = m_captiveURL, .silenceLimit = silenceLimit, .timeLimit = timeLimit}, this,
         [this](const platform::HttpAnswer& answer) { publish(judgePortal(answer)); });
 }
 

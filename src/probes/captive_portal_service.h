@@ -20,7 +20,8 @@ class CaptivePortalService : public QObject {
 
 public:
     static constexpr std::chrono::milliseconds checkInterval {30000};
-    static constexpr std::chrono::milliseconds timeLimit {5000};
+    static constexpr std::chrono::milliseconds silenceLimit {5000}; ///< without any progress
+    static constexpr std::chrono::milliseconds timeLimit {15000}; ///< a loaded link is no portal
 
     /// All outlive this. `captiveURL` is the page to fetch; `start` begins to fetch it.
     CaptivePortalService(platform::HttpClient& http, platform::UrlOpener& opener,

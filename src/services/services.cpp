@@ -104,7 +104,7 @@ void Services::makeProbes(const std::optional<QString>& router)
 
 void Services::makeSpeedTest()
 {
-    speedTestService = std::make_unique<diagnostics::SpeedTestService>(*platform.httpTransfers,
+    speedTestService = std::make_unique<diagnostics::SpeedTestService>(*platform.httpClient,
         *platform.userDefaults, *platform.clock, diagnostics::kSpeedTestServer);
 }
 

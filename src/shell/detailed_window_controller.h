@@ -29,6 +29,8 @@ public:
     void showWindow();
     /// And takes the keyboard.
     void bringToFront();
+    /// See `HostWindow::setNote`.
+    void setNote(const QString& text) { m_host->setNote(text); }
 
 private:
     void restoreFrame();

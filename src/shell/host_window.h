@@ -23,6 +23,8 @@ public:
     /// Gives a window that has no frame a background with corners of this radius (in pixels) below
     /// its view.
     virtual void addBackground(int cornerRadius) = 0;
+    /// A line above the content of the view; empty for none.
+    virtual void setNote(const QString& text) = 0;
     /// Destroys the view and its state. The window is empty then.
     virtual void releaseView() = 0;
 

@@ -23,7 +23,31 @@ private:
     const std::shared_ptr<Made> m_made;
 };
 
-std::unique_ptr<platform::Connection> Connections::probeHop(
+class Connections::Path : public platform::HopPath {
+public:
+    Path(Connections& factory, QString host)
+        : m_factory(factory)
+        , m_host(std::move(host))
+    {
+    }
+
+    std::unique_ptr<platform::Connection> probe(
+        quint16 port, int hopLimit, platform::ConnectionHandler handler) override
+    {
+        return m_factory.make(m_host, port, hopLimit, std::move(handler));
+    }
+
+private:
+    Connections& m_factory;
+    const QString m_host;
+};
+
+std::unique_ptr<platform::HopPath> Connections::pathTo(const QString& host)
+{
+    return std::make_unique<Path>(*this, host);
+}
+
+std::unique_ptr<platform::Connection> Connections::make(
     const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler)
 {
     auto made = std::make_shared<Made>();

@@ -34,10 +34,9 @@ public:
     std::unique_ptr<platform::Connection> connectTcp(
         const QString& host, quint16 port, platform::ConnectionHandler handler) override
     {
-        return probeHop(host, port, 0, std::move(handler));
+        return make(host, port, 0, std::move(handler));
     }
-    std::unique_ptr<platform::Connection> probeHop(const QString& host, quint16 port, int hopLimit,
-        platform::ConnectionHandler handler) override;
+    std::unique_ptr<platform::HopPath> pathTo(const QString& host) override;
 
     /// The answer to one that starts now; absent: it is lost.
     std::function<std::optional<Answer>(const Made&)> script;
@@ -61,6 +60,9 @@ public:
 
 private:
     class Handle;
+    class Path;
+    std::unique_ptr<platform::Connection> make(
+        const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler);
     void start(Made& made);
 
     base::Clock& m_clock;

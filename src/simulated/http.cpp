@@ -1,43 +1,49 @@
 #include "simulated/http.h"
 
 namespace netvane::simulated {
+namespace {
 
-class HttpTransfers::Handle : public platform::HttpTransfer {
-public:
-    Handle(int& running, std::shared_ptr<Started> started)
-        : m_running(running)
-        , m_started(std::move(started))
+/// A request whose end the script gave. Goes with its owner.
+struct UnderWay : QObject {
+    UnderWay(QObject* owner, int& transfers)
+        : QObject(owner)
+        , m_transfers(transfers)
     {
-        ++m_running;
+        ++m_transfers;
     }
-    ~Handle() override
-    {
-        m_started->isGone = true;
-        m_started->timer.reset();
-        --m_running;
-    }
+    ~UnderWay() override { --m_transfers; }
+
+    std::unique_ptr<base::Timer> timer;
 
 private:
-    int& m_running;
-    const std::shared_ptr<Started> m_started;
+    int& m_transfers;
 };
 
-std::unique_ptr<platform::HttpTransfer> HttpTransfers::start(
-    const platform::TransferRequest& request,
-    std::function<void(const platform::TransferOutcome&)> deliver)
+} // namespace
+
+void HttpClient::send(const platform::HttpRequest& request, QObject* owner,
+    std::function<void(const platform::HttpAnswer&)> deliver)
 {
-    auto one = std::make_shared<Started>();
-    one->request = request;
-    one->deliver = std::move(deliver);
-    if (script) {
-        const auto [time, receivedBytes] = script(request);
-        const platform::TransferOutcome outcome {receivedBytes, m_clock.monotonicNow() + time, {}};
-        one->timer = m_clock.after(std::chrono::ceil<std::chrono::milliseconds>(time),
-            [deliver = one->deliver, outcome] { deliver(outcome); });
-    } else {
-        started.push_back(one);
+    if (!script) {
+        pending.push_back({request, owner, std::move(deliver)});
+        return;
     }
-    return std::make_unique<Handle>(running, std::move(one));
+    auto [time, answer] = script(request);
+    answer.endedAt = m_clock.monotonicNow() + time;
+    auto* underWay = new UnderWay(owner, request.keepsBody ? pages : transfers);
+    underWay->timer = m_clock.after(std::chrono::ceil<std::chrono::milliseconds>(time),
+        [underWay, deliver = std::move(deliver), answer = std::move(answer)] {
+            underWay->deleteLater();
+            deliver(answer);
+        });
+}
+
+void HttpClient::answer(const platform::HttpAnswer& answer)
+{
+    const Pending first = std::move(pending.front());
+    pending.erase(pending.begin());
+    if (first.owner)
+        first.deliver(answer);
 }
 
 } // namespace netvane::simulated

@@ -33,7 +33,6 @@ struct SimulatedPlatform {
     StatusNotifierHost& host;
     UrlOpener& opener;
     HttpClient& http;
-    HttpTransfers& transfers;
     Connections& connections; ///< those of hop probes, too
     UserDefaults& defaults;
     UserNotifications& notifications;

@@ -5,6 +5,7 @@
 #include "desktop/bus_name_claim.h"
 #include "desktop/freedesktop_notifications.h"
 #include "desktop/portal_appearance.h"
+#include "desktop/portal_proxies.h"
 #include "desktop/session_status_notifier_host.h"
 #include "desktop/settings_file.h"
 #include "desktop/suspend_watch.h"
@@ -43,8 +44,9 @@ platform::Platform makePlatform()
     platform.sleepMonitor = std::make_unique<desktop::SuspendWatch>(*platform.clock);
     platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
     platform.networkConfiguration = std::make_unique<net::LinuxNetworkConfiguration>();
-    platform.httpClient = std::make_unique<net::CurlHttpClient>(*platform.clock);
-    platform.httpTransfers = std::make_unique<net::CurlHttpClient>(*platform.clock);
+    platform.httpClient = std::make_unique<net::CurlHttpClient>(*platform.clock,
+        [proxies = desktop::PortalProxies(*sessionBus)](
+            const auto& url, auto* owner, const auto& take) { proxies.lookUp(url, owner, take); });
     platform.connections = std::make_shared<net::SocketConnections>(*platform.clock);
     platform.hopProbes = std::make_shared<net::SocketHopProbes>(*platform.clock);
     platform.resolver = std::make_shared<net::SystemResolver>();

@@ -97,6 +97,12 @@ void QuickWindow::addBackground(int cornerRadius)
         {{u"parent"_s, QVariant::fromValue(m_view->contentItem())}, {u"radius"_s, cornerRadius}});
 }
 
+void QuickWindow::setNote(const QString& text)
+{
+    if (auto* root = m_view->rootObject())
+        root->setProperty("note", text);
+}
+
 std::optional<int> QuickWindow::preferredHeight() const
 {
     const auto* root = m_view->rootObject();

@@ -34,6 +34,7 @@ public:
     QWindow& window() override { return *m_view; }
     std::optional<int> preferredHeight() const override;
     void addBackground(int cornerRadius) override;
+    void setNote(const QString& text) override;
     void releaseView() override;
 
 private:

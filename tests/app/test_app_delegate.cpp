@@ -50,6 +50,26 @@ private Q_SLOTS:
         }
     }
 
+    /// No line tells of an item that is not there.
+    void statusItemLines()
+    {
+        const QStringList item {u"StatusBarManager: Status bar button created"_s,
+            u"StatusBarManager: Button action configured - frame: (0.0, 0.0, 22.0, 22.0)"_s,
+            u"StatusBarManager: Status bar item setup complete - should be visible"_s};
+        const QString missing = u"ERROR: Failed to create status bar button"_s;
+        World world;
+        world.host.setPresent(false);
+        world.launchAll();
+        QVERIFY(m_log.take().contains(u"StatusBarManager: Setting up status bar item..."_s));
+        world.clock->advance(3s);
+        const QStringList waited = m_log.take();
+        QVERIFY(waited.contains(missing) && waited.filter(u"StatusBarManager"_s).isEmpty());
+        world.host.setPresent(true);
+        QCOMPARE(m_log.take(), item);
+        world.clock->advance(3s);
+        QVERIFY(!m_log.take().contains(missing));
+    }
+
     void gatewayAnswerAfterTheEnd()
     {
         World gone;
@@ -85,7 +105,8 @@ private Q_SLOTS:
 
         world.delegate->speedTestService()->runSpeedTest(nullptr);
         world.delegate->applicationWillTerminate();
-        QVERIFY(world.transfers.started.front()->isGone);
+        QVERIFY(!world.http.pending.back().owner);
+        world.http.pending.pop_back();
         QVERIFY(!world.delegate->speedTestService()->isRunning());
         world.clock->advance(60s);
         world.settle();

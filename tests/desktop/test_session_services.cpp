@@ -1,4 +1,5 @@
 #include "desktop/portal_appearance.h"
+#include "desktop/portal_proxies.h"
 #include "desktop/session_status_notifier_host.h"
 #include "desktop/suspend_watch.h"
 #include "support/fake_bus_service.h"
@@ -38,17 +39,44 @@ private Q_SLOTS:
         test::FakeBusService portal(m_world.bus.address(), u"org.freedesktop.portal.Desktop"_s,
             path, test::reply({wrapped(wrapped(1U))}));
         QTRY_COMPARE(appearance.colorScheme(), ColorScheme::Dark);
+        test::FakeBusService stranger(
+            m_world.bus.address(), u"org.example.Other"_s, path, test::kSilence);
         const QString group = u"org.freedesktop.appearance"_s;
         const QString key = u"color-scheme"_s;
-        for (const QVariantList& arguments : {QVariantList {u"other"_s, key, wrapped(0U)},
-                 {group, key, 0U}, {}, {group, key, wrapped(2U)}}) {
+        const std::pair<test::FakeBusService&, QVariantList> sent[]
+            = {{stranger, {group, key, wrapped(0U)}}, {portal, {u"other"_s, key, wrapped(0U)}},
+                {portal, {group, key, 0U}}, {portal, {}}, {portal, {group, key, wrapped(2U)}}};
+        for (const auto& [sender, arguments] : sent) {
             auto signal = QDBusMessage::createSignal(
                 path, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
             signal.setArguments(arguments);
-            portal.send(signal);
+            sender.send(signal);
+            sender.flush();
         }
         QTRY_COMPARE(appearance.colorScheme(), ColorScheme::Light);
         QCOMPARE(changed.count(), 2);
+    }
+
+    void proxies()
+    {
+        const desktop::PortalProxies proxies(*m_link);
+        test::FakeBusService portal(m_world.bus.address(), u"org.freedesktop.portal.Desktop"_s,
+            u"/org/freedesktop/portal/desktop"_s, test::error(u"no.portal"_s));
+        std::optional<QByteArray> found;
+        const std::pair<QVariant, QByteArray> answers[]
+            = {{QVariant(), ""}, {u"http://a:1"_s, ""}, {QStringList(), ""},
+                {QStringList(u"direct://"_s), ""}, {QStringList(u"file:///etc/passwd"_s), ""},
+                {QStringList {u"http://me:it@a.test:1"_s, u"direct://"_s}, "http://me:it@a.test:1"},
+                {QStringList(u"socks://a.test:1"_s), "socks5h://a.test:1"}};
+        for (const auto& [answer, proxy] : answers) {
+            if (answer.isValid())
+                portal.answer = test::reply({answer});
+            proxies.lookUp(QUrl(u"https://b.test/"_s), this,
+                [&](const QByteArray& address) { found = address; });
+            QTRY_VERIFY(found);
+            QCOMPARE(*std::exchange(found, {}), proxy);
+            QCOMPARE(portal.calls.last().arguments(), QVariantList {u"https://b.test/"_s});
+        }
     }
 
     void statusArea()

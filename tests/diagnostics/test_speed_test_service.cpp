@@ -28,7 +28,7 @@ class TestSpeedTestService : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_transfers.started.clear();
+        m_http.pending.clear();
         m_defaults.values.clear();
         make();
         m_log.take();
@@ -38,17 +38,20 @@ private Q_SLOTS:
     {
         m_service->runSpeedTest(nullptr);
         m_service->runSpeedTest(nullptr); // ignored
+        QCOMPARE(m_http.pending.size(), size_t(1));
+        const auto download = m_http.pending.front().request;
         end(2s, {.receivedBytes = kSize});
-        QVERIFY(m_transfers.started[0]->isGone && m_service->isRunning() && !m_service->result());
+        QVERIFY(m_service->isRunning() && !m_service->result());
+        const auto upload = m_http.pending.front().request;
         end(4s, {.receivedBytes = 17});
-        QCOMPARE(m_transfers.started.size(), size_t(2));
-        const auto& download = m_transfers.started[0]->request;
-        const auto& upload = m_transfers.started[1]->request;
+        QVERIFY(m_http.pending.empty());
         QCOMPARE(download.url, QUrl(u"https://speed.test/__down?bytes=5000000"_s));
         QCOMPARE(upload.url, QUrl(u"https://speed.test/__up"_s));
         QVERIFY(!download.uploadSize && upload.uploadSize == kSize);
+        QVERIFY(download.keepsConnection && !upload.keepsConnection); // the second uses the first's
         for (const auto& request : {download, upload})
-            QVERIFY(request.answerLimit == 4 * kSize && request.silenceLimit == 60s);
+            QVERIFY(request.bodyLimit == 4 * kSize && request.silenceLimit == 60s
+                && !request.timeLimit && !request.keepsBody);
 
         QVERIFY(!m_service->isRunning());
         const SpeedTestResult result = m_service->result().value();
@@ -64,10 +67,10 @@ private Q_SLOTS:
     void failures()
     {
         QVERIFY(!megabitsPerSecond(kSize, 0s));
-        const platform::TransferOutcome cut {.receivedBytes = kSize, .errorText = u"cut"_s};
+        const platform::HttpAnswer cut {.receivedBytes = kSize, .errorText = u"cut"_s};
         for (const bool hasDownload : {true, false}) {
             m_service->runSpeedTest(nullptr);
-            end(1s, hasDownload ? platform::TransferOutcome {.receivedBytes = 1} : cut);
+            end(1s, hasDownload ? platform::HttpAnswer {.receivedBytes = 1} : cut);
             end(1s, cut);
             QCOMPARE(m_service->result()->downloadSpeed.has_value(), hasDownload);
             QVERIFY(!m_service->result()->uploadSpeed);
@@ -85,17 +88,18 @@ private Q_SLOTS:
         auto router = std::make_unique<probes::PingService>(
             u"192.0.2.1"_s, u"router"_s, m_clock, connections);
         const auto publish = [&](int ms) {
-            router->stop();
-            router->start();
             m_clock.advance(std::chrono::milliseconds(ms));
             connections.tell(platform::ConnectionState::Ready);
             QCoreApplication::processEvents();
             m_clock.advance(probes::PingService::publishInterval);
         };
+        router->start();
         publish(10);
         m_service->runSpeedTest(router.get());
+        m_http.pending.front().request.notice(); // it is asked in the middle of the download
         publish(35);
         end(1s, {.receivedBytes = kSize});
+        router->probeAtOnce();
         publish(12);
         end(1s, {});
         const auto& result = *m_service->result();
@@ -114,11 +118,11 @@ private Q_SLOTS:
         m_service->runSpeedTest(nullptr);
         end(1s, {.receivedBytes = kSize});
         m_service->cancelTest();
-        QVERIFY(m_transfers.started.back()->isGone && !m_service->isRunning());
+        QVERIFY(!m_http.pending.back().owner && !m_service->isRunning());
         QVERIFY(!m_service->result() && m_service->history().empty() && !stored());
         m_service->runSpeedTest(nullptr);
         m_service.reset();
-        QVERIFY(m_transfers.started.back()->isGone);
+        QVERIFY(!m_http.pending.back().owner);
     }
 
     void historySurvives()
@@ -161,21 +165,21 @@ private:
     void make()
     {
         m_service = std::make_unique<SpeedTestService>(
-            m_transfers, m_defaults, m_clock, QUrl(u"https://speed.test"_s));
+            m_http, m_defaults, m_clock, QUrl(u"https://speed.test"_s));
     }
     /// Ends the transfer under way so long after now, and tells it a little later.
-    void end(std::chrono::milliseconds elapsed, platform::TransferOutcome outcome)
+    void end(std::chrono::milliseconds elapsed, platform::HttpAnswer outcome)
     {
         outcome.endedAt = m_clock.monotonicNow() + elapsed;
         m_clock.advance(elapsed + 300ms);
-        m_transfers.end(outcome);
+        m_http.answer(outcome);
     }
     std::optional<QString> stored() const { return m_defaults.text(SpeedTestService::historyKey); }
     static int whole(std::optional<double> ms) { return int(std::lround(ms.value_or(0))); }
 
     test::CapturedLog m_log;
     simulated::ManualClock m_clock;
-    simulated::HttpTransfers m_transfers {m_clock};
+    simulated::HttpClient m_http {m_clock};
     simulated::UserDefaults m_defaults;
     std::unique_ptr<SpeedTestService> m_service;
 };

@@ -67,8 +67,11 @@ ip -n r1 route add prohibit 203.0.113.0/24
 ip route add prohibit 192.0.2.0/24
 )";
 
+std::atomic<int> s_lookUps = 0;
+
 net::HostAddresses lookUp(const std::string& host, std::uint16_t port)
 {
+    ++s_lookUps;
     if (host == "four.test")
         return {net::addressesOfLiteral("10.0.4.2", port), {}};
     if (host == "six.test")
@@ -84,15 +87,16 @@ bool dropPrivileges()
     return ::prctl(PR_SET_DUMPABLE, 1) == 0; // a leak checker needs it
 }
 
-/// Answers each datagram with one.
-void answerAt(QUdpSocket& socket, const QString& address, quint16 port)
+/// Answers each datagram with one, and keeps the ports that they come from.
+void answerAt(QUdpSocket& socket, QSet<quint16>& from, const QString& address, quint16 port)
 {
     QVERIFY(socket.bind(QHostAddress(address), port));
-    QObject::connect(&socket, &QUdpSocket::readyRead, &socket, [&socket] {
+    QObject::connect(&socket, &QUdpSocket::readyRead, &socket, [&socket, &from] {
         QHostAddress sender;
         quint16 senderPort = 0;
         while (socket.hasPendingDatagrams()) {
             socket.readDatagram(nullptr, 0, &sender, &senderPort);
+            from += senderPort;
             socket.writeDatagram("here", 4, sender, senderPort);
         }
     });
@@ -123,8 +127,9 @@ private Q_SLOTS:
         QCOMPARE(shell.exitCode(), 0);
         QVERIFY(dropPrivileges());
         std::array<QUdpSocket, TracerouteService::probesPerHop> listeners;
+        QSet<quint16> ports;
         for (size_t i = 0; i < listeners.size(); ++i)
-            answerAt(listeners[i], u"127.0.0.5"_s, quint16(33435 + i));
+            answerAt(listeners[i], ports, u"127.0.0.5"_s, quint16(33435 + i));
         std::vector<std::unique_ptr<TracerouteService>> services;
         for (const auto& [host, hops] : expectations()) {
             services.push_back(std::make_unique<TracerouteService>(m_clock, m_network));
@@ -133,6 +138,8 @@ private Q_SLOTS:
         const auto isRunning = [](const auto& service) { return service->isRunning(); };
         QVERIFY(QTest::qWaitFor(
             [&] { return std::ranges::none_of(services, isRunning); }, kTraceLimitMs));
+        QCOMPARE(ports.size(), 1);
+        QCOMPARE(s_lookUps, 3); // one for each name
         for (const auto& service : services)
             for (const auto& hop : service->hops())
                 m_found[service->targetHost()] += hop.ipAddress;

@@ -38,15 +38,22 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("answers");
         QTest::addColumn<QStringList>("hops");
+        QTest::addColumn<QString>("earlyEnd");
         const QString silent = u"Timeout -"_s;
         const QString router = u"10.0.0.1 2 complete"_s;
         const QString target = kTarget + u" 2 complete"_s;
         QTest::newRow("some probes are lost")
-            << "r-rt-x"_ba << QStringList {u"10.0.0.1 2"_s, kTarget + u" 1 complete"_s};
+            << "r-rt-x"_ba << QStringList {u"10.0.0.1 2"_s, kTarget + u" 1 complete"_s}
+            << QString();
         QTest::newRow("the first that answers names the hop")
-            << "-srttt"_ba << QStringList {u"10.0.0.2 2.5"_s, target};
-        QTest::newRow("nobody, refused, too late") << "---xxxlll---"_ba << QStringList(4, silent);
-        QTest::newRow("no end in sight") << QByteArray(90, 'r') << QStringList(30, router);
+            << "-srttt"_ba << QStringList {u"10.0.0.2 2.5"_s, target} << QString();
+        QTest::newRow("nobody, refused, too late")
+            << "---xxxlll---"_ba << QStringList(4, silent)
+            << u"Hop 4 did not answer; the trace ends there"_s;
+        QTest::newRow("nothing can be sent") << QByteArray(12, 'x') << QStringList(4, silent)
+                                             << u"No probe could be sent: No route to host"_s;
+        QTest::newRow("no end in sight") << QByteArray(90, 'r') << QStringList(30, router)
+                                         << u"The target was not reached within 30 hops"_s;
     }
     void traces()
     {
@@ -68,16 +75,19 @@ private Q_SLOTS:
             m_clock->advance(1ms);
         }
         QTEST(hops(), "hops");
+        QTEST(m_service->earlyEnd(), "earlyEnd");
         QCOMPARE(m_service->hops().back().hopNumber, int(m_service->hops().size()));
         QVERIFY(!m_service->isRunning());
         QCOMPARE(m_clock->timerCount(), 0);
     }
 
-    /// The answer came while the main thread was busy, which hears of the timeout first.
+    /// The answer came while the main thread was busy, which hears of the timeout first. What the
+    /// resolver took is not counted.
     void busyMainThread()
     {
         start(kTarget);
-        m_network->tell({State::Ready, m_clock->monotonicNow() + 12'300us, {}, kTarget});
+        const auto now = m_clock->monotonicNow();
+        m_network->tell({State::Ready, now + 72'300us, {}, kTarget, now + 60ms});
         m_clock->advance(10s);
         QCoreApplication::sendPostedEvents();
         m_clock->advance(100ms);

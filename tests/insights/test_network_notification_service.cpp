@@ -127,6 +127,8 @@ private Q_SLOTS:
         QCOMPARE(m_log.take(),
             QStringList(
                 u"NetworkNotificationService: Failed to send notification: nobody there"_s));
+        move(u"Home"_s);
+        QCOMPARE(sent().size(), 3);
     }
 
     void switchingOffForgets()

@@ -9,7 +9,6 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using namespace netvane;
 using platform::HttpAnswer;
-using platform::TransferOutcome;
 using test::httpResponse;
 using test::Script;
 using test::ScriptedHttpServer;
@@ -18,6 +17,34 @@ namespace {
 
 constexpr qint64 kBodyLimit = 64 * 1024;
 constexpr qint64 kAnswerLimit = 4'000'000;
+
+/// Leads to any port of this machine, or refuses to.
+class Proxy : public QTcpServer {
+public:
+    Proxy()
+    {
+        listen(QHostAddress::LocalHost);
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            auto* near = nextPendingConnection();
+            auto* far = new QTcpSocket(near);
+            connect(far, &QTcpSocket::readyRead, near, [=] { near->write(far->readAll()); });
+            connect(near, &QTcpSocket::readyRead, far, [=, this] {
+                const QByteArray bytes = near->readAll();
+                if (far->isOpen()) {
+                    far->write(bytes);
+                    return;
+                }
+                const auto port = bytes.split(' ').value(1).split(':').value(1).toUShort();
+                if (refusal.isEmpty())
+                    far->connectToHost(QHostAddress::LocalHost, port);
+                near->write(refusal.isEmpty() ? "HTTP/1.1 200 OK\r\nX: y\r\n\r\n" : refusal);
+            });
+        });
+    }
+    QByteArray address() const { return "127.0.0.1:" + QByteArray::number(serverPort()); }
+
+    QByteArray refusal;
+};
 
 } // namespace
 
@@ -29,14 +56,14 @@ class TestCurlHttpClient : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_client
-            = std::make_unique<net::CurlHttpClient>(m_clock, ScriptedHttpServer::authorityFile());
+        for (const char* name :
+            {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"})
+            qunsetenv(name);
+        make();
         m_owner = std::make_unique<QObject>();
         m_answers.clear();
         m_server = std::make_unique<ScriptedHttpServer>();
-        m_outcomes.clear();
     }
-    void cleanup() { m_transfer.reset(); }
 
     void tellsWhatCameBack_data()
     {
@@ -85,23 +112,48 @@ private Q_SLOTS:
         QTRY_COMPARE(m_server->openConnections(), 0);
     }
 
-    /// Of a server that says nothing and of one that goes on for ever.
-    void endsAtTheTimeLimit()
+    /// Of a server that accepts and says nothing in the handshake of TLS.
+    void endsAfterSilence()
     {
-        for (const auto then : {Script::Then::StayOpen, Script::Then::Drip}) {
-            init();
-            m_server->script("/", {"HTTP/1.1 200 OK\r\n\r\nx", then});
-            get(m_server->url("/"));
-            QTRY_COMPARE(m_server->requests().size(), 1);
-            m_clock.advance(4999ms);
-            if (then == Script::Then::Drip)
-                QTRY_VERIFY(m_server->endlessBytes() > 20);
-            QVERIFY(m_answers.empty());
+        QTcpServer mute;
+        QVERIFY(mute.listen(QHostAddress::LocalHost));
+        const QUrl url(u"https://127.0.0.1:%1/"_s.arg(mute.serverPort()));
+        for (const auto limit : {5000ms, 60'000ms}) {
+            m_answers.clear();
+            limit == 5000ms ? get(url) : start({.url = url});
+            QTRY_VERIFY(mute.hasPendingConnections());
+            auto* peer = mute.nextPendingConnection();
+            QTRY_VERIFY(peer->bytesAvailable() > 0);
+            m_clock.advance(limit - 1ms);
+            QCOMPARE(m_clock.timerCount(), 1);
             m_clock.advance(1ms);
             QTRY_COMPARE(m_answers.size(), size_t(1));
-            QVERIFY(m_answers.front().errorText && !m_answers.front().body);
-            QTRY_COMPARE(m_server->openConnections(), 0);
+            QVERIFY(m_answers.front().errorText && !m_answers.front().status);
+            QTRY_COMPARE(peer->state(), QTcpSocket::UnconnectedState);
+            QCOMPARE(m_clock.timerCount(), 0);
         }
+    }
+
+    /// A transfer that goes on waits for ever, a page for fifteen seconds in all.
+    void slowIsNotSilent()
+    {
+        m_server->script("/", {"HTTP/1.1 200 OK\r\n\r\nx", Script::Then::Drip});
+        for (const auto step : {30s, 2s}) {
+            m_owner = std::make_unique<QObject>();
+            step == 30s ? start({.url = m_server->url("/")}) : get(m_server->url("/"));
+            for (int steps = 0; steps < 7; ++steps) {
+                const auto before = m_server->endlessBytes();
+                QTRY_VERIFY(m_server->endlessBytes() > before + 20);
+                m_clock.advance(step);
+                QCOMPARE(m_clock.timerCount(), 1);
+            }
+        }
+        m_clock.advance(999ms);
+        QCOMPARE(m_clock.timerCount(), 1);
+        m_clock.advance(1ms);
+        QTRY_COMPARE(m_answers.size(), size_t(1));
+        QVERIFY(m_answers.front().errorText && !m_answers.front().body);
+        QTRY_COMPARE(m_server->openConnections(), 0);
     }
 
     /// As that of a network's login page may be.
@@ -153,6 +205,7 @@ private Q_SLOTS:
         QTest::newRow("one more") << httpResponse("200 OK", "", body + "x") << kAnswerLimit + 1
                                   << u"far more"_s;
         QTest::newRow("cut") << whole.chopped(1) << kAnswerLimit - 1 << u"closed"_s;
+        QTest::newRow("refused") << httpResponse("429 No", "", "no") << qint64(2) << u"429"_s;
     }
     void downloads()
     {
@@ -160,80 +213,93 @@ private Q_SLOTS:
         QFETCH(QString, error);
         m_server->script("/", {bytes});
         start({.url = m_server->url("/")});
-        QTRY_COMPARE(m_outcomes.size(), size_t(1));
-        const TransferOutcome& outcome = m_outcomes.front();
-        QTEST(outcome.receivedBytes, "received");
-        QCOMPARE(outcome.errorText.has_value(), !error.isEmpty());
-        const QString errorText = outcome.errorText.value_or(QString());
+        QTRY_COMPARE(m_answers.size(), size_t(1));
+        const HttpAnswer& answer = m_answers.front();
+        QTEST(answer.receivedBytes, "received");
+        QCOMPARE(answer.errorText.has_value(), !error.isEmpty());
+        const QString errorText = answer.errorText.value_or(QString());
         QVERIFY2(errorText.contains(error), qPrintable(errorText));
-        QCOMPARE(outcome.endedAt, m_clock.monotonicNow());
+        QCOMPARE(answer.endedAt, m_clock.monotonicNow());
         QTRY_COMPARE(m_server->openConnections(), 0);
     }
 
-    void endsAfterAMinuteOfSilence()
+    /// Also when it turns out to be closed.
+    void uploadsOnTheConnectionThatIsThere()
     {
-        m_server->script("/", {"", Script::Then::StayOpen});
-        start({.url = m_server->url("/")});
-        QTRY_COMPARE(m_server->requests().size(), 1);
-        m_clock.advance(59'999ms);
-        QVERIFY(m_outcomes.empty());
-        m_clock.advance(1ms);
-        QTRY_COMPARE(m_outcomes.size(), size_t(1));
-        QVERIFY(m_outcomes.front().errorText);
-        QTRY_COMPARE(m_server->openConnections(), 0);
-        QCOMPARE(m_clock.timerCount(), 0);
-    }
-
-    void waitsWhileSomethingComes()
-    {
-        m_server->script("/", {"HTTP/1.1 200 OK\r\n\r\nx", Script::Then::Drip});
-        start({.url = m_server->url("/")});
-        for (int halfMinutes = 0; halfMinutes < 3; ++halfMinutes) {
-            const auto before = m_server->endlessBytes();
-            QTRY_VERIFY(m_server->endlessBytes() > before + 20);
-            m_clock.advance(30s);
-            QVERIFY(m_outcomes.empty());
+        for (const auto then : {Script::Then::StayOpen, Script::Then::Close}) {
+            init();
+            m_server->script("/", {httpResponse("200 OK", "", "x"), then});
+            int notices = 0;
+            start({.url = m_server->url("/"),
+                .keepsConnection = true,
+                .notice = [&] { ++notices; },
+                .noticeBytes = 1});
+            QTRY_COMPARE(m_answers.size(), size_t(1));
+            QCOMPARE(notices, 1);
+            start({.url = m_server->url("/"), .uploadSize = 3'000'000});
+            QTRY_COMPARE(m_answers.size(), size_t(2));
+            QVERIFY(!m_answers.back().errorText);
+            QCOMPARE(m_server->connectionCount(), then == Script::Then::Close ? 2 : 1);
+            QVERIFY(m_server->requests().back().contains("\r\nContent-Length: 3000000\r\n"));
+            QTRY_COMPARE(m_server->openConnections(), 0);
         }
-        m_transfer.reset();
-        QTRY_COMPARE(m_server->openConnections(), 0);
-        QVERIFY(m_outcomes.empty());
-        QCOMPARE(m_clock.timerCount(), 0);
     }
 
-    void uploads()
+    /// The desktop is asked for it, again when nobody answers and after five minutes.
+    void proxy()
     {
-        m_server->script("/", {httpResponse("500 No", "", "no")});
-        start({.url = m_server->url("/"), .uploadSize = 3'000'000});
-        QTRY_COMPARE(m_outcomes.size(), size_t(1));
-        QVERIFY(!m_outcomes.front().errorText);
-        QVERIFY(m_server->requests().front().contains("\r\nContent-Length: 3000000\r\n"));
+        Proxy proxy;
+        QByteArray address = "http://me:secret@" + proxy.address();
+        int asked = 0;
+        make([&](const QUrl&, QObject*, const auto& take) {
+            ++asked;
+            take(address);
+        });
+        m_server->script("/", {httpResponse("200 OK", "", "hello")});
+        const auto fetch = [&](int status, int askedByThen) {
+            m_answers.clear();
+            get(m_server->url("/"));
+            QTRY_COMPARE(m_answers.size(), size_t(1));
+            QCOMPARE(m_answers.front().status.value_or(0), status);
+            QCOMPARE(m_answers.front().body.has_value(), status == 200);
+            QVERIFY(!m_answers.front().errorText.value_or(QString()).contains(u"secret"));
+            QCOMPARE(asked, askedByThen);
+        };
+        fetch(200, 1);
+        proxy.refusal = "HTTP/1.1 407 Who are you\r\nContent-Length: 0\r\n\r\n";
+        fetch(407, 1);
+        m_clock.advance(5min);
+        address.replace("http:", "odd:");
+        fetch(0, 2);
+        address.clear();
+        fetch(200, 3);
+        qputenv("https_proxy", proxy.address());
+        fetch(407, 3);
     }
 
 private:
-    void get(const QUrl& url)
+    void make(const net::ProxyLookup& lookUpProxy = {})
     {
-        m_client->get({.url = url, .bodyLimit = kBodyLimit}, m_owner.get(),
+        m_client = std::make_unique<net::CurlHttpClient>(
+            m_clock, lookUpProxy, ScriptedHttpServer::authorityFile());
+    }
+    void get(const QUrl& url) { send({.url = url, .bodyLimit = kBodyLimit, .timeLimit = 15s}); }
+    void start(platform::HttpRequest request)
+    {
+        request.bodyLimit = kAnswerLimit;
+        request.keepsBody = false;
+        request.silenceLimit = 60s;
+        send(request);
+    }
+    void send(const platform::HttpRequest& request)
+    {
+        m_client->send(request, m_owner.get(),
             [this](const HttpAnswer& answer) { m_answers.push_back(answer); });
-    }
-
-    std::function<void(const TransferOutcome&)> keepOutcome()
-    {
-        return [this](const TransferOutcome& outcome) {
-            m_outcomes.push_back(outcome);
-            m_transfer.reset(); // as owners do
-        };
-    }
-    void start(platform::TransferRequest request)
-    {
-        request.answerLimit = kAnswerLimit;
-        m_transfer = m_client->start(request, keepOutcome());
     }
 
     simulated::ManualClock m_clock;
     std::unique_ptr<net::CurlHttpClient> m_client;
     std::unique_ptr<ScriptedHttpServer> m_server;
-    std::unique_ptr<platform::HttpTransfer> m_transfer;
-    std::vector<TransferOutcome> m_outcomes;
     std::unique_ptr<QObject> m_owner; // goes before the client
     std::vector<HttpAnswer> m_answers;
 };

@@ -28,7 +28,8 @@ private Q_SLOTS:
     {
         m_service.start();
         QCOMPARE(m_http.pending[0].request.url, kProbe);
-        QCOMPARE(m_http.pending[0].request.timeLimit, 5000ms);
+        QCOMPARE(m_http.pending[0].request.silenceLimit, 5000ms);
+        QCOMPARE(m_http.pending[0].request.timeLimit, std::optional(15000ms));
         m_clock.advance(29999ms);
         QCOMPARE(m_http.pending.size(), size_t(1));
         m_clock.advance(1ms);
@@ -74,7 +75,7 @@ private:
     }
 
     simulated::ManualClock m_clock;
-    simulated::HttpClient m_http;
+    simulated::HttpClient m_http {m_clock};
     simulated::UrlOpener m_opener;
     probes::CaptivePortalService m_service {m_http, m_opener, m_clock, kProbe};
 };

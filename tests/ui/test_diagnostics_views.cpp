@@ -52,7 +52,7 @@ private Q_SLOTS:
         ViewFixture view = world.show(u"SpeedTestView"_s, state);
         const auto end = [&](std::chrono::seconds duration, std::optional<QString> error = {}) {
             world.clock.advance(duration);
-            world.simulated.transfers.end({.receivedBytes = 5'000'000,
+            world.simulated.http.answer({.receivedBytes = 5'000'000,
                 .endedAt = world.clock.monotonicNow(),
                 .errorText = error});
             QCoreApplication::processEvents();
@@ -65,7 +65,7 @@ private Q_SLOTS:
         view.click(u"Retest"_s);
         end(2s);
         end(1s, u"no route"_s);
-        QVERIFY(!view.shows(u"Upload Speed"_s));
+        QVERIFY(!view.shows(u"Upload Speed"_s) && view.shows(u"The upload failed: no route"_s));
         world.services.routerPingService->start();
         world.ping(10ms, {});
         state.runTest();
@@ -94,9 +94,10 @@ private Q_SLOTS:
         // A window that is not painted meanwhile is not laid out either, until it is resized.
         service.setHistory({});
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        service.setHistory({past(3)});
+        service.setHistory({past(3), {.timestamp = world.clock.now()}});
         view.root().setWidth(view.root().width() + 20);
-        QCOMPARE(view.texts().last(), u"3703.7"_s);
+        QCOMPARE(view.texts().mid(view.texts().size() - 3, 3).first(), u"3703.7"_s);
+        QCOMPARE(view.texts().last(), u"failed"_s);
         view.click(u"Clear"_s);
         QCOMPARE(world.simulated.defaults.text(u"speedTestHistory"_s), u"[]"_s);
         QVERIFY(!view.shows(u"Recent Tests"_s));
@@ -126,6 +127,10 @@ private Q_SLOTS:
         world.hop({});
         QCOMPARE(view.texts().mid(4),
             QStringList({u"1"_s, u"192.0.2.1"_s, u"12.0 ms"_s, u"2"_s, u"Timeout"_s, u"*"_s}));
+        view.click(u"Stop"_s);
+        service.startTrace(u"localhost"_s);
+        world.clock.advance(0ms);
+        QVERIFY(!view.texts().filter(u"Nothing to trace: "_s).isEmpty());
         QCOMPARE(view.problems(), QStringList());
     }
 

@@ -27,6 +27,8 @@ QVariant speedText(const std::optional<diagnostics::SpeedTestResult>& result,
 QString RecentSpeedTest::summary() const
 {
     QString text = elapsed;
+    if (hasFailed())
+        text += u", failed"_s;
     if (download.isValid())
         text += u", download %1 Mbps"_s.arg(download.toString());
     if (upload.isValid())
@@ -71,6 +73,11 @@ QVariant SpeedTestState::lagMessage() const
 {
     const auto& result = m_service.result();
     return result ? orUndefined(result->lagUnderLoadMessage()) : QVariant();
+}
+
+QString SpeedTestState::note() const
+{
+    return isRunning() ? QString() : m_service.problem();
 }
 
 void SpeedTestState::runTest()

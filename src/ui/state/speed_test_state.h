@@ -20,6 +20,8 @@ struct RecentSpeedTest {
     Q_PROPERTY(QString elapsed MEMBER elapsed)
     Q_PROPERTY(QVariant download MEMBER download)
     Q_PROPERTY(QVariant upload MEMBER upload)
+    /// Both did.
+    Q_PROPERTY(bool hasFailed READ hasFailed)
     /// The whole row for screen readers.
     Q_PROPERTY(QString summary READ summary)
 
@@ -28,6 +30,7 @@ public:
     QVariant download;
     QVariant upload;
 
+    bool hasFailed() const { return !download.isValid() && !upload.isValid(); }
     QString summary() const;
     bool operator==(const RecentSpeedTest&) const = default;
 };
@@ -44,6 +47,8 @@ class SpeedTestState : public QObject {
     Q_PROPERTY(QVariant uploadSpeed READ uploadSpeed NOTIFY resultChanged)
     /// Undefined when there was no lag to tell of.
     Q_PROPERTY(QVariant lagMessage READ lagMessage NOTIFY resultChanged)
+    /// What the latest test could not measure, and why; empty while one runs.
+    Q_PROPERTY(QString note READ note NOTIFY isRunningChanged)
     /// Newest first.
     Q_PROPERTY(
         QList<netvane::ui::RecentSpeedTest> recentTests READ recentTests NOTIFY recentTestsChanged)
@@ -60,6 +65,7 @@ public:
     QVariant downloadSpeed() const;
     QVariant uploadSpeed() const;
     QVariant lagMessage() const;
+    QString note() const;
     QList<RecentSpeedTest> recentTests() const { return m_recentTests; }
     /// Whether all this can be seen.
     void setShown(bool isShown) { m_times.setShown(isShown); }

@@ -46,6 +46,11 @@ QList<TracerouteRow> TracerouteState::hops() const
     return rows;
 }
 
+const QString& TracerouteState::note() const
+{
+    return m_service.earlyEnd();
+}
+
 void TracerouteState::setTargetInput(const QString& input)
 {
     if (std::exchange(m_targetInput, input) != input)

@@ -45,6 +45,8 @@ class TracerouteState : public QObject {
     QML_UNCREATABLE("Made by the dashboard")
     Q_PROPERTY(bool isRunning READ isRunning NOTIFY isRunningChanged)
     Q_PROPERTY(QList<netvane::ui::TracerouteRow> hops READ hops NOTIFY hopsChanged)
+    /// Why the last trace ended early; empty while one runs.
+    Q_PROPERTY(QString note READ note NOTIFY isRunningChanged)
     /// What is typed; the default target at first.
     Q_PROPERTY(QString targetInput READ targetInput WRITE setTargetInput NOTIFY targetInputChanged)
 
@@ -54,6 +56,7 @@ public:
 
     bool isRunning() const;
     QList<TracerouteRow> hops() const;
+    const QString& note() const;
     const QString& targetInput() const { return m_targetInput; }
     void setTargetInput(const QString& input);
 

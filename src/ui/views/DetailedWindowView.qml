@@ -6,6 +6,7 @@ Item {
     id: root
 
     required property DetailedWindowState viewState
+    property string note // of the window itself
 
     implicitWidth: 600
     implicitHeight: 800
@@ -13,9 +14,19 @@ Item {
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
     Component.onCompleted: viewState.appear()
 
+    WrappedText {
+        id: noteText
+        objectName: "window-note"
+        x: 32
+        y: 12
+        width: parent.width - 64
+        visible: root.note !== "" && !root.viewState.showSettings
+        text: root.note
+    }
     ScrollArea {
         objectName: "main-content"
         anchors.fill: parent
+        anchors.topMargin: noteText.visible ? noteText.y + noteText.height : 0
         visible: !root.viewState.showSettings
         focus: visible
         showsIndicator: true

@@ -30,6 +30,13 @@ RowLayout {
         speed: root.modelData.upload
         tint: Theme.lightBlue
     }
+    PlainText {
+        visible: root.modelData.hasFailed
+        text: "failed"
+        font: Theme.caption
+        color: Theme.secondaryText
+        Accessible.ignored: true
+    }
     Item { Layout.fillWidth: true }
 
     component ArrowSpeed: RowLayout {

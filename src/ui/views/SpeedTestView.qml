@@ -39,6 +39,7 @@ Card {
         text: root.viewState.lagMessage ?? ""
         color: Theme.orange
     }
+    CardNote { text: root.viewState.note }
     PushButton {
         visible: !root.viewState.hasResult
         text: "↑↓ Run Speed Test"

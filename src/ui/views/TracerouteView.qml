@@ -48,6 +48,7 @@ Card {
         visible: !root.viewState.isRunning && root.viewState.hops.length === 0
         text: "Enter a hostname or IP address to trace the network path."
     }
+    CardNote { text: root.viewState.note }
     ScrollArea {
         id: scroller
         objectName: "hops"

@@ -28,6 +28,7 @@ run_program
 check "it says so" grep -q "no status area" "$log"
 check "the window opens" window_count 1
 window=$(of_width 600)
+check "of the class that the desktop entry names" has_class_of_entry "$window"
 xdotool windowmove "$window" 50 60
 until_true saved "NetvaneWindow"
 xdotool windowactivate --sync "$window" key alt+F4
@@ -43,6 +44,24 @@ check "and opens the popover" popover_shown; settled
 timeout 20 "$program" >/dev/null 2>&1
 settled; check "a second start now opens nothing" popover_shown
 ends_on_sigterm
+
+# A session bus that accepts and never answers, where Qt wants one for the screen reader.
+desktop silent-bus
+kill -STOP "$bus"
+QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 run_program
+check "it says so" says "session bus does not answer"
+check "the window opens" window_count 1
+timeout 20 "$program" >"$folder/second.log" 2>&1
+check "a second start finds the first one" grep -q "Already running" "$folder/second.log"
+ends_on_sigterm
+kill -CONT "$bus"
+
+# A display that hangs.
+tint2_desktop hanging-display
+at_item; check "the popover opens" popover_shown
+kill -STOP "$xvfb"
+kill "$netvane"; check "the program ends on SIGTERM" ended "$netvane"
+kill -CONT "$xvfb"
 
 # Services stop and start while the program runs.
 desktop services
