@@ -60,7 +60,7 @@ AddressLookup askingOnce(const AddressLookup& lookUp)
         };
 }
 
-/// What the probes of a path share; the last of them may outlive it.
+/// The state that the probes of a path share; the last of them may outlive it.
 struct Path {
     const QString host;
     const AddressLookup lookUp;
