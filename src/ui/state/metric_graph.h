@@ -1,6 +1,6 @@
 #pragma once
 
-#include "probes/metric_data_point.h"
+#include "probes/history.h"
 
 #include <QList>
 #include <QString>
