@@ -1,6 +1,7 @@
 #include "diagnostics/speed_test_service.h"
 
 #include "base/log.h"
+#include "base/publish.h"
 #include "diagnostics/speed_test_json.h"
 
 #include <QUrlQuery>
@@ -189,18 +190,12 @@ void SpeedTestService::loadHistory()
 
 void SpeedTestService::setHistory(std::vector<SpeedTestResult> history)
 {
-    if (m_history == history)
-        return;
-    m_history = std::move(history);
-    Q_EMIT historyChanged();
+    base::publish(*this, m_history, std::move(history), &SpeedTestService::historyChanged);
 }
 
 void SpeedTestService::setRunning(bool isRunning)
 {
-    if (m_isRunning == isRunning)
-        return;
-    m_isRunning = isRunning;
-    Q_EMIT isRunningChanged();
+    base::publish(*this, m_isRunning, isRunning, &SpeedTestService::isRunningChanged);
 }
 
 } // namespace netvane::diagnostics

@@ -14,8 +14,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::insights {
 namespace {
 
-constexpr double kNoticeableRise = 2.0; // of the round trip under load
-
 const QString kNoData = u"\n- No data available"_s;
 
 QString oneDecimal(double value)
@@ -33,7 +31,7 @@ QString dbmOrUnknown(std::optional<int> dbm)
     return dbm ? QString::number(*dbm) + u" dBm"_s : u"Unknown"_s;
 }
 
-/// A line that is there only when its value is.
+/// A line; empty without a value.
 QString line(const QString& label, std::optional<int> value, const QString& unit = {})
 {
     return value ? u"\n- "_s + label + u": "_s + QString::number(*value) + unit : QString();
@@ -104,12 +102,10 @@ QString dnsSection(const ReportInputs& inputs)
 
 QString lagLine(const diagnostics::SpeedTestResult& test)
 {
-    if (!test.pingBefore || !test.pingDuring)
+    const auto rise = test.riseUnderLoad();
+    if (!rise)
         return {};
-    const double ratio = *test.pingDuring / *test.pingBefore;
-    if (!(ratio > kNoticeableRise))
-        return {};
-    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(ratio) + u"x)"_s;
+    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(*rise) + u"x)"_s;
 }
 
 QString speedSection(const std::optional<diagnostics::SpeedTestResult>& test)
@@ -122,7 +118,7 @@ QString speedSection(const std::optional<diagnostics::SpeedTestResult>& test)
         + line(u"Ping During"_s, test->pingDuring, u" ms"_s) + lagLine(*test);
 }
 
-/// A format of QLocale without one of its fields. What stands in quotes there is text.
+/// A format of QLocale without one of its fields. Quoted parts of a format are literal text.
 QString without(const QRegularExpression& field, const QString& format)
 {
     QStringList parts = format.split(u'\'');
@@ -131,8 +127,8 @@ QString without(const QRegularExpression& field, const QString& format)
     return parts.join(u'\'').trimmed();
 }
 
-/// What stands between a date and a time. Qt does not know the word for it in other languages, and
-/// a space is right in all of them.
+/// The separator of date and time. Qt has no word for it in other languages, and a space is correct
+/// in all of them.
 QString dateTimeSeparator(const QLocale& locale)
 {
     const auto language = locale.language();
@@ -154,7 +150,7 @@ QString longDateMediumTime(const QDateTime& time, const QLocale& locale)
     const QString clock = without(s_timeZone, locale.timeFormat(QLocale::LongFormat));
     QString text = locale.toString(time.date(), date) + dateTimeSeparator(locale)
         + locale.toString(time.time(), clock);
-    // Newer Qts take narrow no-break spaces from their tables.
+    // Newer versions of Qt use narrow no-break spaces.
     return text.replace(QChar(0x202F), u' ');
 }
 

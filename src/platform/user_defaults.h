@@ -11,13 +11,13 @@ namespace netvane::platform {
 /// any thread.
 using TextEdit = std::function<QString(const std::optional<QString>& stored)>;
 
-/// Small values that survive restarts, each under a key of its own. What is set can be read back at
-/// once, whether or not it could be stored. Main thread.
+/// Small values that survive restarts, each under its own key. A value can be read back at once,
+/// even if it could not be stored. Main thread.
 class UserDefaults {
 public:
     virtual ~UserDefaults() = default;
 
-    /// Absent when there is nothing under the key, or something of another type.
+    /// Absent without a value of this type under the key.
     virtual std::optional<bool> boolean(const QString& key) const = 0;
     virtual std::optional<QString> text(const QString& key) const = 0;
 

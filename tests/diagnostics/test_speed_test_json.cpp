@@ -45,8 +45,9 @@ private Q_SLOTS:
 
     void lagUnderLoad()
     {
-        const std::tuple<Ping, Ping, QString> rows[] = {{10, 35, u"10ms to 35ms (3.5x)"_s},
-            {12, 24, {}}, {0, 4, u"0ms to 4ms (infx)"_s}, {10, {}, {}}};
+        const std::tuple<Ping, Ping, QString> rows[]
+            = {{10, 35, u"10ms to 35ms (3.5x)"_s}, {12, 24, {}}, {0, 4, u"0ms to 4ms (infx)"_s},
+                {10, {}, {}}, {std::nullopt, 41, {}}, {0, 0, {}}};
         for (const auto& [before, during, figures] : rows) {
             const SpeedTestResult result {.pingBefore = before, .pingDuring = during};
             const QString message

@@ -99,20 +99,7 @@ private Q_SLOTS:
         }
     }
 
-    void lagUnderLoad()
-    {
-        const std::tuple<std::optional<double>, std::optional<double>, QString> rows[]
-            = {{20.0, 40.0, {}}, {20.0, 50.0, u"2.5x"_s}, {std::nullopt, 41.0, {}}, {0.0, 0.0, {}}};
-        for (const auto& [before, during, ratio] : rows) {
-            const ReportInputs inputs {.speedTest
-                = diagnostics::SpeedTestResult {.pingBefore = before, .pingDuring = during}};
-            const QString text = reportText(inputs, kMoment, QLocale::c());
-            QCOMPARE(text.contains(u"Lag Under Load"_s), !ratio.isEmpty());
-            QVERIFY(text.contains(ratio));
-        }
-    }
-
-    /// Whatever the language: no day of the week, no time zone, nothing left over of either.
+    /// In every language: no day of the week, no time zone, no rest of either.
     void datesOfAllLanguages()
     {
         const auto all = QLocale::matchingLocales(
@@ -129,7 +116,7 @@ private Q_SLOTS:
         }
     }
 
-    /// All of a date is in one language, and in that of dates.
+    /// The whole date is in one language, that of LC_TIME.
     void dateInTheUsersLanguage()
     {
         qputenv("LC_ALL", "");
@@ -160,11 +147,11 @@ private Q_SLOTS:
     }
 
 private:
-    /// What the completion says when this is chosen; absent unless it was called once.
+    /// The completion's value after the user chose this; absent unless it was called once.
     std::optional<bool> isSaved(const std::optional<QString>& path)
     {
         QList<bool> completions;
-        m_service.saveReport(kReport, [&](bool written) { completions.append(written); });
+        m_service.saveReport(kReport, [&](bool written, auto) { completions.append(written); });
         if (!completions.isEmpty())
             return {};
         m_savePanel.chosen(path);
