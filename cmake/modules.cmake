@@ -6,9 +6,9 @@ function(netvane_module name)
     target_link_libraries(netvane_${name} PUBLIC netvane_options ${ARG_LINK})
 endfunction()
 
-# netvane_tests(ROOM SOURCES ... LINK ... [WIDGETS]): one test executable for a room. Each source test_NAME.cpp is a class
-# of tests, which ctest runs by itself under ROOM.NAME. Its label is `hermetic` when it includes nothing that needs root,
-# a namespace, a bus or a resolver.
+# netvane_tests(ROOM SOURCES ... LINK ... [WIDGETS]): one test executable for a room. Each source test_NAME.cpp is a
+# class of tests, which ctest runs separately as ROOM.NAME. Its label is `hermetic` when it includes nothing that needs
+# root, a namespace, a bus or a resolver.
 function(netvane_tests room)
     cmake_parse_arguments(ARG "WIDGETS" "" "SOURCES;LINK" ${ARGN})
     set(target test_${room})
@@ -30,14 +30,14 @@ function(netvane_tests room)
         if(NOT needs)
             set_tests_properties(${name} PROPERTIES LABELS hermetic)
         endif()
-        # Freed memory is overwritten (mallopt(3)), so that nobody gets away with reading it, the libraries included.
+        # Freed memory is overwritten (mallopt(3)), so that reading it shows, in libraries too.
         set_tests_properties(${name} PROPERTIES TIMEOUT 60 SKIP_RETURN_CODE 77
             ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;MALLOC_PERTURB_=165")
     endforeach()
 endfunction()
 
-# netvane_services_of_program(VARIABLE LIBRARY...): what the views link, but not where they are made a library that the
-# program loads: there they use the program's own.
+# netvane_services_of_program(VARIABLE LIBRARY...): what the views link, but not when they are built as the library that
+# the program loads: then they use the program's own.
 function(netvane_services_of_program variable)
     set(services ${ARGN})
     list(TRANSFORM services PREPEND "$<$<NOT:$<BOOL:$<TARGET_PROPERTY:NETVANE_IS_LOADED>>>:")
@@ -45,8 +45,8 @@ function(netvane_services_of_program variable)
     set(${variable} ${services} PARENT_SCOPE)
 endfunction()
 
-# netvane_loads_views(PROGRAM): a program without the views, which finds them in a library of their own. The program holds
-# and exports the symbols that the library takes from it, and no others.
+# netvane_loads_views(PROGRAM): a program that loads the views from a separate library. The program contains and exports
+# the symbols that the library needs, and no others.
 function(netvane_loads_views program)
     set(taken ${CMAKE_BINARY_DIR}/netvane-views.symbols)
     target_link_libraries(${program} PRIVATE netvane_app netvane_system)

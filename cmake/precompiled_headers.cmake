@@ -1,6 +1,6 @@
-# Most of a build is reading the same large headers again; they are read once, for code with views and without.
-# Sources name what they use all the same: clang-tidy reads them without this. Not Qt Test, which reads
-# differently in each test.
+# Most of the time of a build is parsing the same large headers. They are parsed once, for code with and without views.
+# Sources still include what they use: clang-tidy reads them without this. Qt Test is left out, since it depends on
+# macros of each test.
 option(NETVANE_PRECOMPILE "Read the large headers once" ON)
 
 function(netvane_precompiled_headers name)
@@ -13,7 +13,7 @@ function(netvane_precompiled_headers name)
 endfunction()
 
 if(NETVANE_PRECOMPILE)
-    # No more than most sources use: what a header leaves to be instantiated is done again in each source.
+    # Only what most sources use: the templates of a header are instantiated again in each source.
     set(core_headers <algorithm> <array> <atomic> <chrono> <functional> <memory> <optional> <string> <vector>
         <QCoreApplication> <QDateTime> <QDir> <QFile> <QHash> <QList> <QMetaType> <QObject> <QPointer> <QSocketNotifier>
         <QString> <QStringList> <QThread> <QTimer> <QUrl> <QVariant>)
@@ -26,7 +26,7 @@ if(NETVANE_PRECOMPILE)
             <QtQmlIntegration>)
 endif()
 
-# netvane_precompile(TARGET LINK...): LINK is what the target links, which tells whether it knows of views.
+# netvane_precompile(TARGET LINK...): LINK is what the target links; it decides whether the target uses views.
 function(netvane_precompile target)
     if(NOT NETVANE_PRECOMPILE)
         return()

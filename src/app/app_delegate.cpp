@@ -3,10 +3,10 @@
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
 #include "base/log.h"
-#include "base/process_memory.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
 #include "probes/network_utils.h"
+#include "probes/ping_service.h"
 #include "probes/probe_targets.h"
 #include "shell/activation_token.h"
 #include "shell/detailed_window_controller.h"
@@ -15,7 +15,10 @@
 #include "wifi/wifi_service.h"
 
 #include <QAction>
+#include <QFile>
 #include <QGuiApplication>
+
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -32,6 +35,19 @@ const QString kWayBack
     = u"This desktop has no status area. Netvane keeps running after you close this window. "
       "To open the window again, start Netvane again. To end Netvane, use Quit in its settings."_s;
 constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
+
+/// The resident set of this process, the second field of /proc/self/statm (proc(5)); absent if it
+/// cannot be read.
+std::optional<double> residentMebibytes()
+{
+    QFile file(u"/proc/self/statm"_s);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return {};
+    bool isNumber = false;
+    const auto pages = file.read(256).split(' ').value(1).toULongLong(&isNumber);
+    const double bytes = double(pages) * double(::sysconf(_SC_PAGESIZE));
+    return isNumber ? std::optional(bytes / kBytesPerMebibyte) : std::nullopt;
+}
 
 } // namespace
 
@@ -69,8 +85,8 @@ void AppDelegate::applicationDidFinishLaunching()
     m_services.makeAll(m_activity);
     setupStatusBar();
     setupMainMenu();
-    m_services.networkUtils->getDefaultGateway(
-        this, [this](const std::optional<QString>& address) { gatewayAnswered(address); });
+    m_services.networkUtils->followDefaultGateway(*m_platform.routeMonitor, this,
+        [this](const std::optional<QString>& address) { gatewayAnswered(address); });
     base::log(logCategory(), u"Netvane: Application launched successfully"_s);
     m_memoryTimer = m_platform.clock->repeat(kMemoryLogInterval, [this] { logMemoryUsage(); });
 }
@@ -103,10 +119,19 @@ void AppDelegate::setupMainMenu()
     base::log(logCategory(), u"Netvane: Global keyboard shortcut ⌘D configured"_s);
 }
 
+/// The first answer makes the probes; a later one that is another address leads the router's probe
+/// there. Without a route it keeps its target.
 void AppDelegate::gatewayAnswered(const std::optional<QString>& address)
 {
-    const QString router = address.value_or(probes::kFallbackGateway);
+    auto* const probe = routerPingService();
+    const QString router = address.value_or(probe ? probe->targetHost() : probes::kFallbackGateway);
+    if (probe && probe->targetHost() == router)
+        return;
     base::log(logCategory(), u"Netvane: Default gateway: "_s + router);
+    if (probe) {
+        probe->setTargetHost(router);
+        return;
+    }
     m_services.makeProbes(router);
     QMetaObject::invokeMethod(this, &AppDelegate::startServices, Qt::QueuedConnection);
 }
@@ -120,6 +145,9 @@ void AppDelegate::startServices()
     setupPopover();
     connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake, this,
         &AppDelegate::sampleAfterSleep);
+    // A reading of the routes that failed is made up for.
+    connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake,
+        m_platform.routeMonitor.get(), &platform::RouteMonitor::routesChanged);
     base::log(logCategory(), u"Netvane: All services started"_s);
     m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
 }
@@ -237,9 +265,8 @@ bool AppDelegate::applicationShouldHandleReopen(bool)
 
 void AppDelegate::logMemoryUsage() const
 {
-    if (const auto bytes = base::residentBytes())
-        base::log(
-            logCategory(), u"Memory: %1 MB"_s.arg(double(*bytes) / kBytesPerMebibyte, 0, 'f', 1));
+    if (const auto mebibytes = residentMebibytes())
+        base::log(logCategory(), u"Memory: %1 MB"_s.arg(*mebibytes, 0, 'f', 1));
 }
 
 } // namespace netvane::app

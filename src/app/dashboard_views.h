@@ -13,8 +13,8 @@ struct Services;
 
 namespace netvane::app {
 
-/// Makes the program's windows with their contents, new ones at each call. A window lives no longer
-/// than this. Main thread.
+/// Makes the program's windows with their contents, new ones at each call. Outlives the windows.
+/// Main thread.
 class DashboardViews {
 public:
     virtual ~DashboardViews() = default;
@@ -24,7 +24,7 @@ public:
 };
 
 /// Makes the views of services that all exist. The shortcuts of `menu` work in each window. Both
-/// outlive the views. Null where there are no views to be had; the user was told then.
+/// outlive the views. Null if the views cannot be loaded; the user got a message then.
 using MakeViews = std::function<std::unique_ptr<DashboardViews>(
     const services::Services& services, const QMenu& menu)>;
 

@@ -4,8 +4,8 @@
 
 namespace netvane::app {
 
-/// What parts of the shell tell each other without knowing each other: the status item speaks, the
-/// application delegate listens. Main thread.
+/// Events between parts of the program that do not depend on each other: the status item emits, the
+/// application delegate receives. Main thread.
 class NotificationCenter : public QObject {
     Q_OBJECT
 

@@ -7,17 +7,17 @@
 
 namespace netvane::app {
 
-/// What the program says instead of starting.
+/// The text that the program prints instead of starting.
 struct Answer {
     QString text;
-    int status = 0; ///< what it ends with: 0 for what was asked for, 2 for what makes no sense
+    int status = 0; ///< the exit status: 0 for a requested text, 2 for a wrong command line
 
     bool operator==(const Answer&) const = default;
 };
 
-/// What the command line asks for, or is told when it makes no sense; absent when the program is to
-/// start. `arguments` begins with the program's name and still holds the options that Qt takes for
-/// itself. Needs no application object, and so no display.
+/// The answer to the command line; absent if the program is to start. `arguments` begins with the
+/// program's name and still contains the options of Qt. Needs no application object, and so no
+/// display.
 std::optional<Answer> answerTo(const QStringList& arguments);
 
 } // namespace netvane::app

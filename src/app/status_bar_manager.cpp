@@ -128,7 +128,7 @@ void StatusBarManager::togglePopover()
         Q_EMIT m_notifications.popoverDidOpen();
 }
 
-/// The item, else the pointer that clicked on it. Wayland tells neither.
+/// The item, else the pointer that clicked on it. Wayland reports neither.
 std::optional<QRect> StatusBarManager::popoverAnchor() const
 {
     const QRect item = m_statusItem->geometry();

@@ -74,7 +74,7 @@ private:
     shell::PopoverWindow* m_popover = nullptr;
     QMenu m_menu;
     std::unique_ptr<QSystemTrayIcon> m_statusItem;
-    std::optional<QPoint> m_lastClick; ///< where the pointer was; many panels tell no geometry
+    std::optional<QPoint> m_lastClick; ///< of the pointer; many panels report no geometry
     std::unique_ptr<base::Timer> m_ignoring;
 };
 

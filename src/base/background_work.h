@@ -11,8 +11,8 @@
 
 namespace netvane::base {
 
-/// Starts `work` as `runInBackground` does; its result is delivered once what this returns was
-/// called on the thread of `owner`.
+/// Starts `work` as `runInBackground` does and returns a function. The result is delivered after
+/// this function was called on the thread of `owner`.
 template <typename Work, typename Deliver>
 [[nodiscard]] auto startInBackground(WorkQueue& queue, QObject* owner, Work work, Deliver deliver)
 {
@@ -33,10 +33,10 @@ template <typename Work, typename Deliver>
 }
 
 /// Runs `work` on a thread of `queue` and calls `deliver` with its result on the thread of `owner`,
-/// which is the calling one; never once the owner is gone. For work that ends in bounded time; for
-/// calls that may hang for ever there is `runDetached`.
-/// `QFuture::then(owner, ...)` would be shorter, but in Qt 6.4 it looks at the owner from the
-/// thread that did the work, while the owner may be destroyed.
+/// which is the calling one; never after the owner is destroyed. For work that ends in bounded
+/// time; `runDetached` is for calls that may block for ever. `QFuture::then(owner, ...)` would be
+/// shorter, but in Qt 6.4 it accesses the owner from the worker thread, while the owner may be
+/// destroyed.
 template <typename Work, typename Deliver>
 void runInBackground(WorkQueue& queue, QObject* owner, Work work, Deliver deliver)
 {

@@ -13,8 +13,8 @@
 namespace netvane::base {
 namespace {
 
-/// Tells one thread that another is done; the last of them closes the descriptor. An eventfd and
-/// not a posted event, because there may be no application left to post to.
+/// Signals one thread that another has finished; the last user closes the descriptor. It is an
+/// eventfd and not a posted event, because the application object may no longer exist.
 class DoneSignal {
 public:
     bool isValid() const { return m_descriptor.isOpen(); }
@@ -23,9 +23,9 @@ public:
     void set()
     {
         m_isSet.store(true, std::memory_order_release);
-        (void)::eventfd_write(m_descriptor.get(), 1); // the first one always has room
+        (void)::eventfd_write(m_descriptor.get(), 1); // the first write never blocks
     }
-    /// What was written before `set` can be read once this is true.
+    /// Memory that was written before `set` may be read once this is true.
     bool isSet() const { return m_isSet.load(std::memory_order_acquire); }
 
 private:
@@ -39,7 +39,7 @@ bool startThread(std::function<void()> work)
         std::thread(std::move(work)).detach();
         return true;
     } catch (const std::system_error&) {
-        return false; // the standard library has no other way to say that there are too many
+        return false; // std::thread has no other way to report that there are too many
     }
 }
 
@@ -51,7 +51,7 @@ bool startDetached(QObject* owner, std::function<void()> work, std::function<voi
     const auto signal = std::make_shared<DoneSignal>();
     if (!signal->isValid() || !startThread([signal, work = std::move(work)]() mutable {
             work();
-            work = nullptr; // what it holds goes before the owner has the value
+            work = nullptr; // its captures are destroyed before the owner gets the value
             signal->set();
         }))
         return false;

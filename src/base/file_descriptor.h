@@ -6,11 +6,11 @@
 
 namespace netvane::base {
 
-/// Owns a file descriptor; closes it when it goes.
+/// Owns a file descriptor and closes it.
 class FileDescriptor {
 public:
     FileDescriptor() = default;
-    /// What a system call returned: negative when it failed.
+    /// The result of a system call; negative if it failed.
     explicit FileDescriptor(int descriptor)
         : m_descriptor(descriptor)
     {

@@ -18,24 +18,26 @@
 namespace netvane::base {
 namespace {
 
-// Of UTF-16; in UTF-8 it then is what a pipe takes whole or not at all (pipe(7)), line feed
-// included.
+// In units of UTF-16. In UTF-8 the line then fits in PIPE_BUF, line feed included, so that its
+// write to a pipe is atomic (pipe(7)).
 constexpr qsizetype kLongestLine = PIPE_BUF / 3 - 1;
 
 std::atomic<LogSink> g_sink = nullptr;
 
-/// A descriptor that is closed when the program starts would be given to the first thing that is
-/// opened, a connection say, and with it all that is written to standard error.
+/// If a standard descriptor is closed at the start, the first file or socket that is opened gets
+/// its number, and then receives all that is written to standard error. It is opened for the other
+/// direction, so that what is printed fails as it does on a closed one.
 bool openStandardDescriptors()
 {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", O_RDWR) != descriptor)
+        const int direction = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        if (::fcntl(descriptor, F_GETFD) < 0 && ::open("/dev/null", direction) != descriptor)
             return false;
     }
     return true;
 }
 
-// Before main, since libraries open things, too.
+// Before main, since libraries open files too.
 [[maybe_unused]] const bool g_standardDescriptorsAreOpen = openStandardDescriptors();
 
 /// systemd.exec(5): JOURNAL_STREAM holds "device:inode" of the stream that is the journal.
@@ -49,7 +51,7 @@ bool isJournal(int descriptor)
     return qgetenv("JOURNAL_STREAM") == stream;
 }
 
-/// What syslog(3) does, but without ever waiting for a log daemon that does not read.
+/// Does what syslog(3) does, but never waits for a log daemon that does not read.
 void sendToSystemLog(const QByteArray& line)
 {
     static const int s_socket = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
@@ -64,12 +66,12 @@ void sendToSystemLog(const QByteArray& line)
 
 void writeToStandardError(const QByteArray& line)
 {
-    // A reader that is stuck, or a terminal that was stopped, shall not stop the program.
+    // A blocked reader or a stopped terminal must not block the program.
     pollfd writable {.fd = STDERR_FILENO, .events = POLLOUT};
     if (::poll(&writable, 1, 0) != 1)
         return;
-    // One write, so that lines of different threads never mix. A standard error that is closed or
-    // full is nothing to report anywhere.
+    // One write, so that lines of different threads never mix. There is no place to report that
+    // standard error is closed or full.
     const QByteArray whole = line + '\n';
     [[maybe_unused]] const auto written
         = ::write(STDERR_FILENO, whole.constData(), size_t(whole.size()));

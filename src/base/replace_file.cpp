@@ -23,7 +23,10 @@ bool isOnDisk(int descriptor)
 
 QString replaceFile(const QString& path, const QByteArray& content, FileAccess access)
 {
-    const bool isNew = !QFileInfo::exists(path);
+    const QFileInfo earlier(path);
+    const bool isNew = !earlier.exists();
+    if (!isNew && !earlier.isFile())
+        return u"Not a regular file"_s;
     QSaveFile file(path);
     // Unbuffered, since the buffer of Qt 6.4 takes a write that the disk cut short for a whole one,
     // and a part of the file would take the place of all of it.

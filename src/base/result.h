@@ -7,14 +7,13 @@
 
 namespace netvane::base {
 
-/// What kind of thing went wrong; errno, netlink and D-Bus errors are each mapped to it in one
-/// place.
+/// The kind of a failure. errno, netlink and D-Bus errors are each mapped to it in one place.
 enum class FailureKind {
-    NotAvailable, ///< the kernel subsystem or the service is not there
-    NotFound, ///< it is there, but the device or object asked for is not
+    NotAvailable, ///< the kernel subsystem or the service does not exist
+    NotFound, ///< it exists, but the requested device or object does not
     NotAllowed,
     TimedOut,
-    Interrupted, ///< the answer changed while it was read; asking again may help
+    Interrupted, ///< the answer changed while it was read; a new request may succeed
     Other,
 };
 
@@ -25,7 +24,8 @@ struct Failure {
     bool operator==(const Failure&) const = default;
 };
 
-/// The value of an operation of the platform layer, or why there is none. Must be looked at.
+/// The value of an operation of the platform layer, or the reason why there is none. The caller
+/// must check it.
 template <typename T>
 class [[nodiscard]] Result {
 public:

@@ -8,7 +8,7 @@ namespace netvane::base {
 namespace {
 
 constexpr std::chrono::milliseconds kSoon {250};
-/// From which interval on half a second is little.
+/// From this interval on, timers tick on whole seconds.
 constexpr std::chrono::milliseconds kShared {3000};
 
 class EventLoopTimer : public Timer {
@@ -18,7 +18,7 @@ public:
         m_timer.setInterval(interval);
         m_timer.setSingleShot(once);
         m_timer.setTimerType(once ? Qt::PreciseTimer : Qt::CoarseTimer);
-        // The action is copied out first: it may destroy this timer, and itself with it.
+        // The action is copied first: it may destroy this timer, and itself with it.
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [action = std::move(action)] {
             const auto run = action;
             run();
@@ -30,9 +30,10 @@ private:
     QTimer m_timer;
 };
 
-/// Ticks only whole seconds after `epoch`, so that the processor wakes up once for all that is due
-/// in a second. Qt's very coarse timers keep to the seconds of the system's clock: where one of
-/// those half passes while the program starts, its timers fall into two camps for good.
+/// Ticks only whole seconds after `epoch`, so that the processor wakes up once for all timers that
+/// are due in a second. Qt's very coarse timers are aligned to the seconds of the system clock. If
+/// the program starts around a half second, its timers are rounded to two different seconds and
+/// stay so.
 class WholeSecondTimer : public Timer {
 public:
     WholeSecondTimer(std::chrono::steady_clock::time_point epoch,
@@ -59,7 +60,7 @@ private:
     {
         do
             m_due += m_interval;
-        while (m_due <= Time::now()); // ticks that were missed are not made up for
+        while (m_due <= Time::now()); // missed ticks are skipped
         wind();
         const auto run = m_action; // which may destroy this timer
         run();

@@ -6,7 +6,7 @@
 
 namespace netvane::base {
 
-/// The computer's clocks, and timers of the main thread's event loop.
+/// The clocks of the system, and timers of the main thread's event loop.
 class SystemClock : public Clock {
 public:
     std::chrono::system_clock::time_point now() const override;
@@ -21,7 +21,7 @@ public:
 
 private:
     const std::chrono::steady_clock::time_point m_epoch = std::chrono::steady_clock::now();
-    std::unique_ptr<QTimer> m_turn; ///< of all that is to happen soon
+    std::unique_ptr<QTimer> m_turn; ///< for all calls of `soon`
 };
 
 } // namespace netvane::base

@@ -44,8 +44,8 @@ int openPipe()
     for (const int number : kSignals) {
         struct sigaction previous { };
         ::sigaction(number, nullptr, &previous);
-        // Whoever had one ignored wants us to survive it: nohup(1), a shell for its background
-        // jobs.
+        // A signal that is ignored at the start stays ignored: nohup(1) and shells set this for
+        // programs that must survive it.
         if (previous.sa_handler != SIG_IGN)
             ::sigaction(number, &action, nullptr);
     }
@@ -62,8 +62,8 @@ TerminationSignals::TerminationSignals()
 
 TerminationSignals::~TerminationSignals()
 {
-    // What is ending by itself shall not be ended by a second one, such as the hang-up of a session
-    // that sent the first.
+    // A program that is ending must not be killed by a second signal, such as the hang-up of the
+    // session that sent the first.
     for (const int number : kSignals)
         std::signal(number, SIG_IGN);
     m_notifier.setEnabled(false);

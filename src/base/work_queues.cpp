@@ -13,7 +13,7 @@ WorkQueue::WorkQueue(int threads)
         while (int(m_threads.size()) < threads)
             m_threads.emplace_back([this] { serve(); });
     } catch (const std::system_error&) {
-        // As the network thread does: a process that gets no threads when it begins gets nowhere.
+        // The program cannot work without threads.
         qFatal("No threads for work in the background");
     }
 }
@@ -47,7 +47,7 @@ void WorkQueue::serve()
 {
     while (auto work = next()) {
         work();
-        work = nullptr; // before anybody is told that it is done
+        work = nullptr; // before `waitForDone` can return
         const std::lock_guard hold(m_lock);
         if (--m_unfinished == 0)
             m_done.notify_all();

@@ -1,6 +1,7 @@
 #include "bus/bus_link.h"
 
 #include "base/background_work.h"
+#include "base/publish.h"
 #include "bus/bus_probe.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -59,7 +60,7 @@ void BusLink::take(const std::optional<QDBusConnection>& connection)
         return;
     }
     m_attempts = 0;
-    setState(State::Connected);
+    base::publish(*this, m_state, State::Connected, &BusLink::stateChanged);
 }
 
 void BusLink::handleDisconnected()
@@ -68,7 +69,7 @@ void BusLink::handleDisconnected()
     const auto delay
         = kRetryDelays[std::min<size_t>(size_t(m_attempts++), std::size(kRetryDelays) - 1)];
     m_retry = m_clock.after(delay, [this] { connectToBus(); });
-    setState(State::Absent);
+    base::publish(*this, m_state, State::Absent, &BusLink::stateChanged);
 }
 
 void BusLink::drop()
@@ -77,14 +78,6 @@ void BusLink::drop()
         return;
     QDBusConnection::disconnectFromBus(m_connection->name());
     m_connection.reset();
-}
-
-void BusLink::setState(State state)
-{
-    if (m_state == state)
-        return;
-    m_state = state;
-    Q_EMIT stateChanged();
 }
 
 } // namespace netvane::bus

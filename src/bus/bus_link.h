@@ -44,7 +44,6 @@ private:
     void connectToBus();
     void take(const std::optional<QDBusConnection>& connection);
     void drop();
-    void setState(State state);
 
     QDBusConnection::BusType m_bus;
     base::Clock& m_clock;

@@ -23,7 +23,7 @@ public:
     /// Has `signalled` emitted for this signal, also after the bus comes back. Before `begin`.
     void listenTo(const QString& signal);
     void listenTo(const QString& path, const QString& interface, const QString& signal);
-    /// Begins to watch. When the bus is already known, a signal tells so at once.
+    /// Begins to watch. If the state of the bus is already known, a signal is emitted at once.
     void begin();
 
     /// Whether anything can be asked at all.

@@ -2,7 +2,6 @@
 #include "base/log.h"
 #include "base/system_clock.h"
 #include "demo/screenshots.h"
-#include "demo/script.h"
 #include "demo/window_mark.h"
 #include "shell/popover_window.h"
 #include "windows/quick_views.h"
@@ -25,12 +24,12 @@ Q_LOGGING_CATEGORY(logCategory, "netvane.demo")
 
 constexpr std::chrono::milliseconds kStartTime = 1s;
 
-QString sceneNames()
+QStringList sceneNames()
 {
     QStringList names;
     for (const auto& scene : demo::scenes())
         names.append(scene.name);
-    return names.join(u", "_s);
+    return names;
 }
 
 /// Ends the program when it is asked for help, or for an option that there is not.
@@ -40,23 +39,19 @@ void parse(QCommandLineParser& parser, const QApplication& application)
         u"Netvane on made-up networks. Nothing is measured, sent or stored."_s);
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({{u"scene"_s, u"Stay with one scene: "_s + sceneNames() + u"."_s, u"name"_s},
-        {u"popover"_s, u"Open the popover at the start."_s}, {u"light"_s, u"Light colours."_s},
-        {u"dark"_s, u"Dark colours."_s},
-        {u"screenshots"_s, u"Draw the views into a folder and end."_s, u"folder"_s}});
+    parser.addOptions(
+        {{u"scene"_s, u"Stay with one scene: "_s + sceneNames().join(u", "_s) + u"."_s, u"name"_s},
+            {u"popover"_s, u"Open the popover at the start."_s}, {u"light"_s, u"Light colours."_s},
+            {u"dark"_s, u"Dark colours."_s},
+            {u"screenshots"_s, u"Draw the views into a folder and end."_s, u"folder"_s}});
     parser.process(application);
 }
 
-/// Absent when there is no scene of the name.
-std::optional<demo::StageOptions> stageOptions(const QCommandLineParser& parser)
+demo::StageOptions stageOptions(const QCommandLineParser& parser)
 {
-    demo::StageOptions options {.scenes = demo::scenes()};
+    demo::StageOptions options;
     if (parser.isSet(u"scene"_s))
         options.held = parser.value(u"scene"_s);
-    if (options.held
-        && std::ranges::find(options.scenes, *options.held, &demo::Scene::name)
-            == options.scenes.end())
-        return {};
     if (parser.isSet(u"light"_s))
         options.colorScheme = platform::ColorScheme::Light;
     if (parser.isSet(u"dark"_s))
@@ -111,9 +106,10 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     parse(parser, application);
     const auto options = stageOptions(parser);
-    if (!options) {
-        std::fputs(qPrintable(u"netvane-demo: There is no such scene. There are: "_s + sceneNames()
-                       + u"\n"_s),
+    if (options.held && !sceneNames().contains(*options.held)) {
+        const QString known = sceneNames().join(u", "_s);
+        std::fputs(
+            qPrintable(u"netvane-demo: There is no such scene. There are: %1\n"_s.arg(known)),
             stderr);
         return 2;
     }
@@ -125,5 +121,5 @@ int main(int argc, char** argv)
     base::log(logCategory(),
         u"Netvane: This is a demonstration. Everything that it shows is made up, and "
         "nothing is sent"_s);
-    return run(application, *options, parser.isSet(u"popover"_s));
+    return run(application, options, parser.isSet(u"popover"_s));
 }

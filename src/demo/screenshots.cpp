@@ -1,6 +1,5 @@
 #include "demo/screenshots.h"
 
-#include "demo/script.h"
 #include "demo/staged_program.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
@@ -28,7 +27,7 @@ constexpr double kCornerRadius = 10; ///< of the popover
 struct Picture {
     QString name;
     QString scene;
-    /// Brings up what is to be seen; returns its window.
+    /// Shows the content; returns its window.
     std::function<QWindow*(StagedProgram&)> show;
 };
 
@@ -73,7 +72,7 @@ void frameSections(QWindow& window, const QString& from, const QString& to)
         root.findChild<QQuickItem*>(u"main-content"_s), "scrollTo", Q_ARG(qreal, first->y()));
 }
 
-/// Without the look-ups: they take real time, so their graph is another one each time.
+/// Without the lookups: they take real time, so their graph differs each time.
 QWindow* performance(StagedProgram& program)
 {
     auto* window = detailedWindow(program);
@@ -81,7 +80,7 @@ QWindow* performance(StagedProgram& program)
     return window;
 }
 
-/// What the user starts, after it was started.
+/// The sections that the user starts, after their end.
 QWindow* diagnostics(StagedProgram& program)
 {
     auto* window = detailedWindow(program);
@@ -106,7 +105,8 @@ std::vector<Picture> pictures()
         {u"diagnostics"_s, u"home"_s, diagnostics}};
 }
 
-/// What a window without a ground of its own leaves free comes out black, where it is to be clear.
+/// The transparent parts of a window without a background are drawn black; this makes them
+/// transparent again.
 QImage pictureOf(QQuickWindow& window)
 {
     QImage whole = window.grabWindow();
@@ -125,8 +125,7 @@ QImage pictureOf(QQuickWindow& window)
 
 bool draw(QApplication& application, const Picture& wanted, const QDir& folder)
 {
-    StagedProgram program(
-        application, {.scenes = scenes(), .held = wanted.scene, .hasStatusArea = true});
+    StagedProgram program(application, {.held = wanted.scene, .hasStatusArea = true});
     auto* window = wanted.show(program);
     const QDeadlineTimer animated(kAnimationTime);
     while (!animated.hasExpired())

@@ -1,13 +1,48 @@
 #pragma once
 
-#include "demo/scene.h"
 #include "diagnostics/speed_test_result.h"
+#include "platform/location_manager.h"
 #include "platform/network_scanner.h"
+#include "platform/wifi_client.h"
+
+#include <QUrl>
+
+#include <chrono>
+#include <vector>
 
 namespace netvane::demo {
 
-// What the demonstration shows. Names and addresses are made up, those of the internet from the
-// ranges that documentation may use (RFC 5737).
+// The content of the demonstration. Names and addresses are invented; internet addresses are from
+// the ranges for documentation (RFC 5737).
+
+/// One situation of a user, as plain data. Each reading or probe takes the next entry of its list,
+/// from the scene's beginning and repeatedly.
+struct Scene {
+    QString name; ///< for the command line
+    QString title; ///< for the window title
+    std::chrono::seconds duration {40}; ///< zero: shown only when asked for
+
+    bool hasRadio = true;
+    platform::LinkReading link; ///< without the values of the three lists
+    std::vector<int> signalDbm;
+    std::vector<int> noiseDbm;
+    std::vector<double> rateMbps;
+
+    // Round trips in ms; absent is a lost probe. An empty list loses all.
+    std::vector<std::optional<double>> routerTimes;
+    std::vector<std::optional<double>> internetTimes;
+    double timeUnderLoad = 0; ///< ms that a transfer adds to both
+    std::optional<std::chrono::microseconds> lookupTime; ///< absent: no name is resolved
+    std::optional<QUrl> portal; ///< the login page of a captive portal
+    double downloadMbps = 0;
+    double uploadMbps = 0;
+
+    QString router;
+    QStringList dnsServers;
+    QStringList interfaces {QStringLiteral("lo"), QStringLiteral("wlan0")};
+    platform::AuthorizationStatus permission = platform::AuthorizationStatus::AuthorizedAlways;
+    bool isIntroduced = true; ///< the user has been through the introduction
+};
 
 /// The scenes in the order in which they follow one another.
 std::vector<Scene> scenes();
@@ -17,7 +52,7 @@ std::vector<platform::NearbyNetwork> nearbyNetworks();
 
 /// A router on the way to any host.
 struct Hop {
-    QString address; ///< empty: it answers nobody
+    QString address; ///< empty: no answer
     double milliseconds = 0;
 };
 

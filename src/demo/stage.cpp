@@ -1,7 +1,6 @@
 #include "demo/stage.h"
 
 #include "base/log.h"
-#include "demo/script.h"
 #include "diagnostics/speed_test_json.h"
 #include "diagnostics/speed_test_service.h"
 #include "insights/onboarding_service.h"
@@ -88,7 +87,7 @@ void Stage::begin(size_t index)
     Q_EMIT sceneChanged();
 }
 
-/// Has the next scene with a duration follow the present one.
+/// Schedules the next scene that has a duration.
 void Stage::goOn()
 {
     m_change = parts.clock.after(scene().duration, [this] {
@@ -190,7 +189,7 @@ Stage::HttpClient::End Stage::transferEnd(const platform::HttpRequest& request) 
         {.receivedBytes = request.uploadSize ? 0 : asked}};
 }
 
-/// The probe page, or what stands before it.
+/// The probe page, or the portal's page.
 platform::HttpAnswer Stage::page(const QUrl& url) const
 {
     const auto& portal = scene().portal;

@@ -1,10 +1,10 @@
 #pragma once
 
-// This room is the program netvane-demo: the whole desktop program on the simulated platform, with
-// networks that are made up. `script.cpp` holds the scenes as plain data, and a `Stage` says which
-// one is on. It also draws the pictures of the documentation.
+// This room is the program netvane-demo: the whole desktop program on the simulated platform.
+// `script.cpp` has the scenes as plain data, and a `Stage` plays them. The program also draws the
+// pictures of the documentation.
 
-#include "demo/scene.h"
+#include "demo/script.h"
 #include "simulated/simulated_platform.h"
 
 #include <QObject>
@@ -14,14 +14,14 @@
 namespace netvane::demo {
 
 struct StageOptions {
-    std::vector<Scene> scenes; ///< at least one
+    std::vector<Scene> scenes = demo::scenes(); ///< at least one
     std::optional<QString> held; ///< the name of the scene that stays; absent: all in turn
     platform::ColorScheme colorScheme = platform::ColorScheme::NoPreference;
     bool hasStatusArea = false;
 };
 
-/// Has a simulated platform do what the scenes say: which scene is on, and what it says at this
-/// moment. Outlives the program that uses the platform. Main thread, but for what is marked.
+/// Plays the scenes on a simulated platform: selects the current scene and its values at the
+/// current time. Outlives the program that uses the platform. Main thread, unless marked.
 class Stage : public QObject {
     Q_OBJECT
 
@@ -30,9 +30,9 @@ public:
 
     /// Any thread.
     const Scene& scene() const { return m_scenes[m_index]; }
-    /// Changes to another scene, which stays. False when there is none of that name.
+    /// Changes to another scene and stays there. False if there is none of that name.
     bool hold(const QString& name);
-    /// What the radio finds now. Any thread.
+    /// The current reading of the link. Any thread.
     platform::LinkReading link() const;
 
     simulated::SimulatedPlatform parts;

@@ -9,15 +9,15 @@
 
 namespace netvane::demo {
 
-/// What a window of the program shows.
+/// The state that a window of the program shows.
 template <typename State>
 State& stateOf(QWindow& window)
 {
     return *windows::rootOf(window).property("viewState").value<State*>();
 }
 
-/// The whole program on the simulated platform with a clock that is moved by hand, so that minutes
-/// pass in no time. Its services run. Main thread.
+/// The whole program on the simulated platform with a clock that `pass` advances, so that minutes
+/// pass at once. Its services run. Main thread.
 class StagedProgram {
 public:
     /// `change` may replace parts of the platform before the program is made.
@@ -33,11 +33,10 @@ public:
     /// The same with the detailed window.
     QWindow& openDetailedWindow(std::chrono::milliseconds time);
 
-    /// Lets time pass with all that it brings about. What is read in the background arrives within
-    /// `step`.
+    /// Advances the time in steps. Results of background work arrive within `step`.
     void pass(std::chrono::milliseconds time,
         std::chrono::milliseconds step = std::chrono::milliseconds(250));
-    /// What was begun at this time ends at it.
+    /// Completes the work that began at the current time.
     void settle();
 
 private:

@@ -8,7 +8,7 @@
 
 namespace netvane::demo {
 
-/// Has the title of each of the program's windows say that this is a demonstration, and of what.
+/// Marks the title of each window as a demonstration, with the scene.
 class WindowMark final : public QObject {
 public:
     /// Both outlive it.
@@ -31,7 +31,7 @@ protected:
     }
 
 private:
-    /// Menus and dialogues are those of the window that they belong to.
+    /// Menus and dialogs are not marked.
     void mark(QObject* object)
     {
         if (auto* window = qobject_cast<QQuickView*>(object))

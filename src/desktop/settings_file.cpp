@@ -2,13 +2,7 @@
 
 #include "base/background_work.h"
 #include "base/log.h"
-#include "base/replace_file.h"
 
-#include <QDateTime>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QJsonDocument>
 #include <QStandardPaths>
 
 using namespace Qt::Literals::StringLiterals;
@@ -18,71 +12,27 @@ namespace {
 
 Q_LOGGING_CATEGORY(logCategory, "netvane.desktop")
 
-/// Twenty speed tests are some 5 KB; what is larger was not written by us.
-constexpr qint64 kMaximumBytes = qint64(1024) * 1024;
-
-SettingsContent unreachable(const QString& problem)
-{
-    return {SettingsContent::State::Unreachable, {}, problem};
-}
-
-SettingsContent readSettings(const QString& path)
-{
-    const QFileInfo info(path);
-    if (!info.exists() && !info.isSymbolicLink())
-        return {};
-    // Opening a pipe or a device could wait for ever.
-    if (!info.isFile())
-        return unreachable(u"not a plain file"_s);
-    if (info.size() > kMaximumBytes)
-        return unreachable(u"too large"_s);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return unreachable(file.errorString());
-    const QByteArray bytes = file.read(kMaximumBytes);
-    // After a read error there are fewer values than in the file, and they must not replace it.
-    return file.error() == QFileDevice::NoError ? settingsContent(bytes)
-                                                : unreachable(file.errorString());
-}
-
-/// A copy that keeps what was in a broken file.
-QString setAside(const QString& path)
-{
-    const QString copy
-        = path + u".broken-"_s + QString::number(QDateTime::currentMSecsSinceEpoch());
-    return QFile::copy(path, copy) ? QString() : u"the broken file cannot be set aside"_s;
-}
-
 } // namespace
-
-SettingsContent settingsContent(const QByteArray& bytes)
-{
-    if (bytes.trimmed().isEmpty())
-        return {};
-    QJsonParseError error;
-    const auto document = QJsonDocument::fromJson(bytes, &error);
-    if (document.isObject())
-        return {SettingsContent::State::Readable, document.object(), {}};
-    const bool isJson = error.error == QJsonParseError::NoError;
-    return {SettingsContent::State::Broken, {}, isJson ? u"not an object"_s : error.errorString()};
-}
 
 SettingsFile::SettingsFile(QString path, base::WorkQueue& queue)
     : m_path(std::move(path))
     , m_queue(queue)
-    , m_content(readSettings(m_path))
-    , m_isBroken(m_content.state == SettingsContent::State::Broken)
 {
-    if (m_content.state != SettingsContent::State::Readable)
-        base::log(logCategory(), u"Settings: the file cannot be used: "_s + m_content.problem);
+    auto content = readSettings(m_path);
+    if (content.state != SettingsContent::State::Readable)
+        base::log(logCategory(), u"Settings: the file cannot be used: "_s + content.problem);
+    m_values = std::move(content.values);
 }
 
 SettingsFile::~SettingsFile()
 {
-    if (m_isStoring)
+    if (m_outcome) {
         m_queue.waitForDone();
-    if (m_isStoreDue)
-        logProblem(write(m_content.values));
+        storeEnded(*m_outcome);
+    }
+    m_underWay = std::exchange(m_changes, {});
+    if (!m_underWay.empty())
+        storeEnded(storeSettings(m_path, m_underWay));
 }
 
 QString SettingsFile::defaultPath()
@@ -93,13 +43,13 @@ QString SettingsFile::defaultPath()
 
 std::optional<bool> SettingsFile::boolean(const QString& key) const
 {
-    const auto value = m_content.values.value(key);
+    const auto value = m_values.value(key);
     return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
 }
 
 std::optional<QString> SettingsFile::text(const QString& key) const
 {
-    const auto value = m_content.values.value(key);
+    const auto value = m_values.value(key);
     return value.isString() ? std::optional(value.toString()) : std::nullopt;
 }
 
@@ -113,6 +63,13 @@ void SettingsFile::setText(const QString& key, const QString& value)
     set(key, value);
 }
 
+void SettingsFile::editText(const QString& key, const platform::TextEdit& edit)
+{
+    change({key, [edit](const QJsonValue& stored) -> QJsonValue {
+                return edit(stored.isString() ? std::optional(stored.toString()) : std::nullopt);
+            }});
+}
+
 void SettingsFile::remove(const QString& key)
 {
     set(key, QJsonValue(QJsonValue::Undefined));
@@ -120,57 +77,58 @@ void SettingsFile::remove(const QString& key)
 
 void SettingsFile::set(const QString& key, const QJsonValue& value)
 {
-    if (m_content.values.value(key) == value)
+    if (m_values.value(key) == value)
         return;
-    // A JSON object of Qt keeps the bytes of a text that was replaced or removed, so the values
-    // move to a new one.
-    QJsonObject values;
-    for (auto it = m_content.values.constBegin(); it != m_content.values.constEnd(); ++it) {
-        if (it.key() != key)
-            values.insert(it.key(), it.value());
-    }
-    if (!value.isUndefined())
-        values.insert(key, value);
-    m_content.values = std::move(values);
+    std::erase_if(m_changes, [&key](const SettingsChange& earlier) { return earlier.key == key; });
+    change({key, [value](const QJsonValue&) { return value; }});
+}
+
+void SettingsFile::change(const SettingsChange& change)
+{
+    m_values = withChanges(std::move(m_values), {change});
+    m_changes.push_back(change);
     storeSoon();
 }
 
 /// One write for all that is set in the same turn of the event loop.
 void SettingsFile::storeSoon()
 {
-    if (m_content.state == SettingsContent::State::Unreachable || std::exchange(m_isStoreDue, true))
-        return;
-    QMetaObject::invokeMethod(this, &SettingsFile::store, Qt::QueuedConnection);
+    if (!std::exchange(m_isStoreDue, true))
+        QMetaObject::invokeMethod(this, &SettingsFile::store, Qt::QueuedConnection);
 }
 
 /// One write at a time, so that the last values are also the last ones written.
 void SettingsFile::store()
 {
-    if (m_isStoring || !std::exchange(m_isStoreDue, false))
+    if (m_outcome || !std::exchange(m_isStoreDue, false))
         return;
-    m_isStoring = true;
+    m_underWay = std::exchange(m_changes, {});
+    m_outcome = std::make_shared<StoreOutcome>();
     base::runInBackground(
-        m_queue, this, [this, values = m_content.values] { return write(values); },
-        [this](const QString& problem) {
-            m_isStoring = false;
-            logProblem(problem);
+        m_queue, this,
+        [outcome = m_outcome, path = m_path, changes = m_underWay] {
+            *outcome = storeSettings(path, changes);
+            return outcome;
+        },
+        [this](const std::shared_ptr<StoreOutcome>& outcome) {
+            m_outcome.reset();
+            storeEnded(*outcome);
             Q_EMIT stored();
             store();
         });
 }
 
-/// On a thread of the queue, or where nothing is being stored. Returns what went wrong, or nothing.
-QString SettingsFile::write(const QJsonObject& values)
+/// What could not be stored goes before what was changed since.
+void SettingsFile::storeEnded(const StoreOutcome& outcome)
 {
-    if (m_isBroken) {
-        if (QString problem = setAside(m_path); !problem.isEmpty())
-            return problem;
-        m_isBroken = false;
-    }
-    if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
-        return u"the folder cannot be made"_s;
-    // Names of networks and times of tests are private.
-    return replaceFile(m_path, QJsonDocument(values).toJson(), base::FileAccess::OwnerOnly);
+    if (!outcome.keptAs.isEmpty())
+        base::log(logCategory(), u"Settings: the broken file is now "_s + outcome.keptAs);
+    if (outcome.problem.isEmpty())
+        m_values = withChanges(outcome.values, m_changes);
+    else
+        m_changes.insert(m_changes.begin(), m_underWay.begin(), m_underWay.end());
+    m_underWay.clear();
+    logProblem(outcome.problem);
 }
 
 /// Once for each reason, not for each value.

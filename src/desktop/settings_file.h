@@ -6,32 +6,21 @@
 // to services on the session bus.
 
 #include "base/work_queues.h"
+#include "desktop/settings_content.h"
 #include "platform/user_defaults.h"
 
-#include <QJsonObject>
 #include <QObject>
+
+#include <memory>
 
 namespace netvane::desktop {
 
-/// What a settings file says.
-struct SettingsContent {
-    enum class State {
-        Readable, ///< also when there is no file yet
-        Broken, ///< not a JSON object; set aside before the first write
-        Unreachable, ///< cannot be read, or is no plain file of a sane size; never written
-    };
-    State state = State::Readable;
-    QJsonObject values;
-    QString problem; ///< unless readable: why, for a log line
-};
-
-/// Decodes the bytes of a settings file; empty ones are readable.
-SettingsContent settingsContent(const QByteArray& bytes);
-
-/// The user's settings as one JSON object in one file, read once at creation. Each write replaces
-/// the whole file (a temporary file, fsync(2), rename(2)), so a crash or a full disk does not lose
-/// the old values. Writes happen in the background, since a disk can be slow. Keys and values of
-/// other programs are kept. Main thread.
+/// The user's settings as one JSON object in one file, read once at creation. What is set here is
+/// brought into the file as it is by then (`storeSettings`), so nothing that another process stored
+/// is lost, and what it stored can be read here afterwards. The whole file is replaced (a temporary
+/// file, fsync(2), rename(2)), so a crash or a full disk does not lose the old values. This happens
+/// in the background, since a disk can be slow; what could not be stored goes with the next change.
+/// Main thread.
 class SettingsFile final : public QObject, public platform::UserDefaults {
     Q_OBJECT
 
@@ -49,6 +38,7 @@ public:
     std::optional<QString> text(const QString& key) const override;
     void setBoolean(const QString& key, bool value) override;
     void setText(const QString& key, const QString& value) override;
+    void editText(const QString& key, const platform::TextEdit& edit) override;
     void remove(const QString& key) override;
 
 Q_SIGNALS:
@@ -57,18 +47,20 @@ Q_SIGNALS:
 
 private:
     void set(const QString& key, const QJsonValue& value);
+    void change(const SettingsChange& change);
     void storeSoon();
     void store();
-    QString write(const QJsonObject& values);
+    void storeEnded(const StoreOutcome& outcome);
     void logProblem(const QString& problem);
 
     const QString m_path;
     base::WorkQueue& m_queue;
-    SettingsContent m_content;
+    QJsonObject m_values; ///< as in the file when it was last read or stored, and all changes since
+    std::vector<SettingsChange> m_changes; ///< not stored, oldest first
+    std::vector<SettingsChange> m_underWay; ///< before those above: being stored
+    std::shared_ptr<StoreOutcome> m_outcome; ///< of those; there while the queue works on it
     QString m_lastProblem;
     bool m_isStoreDue = false;
-    bool m_isStoring = false;
-    bool m_isBroken; ///< the file on the disk; after construction only `write` uses it
 };
 
 } // namespace netvane::desktop

@@ -1,6 +1,7 @@
 #include "diagnostics/channel_analysis_service.h"
 
 #include "base/log.h"
+#include "base/publish.h"
 #include "wifi/location_permission_service.h"
 
 #include <algorithm>
@@ -42,24 +43,18 @@ void ChannelAnalysisService::scanNetworks()
         setProblem(u"Not scanned again, because the last scan was less than 30 seconds before"_s);
         return;
     }
-    publish(m_isScanning, true, &ChannelAnalysisService::isScanningChanged);
+    setScanning(true);
     performScan();
-}
-
-/// Time asleep counts.
-std::chrono::steady_clock::time_point ChannelAnalysisService::realTime() const
-{
-    return m_clock.monotonicNow() + m_clock.timeAsleep();
 }
 
 bool ChannelAnalysisService::isTooSoon() const
 {
-    return m_lastSuccess && realTime() - *m_lastSuccess < maxScanInterval;
+    return m_lastSuccess && m_clock.nowWithSleep() - *m_lastSuccess < maxScanInterval;
 }
 
 void ChannelAnalysisService::setProblem(std::optional<QString> problem)
 {
-    publish(m_problem, std::move(problem), &ChannelAnalysisService::problemChanged);
+    base::publish(*this, m_problem, std::move(problem), &ChannelAnalysisService::problemChanged);
 }
 
 void ChannelAnalysisService::performScan()
@@ -74,19 +69,20 @@ void ChannelAnalysisService::performScan()
             base::log(logCategory(),
                 u"ChannelAnalysisService: Scan failed: "_s + networks.failure().text);
         setProblem(sentenceOf(networks.failure()));
-        publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
+        setScanning(false);
     });
 }
 
 void ChannelAnalysisService::processScanResults(
     const std::vector<platform::NearbyNetwork>& networks)
 {
-    publish(m_nearbyNetworks, networks, &ChannelAnalysisService::nearbyNetworksChanged);
+    base::publish(
+        *this, m_nearbyNetworks, networks, &ChannelAnalysisService::nearbyNetworksChanged);
     updateChannelUtilization();
-    m_lastSuccess = realTime();
-    publish(
-        m_lastScanTime, std::optional(m_clock.now()), &ChannelAnalysisService::lastScanTimeChanged);
-    publish(m_isScanning, false, &ChannelAnalysisService::isScanningChanged);
+    m_lastSuccess = m_clock.nowWithSleep();
+    base::publish(
+        *this, m_lastScanTime, m_clock.now(), &ChannelAnalysisService::lastScanTimeChanged);
+    setScanning(false);
 }
 
 void ChannelAnalysisService::updateChannelUtilization()
@@ -96,7 +92,7 @@ void ChannelAnalysisService::updateChannelUtilization()
         if (network.channel)
             ++counts[network.channel->number];
     }
-    publish(m_channelUtilization, std::move(counts),
+    base::publish(*this, m_channelUtilization, std::move(counts),
         &ChannelAnalysisService::channelUtilizationChanged);
 }
 
@@ -107,14 +103,9 @@ std::optional<int> ChannelAnalysisService::recommendedChannel() const
     return least == m_channelUtilization.end() ? std::nullopt : std::optional(least->first);
 }
 
-template <typename Value>
-void ChannelAnalysisService::publish(
-    Value& field, Value value, void (ChannelAnalysisService::*changed)())
+void ChannelAnalysisService::setScanning(bool isScanning)
 {
-    if (field == value)
-        return;
-    field = std::move(value);
-    Q_EMIT(this->*changed)();
+    base::publish(*this, m_isScanning, isScanning, &ChannelAnalysisService::isScanningChanged);
 }
 
 } // namespace netvane::diagnostics

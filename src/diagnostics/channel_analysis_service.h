@@ -19,14 +19,6 @@ namespace netvane::diagnostics {
 /// channel that fewest of them use. Main thread.
 class ChannelAnalysisService : public QObject {
     Q_OBJECT
-    Q_PROPERTY(std::vector<netvane::platform::NearbyNetwork> nearbyNetworks READ nearbyNetworks
-            NOTIFY nearbyNetworksChanged)
-    Q_PROPERTY(netvane::diagnostics::ChannelAnalysisService::ChannelUtilization channelUtilization
-            READ channelUtilization NOTIFY channelUtilizationChanged)
-    Q_PROPERTY(bool isScanning READ isScanning NOTIFY isScanningChanged)
-    Q_PROPERTY(std::optional<std::chrono::system_clock::time_point> lastScanTime READ lastScanTime
-            NOTIFY lastScanTimeChanged)
-    Q_PROPERTY(std::optional<QString> problem READ problem NOTIFY problemChanged)
 
 public:
     /// Networks by channel number, in ascending order. A number that two bands share has one count.
@@ -77,11 +69,9 @@ private:
     void performScan();
     void processScanResults(const std::vector<platform::NearbyNetwork>& networks);
     void updateChannelUtilization();
-    std::chrono::steady_clock::time_point realTime() const;
     bool isTooSoon() const;
+    void setScanning(bool isScanning);
     void setProblem(std::optional<QString> problem);
-    template <typename Value>
-    void publish(Value& field, Value value, void (ChannelAnalysisService::*changed)());
 
     platform::NetworkScanner& m_scanner;
     base::Clock& m_clock;
@@ -91,7 +81,8 @@ private:
     std::optional<std::chrono::system_clock::time_point> m_lastScanTime;
     std::optional<QString> m_problem;
     const wifi::LocationPermissionService* m_locationPermissionService = nullptr;
-    /// Together with `m_lastScanTime`, which a clock that is set may move. In `realTime`.
+    /// Together with `m_lastScanTime`, which a clock that is set may move. By
+    /// `Clock::nowWithSleep`.
     std::optional<std::chrono::steady_clock::time_point> m_lastSuccess;
 };
 

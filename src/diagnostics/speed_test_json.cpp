@@ -29,6 +29,9 @@ constexpr NamedField kFields[] = {
 
 constexpr auto kReferenceDate = std::chrono::sys_days(std::chrono::January / 1 / 2001);
 constexpr double kFarthestSeconds = 8e9; // what system_clock holds on either side of the date
+// Mbps and ms. A file can hold numbers of three hundred digits, and two of them make such a ratio.
+constexpr double kGreatest = 1e6;
+constexpr double kLeast = 1e-6;
 constexpr qsizetype kLongestText
     = qsizetype(4) * 1024 * 1024; // twenty results are some 5,000 characters
 
@@ -54,10 +57,15 @@ std::optional<QUuid> uuidOf(const QJsonValue& value)
     return uuid;
 }
 
+bool isPossible(double value)
+{
+    return value == 0 || (value >= kLeast && value <= kGreatest);
+}
+
 /// False when there is something of another type.
 bool readOptional(const QJsonValue& value, std::optional<double>& into)
 {
-    if (value.isDouble())
+    if (isPossible(value.toDouble(-1)))
         into = value.toDouble();
     return value.isDouble() || value.isUndefined() || value.isNull();
 }
@@ -134,6 +142,16 @@ base::Result<std::vector<SpeedTestResult>> decodeSpeedTests(const QString& text,
         results.push_back(*result);
     }
     return results;
+}
+
+QString withSpeedTest(
+    const SpeedTestResult& newest, const std::optional<QString>& stored, size_t maxCount)
+{
+    std::vector<SpeedTestResult> results {newest};
+    if (const auto earlier = decodeSpeedTests(stored.value_or(u"[]"_s), maxCount - 1))
+        results.insert(results.end(), earlier.value().begin(), earlier.value().end());
+    const auto text = encodeSpeedTests(results);
+    return text ? text.value() : stored.value_or(u"[]"_s);
 }
 
 } // namespace netvane::diagnostics

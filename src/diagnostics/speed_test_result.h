@@ -23,7 +23,10 @@ struct SpeedTestResult {
 
     /// Nothing could be measured in either direction.
     bool hasFailed() const { return !downloadSpeed && !uploadSpeed; }
-    /// A sentence for the user when the router took more than twice as long under the load.
+    /// The round trip under load as a multiple of the one before. Absent without both, and when
+    /// the router answered within twice the time: that is no lag.
+    std::optional<double> riseUnderLoad() const;
+    /// A sentence for the user about that rise.
     std::optional<QString> lagUnderLoadMessage() const;
 
     bool operator==(const SpeedTestResult&) const = default;

@@ -1,6 +1,7 @@
 #include "diagnostics/speed_test_service.h"
 
 #include "base/log.h"
+#include "base/publish.h"
 #include "diagnostics/speed_test_json.h"
 
 #include <QUrlQuery>
@@ -16,6 +17,15 @@ QUrl withPath(QUrl server, const QString& path)
 {
     server.setPath(path);
     return server;
+}
+
+std::optional<QString> encoded(const std::vector<SpeedTestResult>& results)
+{
+    auto text = encodeSpeedTests(results);
+    if (text)
+        return std::move(text.value());
+    base::log(logCategory(), u"SpeedTestService: Failed to save history: "_s + text.failure().text);
+    return {};
 }
 
 } // namespace
@@ -150,17 +160,17 @@ void SpeedTestService::addToHistory(const SpeedTestResult& result)
     if (history.size() > maxHistoryCount)
         history.resize(maxHistoryCount);
     setHistory(std::move(history));
-    saveHistory();
+    // The other program may have stored tests since the start of this one.
+    if (encoded({result}))
+        m_defaults.editText(historyKey, [result](const std::optional<QString>& stored) {
+            return withSpeedTest(result, stored, maxHistoryCount);
+        });
 }
 
 void SpeedTestService::saveHistory()
 {
-    const auto text = encodeSpeedTests(m_history);
-    if (text)
-        m_defaults.setText(historyKey, text.value());
-    else
-        base::log(
-            logCategory(), u"SpeedTestService: Failed to save history: "_s + text.failure().text);
+    if (const auto text = encoded(m_history))
+        m_defaults.setText(historyKey, *text);
 }
 
 void SpeedTestService::loadHistory()
@@ -180,18 +190,12 @@ void SpeedTestService::loadHistory()
 
 void SpeedTestService::setHistory(std::vector<SpeedTestResult> history)
 {
-    if (m_history == history)
-        return;
-    m_history = std::move(history);
-    Q_EMIT historyChanged();
+    base::publish(*this, m_history, std::move(history), &SpeedTestService::historyChanged);
 }
 
 void SpeedTestService::setRunning(bool isRunning)
 {
-    if (m_isRunning == isRunning)
-        return;
-    m_isRunning = isRunning;
-    Q_EMIT isRunningChanged();
+    base::publish(*this, m_isRunning, isRunning, &SpeedTestService::isRunningChanged);
 }
 
 } // namespace netvane::diagnostics

@@ -29,11 +29,6 @@ inline const QString kSpeedTestUploadPath = QStringLiteral("/__up");
 /// meanwhile. The last tests survive restarts. Main thread.
 class SpeedTestService : public QObject {
     Q_OBJECT
-    Q_PROPERTY(std::optional<netvane::diagnostics::SpeedTestResult> result READ result NOTIFY
-            resultChanged)
-    Q_PROPERTY(bool isRunning READ isRunning NOTIFY isRunningChanged)
-    Q_PROPERTY(std::vector<netvane::diagnostics::SpeedTestResult> history READ history WRITE
-            setHistory NOTIFY historyChanged)
 
 public:
     static constexpr qint64 testSizeBytes = 5000000;

@@ -1,5 +1,6 @@
 #include "diagnostics/traceroute_service.h"
 
+#include "base/publish.h"
 #include "probes/probe_targets.h"
 
 #include <numeric>
@@ -211,10 +212,7 @@ void TracerouteService::endTrace()
 
 void TracerouteService::setRunning(bool isRunning)
 {
-    if (m_isRunning == isRunning)
-        return;
-    m_isRunning = isRunning;
-    Q_EMIT isRunningChanged();
+    base::publish(*this, m_isRunning, isRunning, &TracerouteService::isRunningChanged);
 }
 
 } // namespace netvane::diagnostics

@@ -18,9 +18,6 @@ namespace netvane::diagnostics {
 /// report on a network thread, which never touches this.
 class TracerouteService : public QObject {
     Q_OBJECT
-    Q_PROPERTY(std::vector<netvane::diagnostics::TracerouteHop> hops READ hops NOTIFY hopsChanged)
-    Q_PROPERTY(bool isRunning READ isRunning NOTIFY isRunningChanged)
-    Q_PROPERTY(QString targetHost READ targetHost NOTIFY targetHostChanged)
 
 public:
     static constexpr int maxHops = 30;

@@ -1,6 +1,7 @@
 #include "insights/network_notification_service.h"
 
 #include "base/log.h"
+#include "base/publish.h"
 
 #include <QUuid>
 
@@ -12,7 +13,7 @@ namespace {
 
 Q_LOGGING_CATEGORY(logCategory, "netvane.insights")
 
-// Some systems answer before their own settings show it.
+// Some systems answer before their own settings show the answer.
 constexpr std::chrono::milliseconds kSettlingTime = 300ms;
 
 constexpr int kPoorSignalDbm = -80; // and below
@@ -26,7 +27,7 @@ NetworkNotificationService::NetworkNotificationService(
     , m_clock(clock)
     , m_notificationsEnabled(defaults.boolean(enabledKey).value_or(false))
 {
-    // A desktop's notification service may come later than we do, or be replaced.
+    // A desktop's notification service may start later than this program, or be replaced.
     connect(&m_center, &platform::UserNotificationCenter::settingsChanged, this,
         &NetworkNotificationService::refreshAuthorizationStatus);
     refreshAuthorizationStatus();
@@ -49,8 +50,10 @@ void NetworkNotificationService::setNotificationsEnabled(bool enabled)
 
 void NetworkNotificationService::refreshAuthorizationStatus()
 {
-    m_center.getNotificationSettings(
-        this, [this](AuthorizationStatus status) { setAuthorizationStatus(status); });
+    m_center.getNotificationSettings(this, [this](AuthorizationStatus status) {
+        base::publish(*this, m_authorizationStatus, status,
+            &NetworkNotificationService::authorizationStatusChanged);
+    });
 }
 
 void NetworkNotificationService::requestNotificationPermission()
@@ -81,12 +84,13 @@ bool NetworkNotificationService::mayNotify() const
     if (!m_notificationsEnabled || m_authorizationStatus != AuthorizationStatus::Authorized)
         return false;
     return !m_lastNotificationTime
-        || m_clock.monotonicNow() - *m_lastNotificationTime >= notificationThrottleInterval;
+        || m_clock.nowWithSleep() - *m_lastNotificationTime >= notificationThrottleInterval;
 }
 
 void NetworkNotificationService::checkForNetworkChanges(const wifi::WiFiInfo& wifiInfo)
 {
-    // What came while it may not is compared with what was seen before it.
+    // Snapshots that are not evaluated are not stored: the next evaluation compares with the last
+    // evaluated one.
     if (!mayNotify())
         return;
     notifyOfChanges(wifiInfo);
@@ -123,14 +127,8 @@ void NetworkNotificationService::sendNotification(
             base::log(logCategory(),
                 u"NetworkNotificationService: Failed to send notification: "_s + *error);
         else
-            m_lastNotificationTime = m_clock.monotonicNow();
+            m_lastNotificationTime = m_clock.nowWithSleep();
     });
-}
-
-void NetworkNotificationService::setAuthorizationStatus(AuthorizationStatus status)
-{
-    if (std::exchange(m_authorizationStatus, status) != status)
-        Q_EMIT authorizationStatusChanged();
 }
 
 } // namespace netvane::insights

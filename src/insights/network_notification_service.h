@@ -4,7 +4,6 @@
 #include "platform/user_defaults.h"
 #include "platform/user_notifications.h"
 #include "wifi/wifi_info.h"
-#include "wifi/wifi_snapshot_observer.h"
 
 #include <QObject>
 
@@ -13,8 +12,9 @@
 
 namespace netvane::insights {
 
-/// Tells the user when the network changes, the link is lost, or a good signal turns poor: compares
-/// each snapshot of the sampler with the one that it evaluated before. Main thread.
+/// Notifies the user when the network changes, the link is lost, or a good signal becomes poor. It
+/// compares each snapshot of the sampler with the one that it evaluated before, so that a lasting
+/// state is reported once. Main thread.
 class NetworkNotificationService : public QObject, public wifi::WiFiSnapshotObserver {
     Q_OBJECT
 
@@ -23,7 +23,7 @@ public:
     using Category = platform::NotificationCategory;
 
     static constexpr auto enabledKey = QLatin1StringView("networkNotificationsEnabled");
-    /// After a notification that was accepted nothing is evaluated for so long.
+    /// After an accepted notification, nothing is evaluated for this time.
     static constexpr std::chrono::milliseconds notificationThrottleInterval {30'000};
 
     /// All three outlive this.
@@ -32,17 +32,18 @@ public:
 
     /// The user's switch; survives restarts.
     bool notificationsEnabled() const { return m_notificationsEnabled; }
-    /// Switching on asks for permission where nobody has decided yet; off forgets what was seen.
+    /// Switching on requests permission if the user has not decided yet; switching off clears the
+    /// stored snapshot.
     void setNotificationsEnabled(bool enabled);
-    /// As the system last told; nothing is sent unless it is Authorized.
+    /// As last reported by the system. Nothing is sent unless it is Authorized.
     AuthorizationStatus authorizationStatus() const { return m_authorizationStatus; }
-    /// Asks the system for it; the answer arrives as a change.
+    /// Reads it from the system; the answer arrives as a change.
     void refreshAuthorizationStatus();
-    /// Refreshes the status and, where nobody has decided yet, asks for alerts with sound.
+    /// Refreshes the status and, if the user has not decided yet, requests alerts with sound.
     void requestNotificationPermission();
 
     void checkForNetworkChanges(const wifi::WiFiInfo& wifiInfo) override;
-    /// At once, whatever the switch and the throttle say.
+    /// Sends at once, without regard to the switch and the throttle.
     void sendNotification(
         const QString& title, const QString& body, Category category = Category::Network);
 
@@ -54,7 +55,6 @@ private:
     bool mayNotify() const;
     void notifyOfChanges(const wifi::WiFiInfo& wifiInfo);
     void permissionAnswered(bool granted, const std::optional<QString>& error);
-    void setAuthorizationStatus(AuthorizationStatus status);
 
     platform::UserNotificationCenter& m_center;
     platform::UserDefaults& m_defaults;

@@ -6,7 +6,8 @@
 
 namespace netvane::insights {
 
-/// Remembers whether the user has finished the introduction. Main thread.
+/// Stores whether the user has finished the introduction, so that it is shown at the first start
+/// only. Main thread.
 class OnboardingService : public QObject {
     Q_OBJECT
 
@@ -17,14 +18,13 @@ public:
     explicit OnboardingService(platform::UserDefaults& defaults);
     ~OnboardingService() override;
 
-    /// The one of the process; null before the application made it and after it let it go. It is
-    /// made from the application's own settings and lives as long as they do, which one made here
-    /// on first use could not: it would have to find the settings by itself, and would outlive
-    /// them.
+    /// The instance of the process; null before the application created it and after it destroyed
+    /// it. It is not created here on first use, since it would then outlive the settings that it
+    /// needs.
     static OnboardingService* shared();
 
     bool isCompleted() const { return m_isCompleted; }
-    /// Publishes, then stores; also when nothing is new.
+    /// Publishes, then stores, even if the value is the same.
     void setIsCompleted(bool isCompleted);
     /// Back to the first start, with nothing stored.
     void reset();

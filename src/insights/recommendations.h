@@ -1,8 +1,8 @@
 #pragma once
 
-// This room holds what is derived from the readings for the user: advice, the text of the report,
-// notifications about the network, and whether the introduction was seen. Most of it is pure
-// functions of plain records.
+// This room holds what the program derives from the readings for the user: advice, the text of the
+// report, notifications about the network; and whether the introduction was seen. Most of these are
+// pure functions of plain records.
 
 #include "probes/network_metrics.h"
 #include "wifi/wifi_info.h"
@@ -13,15 +13,15 @@
 
 namespace netvane::insights {
 
-/// What advice is drawn from: the latest of each, where there is one.
+/// The input of the advice: the latest of each record, if there is one.
 struct RecommendationInputs {
     std::optional<wifi::WiFiInfo> wifiInfo;
     std::optional<probes::NetworkMetrics> routerMetrics;
     std::optional<probes::NetworkMetrics> internetMetrics; ///< no rule reads it yet
 };
 
-/// Sentences for the user: at most one on the band, the signal and the router's jitter each, in
-/// this order. Empty when there is nothing to advise.
+/// Sentences for the user: at most one each about the band, the signal and the router's jitter, in
+/// this order. Empty without advice.
 QStringList recommendations(const RecommendationInputs& inputs);
 
 } // namespace netvane::insights

@@ -1,9 +1,9 @@
 #include "insights/report_service.h"
 
 #include "base/background_work.h"
+#include "base/decimal_text.h"
 #include "base/log.h"
 #include "base/replace_file.h"
-#include "base/timestamp.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -71,13 +71,13 @@ void ReportService::copyReport(const QString& report)
 
 void ReportService::saveReport(const QString& report, const Completion& completion)
 {
-    // The panel may outlive this.
+    // The panel may outlive this object.
     m_exits.savePanel.show(u"Save Diagnostic Report"_s, proposedFileName(m_clock.now()),
         [self = QPointer(this), report, completion](const std::optional<QString>& path) {
             if (self && path)
                 self->write(*path, report, completion);
             else if (completion)
-                completion(false);
+                completion(false, {});
         });
 }
 
@@ -89,7 +89,7 @@ void ReportService::write(const QString& path, const QString& report, const Comp
             if (!error.isEmpty())
                 base::log(logCategory(), u"ReportService: Failed to save file: "_s + error);
             if (completion)
-                completion(error.isEmpty());
+                completion(error.isEmpty(), error);
         });
 }
 

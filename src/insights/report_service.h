@@ -3,9 +3,7 @@
 #include "base/clock.h"
 #include "base/work_queues.h"
 #include "insights/report_text.h"
-#include "platform/clipboard.h"
-#include "platform/save_panel.h"
-#include "platform/share_picker.h"
+#include "platform/exports.h"
 
 #include <QObject>
 
@@ -14,23 +12,23 @@
 
 namespace netvane::insights {
 
-/// The ways out of the program that a report can take.
+/// Where a report can be exported to.
 struct ReportExits {
     platform::Clipboard& clipboard;
     platform::SavePanel& savePanel;
     platform::SharePicker& sharePicker;
 };
 
-/// Makes the diagnostic report of the moment and exports it. Keeps nothing. Main thread; files are
-/// written on `queue`.
+/// Makes the diagnostic report from the current readings and exports it. Stores nothing. Main
+/// thread; files are written on `queue`, so that a slow disk does not block the windows.
 class ReportService : public QObject {
     Q_OBJECT
 
 public:
     /// Reads the running services; absent when there are none.
     using Readings = std::function<std::optional<ReportInputs>()>;
-    /// True when the file was written.
-    using Completion = std::function<void(bool written)>;
+    /// `problem` says why a file was not written; empty when the user chose none.
+    using Completion = std::function<void(bool written, const QString& problem)>;
 
     ReportService(Readings readings, const base::Clock& clock, base::WorkQueue& queue,
         const ReportExits& exits);

@@ -2,6 +2,8 @@
 
 #include "base/decimal_text.h"
 #include "base/visible_text.h"
+#include "insights/markdown_name.h"
+#include "insights/support_address.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -11,8 +13,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::insights {
 namespace {
-
-constexpr double kNoticeableRise = 2.0; // of the round trip under load
 
 const QString kNoData = u"\n- No data available"_s;
 
@@ -31,7 +31,7 @@ QString dbmOrUnknown(std::optional<int> dbm)
     return dbm ? QString::number(*dbm) + u" dBm"_s : u"Unknown"_s;
 }
 
-/// A line that is there only when its value is.
+/// A line; empty without a value.
 QString line(const QString& label, std::optional<int> value, const QString& unit = {})
 {
     return value ? u"\n- "_s + label + u": "_s + QString::number(*value) + unit : QString();
@@ -42,11 +42,29 @@ QString line(const QString& label, std::optional<double> value, const QString& u
     return value ? u"\n- "_s + label + u": "_s + oneDecimal(*value) + unit : QString();
 }
 
-QString networkSection(const std::optional<wifi::WiFiInfo>& info)
+QString networkName(const ReportInputs& inputs)
 {
+    const auto& name = inputs.wifi->ssid;
+    if (!name)
+        return u"Unknown (Location permission needed)"_s;
+    return inputs.isRedacted ? *name : markdownName(*name);
+}
+
+/// From a file that a network may have had a hand in.
+QString serverText(const QString& server, bool isRedacted)
+{
+    static const QRegularExpression s_address(u"^[0-9A-Fa-f.:]+(?:%[0-9A-Za-z.-]+)?$"_s);
+    if (isRedacted || s_address.match(server).hasMatch())
+        return server;
+    return markdownName(base::withVisibleControls(server));
+}
+
+QString networkSection(const ReportInputs& inputs)
+{
+    const auto& info = inputs.wifi;
     if (!info)
         return u"\n- Status: Not Connected"_s;
-    return u"\n- SSID: "_s + info->ssid.value_or(u"Unknown (Location permission needed)"_s)
+    return u"\n- SSID: "_s + networkName(inputs) //
         + u"\n- Frequency: "_s + displayName(info->frequency) //
         + u"\n- Signal Strength: "_s + dbmOrUnknown(info->signalStrength) //
         + u"\n- Signal Quality: "_s + caseName(info->signalQuality()) //
@@ -77,20 +95,17 @@ QString mosLine(const std::optional<probes::NetworkMetrics>& metrics)
 QString dnsSection(const ReportInputs& inputs)
 {
     QString text = u"\n- Lookup Time: "_s + valueOr(inputs.dnsLookupTime, u" ms"_s, u"N/A"_s);
-    // From a file that a network may have had a hand in; names are made safe where they are read.
     if (inputs.dnsServer)
-        text += u"\n- DNS Server: "_s + base::withVisibleControls(*inputs.dnsServer);
+        text += u"\n- DNS Server: "_s + serverText(*inputs.dnsServer, inputs.isRedacted);
     return text;
 }
 
 QString lagLine(const diagnostics::SpeedTestResult& test)
 {
-    if (!test.pingBefore || !test.pingDuring)
+    const auto rise = test.riseUnderLoad();
+    if (!rise)
         return {};
-    const double ratio = *test.pingDuring / *test.pingBefore;
-    if (!(ratio > kNoticeableRise))
-        return {};
-    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(ratio) + u"x)"_s;
+    return u"\n- Lag Under Load: Detected (ping increased "_s + oneDecimal(*rise) + u"x)"_s;
 }
 
 QString speedSection(const std::optional<diagnostics::SpeedTestResult>& test)
@@ -103,7 +118,7 @@ QString speedSection(const std::optional<diagnostics::SpeedTestResult>& test)
         + line(u"Ping During"_s, test->pingDuring, u" ms"_s) + lagLine(*test);
 }
 
-/// A format of QLocale without one of its fields. What stands in quotes there is text.
+/// A format of QLocale without one of its fields. Quoted parts of a format are literal text.
 QString without(const QRegularExpression& field, const QString& format)
 {
     QStringList parts = format.split(u'\'');
@@ -112,8 +127,8 @@ QString without(const QRegularExpression& field, const QString& format)
     return parts.join(u'\'').trimmed();
 }
 
-/// What stands between a date and a time. Qt does not know the word for it in other languages, and
-/// a space is right in all of them.
+/// The separator of date and time. Qt has no word for it in other languages, and a space is correct
+/// in all of them.
 QString dateTimeSeparator(const QLocale& locale)
 {
     const auto language = locale.language();
@@ -121,6 +136,11 @@ QString dateTimeSeparator(const QLocale& locale)
 }
 
 } // namespace
+
+QString supportAddress()
+{
+    return QString::fromUtf16(kConfiguredSupportAddress);
+}
 
 QString longDateMediumTime(const QDateTime& time, const QLocale& locale)
 {
@@ -130,19 +150,18 @@ QString longDateMediumTime(const QDateTime& time, const QLocale& locale)
     const QString clock = without(s_timeZone, locale.timeFormat(QLocale::LongFormat));
     QString text = locale.toString(time.date(), date) + dateTimeSeparator(locale)
         + locale.toString(time.time(), clock);
-    // Newer Qts take narrow no-break spaces from their tables.
+    // Newer versions of Qt use narrow no-break spaces.
     return text.replace(QChar(0x202F), u' ');
 }
 
 QString reportText(const ReportInputs& inputs, const QDateTime& now, const QLocale& locale)
 {
     return u"# Netvane Diagnostic Report\nGenerated: "_s + longDateMediumTime(now, locale)
-        + u"\n\n## Network Information"_s + networkSection(inputs.wifi)
-        + u"\n\n## Router Performance"_s + latencySection(inputs.router)
-        + u"\n\n## Internet Performance"_s + latencySection(inputs.internet)
-        + mosLine(inputs.internet) + u"\n\n## DNS Performance"_s + dnsSection(inputs)
-        + speedSection(inputs.speedTest) + u"\n\n---\n"_s + u"Report generated by Netvane\n"_s
-        + u"For support, visit: "_s + kSupportAddress;
+        + u"\n\n## Network Information"_s + networkSection(inputs) + u"\n\n## Router Performance"_s
+        + latencySection(inputs.router) + u"\n\n## Internet Performance"_s
+        + latencySection(inputs.internet) + mosLine(inputs.internet) + u"\n\n## DNS Performance"_s
+        + dnsSection(inputs) + speedSection(inputs.speedTest) + u"\n\n---\n"_s
+        + u"Report generated by Netvane\n"_s + u"For support, visit: "_s + supportAddress();
 }
 
 } // namespace netvane::insights

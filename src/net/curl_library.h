@@ -24,8 +24,8 @@ struct CurlLibrary {
     decltype(&curl_version_info) versionInfo;
 };
 
-/// Loads libcurl at the first call and keeps it: it brings some thirty libraries, which would
-/// add a quarter to the CPU time of the start. Null when it cannot be loaded. Any thread.
+/// Loads libcurl at the first call and keeps it. It depends on some thirty libraries; loading them
+/// at the start would add a quarter to its CPU time. Null when it cannot be loaded. Any thread.
 const CurlLibrary* curlLibrary();
 
 } // namespace netvane::net

@@ -26,7 +26,7 @@ size_t lengthOf(sa_family_t family)
 
 using Bytes = std::span<const unsigned char>;
 
-/// What a header announces, but no further than `end`, where what was received ends.
+/// The bytes that a header claims, but not beyond `end`, the end of the received data.
 Bytes payloadOf(const cmsghdr& header, const unsigned char* end)
 {
     const auto* data = CMSG_DATA(&header);
@@ -35,7 +35,7 @@ Bytes payloadOf(const cmsghdr& header, const unsigned char* end)
     return {data, std::min(size_t(end - data), size_t(header.cmsg_len - CMSG_LEN(0)))};
 }
 
-/// The offender's address stands right behind the report, if the kernel knows one.
+/// The offender's address follows the report, if the kernel knows it.
 std::optional<SocketAddress> offenderIn(Bytes bytes)
 {
     SocketAddress address;
@@ -62,8 +62,8 @@ std::optional<QueuedError> takeQueuedError(int socket)
 {
     QueuedError error;
     alignas(cmsghdr) std::array<unsigned char, kControlBytes> control {};
-    // No room for the payload: behind what is quoted of the datagram, here nothing, it may hold
-    // padding and whatever else the router adds (RFC 4884).
+    // No buffer for the payload: after the quoted part of the datagram, here nothing, it may
+    // contain padding and extensions of the router (RFC 4884).
     msghdr message {.msg_name = &error.sentTo.storage,
         .msg_namelen = sizeof error.sentTo.storage,
         .msg_control = control.data(),

@@ -9,15 +9,16 @@
 
 namespace netvane::net {
 
-/// What came back for a datagram that a socket had sent (IP_RECVERR of ip(7), IPV6_RECVERR of
+/// An error that was received for a datagram of a socket (IP_RECVERR of ip(7), IPV6_RECVERR of
 /// ipv6(7)).
 struct QueuedError {
-    SocketAddress sentTo; ///< where the datagram was to go, as the error quotes it
-    sock_extended_err report {}; ///< all zero when the kernel gave none
-    std::optional<SocketAddress> offender; ///< who sent the error; the port means nothing
+    SocketAddress sentTo; ///< the destination of the datagram, as the error quotes it
+    sock_extended_err report {}; ///< all zero if the kernel gave none
+    std::optional<SocketAddress> offender; ///< the sender of the error; the port has no meaning
 };
 
-/// The oldest error of the socket's queue, which it leaves; absent when there is none. Never waits.
+/// Removes and returns the oldest error of the socket's queue; absent if there is none. Never
+/// waits.
 std::optional<QueuedError> takeQueuedError(int socket);
 
 } // namespace netvane::net

@@ -13,8 +13,8 @@
 namespace netvane::net {
 namespace {
 
-/// An IPv4-mapped IPv6 address (RFC 4291, 2.5.5.2) is an IPv4 address on the wire,
-/// and errors come back as such.
+/// An IPv4-mapped IPv6 address (RFC 4291, 2.5.5.2) is an IPv4 address on the wire, and errors quote
+/// it as such.
 SocketAddress unmapped(const SocketAddress& address)
 {
     sockaddr_in6 mapped {};
@@ -34,7 +34,7 @@ struct AddressListDeleter {
 
 HostAddresses addressesOf(const std::string& host, std::uint16_t port, int flags)
 {
-    // The resolver would see only what stands before it.
+    // The resolver would see only the part before it.
     if (host.find('\0') != std::string::npos)
         return {.errorText = ::gai_strerror(EAI_NONAME)};
     const addrinfo hints {

@@ -19,29 +19,29 @@ struct SocketAddress {
 in_port_t& portOf(SocketAddress& address);
 /// Whether both are addresses of one host, whatever the ports and scopes.
 bool isSameHost(const SocketAddress& first, const SocketAddress& second);
-/// Whether the ports are the same, too.
+/// Whether the ports are equal too.
 bool isSamePeer(const SocketAddress& first, const SocketAddress& second);
-/// As people write it, without the port; a link-local one with its scope.
+/// The usual text form without the port; a link-local address with its scope.
 std::string addressText(const SocketAddress& address);
 
-/// What became of a host name. Holds nothing of Qt: it is made on a thread that may outlive the
-/// application object.
+/// The result of resolving a host name. Contains no type of Qt: it is created on a thread that may
+/// outlive the application object.
 struct HostAddresses {
     std::vector<SocketAddress> addresses; ///< in the order in which they should be tried
     std::string errorText; ///< the resolver's own words; empty when there are addresses
 };
 
-/// Turns a name into addresses. Called on a thread of its own, several at once; may take its time.
+/// Resolves a name to addresses. Called on a separate thread, several at once; may take long.
 using AddressLookup = std::function<HostAddresses(const std::string& host, std::uint16_t port)>;
 
 /// getaddrinfo(3).
 HostAddresses lookUpHost(const std::string& host, std::uint16_t port);
 
-/// The address that `host` spells out, a scope ("fe80::1%wlan0") included; none when it is a name.
-/// Answers at once.
+/// The address that `host` is written as, including a scope ("fe80::1%wlan0"); empty if it is a
+/// name. Returns at once.
 std::vector<SocketAddress> addressesOfLiteral(const std::string& host, std::uint16_t port);
 
-/// What getaddrinfo says when it may work another time; for names that nobody could look up now.
+/// getaddrinfo's text for a temporary failure; for names that cannot be looked up now.
 std::string tryAgainText();
 
 } // namespace netvane::net

@@ -24,7 +24,7 @@ const QString kStubAddress = u"127.0.0.53"_s; // systemd-resolved(8)
 const QString kStubFile = u"stub-resolv.conf"_s;
 
 /// The beginning of a file, whole lines only; absent when it cannot be read. Only regular files:
-/// opening anything else could wait for somebody.
+/// opening a FIFO or a device could block.
 std::optional<QByteArray> readLines(const QString& path)
 {
     QFile file(path);
@@ -39,11 +39,11 @@ std::optional<QByteArray> readLines(const QString& path)
 template <typename Header>
 struct Question {
     int request;
-    int answer; ///< what the messages of the answer are called
+    int answer; ///< the message type of the answer
     Header header;
 };
 
-/// Those records of a dump that are wanted. What came before a failure counts.
+/// The wanted records of a dump. Records before a failure count.
 template <typename Header, typename Record>
 std::vector<Record> dump(netlink::NetlinkSocket& socket, Question<Header> question,
     std::optional<Record> (*parse)(netlink::AttributeBytes), bool (*isWanted)(const Record&))
@@ -65,10 +65,10 @@ std::vector<Record> dump(netlink::NetlinkSocket& socket, Question<Header> questi
     return records;
 }
 
-/// Only the default routes are kept: a router may know a million others.
+/// Only default routes are kept: a router may have a million others.
 std::vector<RouteRecord> readDefaultRoutes(netlink::NetlinkSocket& socket)
 {
-    // With it the kernel leaves out the other tables by itself; kernels before 4.20 do not know it.
+    // With it the kernel omits the other tables; kernels before 4.20 ignore it.
     const int on = 1;
     (void)::setsockopt(
         nl_socket_get_fd(socket.handle()), SOL_NETLINK, NETLINK_GET_STRICT_CHK, &on, sizeof on);
@@ -84,6 +84,12 @@ std::vector<NextHopRecord> readNextHops(netlink::NetlinkSocket& socket)
         socket, {RTM_GETNEXTHOP, RTM_NEWNEXTHOP, {}}, parseNextHop, all);
 }
 
+std::vector<LinkRecord> readTunnels(netlink::NetlinkSocket& socket)
+{
+    const auto isTunnel = [](const LinkRecord& link) { return link.isTunnel; };
+    return dump<ifinfomsg, LinkRecord>(socket, {RTM_GETLINK, RTM_NEWLINK, {}}, parseLink, isTunnel);
+}
+
 } // namespace
 
 std::optional<QString> LinuxNetworkConfiguration::defaultRouter()
@@ -95,11 +101,14 @@ std::optional<QString> LinuxNetworkConfiguration::defaultRouter()
     std::vector<NextHopRecord> nextHops;
     if (std::ranges::any_of(routes, needsNextHops))
         nextHops = readNextHops(socket.value());
-    return defaultRouterOf(routes, nextHops);
+    std::vector<LinkRecord> tunnels;
+    if (routes.size() > 1) // with one there is no choice
+        tunnels = readTunnels(socket.value());
+    return defaultRouterOf(routes, nextHops, tunnels);
 }
 
-/// The stub says nothing about the servers behind it, and only while it is what the C library asks
-/// does the list behind it count: a file that was written by hand holds.
+/// The stub hides the real servers. Their list counts only while the C library asks the stub: a
+/// file written by hand takes precedence.
 QStringList LinuxNetworkConfiguration::dnsServers()
 {
     QStringList servers = parseNameservers(readLines(m_files.resolvConf).value_or(QByteArray()));
@@ -112,7 +121,7 @@ QStringList LinuxNetworkConfiguration::dnsServers()
     return servers;
 }
 
-/// proc(5): two lines of headings, then a line each, the name before a colon.
+/// proc(5): two lines of headings, then one line per interface with the name before a colon.
 QStringList LinuxNetworkConfiguration::interfaceNames()
 {
     QStringList names;

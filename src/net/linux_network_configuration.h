@@ -4,10 +4,10 @@
 
 namespace netvane::net {
 
-/// The files that say how the network is set up.
+/// The files with the configuration of the network.
 struct NetworkFiles {
     QString resolvConf = QStringLiteral("/etc/resolv.conf");
-    /// Where systemd-resolved writes the servers that stand behind its own stub at 127.0.0.53.
+    /// systemd-resolved writes here the servers that its stub at 127.0.0.53 asks.
     QString resolvedUpstreams = QStringLiteral("/run/systemd/resolve/resolv.conf");
     /// The interfaces of this process's network namespace. Unlike the netlink dump behind
     /// getifaddrs it never waits for the lock that a driver may hold.

@@ -35,7 +35,7 @@ bool isAddress(const QByteArray& text)
         && (isIPv4(text) || isIPv6(text));
 }
 
-/// What stands between the keyword, which must begin the line, and the next blank.
+/// The text between the keyword, which must begin the line, and the next blank.
 QByteArray addressOf(const QByteArray& line)
 {
     if (!line.startsWith(kKeyword))

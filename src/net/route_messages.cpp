@@ -1,18 +1,25 @@
 #include "net/route_messages.h"
 
 #include <arpa/inet.h>
+#include <linux/if_link.h>
 #include <linux/nexthop.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <array>
+#include <utility>
 
 namespace netvane::net {
 namespace {
 
 constexpr int kNextHopAttributeMax = NHA_GATEWAY; // nothing beyond it is read
+/// As their drivers in the kernel name them; TAP devices are of the kind "tun", too.
+constexpr std::array<QByteArrayView, 16> kTunnelKinds {"tun", "wireguard", "ovpn", "ppp", "xfrm",
+    "vti", "ipip", "sit", "gre", "gretap", "erspan", "ip6tnl", "ip6gre", "ip6gretap", "vti6",
+    "vxlan"};
 
-/// The fixed part that a message begins with; absent when the message is shorter.
+/// The fixed header of a message; absent if the message is shorter.
 template <typename Header>
 std::optional<Header> headerOf(netlink::AttributeBytes message)
 {
@@ -39,7 +46,14 @@ std::optional<QString> ipv4Text(const std::optional<QByteArray>& address)
     return QString::fromLatin1(text);
 }
 
-/// RTA_GATEWAY, or RTA_VIA in its place, which may name a router of another family.
+std::optional<Gateway> gatewayAt(
+    std::optional<QString> address, std::optional<std::uint32_t> device)
+{
+    return address ? std::optional(Gateway {*std::move(address), device.value_or(0)})
+                   : std::nullopt;
+}
+
+/// RTA_GATEWAY, or instead RTA_VIA, which may contain a router of another family.
 std::optional<QString> gatewayOf(const netlink::Attributes<RTA_MAX>& attributes)
 {
     if (auto gateway = ipv4Text(attributes.bytes(RTA_GATEWAY)))
@@ -52,9 +66,9 @@ std::optional<QString> gatewayOf(const netlink::Attributes<RTA_MAX>& attributes)
     return header.rtvia_family == AF_INET ? ipv4Text(via->sliced(sizeof header)) : std::nullopt;
 }
 
-/// RTA_MULTIPATH: the first next hop with a gateway. A link without carrier counts as dead where
-/// the kernel is told to ignore such links, and the flag says so.
-std::optional<QString> firstGateway(netlink::AttributeBytes nextHops)
+/// RTA_MULTIPATH: the first next hop with a gateway. A link without carrier counts as dead if the
+/// kernel is configured to ignore such links; the flag shows this.
+std::optional<Gateway> firstGateway(netlink::AttributeBytes nextHops)
 {
     while (const auto hop = headerOf<rtnexthop>(nextHops)) {
         if (hop->rtnh_len < sizeof(rtnexthop) || hop->rtnh_len > nextHops.size())
@@ -62,7 +76,7 @@ std::optional<QString> firstGateway(netlink::AttributeBytes nextHops)
         const netlink::Attributes<RTA_MAX> attributes(
             attributesAfter<rtnexthop>(nextHops.first(hop->rtnh_len)));
         if ((hop->rtnh_flags & RTNH_F_DEAD) == 0) {
-            if (auto gateway = gatewayOf(attributes))
+            if (auto gateway = gatewayAt(gatewayOf(attributes), std::uint32_t(hop->rtnh_ifindex)))
                 return gateway;
         }
         nextHops = nextHops.subspan(std::min(nextHops.size(), size_t(RTNH_ALIGN(hop->rtnh_len))));
@@ -86,8 +100,8 @@ const NextHopRecord* findLiving(const std::vector<NextHopRecord>& nextHops, std:
     return found == nextHops.end() || found->dead ? nullptr : &*found;
 }
 
-/// Groups hold no groups (the kernel refuses them), so one step down is enough.
-std::optional<QString> resolvedGateway(const std::vector<NextHopRecord>& nextHops, std::uint32_t id)
+/// Groups contain no groups (the kernel refuses them), so one level is enough.
+std::optional<Gateway> resolvedGateway(const std::vector<NextHopRecord>& nextHops, std::uint32_t id)
 {
     const NextHopRecord* hop = findLiving(nextHops, id);
     if (!hop || hop->gateway)
@@ -117,7 +131,7 @@ std::optional<RouteRecord> parseRoute(netlink::AttributeBytes message)
         .nextHopId = attributes.number<std::uint32_t>(RTA_NH_ID),
     };
     if ((header->rtm_flags & RTNH_F_DEAD) == 0)
-        route.gateway = gatewayOf(attributes);
+        route.gateway = gatewayAt(gatewayOf(attributes), attributes.number<std::uint32_t>(RTA_OIF));
     if (!route.gateway)
         route.gateway = firstGateway(attributes.nested(RTA_MULTIPATH));
     return route;
@@ -135,10 +149,24 @@ std::optional<NextHopRecord> parseNextHop(netlink::AttributeBytes message)
     return NextHopRecord {
         .id = *id,
         .dead = (header->nh_flags & RTNH_F_DEAD) != 0,
-        .gateway
-        = header->nh_family == AF_INET ? ipv4Text(attributes.bytes(NHA_GATEWAY)) : std::nullopt,
+        .gateway = header->nh_family == AF_INET ? gatewayAt(ipv4Text(attributes.bytes(NHA_GATEWAY)),
+                       attributes.number<std::uint32_t>(NHA_OIF))
+                                                : std::nullopt,
         .members = groupMembers(attributes.nested(NHA_GROUP)),
     };
+}
+
+std::optional<LinkRecord> parseLink(netlink::AttributeBytes message)
+{
+    const auto header = headerOf<ifinfomsg>(message);
+    if (!header)
+        return {};
+    const netlink::Attributes<IFLA_MAX> attributes(attributesAfter<ifinfomsg>(message));
+    const netlink::Attributes<IFLA_INFO_MAX> info(attributes.nested(IFLA_LINKINFO));
+    const auto kind = info.text(IFLA_INFO_KIND);
+    return LinkRecord {.index = std::uint32_t(header->ifi_index),
+        .isTunnel
+        = kind && std::ranges::find(kTunnelKinds, QByteArrayView(*kind)) != kTunnelKinds.end()};
 }
 
 bool isDefaultRoute(const RouteRecord& route)
@@ -152,20 +180,25 @@ bool needsNextHops(const RouteRecord& route)
     return !route.gateway && route.nextHopId;
 }
 
-std::optional<QString> defaultRouterOf(
-    const std::vector<RouteRecord>& routes, const std::vector<NextHopRecord>& nextHops)
+std::optional<QString> defaultRouterOf(const std::vector<RouteRecord>& routes,
+    const std::vector<NextHopRecord>& nextHops, const std::vector<LinkRecord>& tunnels)
 {
     std::optional<QString> router;
-    std::uint32_t lowest = 0;
+    std::pair<bool, std::uint32_t> best; // whether through a tunnel, and the metric
     for (const RouteRecord& route : routes) {
-        if (!isDefaultRoute(route) || (router && route.metric >= lowest))
+        if (!isDefaultRoute(route))
             continue;
         const auto gateway
             = needsNextHops(route) ? resolvedGateway(nextHops, *route.nextHopId) : route.gateway;
         if (!gateway)
             continue;
-        router = gateway;
-        lowest = route.metric;
+        const std::pair rank(
+            std::ranges::find(tunnels, gateway->device, &LinkRecord::index) != tunnels.end(),
+            route.metric);
+        if (router && rank >= best)
+            continue;
+        router = gateway->address;
+        best = rank;
     }
     return router;
 }

@@ -7,6 +7,7 @@
 #include <sys/ioctl.h>
 
 #include <mutex>
+#include <utility>
 
 namespace netvane::net {
 namespace {
@@ -59,10 +60,12 @@ AddressLookup askingOnce(const AddressLookup& lookUp)
         };
 }
 
-/// What the probes of a path share; the last of them may outlive it.
+/// The state that the probes of a path share; the last of them may outlive it.
 struct Path {
     const QString host;
     const AddressLookup lookUp;
+    const bool isToNeighbour = false; ///< no router may pass a datagram on, whatever the routes say
+    bool isTimed = false; ///< since an earlier probe
     in_port_t ownPort = 0; ///< in the order of the network; 0 before the first probe
     /// The kernel times packets while any socket asks for it, and begins with a delay. This one
     /// spans the pauses between the probes.
@@ -73,11 +76,9 @@ struct Path {
 class UdpHopProbe : public SocketProbe {
 public:
     UdpHopProbe(ProbeContext& context, std::shared_ptr<Path> path, quint16 port, int hopLimit,
-        platform::ConnectionHandler handler)
+        base::Delivery firstLook, platform::ConnectionHandler handler)
         : SocketProbe(context,
-            {.socketType = SOCK_DGRAM,
-                .event = QSocketNotifier::Read,
-                .firstLook = base::Delivery::Immediate},
+            {.socketType = SOCK_DGRAM, .event = QSocketNotifier::Read, .firstLook = firstLook},
             path->host, port, std::move(handler))
         , m_path(std::move(path))
         , m_hopLimit(hopLimit)
@@ -107,9 +108,10 @@ bool UdpHopProbe::ask(const SocketAddress& address)
         : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
             && set(socket, IPPROTO_IPV6, IPV6_AUTOFLOWLABEL, 0)
             && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_hopLimit);
-    if (!isSet)
+    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, m_path->isToNeighbour))
         return false;
-    takeOwnPort(address.storage.ss_family);
+    if (!m_path->isToNeighbour) // there is one way to it; each probe has a port of its own
+        takeOwnPort(address.storage.ss_family);
     if (::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length) != 0)
         return false;
     // As the kernel knows it from now on: connected to 0.0.0.0, it sends to 127.0.0.1.
@@ -177,9 +179,10 @@ SocketProbe::Answer UdpHopProbe::goodAnswer() const
 
 class SocketHopPath : public platform::HopPath {
 public:
-    SocketHopPath(ProbeContext& context, const QString& host)
+    SocketHopPath(ProbeContext& context, const QString& host, bool isToNeighbour)
         : m_context(context)
-        , m_path(new Path {.host = host, .lookUp = askingOnce(context.lookUp)})
+        , m_path(new Path {
+              .host = host, .lookUp = askingOnce(context.lookUp), .isToNeighbour = isToNeighbour})
     {
         (void)kernelStamp(m_path->timed.get());
     }
@@ -187,7 +190,10 @@ public:
     std::unique_ptr<platform::Connection> probe(
         quint16 port, int hopLimit, platform::ConnectionHandler handler) override
     {
-        return handleOf(new UdpHopProbe(m_context, m_path, port, hopLimit, std::move(handler)));
+        // Before the kernel takes times, that of an answer is when it is seen.
+        const bool mayWait = std::exchange(m_path->isTimed, true) && m_path->isToNeighbour;
+        return handleOf(new UdpHopProbe(m_context, m_path, port, hopLimit,
+            mayWait ? base::Delivery::Batched : base::Delivery::Immediate, std::move(handler)));
     }
 
 private:
@@ -212,7 +218,12 @@ HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
 
 std::unique_ptr<platform::HopPath> SocketHopProbes::pathTo(const QString& host)
 {
-    return std::make_unique<SocketHopPath>(m_context, host);
+    return std::make_unique<SocketHopPath>(m_context, host, false);
+}
+
+std::unique_ptr<platform::HopPath> SocketHopProbes::pathToNeighbour(const QString& host)
+{
+    return std::make_unique<SocketHopPath>(m_context, host, true);
 }
 
 } // namespace netvane::net

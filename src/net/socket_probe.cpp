@@ -122,6 +122,7 @@ void SocketProbe::askNext()
         m_socket = base::FileDescriptor(::socket(
             address.storage.ss_family, m_kind.socketType | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
         m_askedAt = clock().monotonicNow();
+        m_isUnwatched = false;
         if (!m_socket.isOpen() || !ask(address)) {
             m_error = errno;
             continue;
@@ -130,7 +131,9 @@ void SocketProbe::askNext()
         // A peer on this machine has answered by now, and the main thread may be busy from here on.
         if (look())
             return;
-        if (m_next == 1 && m_kind.firstLook == base::Delivery::Batched)
+        m_isUnwatched = m_next == 1 && m_kind.firstLook == base::Delivery::Batched
+            && m_unmeasured == m_unmeasured.zero();
+        if (m_isUnwatched)
             m_context.clock.soon(this, [this] { lookOrWatch(); });
         else
             lookOrWatch();
@@ -149,12 +152,16 @@ bool SocketProbe::look()
     if (!answer)
         return false;
     stopWatching();
+    if (answer->isUntimed && m_isUnwatched) {
+        askOnceMore();
+        return true;
+    }
     if (answer->error == 0) {
         m_isAnswered = true;
         tell({.state = platform::ConnectionState::Ready,
-            .at = std::clamp(answer->at.value_or(now), m_askedAt, now),
+            .at = std::clamp(answer->at.value_or(now), m_askedAt, now) - m_unmeasured,
             .answeredBy = answer->from.isEmpty() ? m_host : answer->from,
-            .askedAt = m_askedAt});
+            .askedAt = m_askedAt - m_unmeasured});
         return true;
     }
     m_error = answer->error;
@@ -165,10 +172,19 @@ bool SocketProbe::look()
     return true;
 }
 
+void SocketProbe::askOnceMore()
+{
+    m_socket = {};
+    m_unmeasured = clock().monotonicNow() - m_askedAt;
+    --m_next;
+    askNext();
+}
+
 void SocketProbe::lookOrWatch()
 {
     if (look() || m_notifier)
         return;
+    m_isUnwatched = false;
     m_notifier = new QSocketNotifier(descriptor(), m_kind.event, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &SocketProbe::look);
 }

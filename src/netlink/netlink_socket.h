@@ -1,8 +1,8 @@
 #pragma once
 
-// This room talks to the kernel over netlink: sockets with time limits, messages and attributes.
-// Nothing here knows what a message is about; `radio` and `net` give the meaning.
-// Every length in a message is checked before it is used.
+// This room exchanges netlink messages with the kernel: sockets with time limits, messages and
+// attributes. It does not interpret the messages; `radio` and `net` do. Every length in a message
+// is checked before it is used.
 
 #include "base/result.h"
 

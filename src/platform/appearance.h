@@ -5,12 +5,12 @@
 namespace netvane::platform {
 
 enum class ColorScheme {
-    NoPreference, ///< also when the desktop does not tell
+    NoPreference, ///< also if the desktop states none
     Dark,
     Light,
 };
 
-/// What the user wants windows to look like. Main thread.
+/// The colour scheme that the user has chosen. Main thread.
 class Appearance : public QObject {
     Q_OBJECT
 

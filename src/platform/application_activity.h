@@ -4,8 +4,8 @@
 
 namespace netvane::platform {
 
-/// Tells that the application became the active one: the user turned to one of its windows.
-/// The application shell emits it; services below need no window system to listen.
+/// Signals that the application became active: the user switched to one of its windows. The
+/// application emits it, so that services need no window system to receive it.
 class ApplicationActivity : public QObject {
     Q_OBJECT
 

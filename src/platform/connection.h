@@ -10,15 +10,15 @@
 namespace netvane::platform {
 
 enum class ConnectionState {
-    Ready, ///< the peer answered
-    Failed, ///< none of the host's addresses can be had; final
-    Cancelled, ///< by `cancel`, or because the connection or its factory went; final
+    Ready, ///< the peer answered, if only to refuse
+    Failed, ///< no address of the host could be reached; final
+    Cancelled, ///< by `cancel`, or because the connection or its factory was destroyed; final
 };
 
 struct ConnectionEvent {
     ConnectionState state = ConnectionState::Cancelled;
-    /// When it came about, by the monotonic clock: for `Ready` the moment the peer's answer came,
-    /// however long the handler had to wait for its turn.
+    /// The time of the event by the monotonic clock: for `Ready` the arrival of the peer's answer,
+    /// even if the handler runs later.
     std::chrono::steady_clock::time_point at;
     QString error; ///< only when failed: the system's own words in the user's language
     /// Only when ready: the host as it was given, or the address of the router that answered for
@@ -29,26 +29,26 @@ struct ConnectionEvent {
     std::optional<std::chrono::steady_clock::time_point> askedAt {};
 };
 
-/// Is told of each state once, on the main thread and never inside a call of the connection's own.
-/// Must not wait for anything, nor end the factory. It may still be called when the connection
-/// object is gone, so it owns, or holds weakly, what it touches.
+/// Called once for each state, on the main thread and never inside a call of the connection. Must
+/// not block or destroy the factory. It may be called after the connection object was destroyed, so
+/// it must own what it uses, or use weak pointers.
 using ConnectionHandler = std::function<void(const ConnectionEvent&)>;
 
-/// A connection that is set up and torn down, with nothing sent over it. Destroying it cancels it.
-/// Main thread.
+/// A connection that is set up and closed without sending data. Destroying it cancels it. Main
+/// thread.
 class Connection {
 public:
     virtual ~Connection() = default;
 
-    /// Once, while the factory is there; one that was cancelled before stays silent.
+    /// Call once, while the factory exists; a cancelled connection sends no event.
     virtual void start() = 0;
     /// Closes the connection whatever its state. May be called by the handler; a second call
     /// does nothing.
     virtual void cancel() = 0;
 };
 
-/// Makes connections. Destroying it cancels those that are left, and tells them so; a resolver that
-/// hangs is not waited for.
+/// Makes connections. Destroying it cancels the remaining ones, with an event for each; it does not
+/// wait for a blocked resolver.
 class ConnectionFactory {
 public:
     virtual ~ConnectionFactory() = default;

@@ -11,13 +11,12 @@ class HopPath {
 public:
     virtual ~HopPath() = default;
 
-    /// Once started, sends one empty UDP datagram that ends at the router number `hopLimit` (1 to
-    /// 255). To be started when the probe before it is cancelled: answers are told apart by the
-    /// ports alone.
-    /// `Ready`, with `answeredBy`: a router tells that the hops are used up (ICMP time exceeded),
-    /// or the host itself that nobody listens on `port` (ICMP port unreachable), or it sends
-    /// something back. `Failed`: there is no route, the name has no address, or somebody on the way
-    /// refuses to pass it on (every other ICMP error). Without an answer it stays silent until
+    /// Once started, sends one empty UDP datagram with the given hop limit (1 to 255). Start it
+    /// only after the previous probe was cancelled: only the ports tell their answers apart.
+    /// `Ready`, with `answeredBy`: a router reports that the hop limit is exceeded (ICMP time
+    /// exceeded), or the host itself reports a closed `port` (ICMP port unreachable) or sends a
+    /// datagram. `Failed`: there is no route, the name has no address, or a router refuses to
+    /// forward it (every other ICMP error). Without an answer there is no event until it is
     /// cancelled.
     [[nodiscard]] virtual std::unique_ptr<Connection> probe(
         quint16 port, int hopLimit, ConnectionHandler handler)

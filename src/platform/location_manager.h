@@ -4,7 +4,7 @@
 
 namespace netvane::platform {
 
-/// Whether this user may see what the air holds. The numbers stand in log lines.
+/// Whether this user may see Wi-Fi networks. The numbers appear in log lines.
 enum class AuthorizationStatus {
     NotDetermined = 0,
     Restricted = 1,
@@ -21,7 +21,7 @@ public:
     /// The last known state; NotDetermined before the system's first answer.
     virtual AuthorizationStatus authorizationStatus() const = 0;
 
-    /// Has the system ask the user. The answer, if it changes anything, arrives by the signal.
+    /// Makes the system ask the user. A changed status arrives by the signal.
     virtual void requestAlwaysAuthorization() = 0;
 
 Q_SIGNALS:

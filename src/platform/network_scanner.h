@@ -13,8 +13,7 @@ class QObject;
 
 namespace netvane::platform {
 
-/// A network in reach, as its beacons tell. Each field may be absent; none of them depends on
-/// another.
+/// A network in range, from its beacons. Each field may be absent without the others.
 struct NearbyNetwork {
     std::optional<QString> ssid; ///< as `ssidText` makes it; absent when the name is hidden
     std::optional<QString> bssid; ///< "02:00:00:00:01:00"
@@ -24,8 +23,8 @@ struct NearbyNetwork {
     bool operator==(const NearbyNetwork&) const = default;
 };
 
-/// Looks for nearby networks, only when asked. Main thread; never blocks, and what still runs at
-/// the end of the program holds nothing up.
+/// Scans for nearby networks on request. Main thread; never blocks, and a running scan does not
+/// delay the end of the program.
 class NetworkScanner {
 public:
     using DeliverNetworks = std::function<void(const base::Result<std::vector<NearbyNetwork>>&)>;
@@ -33,13 +32,13 @@ public:
 
     virtual ~NetworkScanner() = default;
 
-    /// Scans with the first of the `WiFiClient`'s interfaces and hands over every network once, or
-    /// why there was no scan, in a sentence for the user: the kind NotFound means that there is no
-    /// Wi-Fi interface, and nothing else. Takes seconds, half a minute at most. `deliver` is called
-    /// later, and not once the owner is gone.
+    /// Scans with the first of the `WiFiClient`'s interfaces and delivers every network once, or
+    /// the reason why there was no scan, in a sentence for the user. The kind NotFound means only
+    /// that there is no Wi-Fi interface. Takes seconds, half a minute at most. `deliver` is called
+    /// later, and not after the owner is destroyed.
     virtual void scan(QObject* owner, DeliverNetworks deliver) = 0;
 
-    /// Reads the channel that this interface is on; absent without a link. `deliver` as above.
+    /// Reads the current channel of this interface; absent without a link. `deliver` as above.
     virtual void readCurrentChannel(QObject* owner, DeliverChannel deliver) = 0;
 };
 

@@ -4,8 +4,8 @@
 
 namespace netvane::platform {
 
-/// What came of resolving a host name. Holds nothing of Qt: it is made on a thread that may outlive
-/// the application object.
+/// The result of resolving a host name. Contains no type of Qt: it is created on a thread that may
+/// outlive the application object.
 struct Resolution {
     int status = 0; ///< zero: there are addresses; else an EAI_ number of getaddrinfo(3)
     std::string errorText; ///< the resolver's own words for `status`; empty when it is zero
@@ -13,14 +13,14 @@ struct Resolution {
     bool operator==(const Resolution&) const = default;
 };
 
-/// The system's resolver, whatever it is set up to ask and to remember.
+/// The system's resolver, as it is configured, caches included.
 class Resolver {
 public:
     virtual ~Resolver() = default;
 
-    /// Resolves `host` to addresses of any family and throws them away. Any thread, several at
-    /// once. Waits until the resolver gives up by itself, which may take a minute, and cannot be
-    /// interrupted: for use with `runDetached`.
+    /// Resolves `host` to addresses of any family and discards them. Any thread, several at once.
+    /// Blocks until the resolver gives up, which may take a minute, and cannot be interrupted: for
+    /// use with `runDetached`.
     virtual Resolution resolve(const std::string& host) = 0;
 };
 

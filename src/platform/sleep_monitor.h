@@ -4,12 +4,12 @@
 
 namespace netvane::platform {
 
-/// Tells when the machine wakes from sleep. Main thread.
+/// Signals when the machine wakes from sleep. Main thread.
 class SleepMonitor : public QObject {
     Q_OBJECT
 
 Q_SIGNALS:
-    /// It slept and is awake again. Once for each sleep; costs nothing in between.
+    /// The machine slept and is awake again. Once for each sleep.
     void didWake();
 };
 

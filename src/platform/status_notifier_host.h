@@ -6,12 +6,12 @@
 
 namespace netvane::platform {
 
-/// Whether some panel of this session shows StatusNotifier items. Main thread.
+/// Whether a panel of this session shows StatusNotifier items. Main thread.
 class StatusNotifierHost : public QObject {
     Q_OBJECT
 
 public:
-    /// Absent while that is not known yet.
+    /// Absent while it is not known yet.
     virtual std::optional<bool> isPresent() const = 0;
 
 Q_SIGNALS:

@@ -8,7 +8,7 @@
 
 namespace netvane::platform {
 
-/// Whether the user gets to see what this program posts.
+/// Whether the user sees the notifications of this program.
 enum class NotificationAuthorization {
     NotDetermined = 0,
     Denied = 1,
@@ -24,7 +24,7 @@ enum class NotificationOption {
 Q_DECLARE_FLAGS(NotificationOptions, NotificationOption)
 Q_DECLARE_OPERATORS_FOR_FLAGS(NotificationOptions)
 
-/// What a notification is about, for desktops that treat kinds differently.
+/// The subject of a notification, for desktops that treat them differently.
 enum class NotificationCategory {
     Network,
     NetworkConnected,
@@ -39,8 +39,8 @@ struct NotificationRequest {
     NotificationCategory category = NotificationCategory::Network;
 };
 
-/// Where notifications for the user go. Main thread; never blocks. Each handler is called once, on
-/// a later turn of the main loop, and not once its owner is gone.
+/// Shows notifications to the user. Main thread; never blocks. Each handler is called once, on a
+/// later turn of the main loop, and not after its owner is destroyed.
 class UserNotificationCenter : public QObject {
     Q_OBJECT
 
@@ -55,11 +55,11 @@ public:
     virtual void requestAuthorization(
         NotificationOptions options, QObject* owner, PermissionHandler done)
         = 0;
-    /// Without an error the system took the request.
+    /// Without an error the system accepted the request.
     virtual void add(const NotificationRequest& request, QObject* owner, AddHandler done) = 0;
 
 Q_SIGNALS:
-    /// The settings are others than before, by nothing that the program did.
+    /// The settings were changed from outside the program.
     void settingsChanged();
 };
 

@@ -15,8 +15,8 @@ enum class ChannelBand {
     SixGHz,
 };
 
-/// A channel, told apart by its band: 2.4, 5 and 6 GHz share some numbers (IEEE 802.11-2020, Annex
-/// E).
+/// A channel, identified by its number and band: 2.4, 5 and 6 GHz share some numbers (IEEE
+/// 802.11-2020, Annex E).
 struct WiFiChannel {
     int number = 0;
     ChannelBand band = ChannelBand::Unknown;
@@ -24,9 +24,9 @@ struct WiFiChannel {
     bool operator==(const WiFiChannel&) const = default;
 };
 
-/// One reading of a Wi-Fi link. Each field is absent when the driver does not tell it or there is
-/// no link; none of them depends on another. There is a link once the access point has let the
-/// interface in: it is associated, and authorized as far as the driver knows.
+/// One reading of a Wi-Fi link. Each field is absent if the driver does not report it or there is
+/// no link; each may be absent without the others. There is a link once the access point has let
+/// the interface in: it is associated, and authorized as far as the driver knows.
 struct LinkReading {
     std::optional<QString> ssid; ///< as `ssidText` makes it
     /// The network that the interface asks to let it in, or signs in to, instead of a link.
@@ -35,7 +35,7 @@ struct LinkReading {
     std::optional<int> noiseDbm;
     std::optional<double> transmitRateMbps;
     std::optional<ChannelBand> band; ///< absent without a current channel
-    std::optional<WiFiChannel> channel; ///< absent, too, where the bands have no such channel
+    std::optional<WiFiChannel> channel; ///< also absent if no band has such a channel
     std::optional<QString> interfaceName;
 
     bool operator==(const LinkReading&) const = default;
@@ -46,12 +46,12 @@ class WiFiInterface {
 public:
     virtual ~WiFiInterface() = default;
 
-    /// Whether the radio is on: false only when it is known to be blocked or the interface is down.
-    /// Answers at once; any thread.
+    /// Whether the radio is on: false only if it is known to be blocked or the interface is down.
+    /// Does not block; any thread.
     virtual bool powerOn() const = 0;
 
-    /// Reads the link; absent when the interface is gone or no longer a station. May wait for the
-    /// driver, within a bound: for background threads, one call at a time.
+    /// Reads the link; absent if the interface was removed or is no longer a station. May wait for
+    /// the driver, for a bounded time: for background threads, one call at a time.
     virtual std::optional<LinkReading> readLink() = 0;
 };
 
@@ -60,11 +60,10 @@ class WiFiClient {
 public:
     virtual ~WiFiClient() = default;
 
-    /// The interfaces in station mode; empty when there is no Wi-Fi at all. The first is the one to
-    /// use: the one whose link was read last, while it has it; then those with a link that carry a
-    /// default IPv4 route, those with a link, those that sign in, those that are on, the rest;
-    /// within each the kernel's order. May wait for the kernel, within a bound: for background
-    /// threads.
+    /// The interfaces in station mode; empty without Wi-Fi. The first is the one to use: the one
+    /// whose link was read last, while it has it; then those with a link that carry a default IPv4
+    /// route, those with a link, those that sign in, those that are on, the rest; within each the
+    /// kernel's order. May wait for the kernel, for a bounded time: for background threads.
     virtual std::vector<std::shared_ptr<WiFiInterface>> interfaces() = 0;
 };
 

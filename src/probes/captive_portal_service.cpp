@@ -1,5 +1,7 @@
 #include "probes/captive_portal_service.h"
 
+#include "base/publish.h"
+
 namespace netvane::probes {
 
 CaptivePortalService::CaptivePortalService(
@@ -30,15 +32,9 @@ void CaptivePortalService::openLoginPage()
 
 void CaptivePortalService::publish(const PortalVerdict& verdict)
 {
-    if (m_isCaptive != verdict.isCaptive) {
-        m_isCaptive = verdict.isCaptive;
-        Q_EMIT isCaptiveChanged();
-    }
-    const auto loginURL = verdict.redirectAddress.value_or(m_captiveURL);
-    if (m_loginURL != loginURL) {
-        m_loginURL = loginURL;
-        Q_EMIT loginURLChanged();
-    }
+    base::publish(*this, m_isCaptive, verdict.isCaptive, &CaptivePortalService::isCaptiveChanged);
+    base::publish(*this, m_loginURL, verdict.redirectAddress.value_or(m_captiveURL),
+        &CaptivePortalService::loginURLChanged);
 }
 
 } // namespace netvane::probes

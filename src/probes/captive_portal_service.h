@@ -13,8 +13,8 @@
 
 namespace netvane::probes {
 
-/// Fetches a known page every 30 seconds and publishes whether a captive portal stands in its place
-/// and where the user can log in. Main thread.
+/// Fetches a known page every 30 seconds and publishes whether a captive portal replaced it and
+/// where the user can log in. Without it the user sees only that nothing loads. Main thread.
 class CaptivePortalService : public QObject {
     Q_OBJECT
 
@@ -23,17 +23,18 @@ public:
     static constexpr std::chrono::milliseconds silenceLimit {5000}; ///< without any progress
     static constexpr std::chrono::milliseconds timeLimit {15000}; ///< a loaded link is no portal
 
-    /// All outlive this. `captiveURL` is the page to fetch; nothing is fetched before `start`.
+    /// All outlive this. `captiveURL` is the page to fetch; `start` begins to fetch it.
     CaptivePortalService(platform::HttpClient& http, platform::UrlOpener& opener,
         base::Clock& clock, QUrl captiveURL);
 
     void start();
-    /// A check that is under way still counts.
+    /// The result of a running check is still published.
     void stop() { m_checkTimer.reset(); }
 
     bool isCaptive() const { return m_isCaptive; }
-    /// Absent until the first check is through; from then on the address that the portal led to or,
-    /// when it led nowhere, the page that was fetched. Written by a stranger when `isCaptive`.
+    /// Absent until the first check has ended. Then the address to which the portal redirected or,
+    /// without one, the page that was fetched. When `isCaptive`, it comes from the network and is
+    /// not trusted.
     const std::optional<QUrl>& loginURL() const { return m_loginURL; }
     const QUrl& captiveURL() const { return m_captiveURL; }
 

@@ -2,7 +2,7 @@
 
 #include "base/detached_work.h"
 #include "base/log.h"
-#include "probes/bounded_history.h"
+#include "base/publish.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -13,7 +13,8 @@ Q_LOGGING_CATEGORY(logCategory, "netvane.probes")
 
 constexpr int kLookupsPerLogLine = 10;
 
-/// The clock is the process's own: the service's one may be gone when a lookup that hung returns.
+/// Uses the clock of the process: that of the service may be destroyed before a blocked lookup
+/// returns.
 TimedResolution timedResolve(platform::Resolver& resolver, const std::string& host)
 {
     TimedResolution timed;
@@ -31,8 +32,9 @@ DNSService::DNSService(const NetworkUtils& network, std::shared_ptr<platform::Re
     , m_resolver(std::move(resolver))
     , m_clock(clock)
     , m_testHost(std::move(testHost))
-    , m_lookupSubject(
-          clock, publicationInterval, [this](double milliseconds) { setLookupTime(milliseconds); })
+    , m_lookupSubject(clock, publicationInterval, [this](double milliseconds) {
+        base::publish(*this, m_lookupTime, milliseconds, &DNSService::lookupTimeChanged);
+    })
 {
 }
 
@@ -46,7 +48,11 @@ void DNSService::performLookup()
 {
     const QString server = m_network.getDNSServers().value(0, u"Unknown"_s);
     QMetaObject::invokeMethod(
-        this, [this, server] { setDnsServer(server); }, Qt::QueuedConnection);
+        this,
+        [this, server] {
+            base::publish(*this, m_dnsServer, server, &DNSService::dnsServerChanged);
+        },
+        Qt::QueuedConnection);
     timeLookup();
 }
 
@@ -88,22 +94,6 @@ void DNSService::finishLookup(const TimedResolution& lookup)
     const MetricDataPoint point {.timestamp = m_clock.now(), .value = milliseconds.count()};
     appendBounded(m_history, point, maxHistorySize);
     m_lookupSubject.send(milliseconds.count());
-}
-
-void DNSService::setLookupTime(double milliseconds)
-{
-    if (m_lookupTime == milliseconds)
-        return;
-    m_lookupTime = milliseconds;
-    Q_EMIT lookupTimeChanged();
-}
-
-void DNSService::setDnsServer(const QString& server)
-{
-    if (m_dnsServer == server)
-        return;
-    m_dnsServer = server;
-    Q_EMIT dnsServerChanged();
 }
 
 } // namespace netvane::probes

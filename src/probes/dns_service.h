@@ -2,8 +2,8 @@
 
 #include "base/clock.h"
 #include "platform/resolver.h"
+#include "probes/history.h"
 #include "probes/latest_value_throttle.h"
-#include "probes/metric_data_point.h"
 #include "probes/network_utils.h"
 
 #include <QObject>
@@ -14,15 +14,14 @@
 
 namespace netvane::probes {
 
-/// What came of one lookup and how long the resolver took.
+/// The result of one lookup and how long the resolver took.
 struct TimedResolution {
     platform::Resolution resolution;
     std::chrono::steady_clock::duration duration {};
 };
 
-/// Times how long the system's resolver takes for one well-known name, every 5 seconds, caches
-/// included. Main thread; each lookup runs on a thread of its own, since nothing can end one that
-/// hangs.
+/// Measures every 5 seconds how long the system's resolver takes for one well-known name, caches
+/// included. Main thread; each lookup runs on its own thread, since a blocked one cannot be ended.
 class DNSService : public QObject {
     Q_OBJECT
 
@@ -30,8 +29,8 @@ public:
     static constexpr std::chrono::milliseconds lookupInterval {5000};
     static constexpr std::chrono::milliseconds publicationInterval {500};
     static constexpr size_t maxHistorySize = 10;
-    /// While so many lookups hang, ticks begin no further one: a dead resolver shall not gather
-    /// threads.
+    /// While so many lookups are blocked, no further one begins: a dead resolver must not
+    /// accumulate threads.
     static constexpr int maxLookupsInFlight = 4;
 
     /// `network` and `clock` outlive this. Nothing is looked up before `start`.
@@ -39,12 +38,14 @@ public:
         base::Clock& clock, QString testHost);
 
     void start();
-    /// Lookups that are under way still count.
+    /// The results of running lookups still count.
     void stop() { m_lookupTimer.reset(); }
 
-    /// Milliseconds; the last success, half a second late at most. Absent before the first.
+    /// The last success in milliseconds, published at most half a second late. Absent before the
+    /// first.
     const std::optional<double>& lookupTime() const { return m_lookupTime; }
-    /// The first configured server, or "Unknown" without any. Absent until the first tick is over.
+    /// The first configured server, or "Unknown" without any. Absent before the first lookup
+    /// begins.
     const std::optional<QString>& dnsServer() const { return m_dnsServer; }
     /// The last successes in milliseconds, oldest first.
     const std::vector<MetricDataPoint>& history() const { return m_history; }
@@ -61,8 +62,6 @@ Q_SIGNALS:
 private:
     void timeLookup();
     void finishLookup(const TimedResolution& lookup);
-    void setLookupTime(double milliseconds);
-    void setDnsServer(const QString& server);
 
     const NetworkUtils& m_network;
     const std::shared_ptr<platform::Resolver> m_resolver;

@@ -9,8 +9,8 @@
 
 namespace netvane::probes {
 
-/// Hands on at most one value per `interval`: the first at once, and of those that come within an
-/// interval the last one at its end. No timer runs unless a value is held back. Main thread.
+/// Delivers at most one value per `interval`: the first at once, and of those within an interval
+/// the last one at its end. A timer runs only while a value is held back. Main thread.
 template <typename Value>
 class LatestValueThrottle {
 public:

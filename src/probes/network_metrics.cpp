@@ -1,6 +1,6 @@
 #include "probes/network_metrics.h"
 
-#include "base/timestamp.h"
+#include "base/decimal_text.h"
 
 #include <algorithm>
 
@@ -9,7 +9,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::probes {
 namespace {
 
-// The transmission rating factor R of the E-model: where it starts, and what takes points off it.
+// The transmission rating factor R of the E-model: its best value, and what reduces it.
 constexpr double kBestRating = 93.2;
 constexpr double kPingPerPoint = 40; // ms
 constexpr double kJitterPerPoint = 10; // ms
@@ -17,7 +17,7 @@ constexpr double kPointsPerLoss = 2.5; // for each percent
 
 double clampedRating(double rating)
 {
-    // Written so that "not a number" counts as 100, too.
+    // Written so that NaN counts as 100 too.
     if (!(rating < 100))
         return 100;
     return std::max(rating, 0.0);

@@ -18,16 +18,16 @@ struct NetworkMetrics {
     /// Identity in lists: seconds since 1970 in the shortest text that reads back the same, then
     /// the target.
     QString id() const;
-    /// What a telephone call would be worth over this path: mean opinion score, 1.0 to 4.5, by a
-    /// simplified E-model (ITU-T G.107). Absent when `ping` is.
+    /// The quality of a telephone call over this path: mean opinion score, 1.0 to 4.5, by a
+    /// simplified E-model (ITU-T G.107). Absent without `ping`.
     std::optional<double> mosScore() const;
     QString mosQuality() const;
 
     bool operator==(const NetworkMetrics&) const = default;
 };
 
-/// What people read for a score: "Excellent" from 4.3, "Good" from 4.0, "Fair" from 3.6, "Poor"
-/// from 3.1, below it "Bad"; "Unknown" without one.
+/// The word for a score: "Excellent" from 4.3, "Good" from 4.0, "Fair" from 3.6, "Poor" from 3.1,
+/// below it "Bad"; "Unknown" without one.
 QString mosQuality(std::optional<double> mosScore);
 
 } // namespace netvane::probes

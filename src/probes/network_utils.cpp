@@ -17,6 +17,20 @@ void NetworkUtils::getDefaultGateway(
         std::move(completion));
 }
 
+void NetworkUtils::followDefaultGateway(platform::RouteMonitor& routes, QObject* context,
+    std::function<void(const std::optional<QString>&)> take) const
+{
+    const auto read = [this, context, take = std::move(take), last = std::make_shared<int>(0)] {
+        getDefaultGateway(
+            context, [take, last, number = ++*last](const std::optional<QString>& gateway) {
+                if (number == *last)
+                    take(gateway);
+            });
+    };
+    QObject::connect(&routes, &platform::RouteMonitor::routesChanged, context, read);
+    read();
+}
+
 bool isVPNActive(platform::NetworkConfiguration& configuration)
 {
     const QStringList names = configuration.interfaceNames();

@@ -2,6 +2,7 @@
 
 #include "base/work_queues.h"
 #include "platform/network_configuration.h"
+#include "platform/route_monitor.h"
 
 #include <QStringList>
 
@@ -12,8 +13,9 @@ class QObject;
 
 namespace netvane::probes {
 
-/// What the probes and the dashboard ask about the machine's own set-up. Nothing is kept: each
-/// answer is read afresh. No failure is told; what is not known is absent or empty.
+/// Reads the network configuration of this machine for the probes and the dashboard, with the slow
+/// part in the background. Each call reads it again. Failures are not reported; an unknown value is
+/// absent or empty.
 class NetworkUtils {
 public:
     /// Both outlive this.
@@ -23,14 +25,19 @@ public:
     {
     }
 
-    /// The dotted address of the default IPv4 router. Any thread; may wait for the kernel, so the
-    /// main thread uses `getDefaultGateway`.
+    /// The address of the default IPv4 router, dotted decimal. Any thread; may wait for the kernel,
+    /// so the main thread uses `getDefaultGateway`.
     std::optional<QString> readDefaultGateway() const { return m_configuration.defaultRouter(); }
 
     /// Reads the gateway in the background and calls `completion` with it, once and on the main
-    /// thread, unless `context` is gone by then. Main thread.
+    /// thread, unless `context` is destroyed before. Main thread.
     void getDefaultGateway(
         QObject* context, std::function<void(std::optional<QString>)> completion) const;
+
+    /// The same, now and whenever the default route may have changed. An answer that a later one
+    /// has overtaken is not told. `routes` outlives `context`.
+    void followDefaultGateway(platform::RouteMonitor& routes, QObject* context,
+        std::function<void(const std::optional<QString>&)> take) const;
 
     /// The DNS servers, the primary one first. Any thread; reads two small files at most.
     QStringList getDNSServers() const { return m_configuration.dnsServers(); }

@@ -1,7 +1,8 @@
 #include "probes/ping_service.h"
 
 #include "base/log.h"
-#include "probes/bounded_history.h"
+#include "base/publish.h"
+#include "probes/history.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,7 +25,7 @@ quint16 portOf(const QString& host)
 
 } // namespace
 
-/// One connection being timed. It goes when it is over, and then its connection and its timeout.
+/// One connection whose time is measured. It owns the connection and the timeout.
 struct PingService::Probe {
     const std::chrono::steady_clock::time_point startedAt;
     const std::chrono::milliseconds asleepBefore;
@@ -38,8 +39,9 @@ PingService::PingService(QString targetHost, QString targetName, base::Clock& cl
     , m_targetName(std::move(targetName))
     , m_clock(clock)
     , m_connections(connections)
-    , m_metricsSubject(clock, publishInterval,
-          [this](const NetworkMetrics& metrics) { setCurrentMetrics(metrics); })
+    , m_metricsSubject(clock, publishInterval, [this](const NetworkMetrics& metrics) {
+        base::publish(*this, m_currentMetrics, metrics, &PingService::currentMetricsChanged);
+    })
 {
 }
 
@@ -65,6 +67,19 @@ void PingService::start()
     m_metrics = {initial};
     m_metricsSubject.send(initial);
     probeAtOnce();
+}
+
+void PingService::setTargetHost(const QString& host)
+{
+    if (m_targetHost == host)
+        return;
+    const bool wasRunning = m_isRunning;
+    stop();
+    m_inFlight.clear(); // they would tell of the other target
+    m_failures.clear();
+    m_targetHost = host;
+    if (wasRunning)
+        start();
 }
 
 void PingService::probeAtOnce()
@@ -97,7 +112,7 @@ void PingService::measureLatency()
 {
     const auto probe = std::make_shared<Probe>(
         Probe {.startedAt = m_clock.monotonicNow(), .asleepBefore = m_clock.timeAsleep()});
-    // Weakly: when the service goes its probes go with it, and the connections with them.
+    // A weak pointer, so that the probes and their connections are destroyed with the service.
     probe->connection = m_connections.connectTcp(m_targetHost, portOf(m_targetHost),
         [this, weakProbe = std::weak_ptr(probe)](const platform::ConnectionEvent& event) {
             if (const auto held = weakProbe.lock())
@@ -115,33 +130,48 @@ void PingService::handleEvent(const Probe& probe, const platform::ConnectionEven
     switch (event.state) {
     case platform::ConnectionState::Ready: {
         const auto latency = event.at - probe.startedAt;
-        // Too late: the timeout is due, and only a busy main thread has not run it yet.
+        // Too late: the timeout is due, but a busy main thread has not run it yet.
         if (latency < probeTimeout)
-            finishProbe(probe, std::chrono::duration<double, std::milli>(latency).count(), {});
+            finishProbe(probe, std::chrono::duration<double, std::milli>(latency).count());
         return;
     }
     case platform::ConnectionState::Failed:
         finishProbe(probe, {}, u"Connection failed to "_s + m_targetHost + u": "_s + event.error);
         return;
     case platform::ConnectionState::Cancelled:
-        finishProbe(probe, {}, {});
+        finishProbe(probe, {});
         return;
     }
 }
 
-/// `message`, if there is one, is logged. The connection is cancelled.
+/// Cancels the connection.
 void PingService::finishProbe(
-    const Probe& probe, std::optional<double> latencyMs, const QString& message)
+    const Probe& probe, std::optional<double> latencyMs, const QString& failure)
 {
     const auto place = std::ranges::find(m_inFlight, &probe, &std::shared_ptr<Probe>::get);
     if (place == m_inFlight.end())
         return;
-    const auto held = std::move(*place); // what it holds goes last
+    const auto held = std::move(*place); // keeps the probe alive to the end
     m_inFlight.erase(place);
-    if (!message.isEmpty())
-        base::log(logCategory(), u"PingService: "_s + message);
-    if (!base::hasSlept(held->asleepBefore, m_clock.timeAsleep()))
-        recordResult(latencyMs);
+    if (base::hasSlept(held->asleepBefore, m_clock.timeAsleep()))
+        return;
+    if (!failure.isEmpty())
+        logFailure(failure);
+    else if (latencyMs && m_inFlight.empty()) // one that began earlier may still time out
+        m_failures.clear();
+    recordResult(latencyMs);
+}
+
+/// A router that is gone times out and is unreachable by turns: each is a line of its own once.
+void PingService::logFailure(const QString& failure)
+{
+    const auto now = m_clock.nowWithSleep();
+    auto& [count, loggedAt] = m_failures[failure];
+    if (++count > 1 && now - loggedAt < failureLogInterval)
+        return;
+    loggedAt = now;
+    const QString times = count > 1 ? u" (%1 times without an answer)"_s.arg(count) : QString();
+    base::log(logCategory(), u"PingService: "_s + failure + times);
 }
 
 void PingService::recordResult(std::optional<double> latencyMs)
@@ -159,7 +189,7 @@ void PingService::recordResult(std::optional<double> latencyMs)
     m_metricsSubject.send(metrics);
 }
 
-/// Of the successful probes only; a loss leaves it as it was.
+/// From the successful probes only; a loss does not change it.
 std::optional<double> PingService::jitter() const
 {
     if (m_pingHistory.size() < 2)
@@ -175,14 +205,6 @@ double PingService::updatePacketLoss(bool success)
     appendBounded(m_recentResults, success, packetLossWindow);
     return double(std::ranges::count(m_recentResults, false)) / double(m_recentResults.size())
         * 100;
-}
-
-void PingService::setCurrentMetrics(const NetworkMetrics& metrics)
-{
-    if (m_currentMetrics == metrics)
-        return;
-    m_currentMetrics = metrics;
-    Q_EMIT currentMetricsChanged();
 }
 
 } // namespace netvane::probes

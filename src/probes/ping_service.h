@@ -1,9 +1,9 @@
 #pragma once
 
-// This room holds the services that measure by themselves, on timers: latency and loss of the
-// router and the internet, the time of a name look-up, the captive portal, and what the network is
-// made of. Each publishes its last reading and keeps a bounded history. They use the classes of
-// `platform`.
+// This room holds the services that measure on timers: latency and loss of the router and the
+// internet, the time of a name lookup, and the captive portal; and the reading of the network
+// configuration. Each service publishes its last reading and keeps a bounded history. They use the
+// classes of `platform`.
 
 #include "base/clock.h"
 #include "platform/connection.h"
@@ -12,6 +12,7 @@
 
 #include <QObject>
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -20,8 +21,8 @@ namespace netvane::probes {
 
 /// Measures latency, jitter and loss towards one target every 3 seconds by the time that a TCP
 /// connection takes to become ready; one that does not within `probeTimeout` is a lost packet. One
-/// across which the machine slept tells nothing and counts as nothing.
-/// Main thread; connections may report on another, which never touches this.
+/// across which the machine slept tells nothing and counts as nothing. Main thread; connections
+/// that report on another thread never access this object.
 class PingService : public QObject {
     Q_OBJECT
 
@@ -31,6 +32,8 @@ public:
     static constexpr std::chrono::milliseconds pingInterval {3000};
     static constexpr std::chrono::milliseconds probeTimeout {3000};
     static constexpr std::chrono::milliseconds publishInterval {500};
+    /// A failure that goes on is logged again after so long, asleep or not.
+    static constexpr std::chrono::hours failureLogInterval {1};
 
     /// `targetHost` is an address or a name, `targetName` the label that the records carry.
     /// `clock` and `connections` outlive this. Nothing is probed before `start`.
@@ -38,11 +41,14 @@ public:
         platform::ConnectionFactory& connections);
     ~PingService() override;
 
-    /// Forgets what was measured before and begins; nothing when already running.
+    /// Clears the earlier results and begins; does nothing while running.
     void start();
-    /// Probes in flight still count.
+    /// The results of probes in flight still count.
     void stop();
-    /// Probes now and then every interval from now, when it is running: the machine woke up.
+    /// Probes another target from now on; begins anew with it while running. Does nothing if it is
+    /// the same.
+    void setTargetHost(const QString& host);
+    /// While running, probes now and then after every interval: for use when the machine woke up.
     void probeAtOnce();
 
     const QString& targetHost() const { return m_targetHost; }
@@ -62,17 +68,22 @@ Q_SIGNALS:
 
 private:
     struct Probe;
+    struct LoggedFailure {
+        int count = 0;
+        std::chrono::steady_clock::time_point loggedAt; ///< sleep counts
+    };
 
     void performPing();
     void measureLatency();
     void handleEvent(const Probe& probe, const platform::ConnectionEvent& event);
-    void finishProbe(const Probe& probe, std::optional<double> latencyMs, const QString& message);
+    void finishProbe(
+        const Probe& probe, std::optional<double> latencyMs, const QString& failure = {});
+    void logFailure(const QString& failure);
     void recordResult(std::optional<double> latencyMs);
     std::optional<double> jitter() const;
     double updatePacketLoss(bool success);
-    void setCurrentMetrics(const NetworkMetrics& metrics);
 
-    const QString m_targetHost;
+    QString m_targetHost;
     const QString m_targetName;
     base::Clock& m_clock;
     platform::ConnectionFactory& m_connections;
@@ -81,6 +92,8 @@ private:
     std::vector<double> m_pingHistory;
     std::vector<bool> m_recentResults; ///< of the last `packetLossWindow` probes, oldest first
     std::vector<std::shared_ptr<Probe>> m_inFlight;
+    std::map<QString, LoggedFailure>
+        m_failures; ///< since the last success, by what was said of them
     std::unique_ptr<base::Timer> m_pingTimer;
     LatestValueThrottle<NetworkMetrics> m_metricsSubject;
     int m_pingCount = 0;

@@ -5,12 +5,12 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::probes {
 namespace {
 
-constexpr qsizetype kLongestAddress = 2048; // what browsers and desktops are sure to take
+constexpr qsizetype kLongestAddress = 2048; // all browsers and desktops accept this length
 constexpr qsizetype kLongestCharacter = 4; // bytes, in UTF-8
 
 const QByteArray kMarkOfTheProbePage = QByteArrayLiteral("Success");
 
-/// A body that was cut off may end in the middle of a character.
+/// A truncated body may end inside a character.
 bool isText(const QByteArray& body, bool truncated)
 {
     const qsizetype spare = truncated ? std::min(kLongestCharacter, body.size()) : 1;
@@ -42,8 +42,8 @@ PortalVerdict judgePortal(const platform::HttpAnswer& answer)
         return {.isCaptive = answer.errorText.has_value()};
     if (*answer.status >= 300 && *answer.status < 400)
         return captiveAt(answer.finalUrl);
-    // What is not text proves nothing; a page of the portal's own is text without the mark, which
-    // is looked for in the bytes, since no other character's bytes in UTF-8 can look like it.
+    // Data that is not text proves nothing. A portal's page is text without the mark. The search in
+    // the bytes is exact, since no other characters of UTF-8 contain these bytes.
     if (*answer.status == 200 && answer.body && isText(*answer.body, answer.truncated)
         && !answer.body->contains(kMarkOfTheProbePage))
         return captiveAt(answer.finalUrl);

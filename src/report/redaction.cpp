@@ -13,6 +13,7 @@ insights::ReportInputs redacted(insights::ReportInputs input)
     // "Unknown" is what stands there without any server.
     if (input.dnsServer && input.dnsServer != u"Unknown"_s)
         input.dnsServer = u"[address 1]"_s;
+    input.isRedacted = true;
     return input;
 }
 

@@ -35,30 +35,36 @@ void ReportSession::start()
         check();
     });
     m_services.dnsService->performLookup();
-    m_services.networkUtils->getDefaultGateway(
-        this, [this](const std::optional<QString>& address) { beginProbes(address); });
+    m_services.networkUtils->followDefaultGateway(*m_services.platform.routeMonitor, this,
+        [this](const std::optional<QString>& address) { followGateway(address); });
     std::chrono::milliseconds limit = probes::PingService::pingInterval * int(kRounds - 1) + kSlack;
     if (m_options.duration)
         limit = *m_options.duration;
     m_limit = m_services.platform.clock->after(limit, [this] { sampled(); });
 }
 
-void ReportSession::beginProbes(const std::optional<QString>& gateway)
+void ReportSession::followGateway(const std::optional<QString>& gateway)
 {
     m_services.makeProbes(gateway);
+    if (gateway)
+        m_services.routerPingService->setTargetHost(*gateway);
     for (auto* probe : {m_services.routerPingService.get(), m_services.internetPingService.get()}) {
         if (!probe)
             continue;
-        connect(probe, &probes::PingService::currentMetricsChanged, this, &ReportSession::check);
+        connect(probe, &probes::PingService::currentMetricsChanged, this, &ReportSession::check,
+            Qt::UniqueConnection);
         probe->start();
     }
 }
 
 bool ReportSession::isSampled() const
 {
-    // The first of the metrics was there before any round.
-    const auto hasRounds
-        = [](const auto& probe) { return probe && probe->metrics().size() > kRounds; };
+    // The first of the metrics was there before any round, and the last one is published later
+    // than it is recorded.
+    const auto hasRounds = [](const auto& probe) {
+        return probe && probe->metrics().size() > kRounds
+            && probe->currentMetrics() == probe->metrics().back();
+    };
     return m_hasLink && hasRounds(m_services.internetPingService)
         && (!m_services.routerPingService || hasRounds(m_services.routerPingService));
 }

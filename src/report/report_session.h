@@ -37,7 +37,7 @@ Q_SIGNALS:
     void finished();
 
 private:
-    void beginProbes(const std::optional<QString>& gateway);
+    void followGateway(const std::optional<QString>& gateway);
     void check();
     bool isSampled() const;
     void sampled();

@@ -97,9 +97,10 @@ void Services::makeProbes(const std::optional<QString>& router)
         return std::make_unique<probes::PingService>(
             host, name, *platform.clock, *platform.connections);
     };
-    if (router)
+    if (router && !routerPingService)
         routerPingService = probeOf(*router, u"router"_s);
-    internetPingService = probeOf(probes::kInternetTarget, u"internet"_s);
+    if (!internetPingService)
+        internetPingService = probeOf(probes::kInternetTarget, u"internet"_s);
 }
 
 void Services::makeSpeedTest()

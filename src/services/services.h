@@ -33,36 +33,35 @@ class LocationPermissionService;
 class WiFiService;
 } // namespace netvane::wifi
 
-/// The services that a program runs, in one place. The desktop program makes all of them, the
-/// report program only those that its report reads. The views, the delegate and the report get them
-/// from here and know nothing of how they are made.
+/// All services of a program. The desktop program creates all of them, the report program only
+/// those that its report needs. The views, the delegate and the report get them from here and do
+/// not depend on how they are created.
 namespace netvane::services {
 
-/// Owns the services and what they work on. A service is null until it is made; once made, it is
-/// never replaced. Main thread.
+/// Owns the services. A service is null until it is created, and is never replaced. Main thread.
 struct Services {
     /// `platform` outlives the services.
     explicit Services(platform::Platform& platform);
     ~Services();
 
     /// The desktop program: everything but the latency probes, in the order in which the services
-    /// need each other. Only the sampling of the link begins here. `activity` outlives the
-    /// services.
+    /// need each other. Of the measurements, only the sampling of the link begins here. `activity`
+    /// outlives the services.
     void makeAll(platform::ApplicationActivity& activity);
-    /// The report program: the link, whose sampling begins here, and the look-up of names.
+    /// The report program: the link, whose sampling begins here, and the name lookups.
     void makeForReport();
-    /// The latency probes of `router` and of the internet, not started. Without a router (absent)
-    /// there is no probe of it.
+    /// The latency probes of `router` and of the internet that do not exist yet, not started.
+    /// Without a router (absent) there is no probe of it.
     void makeProbes(const std::optional<QString>& router);
     void makeSpeedTest();
 
-    /// Starts what works by itself. All services exist.
+    /// Starts the services that measure on timers. All services exist.
     void start();
-    /// Reads and measures everything once more, now. All services exist.
+    /// Reads and measures everything again, now. All services exist.
     void readAnew();
-    /// Ends all timers and transfers of the services that there are.
+    /// Ends all timers and transfers of the existing services.
     void stop();
-    /// What a report tells. What has not been measured yet is absent.
+    /// The readings for a report. What has not been measured yet is absent.
     insights::ReportInputs readings() const;
 
     platform::Platform& platform;

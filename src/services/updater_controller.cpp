@@ -8,8 +8,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::services {
 namespace {
 
-/// Whether the package's own list of files names the program; `netvane.list` is what dpkg writes
-/// for a package of our name.
+/// Whether the package's list of files contains the program. dpkg writes `netvane.list` for the
+/// package `netvane`.
 bool belongsToPackage(const QString& executable, const QString& dpkgInfo)
 {
     QFile list(QDir(dpkgInfo).filePath(u"netvane.list"_s));

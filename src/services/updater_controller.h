@@ -4,12 +4,12 @@
 
 namespace netvane::services {
 
-/// Knows how this copy of the program is updated. It never downloads anything: on Linux the package
-/// manager does, or whoever built the program.
+/// Tells the user how this copy of the program is updated. It never downloads anything: on Linux
+/// the package manager updates programs, or the user who built them.
 class UpdaterController {
 public:
-    /// `executable` is the path of the running program, `dpkgInfo` where dpkg keeps the file lists
-    /// of installed packages.
+    /// `executable` is the path of the running program, `dpkgInfo` the folder with dpkg's file
+    /// lists of the installed packages.
     explicit UpdaterController(
         const QString& executable, const QString& dpkgInfo = QStringLiteral("/var/lib/dpkg/info"));
 

@@ -96,7 +96,7 @@ QIcon antennaIcon(bool isDark)
     for (const int size : kSizes)
         drawn.addPixmap(drawAntenna(size, isDark));
     const QString name = u"org.netvane.Netvane-symbolic"_s;
-    // A name that no theme knows has some panels show nothing at all.
+    // With a name that no theme has, some panels show nothing.
     return QIcon::hasThemeIcon(name) ? QIcon(new NamedDrawing(name, drawn)) : drawn;
 }
 

@@ -7,7 +7,7 @@
 
 namespace netvane::shell {
 
-/// What the desktop wants, or where it tells no scheme, what its palette looks like. Main thread.
+/// Whether the desktop's colour scheme is dark or, without a scheme, its palette. Main thread.
 inline bool isDarkWanted(const platform::Appearance& appearance)
 {
     using platform::ColorScheme;

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "base/work_queues.h"
-#include "platform/clipboard.h"
-#include "platform/save_panel.h"
-#include "platform/share_picker.h"
+#include "platform/exports.h"
 
 #include <QMenu>
 #include <QObject>

@@ -16,18 +16,20 @@ constexpr QSize kMinimumSize(400, 600);
 constexpr std::chrono::milliseconds kStoreDelay = 1s; // moving a window is many small moves
 const QString kFrameKey = u"NetvaneWindow"_s;
 
-QList<QRect> workAreas()
+/// Of a window that is not on the screen nobody knows the margins; these are as wide as any.
+constexpr QMargins kUsualMargins(4, 36, 4, 4);
+/// Wayland tells nothing of the desktop's panels.
+constexpr QMargins kUsualPanel(0, 0, 0, 48);
+
+QRect areaOn(const QScreen& screen, const QMargins& margins)
 {
-    QList<QRect> areas;
-    for (const QScreen* screen : QGuiApplication::screens())
-        areas.append(screen->availableGeometry());
-    return areas;
+    const bool isWayland = QGuiApplication::platformName().startsWith(u"wayland"_s);
+    return frameArea(screen.availableGeometry(), isWayland ? margins + kUsualPanel : margins);
 }
 
-QRect centredFrame()
+QRect centredFrame(const QRect& area)
 {
-    const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-    QRect frame(QPoint(), kSize.boundedTo(area.size()).expandedTo(kMinimumSize));
+    QRect frame(QPoint(), kSize.boundedTo(area.size()));
     frame.moveCenter(area.center());
     return frame;
 }
@@ -41,7 +43,7 @@ DetailedWindowController::DetailedWindowController(
     , m_host(std::move(host))
 {
     window().setTitle(u"Netvane"_s);
-    window().setMinimumSize(kMinimumSize);
+    window().installEventFilter(this);
     for (const auto change :
         {&QWindow::xChanged, &QWindow::yChanged, &QWindow::widthChanged, &QWindow::heightChanged})
         connect(&window(), change, this, &DetailedWindowController::noteFrame);
@@ -55,7 +57,10 @@ DetailedWindowController::~DetailedWindowController()
 
 void DetailedWindowController::showWindow()
 {
-    restoreFrame();
+    std::optional<QRect> stored;
+    if (const auto text = m_defaults.text(kFrameKey))
+        stored = windowFrame(*text);
+    fitFrame(stored.value_or(QRect()), kUsualMargins);
     window().show();
     bringToFront();
 }
@@ -67,16 +72,29 @@ void DetailedWindowController::bringToFront()
     window().requestActivate();
 }
 
-void DetailedWindowController::restoreFrame()
+bool DetailedWindowController::eventFilter(QObject* watched, QEvent* event)
 {
-    std::optional<QRect> frame;
-    if (const auto text = m_defaults.text(kFrameKey))
-        frame = windowFrame(*text);
-    if (frame)
-        frame = restoredFrame(*frame, kMinimumSize, workAreas());
-    const QRect wanted = frame.value_or(centredFrame());
-    window().resize(wanted.size());
-    window().setFramePosition(wanted.topLeft());
+    // The first time on the screen, the window manager has given it its frame.
+    if (event->type() == QEvent::Expose && window().isExposed()
+        && window().windowStates() == Qt::WindowNoState && !std::exchange(m_isFitted, true))
+        fitFrame({window().framePosition(), window().size()}, window().frameMargins());
+    return QObject::eventFilter(watched, event);
+}
+
+/// At `wanted` as far as the screens have room, else in the middle of the main one.
+void DetailedWindowController::fitFrame(const QRect& wanted, const QMargins& margins)
+{
+    QList<QRect> areas;
+    for (const QScreen* screen : QGuiApplication::screens())
+        areas.append(areaOn(*screen, margins));
+    const QRect frame
+        = restoredFrame(wanted, kMinimumSize, areas)
+              .value_or(centredFrame(areaOn(*QGuiApplication::primaryScreen(), margins)));
+    window().setMinimumSize(kMinimumSize.boundedTo(frame.size()));
+    if (frame == wanted && window().isVisible())
+        return;
+    window().resize(frame.size());
+    window().setFramePosition(frame.topLeft());
 }
 
 void DetailedWindowController::noteFrame()

@@ -11,8 +11,9 @@
 
 namespace netvane::shell {
 
-/// The detailed window over its one life, from being shown to being closed. Its frame is remembered
-/// under "NetvaneWindow". Main thread.
+/// The detailed window over its one life, from being shown to being closed. It fits the screen with
+/// its title bar, even one that is smaller than its least size. Its frame is remembered under
+/// "NetvaneWindow". Main thread.
 class DetailedWindowController final : public QObject {
     Q_OBJECT
 
@@ -32,8 +33,11 @@ public:
     /// See `HostWindow::setNote`.
     void setNote(const QString& text) { m_host->setNote(text); }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
-    void restoreFrame();
+    void fitFrame(const QRect& wanted, const QMargins& margins);
     void noteFrame();
     void storeFrame();
     void handleVisible(bool isVisible);
@@ -42,6 +46,7 @@ private:
     base::Clock& m_clock;
     std::unique_ptr<HostWindow> m_host;
     QRect m_frame; ///< the last one seen on the screen; null before
+    bool m_isFitted = false; ///< to the margins that it has on the screen
     std::unique_ptr<base::Timer> m_storing;
 };
 

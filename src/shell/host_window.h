@@ -1,8 +1,8 @@
 #pragma once
 
-// This room holds what takes a desktop with windows: where the status item and the windows are
-// placed, the drawing of the icon, the clipboard, dialogues and settings pages. It uses Qt Widgets
-// and X11, and draws no view. The report program does not link it.
+// This room holds what needs a window system: the placement of the status item and the windows, the
+// drawing of the icon, the clipboard, dialogs and settings pages. It uses Qt Widgets and X11, and
+// draws no view. The report program does not link it.
 
 #include <QObject>
 
@@ -25,7 +25,7 @@ public:
     virtual void addBackground(int cornerRadius) = 0;
     /// A line of its own above what the view shows; empty for none.
     virtual void setNote(const QString& text) = 0;
-    /// Lets go of the view and of what it shows. The window is empty then.
+    /// Destroys the view and its state. The window is empty then.
     virtual void releaseView() = 0;
 
 Q_SIGNALS:

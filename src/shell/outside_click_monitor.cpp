@@ -29,7 +29,7 @@ private:
 
 std::unique_ptr<OutsideClickMonitor> OutsideClickMonitor::create(QWindow& window, Handler handler)
 {
-    // An X server that is a guest of a Wayland compositor never hears of clicks on its windows.
+    // XWayland gets no clicks on the compositor's other windows.
     if (isX11() && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY")) {
         if (auto monitor = RawPressMonitor::create(handler))
             return monitor;

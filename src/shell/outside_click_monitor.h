@@ -10,13 +10,13 @@ class QWindow;
 
 namespace netvane::shell {
 
-/// Watches, while it lives, for presses of the left or the right mouse button that go to other
-/// programs; they get them all the same. Main thread.
+/// While it exists, watches for presses of the left or right mouse button on other programs; these
+/// still get them. Main thread.
 class OutsideClickMonitor {
 public:
-    /// Gets where the press was, in the coordinates of the desktop; absent where nobody can tell,
-    /// but then it was outside of the window that is watched over. May destroy the monitor only
-    /// from a later turn of the event loop.
+    /// Gets the position of the press in the coordinates of the desktop; absent if it is unknown,
+    /// but then it was outside of the watched window. May destroy the monitor only from a later
+    /// turn of the event loop.
     using Handler = std::function<void(const std::optional<QPoint>& position)>;
 
     virtual ~OutsideClickMonitor() = default;

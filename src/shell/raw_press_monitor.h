@@ -7,9 +7,8 @@
 
 namespace netvane::shell {
 
-/// Hears of each press of a mouse button on an X server, whatever window it goes to and whoever has
-/// the keyboard (X Input Extension 2.1, RawButtonPress on the root window), by a connection of its
-/// own.
+/// Receives each press of a mouse button on an X server, for any window and any keyboard focus (X
+/// Input Extension 2.1, RawButtonPress on the root window), on its own connection.
 class RawPressMonitor final : public OutsideClickMonitor {
 public:
     /// Null where the server cannot be reached or lacks the extension.

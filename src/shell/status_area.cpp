@@ -45,7 +45,7 @@ StatusArea::State StatusArea::state() const
                                                                            : State::Absent;
 }
 
-/// A tray that begins its work tells so to all windows that listen to the root window, as Qt does.
+/// A tray that starts sends this event to all windows that listen to the root window, as Qt does.
 bool StatusArea::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*)
 {
     if (eventType != "xcb_generic_event_t")

@@ -40,14 +40,19 @@ std::optional<QRect> windowFrame(const QString& text)
     return frame.isEmpty() ? std::nullopt : std::optional(frame);
 }
 
+QRect frameArea(const QRect& workArea, const QMargins& margins)
+{
+    return QRect(workArea.topLeft(), workArea.size().shrunkBy(margins));
+}
+
 std::optional<QRect> restoredFrame(
-    const QRect& frame, const QSize& minimum, const QList<QRect>& workAreas)
+    const QRect& frame, const QSize& minimum, const QList<QRect>& areas)
 {
     const auto best = std::ranges::max_element(
-        workAreas, {}, [&frame](const QRect& area) { return overlap(frame, area); });
-    if (best == workAreas.end() || overlap(frame, *best) == 0)
+        areas, {}, [&frame](const QRect& area) { return overlap(frame, area); });
+    if (best == areas.end() || overlap(frame, *best) == 0)
         return std::nullopt;
-    const QSize size = frame.size().boundedTo(best->size()).expandedTo(minimum);
+    const QSize size = frame.size().expandedTo(minimum).boundedTo(best->size());
     const auto inside = [](int wanted, int length, int begin, int space) {
         return std::max(begin, std::min(wanted, begin + space - length));
     };

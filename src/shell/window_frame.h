@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMargins>
 #include <QRect>
 #include <QString>
 
@@ -13,10 +14,14 @@ QString windowFrameText(const QRect& frame);
 /// Absent for a text that `windowFrameText` never gives.
 std::optional<QRect> windowFrame(const QString& text);
 
-/// The frame on the one of the screens' work areas that holds most of it, not smaller than
-/// `minimum`, else not larger than that work area, and moved wholly onto it. Absent when it lies on
-/// none of them: the screen it was on is gone.
+/// Where such a rectangle has to lie for a window with these margins around its contents to be
+/// wholly in `workArea`.
+QRect frameArea(const QRect& workArea, const QMargins& margins);
+
+/// The frame on the one of the areas (see `frameArea`) that holds most of it, moved wholly onto it:
+/// not smaller than `minimum`, but never larger than the area. Absent when it lies on none of them:
+/// the screen it was on is gone.
 std::optional<QRect> restoredFrame(
-    const QRect& frame, const QSize& minimum, const QList<QRect>& workAreas);
+    const QRect& frame, const QSize& minimum, const QList<QRect>& areas);
 
 } // namespace netvane::shell

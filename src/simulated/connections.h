@@ -8,7 +8,7 @@
 
 namespace netvane::simulated {
 
-/// TCP connections and hop probes that send nothing. They wait for `tell`, or `script` says at
+/// TCP connections and hop probes that send nothing. They wait for `tell`, or `script` decides at
 /// their start how they end. Main thread.
 class Connections final : public platform::ConnectionFactory, public platform::HopProbeFactory {
 public:
@@ -19,7 +19,7 @@ public:
         platform::ConnectionHandler handler;
         bool isStarted = false;
         bool isCancelled = false;
-        std::unique_ptr<base::Timer> timer; ///< runs while an answer of the script is on its way
+        std::unique_ptr<base::Timer> timer; ///< runs until the answer of the script is due
     };
     struct Answer {
         std::chrono::microseconds time; ///< since the start
@@ -43,7 +43,7 @@ public:
 
     /// All so far, the newest last. Empty with a script.
     const std::vector<std::shared_ptr<Made>>& made() const { return m_made; }
-    /// Ends the newest one, or the one that was made `back` earlier.
+    /// Sends an event to the newest one, or to the one made `back` earlier.
     void tell(const platform::ConnectionEvent& event, size_t back = 0)
     {
         m_made.at(m_made.size() - 1 - back)->handler(event);

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "platform/appearance.h"
-#include "platform/clipboard.h"
+#include "platform/exports.h"
 #include "platform/instance_claim.h"
-#include "platform/save_panel.h"
-#include "platform/share_picker.h"
 #include "platform/status_notifier_host.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
@@ -15,7 +13,7 @@
 
 namespace netvane::simulated {
 
-// What a desktop offers to a program, as values in memory. Main thread.
+// The services of a desktop, as values in memory. Main thread.
 
 class Appearance final : public platform::Appearance {
 public:
@@ -74,6 +72,10 @@ public:
     std::optional<QString> text(const QString& key) const override { return valueOf<QString>(key); }
     void setBoolean(const QString& key, bool value) override { values[key] = value; }
     void setText(const QString& key, const QString& value) override { values[key] = value; }
+    void editText(const QString& key, const platform::TextEdit& edit) override
+    {
+        values[key] = edit(text(key));
+    }
     void remove(const QString& key) override { values.remove(key); }
 
     QHash<QString, QVariant> values;
@@ -95,7 +97,7 @@ public:
     QString text;
 };
 
-/// Stays open until somebody calls `chosen`.
+/// Stays open until the test calls `chosen`.
 class SavePanel final : public platform::SavePanel {
 public:
     void show(const QString& newTitle, const QString& newFileName, Answer newChosen) override

@@ -8,8 +8,8 @@
 
 namespace netvane::simulated {
 
-/// A clock moved by hand, for tests and for whatever shall not wait for time to pass. Timers run
-/// inside `advance`, each at its time and in order.
+/// A clock that `advance` moves, for tests and for the demonstration's pictures: hours pass without
+/// waiting. Timers run inside `advance`, each at its time and in order.
 class ManualClock : public base::Clock {
 public:
     std::chrono::system_clock::time_point now() const override { return m_wall; }
@@ -25,13 +25,13 @@ public:
     {
         return add(delay, std::chrono::milliseconds::zero(), std::move(action));
     }
-    /// In the next turn of the event loop: what is waited for here happens outside this clock.
+    /// On the next turn of the event loop: such work is not on this clock.
     void soon(QObject* owner, std::function<void()> action) override;
 
     void advance(std::chrono::milliseconds time);
     /// Sets the wall clock as a user or a time server would, without time passing.
     void setWall(std::chrono::system_clock::time_point wall) { m_wall = wall; }
-    /// The machine sleeps: the wall clock goes on, nothing else does.
+    /// The machine sleeps: only the wall clock advances.
     void sleep(std::chrono::milliseconds time);
     /// How many timers are running.
     int timerCount() const;

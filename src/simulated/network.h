@@ -50,7 +50,7 @@ public:
     Shared<QStringList> interfaces;
 };
 
-/// Answers every look-up with `status`. A look-up takes real time, on the thread that asks.
+/// Answers every look-up with `status`. A lookup takes real time, on the calling thread.
 class Resolver final : public platform::Resolver {
 public:
     platform::Resolution resolve(const std::string& host) override
@@ -69,7 +69,7 @@ public:
     std::atomic<bool> lastHostIsExpected = false;
     std::atomic<int> status = 0; ///< zero or an EAI_ number
     std::string errorText = "Name or service not known"; ///< set before the first look-up
-    /// Waits as long as look-up `number` lasts. Set before the first one; runs on its thread.
+    /// Blocks for the duration of look-up `number`. Set before the first one; runs on its thread.
     std::function<void(int number)> takeTime;
     std::atomic<bool> isHeld = false; ///< look-ups wait until `letGo` is released
     QSemaphore letGo;

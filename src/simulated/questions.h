@@ -11,7 +11,7 @@
 
 namespace netvane::simulated {
 
-/// Questions of one kind that wait for their answers. Main thread.
+/// Pending requests of one kind. Main thread.
 template <typename... Values>
 class Questions {
 public:
@@ -29,7 +29,7 @@ public:
         if (whenAsked)
             whenAsked();
     }
-    /// Answers all that wait, except those whose owner is gone.
+    /// Answers all pending ones, except those of a destroyed owner.
     void answer(const Values&... values)
     {
         for (const auto& [owner, deliver] : std::exchange(m_waiting, {})) {
@@ -39,9 +39,9 @@ public:
     }
     size_t size() const { return m_waiting.size(); }
 
-    /// When present, no question waits: this is the answer, on a later turn of the event loop.
+    /// If present, each request gets this answer on a later turn of the event loop.
     std::optional<std::tuple<Values...>> always;
-    /// Runs with each question.
+    /// Runs at each request.
     std::function<void()> whenAsked;
 
 private:

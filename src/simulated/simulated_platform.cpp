@@ -34,6 +34,7 @@ SimulatedPlatform::SimulatedPlatform(std::unique_ptr<base::Clock> itsClock)
     platform.hopProbes = {platform.connections, &connections};
     platform.instanceClaim = std::make_unique<InstanceClaim>();
     platform.sleepMonitor = std::make_unique<platform::SleepMonitor>();
+    platform.routeMonitor = std::make_unique<platform::RouteMonitor>();
 }
 
 } // namespace netvane::simulated

@@ -8,15 +8,15 @@
 #include "simulated/user_notifications.h"
 #include "simulated/wifi.h"
 
-// The room `simulated` stands for the operating system in the demonstration, the tests and the
-// soak. It implements each abstract class of `platform` in memory; nothing is sent, and time passes
-// as the given clock says. A part does what its values say, waits until it is told how something
-// ends, or asks its script.
+// The room `simulated` replaces the operating system in the demonstration, the tests and the soak.
+// It implements each abstract class of `platform` in memory; nothing is sent, and the given clock
+// is the time. A part returns its public values, waits until the test decides a result, or calls
+// its script.
 
 namespace netvane::simulated {
 
-/// All parts, assembled. `platform` may be moved away to a program; the references are good as long
-/// as it lives. Main thread.
+/// All parts, assembled. `platform` may be moved away to a program; the references are valid as
+/// long as it exists. Main thread.
 struct SimulatedPlatform {
     explicit SimulatedPlatform(std::unique_ptr<base::Clock> clock);
 

@@ -5,7 +5,7 @@
 
 namespace netvane::simulated {
 
-/// Records notifications. What it is asked waits for an answer. Main thread.
+/// Records notifications. Requests wait for an answer of the test. Main thread.
 class UserNotifications final : public platform::UserNotificationCenter {
 public:
     using Status = platform::NotificationAuthorization;
@@ -26,7 +26,7 @@ public:
         addsPending.add(owner, std::move(done));
     }
 
-    // Each answers all questions of its kind.
+    // Each answers all requests of its kind.
     void tellSettings(Status status) { settingsAsked.answer(status); }
     void tellPermission(bool granted, const std::optional<QString>& error = {})
     {

@@ -11,7 +11,7 @@
 
 namespace netvane::simulated {
 
-/// Finds `reading` on the air, or what `script` says.
+/// Reads `reading`, or the result of `script`.
 class WiFiInterface final : public platform::WiFiInterface {
 public:
     bool powerOn() const override { return isOn; }
@@ -25,8 +25,8 @@ public:
     }
 
     std::atomic<bool> isOn = true;
-    /// Absent: the interface is gone. Set only while no read is under way, or one is held that has
-    /// been counted in `reads`.
+    /// Absent: the interface was removed. Set only while no read runs, or while a held read is
+    /// already counted in `reads`.
     std::optional<platform::LinkReading> reading = platform::LinkReading {};
     /// Set before the first read; runs on its thread.
     std::function<std::optional<platform::LinkReading>()> script;
@@ -73,7 +73,7 @@ public:
     Status authorizationStatus() const override { return status; }
     void requestAlwaysAuthorization() override { ++requests; }
 
-    /// Sets the status and tells it.
+    /// Sets the status and emits the signal.
     void change(Status changed)
     {
         status = changed;

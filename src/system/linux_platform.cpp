@@ -11,6 +11,7 @@
 #include "desktop/suspend_watch.h"
 #include "net/curl_http_client.h"
 #include "net/linux_network_configuration.h"
+#include "net/route_watch.h"
 #include "net/socket_connections.h"
 #include "net/socket_hop_probes.h"
 #include "net/system_resolver.h"
@@ -42,6 +43,7 @@ platform::Platform makePlatform()
     platform.statusNotifierHost = std::make_unique<desktop::SessionStatusNotifierHost>(*sessionBus);
     platform.instanceClaim = std::make_unique<desktop::BusNameClaim>(*sessionBus, *platform.clock);
     platform.sleepMonitor = std::make_unique<desktop::SuspendWatch>(*platform.clock);
+    platform.routeMonitor = std::make_unique<net::RouteWatch>(*platform.clock);
     platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
     platform.networkConfiguration = std::make_unique<net::LinuxNetworkConfiguration>();
     platform.httpClient = std::make_unique<net::CurlHttpClient>(*platform.clock,

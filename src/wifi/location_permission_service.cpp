@@ -1,6 +1,7 @@
 #include "wifi/location_permission_service.h"
 
 #include "base/log.h"
+#include "base/publish.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -20,7 +21,7 @@ LocationPermissionService::LocationPermissionService(
     platform::LocationManager& locationManager, platform::ApplicationActivity& activity)
     : m_locationManager(locationManager)
 {
-    // Queued: the manager may speak from inside a call of ours.
+    // Queued: the manager may emit inside a call of this class.
     const auto takeAnswer = [this](AuthorizationStatus status) {
         m_correctedAnswer.reset();
         publish(status);
@@ -68,16 +69,12 @@ void LocationPermissionService::updateAuthorizationStatus(AuthorizationStatus st
 /// True when the simple flag flipped.
 bool LocationPermissionService::publish(AuthorizationStatus status)
 {
-    if (m_authorizationStatus != status) {
-        m_authorizationStatus = status;
-        Q_EMIT authorizationStatusChanged();
-    }
-    const bool authorized = status == AuthorizationStatus::AuthorizedAlways;
-    if (m_isAuthorized == authorized)
-        return false;
-    m_isAuthorized = authorized;
-    Q_EMIT isAuthorizedChanged();
-    return true;
+    const bool wasAuthorized = m_isAuthorized;
+    base::publish(*this, m_authorizationStatus, status,
+        &LocationPermissionService::authorizationStatusChanged);
+    base::publish(*this, m_isAuthorized, status == AuthorizationStatus::AuthorizedAlways,
+        &LocationPermissionService::isAuthorizedChanged);
+    return m_isAuthorized != wasAuthorized;
 }
 
 } // namespace netvane::wifi

@@ -24,13 +24,13 @@ public:
     /// True exactly for AuthorizedAlways.
     bool isAuthorized() const { return m_isAuthorized; }
 
-    /// Takes over what the system says now.
+    /// Reads the current status of the system.
     void checkAuthorizationStatus();
-    /// Has the system ask the user; an answer arrives as a change of the published state.
+    /// Makes the system ask the user; an answer arrives as a change of the published state.
     void requestPermission();
-    /// Takes a status from somebody who knows better than the system's answer: who could read a
-    /// network's name was allowed to. Applied on a later turn of the main loop; holds until the
-    /// system's own answer changes.
+    /// Sets a status that is more certain than the system's answer: a readable network name proves
+    /// the permission. Applied on a later turn of the main loop; holds until the system's own
+    /// answer changes.
     void updateAuthorizationStatus(AuthorizationStatus status);
 
 Q_SIGNALS:

@@ -1,6 +1,6 @@
 #include "wifi/wifi_info.h"
 
-#include "base/timestamp.h"
+#include "base/decimal_text.h"
 
 #include <array>
 

@@ -14,7 +14,7 @@ enum class WiFiFrequency {
     unknown, ///< no channel
 };
 
-/// What people read: "2.4 GHz", "6 GHz (WiFi 6E)", "Unknown".
+/// The text for users: "2.4 GHz", "6 GHz (WiFi 6E)", "Unknown".
 QString displayName(WiFiFrequency frequency);
 
 enum class SignalQuality {
@@ -32,7 +32,7 @@ QString caseName(SignalQuality quality);
 /// One snapshot of the machine's Wi-Fi link. Any field may be absent without the others.
 struct WiFiInfo {
     std::chrono::system_clock::time_point timestamp;
-    std::optional<QString> ssid; ///< absent when not associated or not revealed
+    std::optional<QString> ssid; ///< absent if not associated or hidden
     WiFiFrequency frequency = WiFiFrequency::unknown;
     std::optional<int> linkRate; ///< transmit rate in whole Mbps, above 0
     std::optional<int> signalStrength; ///< dBm
@@ -49,6 +49,13 @@ struct WiFiInfo {
     QString phyMode() const;
 
     bool operator==(const WiFiInfo&) const = default;
+};
+
+/// Receives every snapshot that the sampler takes, changed or not. Main thread.
+class WiFiSnapshotObserver {
+public:
+    virtual ~WiFiSnapshotObserver() = default;
+    virtual void checkForNetworkChanges(const WiFiInfo& wifiInfo) = 0;
 };
 
 } // namespace netvane::wifi

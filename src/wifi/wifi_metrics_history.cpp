@@ -1,7 +1,5 @@
 #include "wifi/wifi_metrics_history.h"
 
-#include "probes/bounded_history.h"
-
 #include <cmath>
 
 namespace netvane::wifi {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/clock.h"
-#include "probes/metric_data_point.h"
+#include "probes/history.h"
 
 #include <QObject>
 
@@ -27,8 +27,8 @@ public:
     const Series& signalHistory() const { return m_signalHistory; }
     const Series& noiseHistory() const { return m_noiseHistory; }
 
-    /// What one snapshot tells, in Mbps and dBm. A series without news, or with the same again,
-    /// stays as it is, but two equal points may begin it.
+    /// Adds the values of one snapshot, in Mbps and dBm. An absent or repeated value adds no point,
+    /// but a series may begin with two equal points.
     void addDataPoint(
         std::optional<int> linkRate, std::optional<int> signal, std::optional<int> noise);
 

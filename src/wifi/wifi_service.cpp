@@ -2,8 +2,8 @@
 
 #include "base/background_work.h"
 #include "base/log.h"
+#include "base/publish.h"
 #include "wifi/location_permission_service.h"
-#include "wifi/wifi_snapshot_observer.h"
 
 #include <limits>
 
@@ -22,6 +22,10 @@ namespace {
 Q_LOGGING_CATEGORY(logCategory, "netvane.wifi")
 
 constexpr int kPassesPerLogLine = 10;
+// How long a link that is gone may take to come back. Less than the passes are apart, so that the
+// next one decides.
+constexpr std::chrono::milliseconds kReturn {3'000};
+constexpr std::chrono::milliseconds kReturnAfterSleep {12'000};
 
 const QString kNoClient = u"Unable to initialize Wi-Fi client"_s;
 const QString kNoInterface = u"No Wi-Fi interface available"_s;
@@ -33,16 +37,9 @@ WiFiFrequency frequencyOf(std::optional<platform::ChannelBand> band)
 {
     if (!band)
         return WiFiFrequency::unknown;
-    switch (*band) {
-    case platform::ChannelBand::TwoGHz:
+    if (*band == platform::ChannelBand::TwoGHz)
         return WiFiFrequency::twoPointFourGHz;
-    case platform::ChannelBand::SixGHz:
-        return WiFiFrequency::sixGHz;
-    case platform::ChannelBand::FiveGHz:
-    case platform::ChannelBand::Unknown:
-        break;
-    }
-    return WiFiFrequency::fiveGHz;
+    return *band == platform::ChannelBand::SixGHz ? WiFiFrequency::sixGHz : WiFiFrequency::fiveGHz;
 }
 
 std::optional<int> wholeMbps(std::optional<double> rate)
@@ -158,7 +155,7 @@ void WiFiService::updateWiFiInfo()
 void WiFiService::beginPass(base::Delivery delivery)
 {
     // Time asleep counts: what was read before it is old.
-    const auto now = m_clock.monotonicNow() + m_clock.timeAsleep();
+    const auto now = m_clock.nowWithSleep();
     if (m_lastUpdateTime && now - *m_lastUpdateTime < minUpdateInterval)
         return;
     if (m_isUpdating)
@@ -213,9 +210,27 @@ void WiFiService::applyLinkSnapshot(const WiFiInfo& snapshot)
     if (shown.ssid != snapshot.ssid || shown.signalStrength != snapshot.signalStrength
         || shown.linkRate != snapshot.linkRate)
         setCurrentWiFi(snapshot);
-    if (m_networkNotificationService)
+    if (!mayComeBack(snapshot) && m_networkNotificationService)
         m_networkNotificationService->checkForNetworkChanges(snapshot);
     finishPass();
+}
+
+/// Whether the snapshot shows no link, and has not for long: between two access points there is
+/// none for a moment, and after a sleep it takes some seconds. That is no loss to tell of before a
+/// later pass shows the same.
+bool WiFiService::mayComeBack(const WiFiInfo& snapshot)
+{
+    const auto asleep = m_clock.timeAsleep();
+    const auto now = m_clock.nowWithSleep();
+    if (snapshot.ssid || snapshot.signalStrength) {
+        m_asleepWithLink = asleep;
+        m_withoutLinkSince.reset();
+        return false;
+    }
+    if (!m_withoutLinkSince)
+        m_withoutLinkSince = now;
+    const bool hasSlept = m_asleepWithLink && base::hasSlept(*m_asleepWithLink, asleep);
+    return now - *m_withoutLinkSince < (hasSlept ? kReturnAfterSleep : kReturn);
 }
 
 void WiFiService::applyPermission(const WiFiInfo& snapshot, bool authorized)
@@ -242,26 +257,18 @@ void WiFiService::finishPass()
 
 void WiFiService::setCurrentWiFi(std::optional<WiFiInfo> info)
 {
-    if (m_currentWiFi == info)
-        return;
-    m_currentWiFi = std::move(info);
-    Q_EMIT currentWiFiChanged();
+    base::publish(*this, m_currentWiFi, std::move(info), &WiFiService::currentWiFiChanged);
 }
 
 void WiFiService::setErrorMessage(std::optional<QString> message)
 {
-    if (m_errorMessage == message)
-        return;
-    m_errorMessage = std::move(message);
-    Q_EMIT errorMessageChanged();
+    base::publish(*this, m_errorMessage, std::move(message), &WiFiService::errorMessageChanged);
 }
 
 void WiFiService::setNeedsLocationPermission(bool needed)
 {
-    if (m_needsLocationPermission == needed)
-        return;
-    m_needsLocationPermission = needed;
-    Q_EMIT needsLocationPermissionChanged();
+    base::publish(
+        *this, m_needsLocationPermission, needed, &WiFiService::needsLocationPermissionChanged);
 }
 
 } // namespace netvane::wifi

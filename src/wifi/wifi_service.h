@@ -17,7 +17,6 @@
 namespace netvane::wifi {
 
 class LocationPermissionService;
-class WiFiSnapshotObserver;
 struct LinkSample;
 
 /// Samples the Wi-Fi link every 5 seconds and publishes the last snapshot that differs in name,
@@ -44,7 +43,8 @@ public:
 
     /// The service outlives this one. Its state is followed, the present one included.
     void setLocationPermissionService(LocationPermissionService& service);
-    /// Gets each snapshot at the end of its pass; outlives this service.
+    /// Gets each snapshot at the end of its pass, but of a link that is gone only once that is
+    /// sure; outlives this service.
     void setNetworkNotificationService(WiFiSnapshotObserver* observer)
     {
         m_networkNotificationService = observer;
@@ -71,6 +71,7 @@ private:
     void readLinkSnapshot(base::Delivery delivery);
     void takeSample(const LinkSample& sample);
     void applyLinkSnapshot(const WiFiInfo& snapshot);
+    bool mayComeBack(const WiFiInfo& snapshot);
     void applyPermission(const WiFiInfo& snapshot, bool authorized);
     void endWithoutLink(const QString& message);
     void finishPass();
@@ -95,6 +96,8 @@ private:
     int m_updateCount = 0;
     bool m_isUpdating = false;
     std::optional<std::chrono::steady_clock::time_point> m_lastUpdateTime;
+    std::optional<std::chrono::steady_clock::time_point> m_withoutLinkSince; ///< sleep counts
+    std::optional<std::chrono::milliseconds> m_asleepWithLink; ///< `timeAsleep` when it was there
 };
 
 /// The snapshot that a reading makes: 0 dBm and rates of 0 or less, or beyond any integer, count as

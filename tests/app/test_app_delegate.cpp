@@ -35,6 +35,7 @@ private Q_SLOTS:
     void launchDoesNotWaitForTheGateway()
     {
         for (const auto& gateway : {std::optional(u"192.0.2.1"_s), std::optional<QString>()}) {
+            init();
             World world;
             world.network.router = gateway;
             world.launch();
@@ -47,6 +48,12 @@ private Q_SLOTS:
             QVERIFY(m_log.take().contains(u"Netvane: Default gateway: "_s + router));
             QCOMPARE(world.delegate->routerPingService()->targetHost(), router);
             QCOMPARE(world.delegate->internetPingService()->targetHost(), u"1.1.1.1"_s);
+            for (const auto& later : {std::optional(u"192.0.2.9"_s), {}}) {
+                world.network.router = later;
+                Q_EMIT world.platform.routeMonitor->routesChanged();
+                world.settle();
+                QCOMPARE(world.delegate->routerPingService()->targetHost(), u"192.0.2.9"_s);
+            }
         }
     }
 
@@ -111,7 +118,8 @@ private Q_SLOTS:
         world.clock->advance(60s);
         world.settle();
         QCOMPARE(workDone(world), running);
-        QCOMPARE(world.clock->timerCount(), 1); // that of the memory line
+        // That of the memory line, once the last look-up's thread has ended and its result is out.
+        QTRY_VERIFY((world.clock->advance(1s), world.clock->timerCount() == 1));
     }
 
     void snapshotsReachTheNotifications()
@@ -122,13 +130,24 @@ private Q_SLOTS:
         world.interface->reading->ssid = u"Home"_s;
         world.launchAll();
         world.notifications.tellSettings(platform::NotificationAuthorization::Authorized);
-        for (const auto& name : {u"Home"_s, u"Office"_s}) {
-            world.interface->reading->ssid = name;
+        // Between two networks there is none for a moment, and after a sleep for longer.
+        for (const QString& name : {u"Home"_s, {}, u"Office"_s, u"(sleep)"_s, {}, {}, u"Home"_s,
+                 u"(sleep)"_s, u"Home"_s, {}, {}}) {
+            if (name == u"(sleep)"_s) {
+                world.clock->sleep(1h); // the pause between notifications is over then
+                continue;
+            }
+            world.interface->reading->ssid = name.isEmpty() ? std::nullopt : std::optional(name);
             world.clock->advance(5s);
             world.settle();
+            world.notifications.finishAdds();
         }
-        QCOMPARE(world.notifications.added.size(), 1u);
-        QCOMPARE(world.notifications.added[0].body, u"Connected to Office"_s);
+        QStringList bodies;
+        for (const auto& request : world.notifications.added)
+            bodies.append(request.body);
+        QCOMPARE(bodies,
+            (QStringList {u"Connected to Office"_s, u"Connected to Home"_s,
+                u"Lost connection to WiFi network"_s}));
     }
 
 private:

@@ -30,7 +30,7 @@ const QString kFirstLine
 const QString kLastLine = u"Netvane: All services started"_s;
 
 /// The built program as a process, without a bus unless the test gives it one. Of the environment
-/// it gets only what the tools for finding faults are told.
+/// it gets only PATH and the options of the sanitizers.
 class Program : public QProcess {
 public:
     Program()

@@ -19,11 +19,9 @@ namespace {
 /// The first visible item of `type` with that text; null when there is none.
 QQuickItem* find(QQuickItem& item, const char* type, const QString& text)
 {
-    if (item.isVisible() && item.inherits(type) && item.property("text") == text)
-        return &item;
-    for (auto* child : item.childItems()) {
-        if (auto* found = find(*child, type, text))
-            return found;
+    for (auto* each : visibleItems(item)) {
+        if (each->inherits(type) && each->property("text") == text)
+            return each;
     }
     return nullptr;
 }
@@ -110,6 +108,16 @@ private Q_SLOTS:
         QVERIFY(!window && !state);
     }
 
+    void windowTellsTheWayBackWithoutAnItem()
+    {
+        Program program;
+        const auto* note = program.windowRoot().findChild<QQuickItem*>(u"window-note"_s);
+        for (const bool hasItem : {true, false, true}) {
+            program.host.setPresent(hasItem);
+            QCOMPARE(note->isVisible(), !hasItem);
+        }
+    }
+
     void clickBeforeTheServicesRun()
     {
         FakedWorld world(windows::makeQuickViews);
@@ -139,6 +147,13 @@ private Q_SLOTS:
         QVERIFY(!program.savePanel.fileName.isEmpty());
         QVERIFY(program.clipboard.text.contains(u"Home"_s));
         QCOMPARE(program.sharePicker.text, program.clipboard.text);
+        QVERIFY(press(root, u"Copy to Clipboard"_s));
+        QVERIFY(showsText(root, u"The report is on the clipboard."_s));
+        program.savePanel.chosen(u"/none/report.txt"_s);
+        program.settle();
+        const auto problem = program.state().settings()->property("reportProblem").toString();
+        QVERIFY(problem.startsWith(u"The report could not be saved: "_s));
+        QVERIFY(showsText(root, problem));
 
         program.state().goBack();
         program.location.change(platform::AuthorizationStatus::Denied);
@@ -161,6 +176,7 @@ private Q_SLOTS:
         QVERIFY(press(program.root(), u"Settings"_s));
         QVERIFY(press(program.root(), u"Reset Onboarding"_s));
         QCOMPARE(program.state().content(), PopoverState::Onboarding);
+        QVERIFY(!showsText(program.root(), u"Network Diagnostics"_s)); // not below the introduction
         QVERIFY(service.notificationsEnabled());
         for (const auto& key :
             {u"netvane.onboarding.completed"_s, u"networkNotificationsEnabled"_s})

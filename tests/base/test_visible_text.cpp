@@ -11,35 +11,25 @@ class TestVisibleText : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void ssid_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("text");
-
-        QTest::newRow("UTF-8") << QByteArray("Café ☕ 网络") << u"Café ☕ 网络"_s;
-        QTest::newRow("markup, placeholders") << "<b>&amp;%1"_ba << u"<b>&amp;%1"_s;
-        QTest::newRow("bad byte") << "<b>ne\xffv😀"_ba << u"<b>ne\\xffv😀"_s;
-        QTest::newRow("cut sequence at the end") << "ab\xf0\x9f\x98"_ba << u"ab\\xf0\\x9f\\x98"_s;
-        QTest::newRow("overlong and surrogate")
-            << "\xc0\xaf\xed\xa0\x80"_ba << u"\\xc0\\xaf\\xed\\xa0\\x80"_s;
-        QTest::newRow("byte order mark") << "\xef\xbb\xbfx"_ba << u"\\xef\\xbb\\xbfx"_s;
-        QTest::newRow("line break, zero") << QByteArray("a\nb\0c", 5) << u"a\\x0ab\\x00c"_s;
-        QTest::newRow("escape look-alike") << "a\\x0ab"_ba << u"a\\\\x0ab"_s;
-        QTest::newRow("override") << QByteArray("a\u202egnp.exe") << u"a\\u{202e}gnp.exe"_s;
-        QTest::newRow("line separator, C1")
-            << QByteArray("a\u2028b\u0085") << u"a\\u{2028}b\\u{85}"_s;
-        QTest::newRow("spaces") << QByteArray("H\u200bo\u00a0m ") << u"H\\u{200b}o\\u{a0}m\\x20"_s;
-        QTest::newRow("mark that would merge") << QByteArray("Cafe\u0301") << u"Cafe\\u{301}"_s;
-        QTest::newRow("ångström sign") << QByteArray("\u212b") << u"\\u{212b}"_s;
-        QTest::newRow("emoji with joiner and selector")
-            << QByteArray("👨‍👩‍👧 ❤️") << u"👨‍👩‍👧 ❤️"_s;
-        QTest::newRow("joiner without emoji") << QByteArray("a\u200db") << u"a\\u{200d}b"_s;
-        QTest::newRow("arabic and hebrew") << QByteArray("شبكة רשת") << u"شبكة רשת"_s;
-    }
     void ssid()
     {
-        QFETCH(QByteArray, bytes);
-        QTEST(ssidText(bytes).value_or(u"(absent)"_s), "text");
+        const std::pair<QByteArray, QString> rows[] = {
+            {"Café ☕ 网络 %1", u"Café ☕ 网络 %1"_s}, {"שבכה شبكة", u"שבכה شبكة"_s},
+            {"<b>ne\xffv😀", u"<b>ne\\xffv😀"_s}, // a byte that is not UTF-8
+            {"ab\xf0\x9f\x98", u"ab\\xf0\\x9f\\x98"_s}, // a character cut at the end
+            {"\xc0\xaf\xed\xa0\x80", u"\\xc0\\xaf\\xed\\xa0\\x80"_s}, // overlong, surrogate
+            {"\xef\xbb\xbfx", u"\\xef\\xbb\\xbfx"_s}, // byte order mark
+            {QByteArray("a\nb\0c", 5), u"a\\x0ab\\x00c"_s}, // line break, zero
+            {"a\\x0ab", u"a\\\\x0ab"_s}, // looks like an escape
+            {"a\u202egnp.exe", u"a\\u{202e}gnp.exe"_s}, // right-to-left override
+            {"a\u2028b\u0085", u"a\\u{2028}b\\u{85}"_s}, // line separator, C1
+            {"H\u200bo\u00a0m ", u"H\\u{200b}o\\u{a0}m\\x20"_s}, // spaces
+            {"Cafe\u0301", u"Cafe\\u{301}"_s}, {"\u212b", u"\\u{212b}"_s}, // would be normalized
+            {"👨‍👩‍👧 ❤️", u"👨‍👩‍👧 ❤️"_s},
+            {"a\u200db", u"a\\u{200d}b"_s}, // joiners
+        };
+        for (const auto& [bytes, text] : rows)
+            QCOMPARE(ssidText(bytes).value_or(u"(absent)"_s), text);
     }
 
     void ssidNotRevealed()
@@ -69,7 +59,7 @@ private Q_SLOTS:
     {
         QCOMPARE(withVisibleControls(u"a\nb\x1b[31m\u2028 C:\\x\U0001F600"_s),
             u"a\\x0ab\\x1b[31m\\u{2028} C:\\x\U0001F600"_s);
-        QCOMPARE(withVisibleControls(QChar(0xd83d) + u"b"_s), u"\\u{d83d}b"_s); // half a pair
+        QCOMPARE(withVisibleControls(QChar(0xd83d) + u"b"_s), u"\ufffdb"_s); // half a pair
     }
 };
 

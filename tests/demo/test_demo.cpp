@@ -1,8 +1,8 @@
-#include "demo/script.h"
 #include "demo/staged_program.h"
 #include "demo/window_mark.h"
 #include "support/captured_log.h"
 #include "support/test_main.h"
+#include "support/view_fixture.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
 
@@ -19,24 +19,12 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Longer than any interval at which something is looked at.
+/// Longer than every refresh interval.
 constexpr std::chrono::milliseconds kUntilSeen = 35s;
-
-void collectTexts(const QQuickItem& item, QStringList& found)
-{
-    if (!item.isVisible())
-        return;
-    if (item.inherits("QQuickText"))
-        found.append(item.property("text").toString());
-    for (const auto* child : item.childItems())
-        collectTexts(*child, found);
-}
 
 QStringList textsOf(QWindow& window)
 {
-    QStringList texts;
-    collectTexts(windows::rootOf(window), texts);
-    return texts;
+    return test::visibleTexts(windows::rootOf(window));
 }
 
 auto networkSockets()
@@ -52,7 +40,7 @@ auto networkSockets()
 
 demo::StageOptions held(const QString& scene)
 {
-    return {.scenes = demo::scenes(), .held = scene, .hasStatusArea = true};
+    return {.held = scene, .hasStatusArea = true};
 }
 
 } // namespace
@@ -93,12 +81,12 @@ private Q_SLOTS:
         }
     }
 
-    /// What the user starts comes to its end, and nothing of all that reaches the network.
+    /// The diagnostics end, and none of them uses the network.
     void diagnosticsWithoutNetwork()
     {
         demo::StagedProgram program(*qApp, held(u"weak"_s));
         const demo::WindowMark mark(*qApp, program.stage());
-        // Only the popover's test knows of the router, and so of the lag.
+        // Only the popover's speed test has the router's probe, and so the lag.
         auto& speedTest
             = *demo::stateOf<ui::PopoverState>(program.openPopover(kUntilSeen)).speedTest();
         auto& window = program.openDetailedWindow(kUntilSeen);
@@ -121,7 +109,7 @@ private Q_SLOTS:
         QVERIFY(!dashboard.traceroute()->isRunning());
     }
 
-    /// Names and addresses that nobody chose with a narrow window in mind.
+    /// Names and addresses that are too long for a narrow window.
     void hostileScene()
     {
         const QString name

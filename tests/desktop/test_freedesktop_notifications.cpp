@@ -25,7 +25,7 @@ const QString kName = u"org.freedesktop.Notifications"_s;
 const NotificationRequest kRequest {
     u"id"_s, u"title"_s, u"<"_s, NotificationCategory::NetworkDisconnected};
 
-/// A whole service: what it says to GetCapabilities and to Notify.
+/// A whole service: its answers to GetCapabilities and to Notify.
 Answer daemon(const Answer& capabilities, const Answer& notify = reply({7u}))
 {
     return [capabilities, notify](const QDBusMessage& call) {
@@ -87,7 +87,7 @@ private Q_SLOTS:
             m_adds, std::vector {Failure(u"There is no notification service in this session"_s)});
     }
 
-    /// It holds nothing up, and what it says in the end counts, but not for an owner that is gone.
+    /// It blocks nothing, and its late answer counts, but not for a destroyed owner.
     void slow()
     {
         startDaemon(daemon(test::kSilence));
@@ -193,8 +193,8 @@ private:
     }
 
     test::BusFixture m_world;
-    std::vector<Status> m_settings; ///< what askSettings() was told
-    std::vector<Failure> m_adds; ///< what add() was told
+    std::vector<Status> m_settings; ///< the answers to askSettings()
+    std::vector<Failure> m_adds; ///< the answers to add()
     std::unique_ptr<bus::BusLink> m_link;
     std::unique_ptr<FreedesktopNotifications> m_center;
     std::unique_ptr<test::FakeBusService> m_daemon;

@@ -24,7 +24,7 @@ QVariant wrapped(const QVariant& value)
 
 } // namespace
 
-/// What the program follows: the settings portal, the status area and the sleep of the machine.
+/// The settings portal, the status area and the sleep of the machine.
 class TestSessionServices : public QObject {
     Q_OBJECT
 
@@ -104,10 +104,10 @@ private Q_SLOTS:
     void onlyASleepWakes()
     {
         simulated::ManualClock clock;
-        clock.sleep(3h); // before anybody watched
+        clock.sleep(3h); // before the watch exists
         desktop::SuspendWatch watch(clock);
         const QSignalSpy woken(&watch, &platform::SleepMonitor::didWake);
-        clock.setWall({}); // somebody sets the time
+        clock.setWall({}); // the user sets the time
         watch.wallClockJumped();
         clock.sleep(3ms); // the readings differ by as much
         watch.wallClockJumped();

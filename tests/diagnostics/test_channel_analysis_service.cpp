@@ -19,7 +19,7 @@ using Table = ChannelAnalysisService::ChannelUtilization;
 
 namespace {
 
-/// One network for each number; 0: its channel is not told.
+/// One network for each number; 0: its channel is unknown.
 std::vector<platform::NearbyNetwork> onChannels(const std::vector<int>& numbers)
 {
     std::vector<platform::NearbyNetwork> networks;
@@ -89,7 +89,8 @@ private Q_SLOTS:
         QVERIFY(m_scanner.scans == 0 && !m_service->isScanning());
     }
 
-    /// One at a time, and so long after the end of a success, whatever is done to the wall clock.
+    /// One scan at a time, and a pause after a success that a change of the wall clock does not
+    /// affect.
     void throttle()
     {
         m_service->scanNetworks();

@@ -142,6 +142,19 @@ private Q_SLOTS:
         QVERIFY(!m_service->result());
     }
 
+    void whatTheOtherProgramStoredIsKept()
+    {
+        const SpeedTestResult other {.id = QUuid::createUuid(), .downloadSpeed = 1.5};
+        m_defaults.setText(SpeedTestService::historyKey,
+            withSpeedTest(other, {}, SpeedTestService::maxHistoryCount));
+        m_service->runSpeedTest(nullptr);
+        end(1s, {.receivedBytes = kSize});
+        end(1s, {});
+        make();
+        QCOMPARE(m_service->history().size(), size_t(2));
+        QCOMPARE(m_service->history().back(), other);
+    }
+
     void badHistoryIsDroppedOnce()
     {
         m_defaults.setText(SpeedTestService::historyKey, u"[{}]"_s);

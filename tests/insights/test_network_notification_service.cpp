@@ -43,7 +43,8 @@ private Q_SLOTS:
 
     void cleanup() { m_service.reset(); }
 
-    /// Asks only what is not determined. A grant is read again, as it may show a little later.
+    /// Requests permission only if it is not determined. Reads the status again after a grant,
+    /// since it may change a little later.
     void switchingOn()
     {
         const std::tuple<Status, bool, QStringList> rows[]
@@ -90,7 +91,7 @@ private Q_SLOTS:
         }
     }
 
-    /// What may not be sent is not remembered either.
+    /// A snapshot that may not be notified is not stored either.
     void stopped()
     {
         const std::pair<bool, Status> cases[] = {{false, Status::Authorized},

@@ -4,6 +4,7 @@
 
 #include <QTest>
 
+#include <linux/if_link.h>
 #include <linux/nexthop.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
@@ -59,6 +60,17 @@ QByteArray group(std::initializer_list<quint32> members)
     return attribute(NHA_GROUP, entries);
 }
 
+QByteArray device(quint32 index)
+{
+    return attribute(RTA_OIF, raw(index));
+}
+
+QByteArray linkOf(int index, const QByteArray& kind)
+{
+    return raw(ifinfomsg {.ifi_index = index})
+        + attribute(IFLA_LINKINFO, attribute(IFLA_INFO_KIND, kind));
+}
+
 const QByteArray kHead = head(&rtmsg::rtm_tos, 0);
 
 } // namespace
@@ -77,11 +89,14 @@ private Q_SLOTS:
         const QByteArray main = attribute(RTA_TABLE, raw(quint32(RT_TABLE_MAIN)));
         const auto through = [](quint32 id) { return kHead + attribute(RTA_NH_ID, raw(id)); };
         const QByteArray other = attribute(RTA_TABLE, raw(quint32(51820)));
-        const QByteArray link = attribute(RTA_OIF, raw(quint32(4)));
         row("lowest metric", 2,
             {kHead + main + metric(600) + gateway(1), kHead + metric(100) + gateway(2),
                 kHead + metric(3000000000) + gateway(3)});
-        row("point to point", 2, {kHead + link, kHead + metric(9) + gateway(2)});
+        row("point to point", 2, {kHead + device(4), kHead + metric(9) + gateway(2)});
+        row("beside a tunnel", 2,
+            {kHead + metric(50) + gateway(1) + device(7),
+                kHead + metric(600) + gateway(2) + device(4)});
+        row("a tunnel alone", 1, {kHead + metric(50) + gateway(1) + device(7)});
         row("another table", 0, {head(&rtmsg::rtm_table, RT_TABLE_LOCAL) + gateway(1)});
         row("a large table", 0, {head(&rtmsg::rtm_table, RT_TABLE_COMPAT) + other + gateway(1)});
         row("via IPv4", 5, {kHead + attribute(RTA_VIA, raw(quint16(AF_INET)) + address(5))});
@@ -107,8 +122,13 @@ private Q_SLOTS:
             if (const auto record = parseRoute(bytesOf(message)))
                 records.push_back(*record);
         }
+        std::vector<LinkRecord> tunnels;
+        for (const auto& message : {linkOf(4, "veth"), linkOf(7, QByteArray("wireguard", 10))}) {
+            if (const auto link = parseLink(bytesOf(message)); link->isTunnel)
+                tunnels.push_back(*link);
+        }
         const QString router = last == 0 ? QString() : u"192.168.1.%1"_s.arg(last);
-        QCOMPARE(defaultRouterOf(records, nextHops).value_or(QString()), router);
+        QCOMPARE(defaultRouterOf(records, nextHops, tunnels).value_or(QString()), router);
     }
 };
 

@@ -51,7 +51,7 @@ private:
     FileDescriptor m_socket;
 };
 
-/// One started connection and what it told.
+/// One started connection and its events.
 struct Started {
     using Events = std::vector<ConnectionEvent>;
 
@@ -100,7 +100,7 @@ private Q_SLOTS:
         const auto sent = m_clock.monotonicNow();
         Started other(m_connections, kLoopback, peer.port());
         other.connection->cancel();
-        QVERIFY(timed.all->empty()); // nothing is told inside a call
+        QVERIFY(timed.all->empty()); // no event inside a call
         QCOMPARE(other.states(), kCancelled);
         QCOMPARE(timed.states(), kReady);
         QVERIFY(before <= timed.all->at(0).at && timed.all->at(0).at <= sent);
@@ -121,10 +121,11 @@ private Q_SLOTS:
         QTest::addColumn<HostAddresses>("found");
         QTest::addColumn<QString>("error");
         const QString name = u"peer.example"_s;
-        const QString refused = u"Connection refused"_s;
+        const QString unreachable = u"Network is unreachable"_s;
         const auto good = m_listening.address;
-        const auto bad = m_closed.address;
-        QTest::newRow("closed port") << kLoopback << HostAddresses {{}, "not asked"} << refused;
+        const auto bad = addressesOfLiteral("255.255.255.255", 80).at(0); // takes no connections
+        QTest::newRow("closed port") << kLoopback << HostAddresses {{}, "not asked"} << QString();
+        QTest::newRow("unreachable") << name << HostAddresses {{bad}, {}} << unreachable;
         QTest::newRow("second of two") << name << HostAddresses {{bad, good}, {}} << QString();
         QTest::newRow("no such name") << name << HostAddresses {{}, "unknown"} << u"unknown"_s;
     }

@@ -68,9 +68,11 @@ with tempfile.TemporaryDirectory() as folder:
     top = pathlib.Path(folder) / "a root"
     (top / PREFIX[1:] / "share/applications").mkdir(parents=True)  # not ours, although empty
     before = below(top)
+    os.umask(0o077)
     for _ in range(2):  # the second time over the first
         script("install", build, PREFIX, top=top)
         check_installed(top / PREFIX[1:])
+    assert all(path.stat().st_mode & 4 for path in (top / PREFIX[1:]).rglob("*")), "not for everybody"
     for program in ("netvane", "netvane-report"):
         check_program(top / PREFIX[1:], program)
     (top / PREFIX[1:] / "bin/neighbour").touch()

@@ -1,4 +1,6 @@
 #include "probes/network_metrics.h"
+#include "probes/network_utils.h"
+#include "simulated/network.h"
 #include "support/test_main.h"
 
 #include <QTest>
@@ -25,6 +27,15 @@ private Q_SLOTS:
             QVERIFY(std::abs(metrics.mosScore().value_or(-1) - score) < 0.0001);
             QCOMPARE(metrics.mosQuality(), quality);
         }
+    }
+
+    void onlyIpsecInterfacesAreAVpn()
+    {
+        netvane::simulated::NetworkConfiguration network;
+        network.interfaces = QStringList {u"utun3"_s, u"wg0"_s, u"IPSEC0"_s, u"xipsec0"_s};
+        QVERIFY(!isVPNActive(network));
+        network.interfaces = QStringList {u"lo"_s, u"ipsec0"_s};
+        QVERIFY(isVPNActive(network));
     }
 };
 

@@ -50,6 +50,12 @@ private Q_SLOTS:
         QCOMPARE(m_service->pingCount(), 1);
         finish(State::Cancelled);
         QCOMPARE(last().packetLoss, std::optional(100.0));
+        m_clock->advance(3s);
+        for (const auto& host : {u"192.0.2.2"_s, u"192.0.2.2"_s})
+            m_service->setTargetHost(host);
+        QCOMPARE(m_connections->made().back()->host, u"192.0.2.2"_s);
+        finish(State::Failed, {}, 1); // of the earlier target, which says nothing about this one
+        QCOMPARE(m_service->metrics().size(), size_t(1));
     }
 
     void port()
@@ -62,46 +68,37 @@ private Q_SLOTS:
         }
     }
 
-    void outcomes_data()
-    {
-        const int lost = -1;
-        QTest::addColumn<QList<int>>("latencies"); // ms
-        QTest::addColumn<double>("jitter"); // -1: absent
-        QTest::addColumn<double>("loss");
-        QTest::addColumn<QList<double>>("history");
-        QTest::newRow("loss keeps the jitter")
-            << QList {10, 20, 15, lost} << 7.5 << 25.0 << QList {10.0, 20.0, 15.0};
-        QTest::newRow("the window moves on")
-            << QList<int>(10, lost) + QList {5} << -1.0 << 90.0 << QList {5.0};
-        QTest::newRow("histories are bounded") << QList {500} + QList<int>(9, 30)
-                + QList {40} << 10.0 / 9 << 0.0 << QList<double>(9, 30.0) + QList {40.0};
-    }
     void outcomes()
     {
-        QFETCH(QList<int>, latencies);
-        QFETCH(double, jitter);
-        QFETCH(double, loss);
-        QFETCH(QList<double>, history);
-        m_service->start();
-        for (const int latency : latencies) {
-            m_clock->advance(std::chrono::milliseconds(std::max(latency, 0)));
-            finish(latency < 0 ? State::Cancelled : State::Ready);
-            m_clock->advance(3000ms - std::chrono::milliseconds(std::max(latency, 0)));
+        // Round trips in ms (-1: lost), jitter (-1: absent), loss, kept round trips.
+        using Times = std::vector<double>;
+        const std::tuple<Times, double, double, Times> rows[]
+            = {{{10, 20, 15, -1}, 7.5, 25, {10, 20, 15}}, // a loss keeps the jitter
+                {{-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 5}, -1, 90, {5}}, // the window moves on
+                {{500, 30, 30, 30, 30, 30, 30, 30, 30, 30, 40}, 10.0 / 9, 0,
+                    {30, 30, 30, 30, 30, 30, 30, 30, 30, 40}}}; // histories are bounded
+        for (const auto& [times, jitter, loss, kept] : rows) {
+            init();
+            m_service->start();
+            for (const double time : times) {
+                const std::chrono::milliseconds latency(int(std::max(time, 0.0)));
+                m_clock->advance(latency);
+                finish(time < 0 ? State::Cancelled : State::Ready);
+                m_clock->advance(3000ms - latency);
+            }
+            QCOMPARE(last().ping.value_or(-1), times.back());
+            QVERIFY(std::abs(last().jitter.value_or(-1) - jitter) < 1e-9);
+            QCOMPARE(last().packetLoss, std::optional(loss));
+            QCOMPARE(m_service->pingHistory(), kept);
+            QCOMPARE(m_service->metrics().size(), std::min(size_t(10), times.size() + 1));
+            QCOMPARE(m_service->currentMetrics(), std::optional(last()));
         }
-        const auto& last = m_service->metrics().back();
-        QCOMPARE(last.ping.value_or(-1), double(latencies.back()));
-        QVERIFY(std::abs(last.jitter.value_or(-1) - jitter) < 1e-9);
-        QCOMPARE(last.packetLoss, std::optional(loss));
-        QCOMPARE(QList<double>(m_service->pingHistory().begin(), m_service->pingHistory().end()),
-            history);
-        QCOMPARE(m_service->metrics().size(), std::min(size_t(10), size_t(latencies.size()) + 1));
-        QCOMPARE(m_service->currentMetrics(), std::optional(last));
     }
 
-    /// The main thread is busy and hears of everything at the end, the timeout first.
+    /// The main thread is busy and handles all events late, the timeout first.
     void timeout()
     {
-        for (const int readyAt : {2999, 3100}) { // ms; each told just before the timeout
+        for (const int readyAt : {2999, 3100}) { // ms; each is delivered just before the timeout
             init();
             m_service->start();
             m_log.take();
@@ -131,6 +128,26 @@ private Q_SLOTS:
             QStringList {u"PingService: Connection failed to 192.0.2.1: Connection refused"_s});
     }
 
+    /// A failure that goes on is a line at first, and then one an hour, asleep or not.
+    void failuresThatGoOn()
+    {
+        const QString line = u"PingService: Connection failed to 192.0.2.1: gone"_s;
+        m_service->start();
+        finish(State::Ready);
+        for (int i = 0; i < 1199; ++i) {
+            m_clock->advance(3s);
+            finish(State::Failed, u"gone"_s);
+        }
+        QCOMPARE(m_log.take().filter(u"PingService:"_s), QStringList {line});
+        m_clock->sleep(10s);
+        for (const auto state : {State::Failed, State::Ready, State::Failed}) {
+            m_clock->advance(3s);
+            finish(state, u"gone"_s);
+        }
+        QCOMPARE(m_log.take().filter(u"PingService:"_s),
+            (QStringList {line + u" (1200 times without an answer)"_s, line}));
+    }
+
     void destroyedWithProbesInFlight()
     {
         m_service->start();
@@ -144,7 +161,7 @@ private Q_SLOTS:
         QCOMPARE(m_clock->timerCount(), 0);
     }
 
-    /// What a connection does after a sleep, or how long it took, says nothing about the network.
+    /// The result and the time of a connection that was open during a sleep mean nothing.
     void sleepCountsAsNothing()
     {
         for (const auto end : {State::Failed, State::Ready}) {

@@ -31,7 +31,7 @@ namespace {
 
 constexpr int kWiFiFamily = 0x1c; // the kernel gives nl80211 another number each time
 
-/// A message of the kernel about an interface; `claimed` replaces the length that it tells, and
+/// A message of the kernel about an interface; `claimed` replaces the length in its header, and
 /// `more` are further attributes.
 QByteArray eventMessage(int command, int family = kWiFiFamily, quint32 index = 3, int claimed = -1,
     const QByteArray& more = {})

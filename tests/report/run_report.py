@@ -68,11 +68,11 @@ def report(dns_server):
 
 
 def check(program, folder):
-    def run(words):
+    def run(words, line='exec "$0" "$@"'):
         environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "HOME": str(folder),
                        "DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere", "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nowhere"}
         environment |= {name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}
-        return subprocess.run([program, *words.split()], env=environment, timeout=LIMIT, capture_output=True, text=True)
+        return subprocess.run(["sh", "-c", line, program, *words.split()], env=environment, timeout=LIMIT, capture_output=True, text=True)
 
     result = run("")
     expect("a report and nothing else", re.fullmatch("\n".join(report(re.escape(ROUTER))) + "\n", result.stdout)
@@ -89,6 +89,18 @@ def check(program, folder):
         result = run(words)
         shown, other = (result.stderr, result.stdout)[::-1 if status == 0 else 1]
         expect(words, result.returncode == status and text in shown and not other, result)
+    for line, status, text in (('"$0" --help >/dev/full', 1, "No space left"), ('"$0" --version >&-', 1, "standard output"),
+                               ('"$0" --seconds 1 >/dev/full', 1, "No space left"), ('ulimit -n 16; "$0"', 1, "files may be open")):
+        result = run("", line)
+        expect(line, result.returncode == status and text in result.stderr, result)
+
+    link, pipe = folder / "link", folder / "pipe"
+    result = run("", f"""echo kept >{target}; "$0" --seconds 1 --output /dev/stdout >>{target}
+        mkfifo {pipe}; "$0" --seconds 1 --output {pipe} & cat {pipe}; wait $!""")
+    expect("what the shell has opened, and a pipe", target.read_text().startswith("kept\n# Netvane") and pipe.is_fifo()
+           and result.stdout.startswith("# Netvane") and (result.returncode, result.stderr) == (0, ""), result)
+    run("", f'ln -s {target} {link}; "$0" --seconds 1 --output {link}')
+    expect("what a link leads to", link.is_symlink() and target.read_text().startswith("# Netvane"), target.read_text())
 
 
 def main():

@@ -68,7 +68,8 @@ private Q_SLOTS:
         }
         QCOMPARE(chosen, (std::vector {std::optional(path), {}}));
         shell::DesktopSavePanel().show({}, u"a.txt"_s, [&](const auto&) { chosen.clear(); });
-        QVERIFY(!shown<QFileDialog>()); // it ended with its panel, and called nobody
+        QVERIFY(
+            !shown<QFileDialog>()); // it was closed with its panel, without a call of the handler
         QCOMPARE(chosen.size(), 2U);
     }
 
@@ -84,7 +85,7 @@ private Q_SLOTS:
             QString(kText).replace(u'\n', u"\r\n"_s));
     }
 
-    /// In a file that nobody else can read, and that goes with the program.
+    /// In a file that only the user can read and that is removed with the picker.
     void shareByEditor()
     {
         share(1);
@@ -99,7 +100,7 @@ private Q_SLOTS:
         QVERIFY(!folder.exists());
     }
 
-    /// A panel would look for the name only, and show nothing where no theme knows it.
+    /// A panel that looks only for the name shows nothing if no theme has it.
     void iconWithoutATheme()
     {
         const QTemporaryDir themes;

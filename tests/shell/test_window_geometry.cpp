@@ -59,6 +59,10 @@ private Q_SLOTS:
                 {{0, 0, 3000, 3000}, {1280, 0, 1920, 1080}}, // too large
                 {{100, 100, 10, 10}, {100, 100, 400, 600}}}) // too small
             QCOMPARE(shell::restoredFrame(frame, {400, 600}, workAreas), expected);
+        // With its title bar, on a screen that is lower than the least height.
+        const QRect area = shell::frameArea({0, 28, 911, 484}, {2, 30, 2, 4});
+        QCOMPARE(shell::restoredFrame({400, -59, 600, 800}, {400, 600}, {area}),
+            QRect(307, 28, 600, 450));
         QVERIFY(!shell::restoredFrame({5000, 50, 600, 800}, {400, 600}, workAreas));
         QVERIFY(!shell::restoredFrame({0, 0, 600, 800}, {400, 600}, {}));
     }

@@ -7,7 +7,7 @@
 
 namespace netvane::test {
 
-/// Takes the log lines of the process, of any thread, while it lives; one at a time.
+/// Captures the log lines of all threads of the process while it exists. Only one at a time.
 class CapturedLog {
 public:
     CapturedLog()
@@ -17,7 +17,7 @@ public:
     }
     ~CapturedLog() { base::setLogSink(m_previous); }
 
-    /// The lines so far, and forgets them.
+    /// Returns the lines so far and clears them.
     QStringList take()
     {
         const QMutexLocker locker(&s_mutex);

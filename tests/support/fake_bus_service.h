@@ -9,7 +9,7 @@
 
 namespace netvane::test {
 
-/// What a service answers to a call; absent when it does not answer.
+/// The answer of a service to a call; absent: no answer.
 using Answer = std::function<std::optional<QDBusMessage>(const QDBusMessage&)>;
 
 inline const Answer kSilence = [](const QDBusMessage&) { return std::nullopt; };
@@ -24,8 +24,8 @@ inline Answer error(const QString& name, const QString& text = QStringLiteral("n
     return [=](const QDBusMessage& call) { return call.createErrorReply(name, text); };
 }
 
-/// A service that answers for an object and all those below it, on a connection of its own. It
-/// lives on the test's thread: a call that blocks this thread never gets its answer.
+/// A service for an object and all below it, on its own connection. It runs on the test's thread: a
+/// call that blocks this thread never gets an answer.
 class FakeBusService : public QDBusVirtualObject {
 public:
     FakeBusService(const QString& address, const QString& name, const QString& path, Answer says)
@@ -48,7 +48,7 @@ public:
         return true;
     }
     void send(const QDBusMessage& message) { m_connection.send(message); }
-    /// Returns when the bus has passed on everything that was sent.
+    /// Returns when the bus has delivered everything that was sent.
     void flush()
     {
         const auto bus = QStringLiteral("org.freedesktop.DBus");

@@ -9,8 +9,8 @@
 
 namespace netvane::test {
 
-/// A kernel with one interface, "wlan0", whose events are datagrams that the test sends. `table`
-/// is set before a scan ends.
+/// A kernel with one interface, "wlan0", whose events are datagrams from the test. Set `table`
+/// before a scan ends.
 class FakeScanKernel : public radio::ScanKernel {
 public:
     /// `family` is the number of nl80211 in the events, which are about the interface 3.

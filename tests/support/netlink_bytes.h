@@ -7,14 +7,14 @@
 
 namespace netvane::test {
 
-/// A number as it lies in memory.
+/// The bytes of a number in memory.
 template <typename Number>
 QByteArray raw(Number number)
 {
     return QByteArray(reinterpret_cast<const char*>(&number), sizeof number);
 }
 
-/// One netlink attribute with its padding; `claimed` replaces the length that it tells.
+/// One netlink attribute with its padding; `claimed` replaces the length in its header.
 inline QByteArray attribute(int type, const QByteArray& payload, int claimed = -1)
 {
     const auto length = quint16(claimed >= 0 ? claimed : payload.size() + 4);

@@ -25,7 +25,7 @@ PrivateBus::PrivateBus()
 {
     write(u"bus.conf"_s, kConfiguration.arg(address(), m_folder.path()));
     m_daemon.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    // A test that is ended from outside leaves nothing behind.
+    // The daemon also ends if the test is killed.
     m_daemon.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
 }
 
@@ -48,7 +48,7 @@ bool PrivateBus::start()
     m_daemon.start(u"dbus-daemon"_s,
         {u"--nofork"_s, u"--nopidfile"_s, u"--print-address"_s,
             u"--config-file="_s + path(u"bus.conf"_s)});
-    // It tells its address when it listens.
+    // It prints its address when it listens.
     return m_daemon.waitForReadyRead(kWaitMs) && m_daemon.readAllStandardOutput().contains("path=");
 }
 

@@ -10,22 +10,22 @@
 
 namespace netvane::test {
 
-/// A message bus (dbus-daemon) of the test's own, whose address stays the same when it is stopped
-/// and started again. Anybody may own any name on it. Ends with its owner.
+/// A private message bus (dbus-daemon) for a test. Its address stays the same after a restart. Any
+/// connection may own any name. Ends with its owner.
 class PrivateBus {
 public:
     PrivateBus();
     ~PrivateBus() { stop(); }
 
     QString address() const { return QStringLiteral("unix:path=") + path(QStringLiteral("bus")); }
-    /// Once it is started again, runs `command` for who calls `name` while nobody owns it.
+    /// After the next start, the bus runs `command` when `name` is called and has no owner.
     void setActivatable(const QString& name, const QString& command);
 
-    /// True once it takes connections.
+    /// True when it accepts connections.
     bool start();
-    /// Ends it at once; the connections only close.
+    /// Kills it; the connections are closed without notice.
     void stop();
-    /// Connections are still made but nobody answers on them, until it is resumed.
+    /// Accepts connections but does not answer, until `resume`.
     void suspend() { signalDaemon(SIGSTOP); }
     void resume() { signalDaemon(SIGCONT); }
 
@@ -38,8 +38,8 @@ private:
     QProcess m_daemon;
 };
 
-/// A private bus that stands for the session or the system bus, and what a link to it needs. One of
-/// each kind in a process: libdbus reads the address once.
+/// A private bus in the place of the session or the system bus, with what a link to it needs. One
+/// of each kind in a process: libdbus reads the address once.
 struct BusFixture {
     /// Starts the bus and sets its address in the environment.
     explicit BusFixture(QDBusConnection::BusType type = QDBusConnection::SessionBus);

@@ -9,11 +9,11 @@ class QSslSocket;
 
 namespace netvane::test {
 
-/// What the server sends once it has seen a request, its body included, and how.
+/// What the server sends after a whole request, and what it does then.
 struct Script {
     enum class Then {
         Close,
-        StayOpen, ///< says no more
+        StayOpen, ///< sends nothing more
         Endless, ///< repeats the last byte as fast as it is taken
         Drip, ///< repeats the last byte once a millisecond
     };
@@ -21,8 +21,8 @@ struct Script {
     Then then = Then::Close;
 };
 
-/// A server on the loopback interface that does what the tests tell it over TLS with the
-/// certificate of tests/data/loopback.pem. Runs on the test's own thread.
+/// A TLS server on the loopback interface with the certificate of tests/data/loopback.pem. It sends
+/// scripted answers. Runs on the test's thread.
 class ScriptedHttpServer : public QTcpServer {
 public:
     ScriptedHttpServer();
@@ -33,9 +33,9 @@ public:
     void script(const QByteArray& path, const Script& script) { m_scripts.insert(path, script); }
     QUrl url(const QByteArray& path) const;
 
-    /// The heads of the requests whose bodies have come, too.
+    /// The headers of the complete requests.
     const QByteArrayList& requests() const { return m_requests; }
-    /// What was sent of the answers that do not end, beyond their scripts.
+    /// The bytes of endless answers that were sent after their scripts.
     qint64 endlessBytes() const { return m_endlessBytes; }
     int connectionCount() const { return m_connectionCount; }
     int openConnections() const { return m_openConnections; }

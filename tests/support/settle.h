@@ -6,7 +6,7 @@
 
 namespace netvane::test {
 
-/// Lets work on `queue` end and its results arrive, until nothing is left of either.
+/// Waits until the work on `queue` has ended and its results are delivered.
 inline void settle(base::WorkQueue& queue)
 {
     for (int round = 0; round < 4; ++round) {

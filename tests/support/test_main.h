@@ -12,13 +12,13 @@ namespace netvane::test {
 /// One class of tests of an executable.
 struct Suite {
     std::function<std::unique_ptr<QObject>()> make;
-    /// Before there is an application or a thread; false skips the suite.
+    /// Called before any application object or thread exists; false skips the suite.
     std::function<bool()> prepare;
-    /// What the executable does as a process that a test has started; absent: it tests.
+    /// Runs instead of the tests if the executable was started by a test; absent: run the tests.
     std::function<std::optional<int>(const QStringList& arguments)> runAs;
 };
 
-/// Offers a suite under the name of its source, `test_NAME.cpp`.
+/// Registers a suite under the name of its source, `test_NAME.cpp`.
 int addSuite(const char* source, Suite suite);
 
 template <typename Tests>
@@ -34,7 +34,7 @@ Suite suiteOf()
 
 } // namespace netvane::test
 
-/// Stands at the end of each source of tests. `Tests` may have the static functions `prepare` and
+/// Goes at the end of each source of tests. `Tests` may have the static functions `prepare` and
 /// `runAs` (see `Suite`).
 #define NETVANE_TEST(Tests)                                                                        \
     [[maybe_unused]] static const int s_suite                                                      \

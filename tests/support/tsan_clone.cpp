@@ -4,10 +4,10 @@
 
 #include <cstdarg>
 
-// Qt starts processes by clone(2) in the manner of vfork(2): the child runs in the parent's memory
-// until it is replaced. The thread sanitizer's own clone() takes the end of its bookkeeping in the
-// child and in the parent for two ends, and afterwards either misses every lock that the calling
-// thread takes or every race of it. Tests that start processes therefore go past it.
+// Qt starts processes by clone(2) like vfork(2): the child runs in the parent's memory until exec.
+// The thread sanitizer's clone() then ends an internal section twice, in the child and in the
+// parent, and afterwards misses all locks or all races of the calling thread. So tests that start
+// processes bypass it.
 
 extern "C" {
 

@@ -21,6 +21,11 @@ QString flawOfText(const QQuickItem& item)
         return u"may be rich text"_s;
     if (item.property("truncated").toBool())
         return item.property("elide").toInt() == kElideMiddle ? QString() : u"is cut"_s;
+    for (const auto* card = item.parentItem(); card; card = card->parentItem()) {
+        const double right = item.mapToItem(card, {item.width(), 0}).x();
+        if (card->property("hasShadow").isValid() && right > card->width() + kRounding)
+            return u"is outside of its card"_s;
+    }
     const bool fits = number("contentWidth") <= item.width() + kRounding
         && number("contentHeight") <= item.height() + kRounding;
     return fits || item.property("text") == QString() ? QString() : u"does not fit"_s;
@@ -40,12 +45,6 @@ QString flawOf(QQuickItem& item)
 
 } // namespace
 
-QString describe(const QQuickItem& item)
-{
-    return QString::fromLatin1(item.metaObject()->className()) + u" '"_s
-        + item.property("text").toString().left(60) + u'\'';
-}
-
 QList<QQuickItem*> visibleItems(QQuickItem& root)
 {
     QList<QQuickItem*> items;
@@ -57,12 +56,23 @@ QList<QQuickItem*> visibleItems(QQuickItem& root)
     return items;
 }
 
+QStringList visibleTexts(QQuickItem& root)
+{
+    QStringList texts;
+    for (const auto* item : visibleItems(root)) {
+        if (item->inherits("QQuickText"))
+            texts.append(item->property("text").toString());
+    }
+    return texts;
+}
+
 QStringList auditView(QQuickItem& root)
 {
     QStringList flaws;
     for (auto* item : visibleItems(root)) {
         if (const QString flaw = flawOf(*item); !flaw.isEmpty())
-            flaws.append(flaw + u": "_s + describe(*item));
+            flaws.append(flaw + u": "_s + QString::fromLatin1(item->metaObject()->className())
+                + u" '"_s + item->property("text").toString().left(60) + u'\'');
     }
     return flaws;
 }
@@ -96,13 +106,8 @@ QQuickItem* ViewFixture::find(const char* property, const QVariant& value)
 
 QStringList ViewFixture::texts(const QString& below)
 {
-    QStringList texts;
     auto* top = below.isEmpty() ? &root() : find("objectName", below);
-    for (auto* item : top ? visibleItems(*top) : QList<QQuickItem*>()) {
-        if (item->inherits("QQuickText"))
-            texts.append(item->property("text").toString());
-    }
-    return texts;
+    return top ? visibleTexts(*top) : QStringList();
 }
 
 void ViewFixture::click(const QString& text)
@@ -117,7 +122,7 @@ void ViewFixture::click(const QString& text)
 
 QStringList ViewFixture::problems()
 {
-    // A frame lays out what changed, which may change what is around it.
+    // Each frame lays out what changed, which may change other items.
     for (int height = 0; height != m_window.height();) {
         (void)m_window.grabWindow();
         height = m_window.height();

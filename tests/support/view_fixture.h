@@ -12,13 +12,13 @@ namespace netvane::test {
 /// `root` and what is below it, in the order of the tree; hidden items are left out.
 QList<QQuickItem*> visibleItems(QQuickItem& root);
 
+/// The visible texts in the order of the tree.
+QStringList visibleTexts(QQuickItem& root);
+
 /// The faults of the visible items, one line each: a text that may be drawn as rich text, a text
 /// that is cut (an ElidedText offers the whole of it), a control without a name for screen readers
-/// or one that Tab does not reach.
+/// or a control that Tab does not reach.
 QStringList auditView(QQuickItem& root);
-
-/// Names a control or text in a message.
-QString describe(const QQuickItem& item);
 
 /// One view in a window of its own, rendered in software without a display.
 class ViewFixture {
@@ -30,11 +30,12 @@ public:
     /// The outermost visible item that has the value in the property, or null.
     QQuickItem* find(const char* property, const QVariant& value);
     bool shows(const QString& text) { return find("text", text); }
-    /// The visible texts in the order of the tree, those below the item with that object name.
+    /// The visible texts in the order of the tree; only those below the item with this object name,
+    /// if given.
     QStringList texts(const QString& below = {});
     /// Clicks the middle of the item that has the text.
     void click(const QString& text);
-    /// Renders the view; what QML warned of so far and what `auditView` finds.
+    /// Renders the view. Returns the warnings of QML so far and the faults that `auditView` finds.
     QStringList problems();
 
 private:

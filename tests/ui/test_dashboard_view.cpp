@@ -1,6 +1,7 @@
 #include "support/test_main.h"
 #include "world.h"
 
+#include <QAccessible>
 #include <QTest>
 
 using namespace netvane;
@@ -36,10 +37,11 @@ private Q_SLOTS:
 
         world.link(kHome);
         QVERIFY(view.shows(u"Home"_s) && view.shows(u"866 Mbps"_s));
-        QVERIFY(!view.find("summary", u"No history yet"_s)); // one point makes no line
+        QVERIFY(view.shows(u"No history yet"_s) && view.shows(u"Signal: fair"_s));
         for (const int dbm : {-61, -59, -62})
             world.link({{.signalDbm = dbm}});
-        QVERIFY(view.find("summary", u"Last 62.0, lowest 59.0, highest 70.0"_s));
+        QVERIFY(view.shows(u"Last -62 dBm, lowest -70 dBm, highest -59 dBm"_s));
+        QVERIFY(view.shows(u"Signal: good"_s));
         QCOMPARE(view.problems(), QStringList());
         world.link({{.ssid = u"Home"_s, .band = ChannelBand::SixGHz}});
         QVERIFY(view.shows(u"Not Connected"_s));
@@ -91,6 +93,22 @@ private Q_SLOTS:
         QCOMPARE(view.texts(u"connection-summary"_s),
             QStringList({u"WiFi"_s, u"Weak"_s, dot, u"Router"_s, u"High loss"_s, dot, u"Internet"_s,
                 u"High loss"_s, dot, u"DNS"_s, u"OK"_s}));
+        view.root().window()->resize(320, 600);
+        QCOMPARE(view.problems(), QStringList());
+    }
+
+    /// A full history has as many records as before.
+    void graphsGoOnWhenTheHistoryIsFull()
+    {
+        World world;
+        ViewFixture view = world.dashboard();
+        world.services.internetPingService->start();
+        for (int time = 1; time <= 15; ++time)
+            world.ping({}, std::chrono::milliseconds(time * 10));
+        QVERIFY(view.shows(u"Last 150 ms, lowest 60 ms, highest 150 ms"_s));
+        for (int lost = 0; lost < 3; ++lost) // after the first, the figures stay as they are
+            world.ping({}, {});
+        QVERIFY(view.shows(u"Last 30%, lowest 0%, highest 30%"_s));
     }
 
     void explanationsStayWhileValuesChange()
@@ -100,6 +118,7 @@ private Q_SLOTS:
         world.ping({}, 16ms);
         ViewFixture view = world.dashboard();
         QQuickItem* about = view.find("text", u"About Voice Quality (MOS)"_s);
+        QCOMPARE(QAccessible::queryAccessibleInterface(about)->role(), QAccessible::Button);
         about->forceActiveFocus();
         QTest::keyClick(about->window(), Qt::Key_Return);
         world.ping({}, 900ms);

@@ -1,10 +1,13 @@
+#include "simulated/desktop.h"
 #include "simulated/manual_clock.h"
 #include "support/test_main.h"
 #include "ui/painting/sparkline.h"
+#include "ui/painting/theme.h"
 #include "ui/state/connection_status.h"
 #include "ui/state/metric_cards.h"
 #include "ui/state/relative_time.h"
 
+#include <QColorSpace>
 #include <QTest>
 
 using namespace netvane;
@@ -44,16 +47,54 @@ private Q_SLOTS:
         }
     }
 
-    void theCurveStaysInItsBox()
+    /// What stays the same, or moves as little as noise does, does not fill the height of a graph.
+    void graphsAreToScale()
     {
-        const QRectF box(2, 3, 80, 24);
-        for (const QList<double>& values :
-            {QList<double> {1, 1, 100, 1, 1}, {7, 7, 7}, {1, qQNaN(), 5, qInf(), 2}}) {
-            const QPainterPath path = ui::smoothCurve(values, box);
+        using ui::MetricGraph;
+        const QRectF box(2, 3, 80, 20);
+        const std::tuple<MetricGraph, double, double, QString> rows[]
+            = {{MetricGraph::fromZero({10, 10}, 1, 0, u"%"_s), 3, 3,
+                   u"Last 10%, lowest 10%, highest 10%"_s},
+                {MetricGraph::fromZero({0, 0}, 1, 0, u"%"_s), 23, 23,
+                    u"Last 0%, lowest 0%, highest 0%"_s},
+                {MetricGraph::fromZero({1, 5}, 10, 1, u" ms"_s), 13, 21,
+                    u"Last 5.0 ms, lowest 1.0 ms, highest 5.0 ms"_s},
+                {MetricGraph::ofDbm({{{}, 62}, {{}, 60}}), 12, 14,
+                    u"Last -60 dBm, lowest -62 dBm, highest -60 dBm"_s},
+                {MetricGraph::ofDbm({{{}, 90}, {{}, 40}, {{}, 90}}), 3, 23,
+                    u"Last -90 dBm, lowest -90 dBm, highest -40 dBm"_s}};
+        for (const auto& [graph, top, bottom, summary] : rows) {
+            const QPainterPath path = ui::smoothCurve(graph, box);
             const QRectF bounds = path.boundingRect();
-            QVERIFY(bounds.top() > box.top() - 1e-6 && bounds.bottom() < box.bottom() + 1e-6);
-            QVERIFY(bounds.left() > box.left() - 1e-6);
+            QCOMPARE(bounds.top(), top);
+            QCOMPARE(bounds.bottom(), bottom);
+            QCOMPARE(bounds.left(), box.left());
             QCOMPARE(path.currentPosition().x(), box.right());
+            QCOMPARE(graph.summary(), summary);
+        }
+        QVERIFY(ui::smoothCurve(MetricGraph::ofDbm({{{}, 62}}), box).isEmpty());
+    }
+
+    /// WCAG 2.1: 4.5 to 1 for texts, 3 to 1 for what shows a control.
+    void contrast()
+    {
+        simulated::Appearance appearance;
+        ui::Theme theme(appearance);
+        const auto linear
+            = QColorSpace(QColorSpace::SRgb).transformationToColorSpace(QColorSpace::SRgbLinear);
+        const auto luminance = [&](const char* name) {
+            const QColor color = linear.map(theme.property(name).value<QColor>());
+            return 0.05 + 0.2126 * color.redF() + 0.7152 * color.greenF() + 0.0722 * color.blueF();
+        };
+        for (const auto scheme : {platform::ColorScheme::Light, platform::ColorScheme::Dark}) {
+            appearance.setColorScheme(scheme);
+            for (const auto& [name, least] : {std::pair("primaryText", 4.5), {"secondaryText", 4.5},
+                     {"tertiaryText", 4.5}, {"outline", 3.0}, {"prominentFill", 3.0}}) {
+                for (const char* ground : {"controlBackground", "cardBackground"}) {
+                    const auto [low, high] = std::minmax({luminance(name), luminance(ground)});
+                    QVERIFY2(high / low >= least, name);
+                }
+            }
         }
     }
 
@@ -68,6 +109,8 @@ private Q_SLOTS:
         QCOMPARE(ui::wifiStatus(wifi::WiFiInfo {}), unknown);
         QCOMPARE(ui::wifiStatus(wifi::WiFiInfo {.signalStrength = -70}), weak);
         QCOMPARE(ui::dnsStatus(50.0), slow);
+        QCOMPARE(ui::linkDetails({.mcsIndex = 9, .spatialStreams = 2, .channelWidth = 80}),
+            QStringList({u"MCS 9"_s, u"80 MHz"_s, u"2x streams"_s}));
     }
 
     void relativeTimes()

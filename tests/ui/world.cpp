@@ -20,7 +20,7 @@ World::World()
     settle(simulated.queues.userInitiated);
 }
 
-/// Work that is left over still reads the clock.
+/// Running work still reads the clock.
 World::~World()
 {
     settle(simulated.queues.userInitiated);

@@ -22,8 +22,8 @@ namespace netvane::test {
 using namespace std::chrono_literals;
 using namespace Qt::Literals::StringLiterals;
 
-/// A popover's state on simulated services. There is a link that tells nothing, nothing is probed,
-/// and nothing has been read.
+/// A popover's state on simulated services. The link has no values, no probe runs, and nothing has
+/// been read.
 class World {
 public:
     World();

@@ -2,8 +2,8 @@ import QtQuick
 import Netvane
 
 // Bars for counts, side by side at equal distances, with the count above each and an axis of whole
-// numbers at the left. Labels that would touch one another are thinned out, never those of the
-// current bar.
+// numbers at the left. If labels would overlap, some are left out, but never that of the current
+// bar.
 Item {
     id: root
 
@@ -33,7 +33,7 @@ Item {
     function heightOf(count: int): real {
         return plotHeight * count / topMark
     }
-    // The texts, of which only one in so many is kept that no two touch.
+    // The texts. Only every n-th one is kept, so that no two overlap.
     function thinnedOut(metrics: FontMetrics, texts: var): var {
         const stride = Math.max(1, Math.ceil((widest(metrics, texts) + 3) / Math.max(pitch, 1)))
         const current = Math.max(0, bars.findIndex(bar => bar.isCurrent))
@@ -97,7 +97,7 @@ Item {
             width: modelData.width
             height: modelData.height
 
-            // Round at the upper end only: the lower one stands on the axis.
+            // Rounded at the upper end only: the lower end is on the axis.
             Item {
                 anchors.fill: parent
                 clip: true

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The frame that most of the dashboard lives in; its children stand below one another.
+// The frame of a section of the dashboard; its children are stacked vertically.
 Item {
     id: root
 
@@ -12,7 +12,7 @@ Item {
     property alias hasShadow: surface.hasShadow
     property alias color: surface.color
     property real padding: 12
-    // What a screen reader calls the group.
+    // The name of the group for screen readers.
     property string title
 
     Layout.fillWidth: true

@@ -1,8 +1,8 @@
 import QtQuick
 import Netvane
 
-// The surface of a card with its shadow: black at 5 %, blurred by 2, one pixel down. Two layers come
-// as close to that blur as the eye can tell, and cost no effect.
+// The surface of a card with its shadow: black at 5 %, blurred by 2, one pixel down. Two layers
+// look like that blur and cost less than an effect.
 Item {
     id: root
 

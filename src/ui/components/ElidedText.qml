@@ -2,24 +2,16 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// One line; what does not fit is left out in the middle, where names differ least, and shown whole
-// while the pointer rests on it.
+// One line of text. A text that does not fit is shortened in the middle, where names differ least;
+// a tool tip shows the whole text.
 PlainText {
     id: root
 
     Layout.fillWidth: true
     elide: Text.ElideMiddle
-    // Beside what it belongs to, whichever way it is read.
+    // At the side of its label, in left-to-right and right-to-left layouts.
     horizontalAlignment: Text.AlignLeft
     maximumLineCount: 1
 
-    HoverHandler {
-        id: hover
-        enabled: root.truncated
-    }
-
-    Tip {
-        shown: hover.hovered && root.truncated
-        text: root.text
-    }
+    HoverTip { text: root.truncated ? root.text : "" }
 }

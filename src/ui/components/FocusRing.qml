@@ -1,7 +1,7 @@
 import QtQuick
 import Netvane
 
-// Shows where the keyboard is. To be laid over a control.
+// Shows which control has the keyboard focus. Placed over a control.
 Rectangle {
     required property Item control
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Netvane
 
-// A symbol on a square of its own colour.
+// A symbol on a square of its own colour, and what the colour says.
 Rectangle {
     id: root
 
@@ -10,12 +10,15 @@ Rectangle {
     property real side: 32
     property real symbolSize: 16
     property real tintOpacity: 0.10
+    property string tip
 
     implicitWidth: side
     implicitHeight: side
     radius: 6
     color: Qt.rgba(tint.r, tint.g, tint.b, tintOpacity)
-    Accessible.ignored: true
+    Accessible.ignored: tip === ""
+    Accessible.role: Accessible.Graphic
+    Accessible.name: tip
 
     Symbol {
         anchors.centerIn: parent
@@ -23,4 +26,5 @@ Rectangle {
         color: root.tint
         size: root.symbolSize
     }
+    HoverTip { text: root.tip }
 }

@@ -1,15 +1,18 @@
 import QtQuick
 import Netvane
 
-// The small "i" that shows and hides an explanation.
+// The small "i" that shows and hides an explanation. A checkable button would be announced as a check
+// box.
 PlainButton {
     id: root
 
+    required property string subject
     property string tip
+    property bool isOpen: false
 
-    checkable: true
-    text: "Explanation"
+    text: "About " + subject
     padding: 2
+    onClicked: isOpen = !isOpen
 
     contentItem: Symbol {
         name: "info.circle"
@@ -17,8 +20,5 @@ PlainButton {
         color: Theme.secondaryText
     }
 
-    Tip {
-        shown: root.hovered && root.tip !== ""
-        text: root.tip
-    }
+    HoverTip { text: root.tip }
 }

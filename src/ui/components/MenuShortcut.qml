@@ -1,4 +1,4 @@
 import QtQuick
 
-// A key of the main menu in one window. Qt's own actions know only the windows of widgets.
+// A shortcut of the main menu in one window. Qt's own actions work in widget windows only.
 Shortcut { }

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Netvane
 
-// A control without a frame of its own: what it shows is its content item. `text` is its name for
-// screen readers, and must be one of the program's own texts.
+// A control without a frame; its look is its content item. `text` is its name for screen readers,
+// and must be one of the program's own texts.
 T.AbstractButton {
     id: root
 
@@ -18,7 +18,7 @@ T.AbstractButton {
     Keys.onReturnPressed: root.activate()
     Keys.onEnterPressed: root.activate()
 
-    // What a click does, for keys and for screen readers.
+    // Does what a click does, for keys and for screen readers.
     function activate() {
         if (checkable)
             toggle();

@@ -1,8 +1,8 @@
 import QtQuick
 import Netvane
 
-// The only text element of the program. Qt's own guesses whether a text is markup, and would fetch
-// a picture that the name of a network mentions.
+// The only text element of the program. Qt's own Text detects markup by itself: a network could be
+// named so that it loads a picture.
 Text {
     color: Theme.primaryText
     font: Theme.body

@@ -1,8 +1,8 @@
 import QtQuick
 import Netvane
 
-// The ground and the outline of a window without a frame. The outline lies above what the window
-// shows, so that it stays whole.
+// The background and the outline of a frameless window. The outline is above the content, so that
+// the content does not cover it.
 Rectangle {
     id: root
 

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// A button with a frame, or filled when it is the prominent one. `text` is one of the program's own
-// texts; an outside text has no business on a button.
+// A button with a frame, or filled if it is the main one. `text` must be one of the program's own
+// texts, never one from the network.
 PlainButton {
     id: root
 
@@ -49,7 +49,7 @@ PlainButton {
             return share > 0 ? Qt.tint(base, Qt.alpha(other, share)) : base
         }
         border.width: root.prominent ? 0 : 1
-        border.color: Theme.separator
+        border.color: Theme.outline
         FocusRing { control: root }
     }
 }

@@ -1,9 +1,9 @@
 import QtQuick
 
-// What comes and goes in a layout, its parent.
+// Repeated items of a layout, its parent.
 //
-// Qt 6.4 has a layout let go of items that were destroyed when it next paints, and uses freed memory when the layout is
-// resized before that.
+// In Qt 6.4 a layout removes destroyed items only when it next paints, and uses freed memory if it
+// is resized before.
 Repeater {
     onModelChanged: parent.ensurePolished()
 }

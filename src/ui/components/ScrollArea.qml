@@ -2,12 +2,14 @@ import QtQuick
 import QtQuick.Templates as T
 import Netvane
 
-// Scrolls what is higher than itself, by wheel, finger and keys, and follows the keyboard focus.
+// Scrolls content that is higher than itself, by wheel, touch and keys, and follows the keyboard
+// focus.
 Flickable {
     id: root
 
     default property alias content: holder.data
     property bool showsIndicator: false
+    property real bottomPadding: 0
 
     readonly property Item focusItem: Window.activeFocusItem
 
@@ -52,13 +54,13 @@ Flickable {
         contentItem: Rectangle {
             implicitWidth: 6
             radius: 3
-            color: bar.pressed || bar.hovered ? Theme.secondaryText : Theme.track
+            color: bar.pressed || bar.hovered ? Theme.secondaryText : Theme.outline
         }
     }
 
     Item {
         id: holder
         width: root.width
-        height: childrenRect.y + childrenRect.height
+        height: childrenRect.y + childrenRect.height + root.bottomPadding
     }
 }

@@ -1,8 +1,7 @@
 import QtQuick
 import Netvane
 
-// Something is under way. Turns by an eighth eight times a second, and not at all while it cannot be
-// seen.
+// Shows that something is in progress. Turns in eight steps a second, only while it is visible.
 Symbol {
     id: root
 

@@ -12,7 +12,7 @@ RowLayout {
     property color textColor: tint
     property font textFont: Theme.caption
     property real symbolSize: 12
-    // Symbols of different widths above one another stand in boxes of one width.
+    // Symbols of different widths in a column get boxes of the same width.
     property real symbolBox: symbolSize
 
     spacing: 4

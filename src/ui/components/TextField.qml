@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Netvane
 
-// One line of plain text to be typed, in a rounded border.
+// An input field for one line of plain text, with a rounded border.
 T.TextField {
     id: root
 
@@ -23,7 +23,7 @@ T.TextField {
     background: Rectangle {
         radius: 6
         color: Theme.controlBackground
-        border.color: Theme.separator
+        border.color: Theme.outline
         FocusRing { control: root }
     }
 

@@ -2,13 +2,10 @@ import QtQuick
 import QtQuick.Templates as T
 import Netvane
 
-// What an element has to say while the pointer rests on it.
+// The look of a tool tip; `HoverTip` shows one.
 T.ToolTip {
     id: root
 
-    property bool shown: false
-
-    visible: shown
     delay: 600
     padding: 6
     x: parent ? Math.round((parent.width - implicitWidth) / 2) : 0

@@ -26,7 +26,7 @@ PlainButton {
             implicitWidth: 36
             implicitHeight: 20
             radius: 10
-            color: root.checked ? Theme.blue : Theme.track
+            color: root.checked ? Theme.prominentFill : Theme.outline
             FocusRing { control: root; radius: 12 }
 
             Rectangle {

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// A button as wide as its card, on a breath of its own colour.
+// A button as wide as its card, on a light tint of its colour.
 PlainButton {
     id: root
 

@@ -3,9 +3,6 @@
 #include <QPainter>
 
 #include <algorithm>
-#include <cmath>
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::ui {
 namespace {
@@ -36,18 +33,7 @@ Sparkline::Sparkline(QQuickItem* parent)
     : QQuickPaintedItem(parent)
 {
     setAntialiasing(true);
-    connect(this, &Sparkline::valuesChanged, this, [this] { update(); });
-    connect(this, &Sparkline::colorChanged, this, [this] { update(); });
-}
-
-QString Sparkline::summary() const
-{
-    if (m_values.size() < 2)
-        return u"No history yet"_s;
-    const auto [lowest, highest] = std::minmax_element(m_values.cbegin(), m_values.cend());
-    return u"Last %1, lowest %2, highest %3"_s.arg(m_values.last(), 0, 'f', 1)
-        .arg(*lowest, 0, 'f', 1)
-        .arg(*highest, 0, 'f', 1);
+    connect(this, &Sparkline::lookChanged, this, [this] { update(); });
 }
 
 void Sparkline::paint(QPainter* painter)
@@ -55,7 +41,7 @@ void Sparkline::paint(QPainter* painter)
     // Room for the line's own width, so that its crests are not cut.
     const double margin = kLineWidth / 2.0;
     const QRectF box = boundingRect().adjusted(margin, margin, -margin, -margin);
-    const QPainterPath line = smoothCurve(m_values, box);
+    const QPainterPath line = smoothCurve(m_graph, box);
     if (line.isEmpty())
         return;
     QPainterPath area = line;
@@ -69,17 +55,14 @@ void Sparkline::paint(QPainter* painter)
             Qt::RoundJoin));
 }
 
-QPainterPath smoothCurve(QList<double> values, const QRectF& box)
+QPainterPath smoothCurve(const MetricGraph& graph, const QRectF& box)
 {
-    values.removeIf([](double value) { return !std::isfinite(value); });
-    if (values.size() < 2)
+    if (!graph.hasLine())
         return {};
-    const auto [lowest, highest] = std::minmax_element(values.cbegin(), values.cend());
-    const double range = *highest - *lowest;
-    const qsizetype last = values.size() - 1;
+    const qsizetype last = graph.values.size() - 1;
     const auto point = [&](qsizetype i) {
         i = std::clamp<qsizetype>(i, 0, last);
-        const double height = range > 0 ? (values[i] - *lowest) / range : 0.5;
+        const double height = (graph.values[i] - graph.bottom) / (graph.top - graph.bottom);
         return QPointF(box.left() + double(i) * box.width() / double(last),
             box.bottom() - height * box.height());
     };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/state/metric_graph.h"
+
 #include <QColor>
 #include <QPainterPath>
 #include <QQuickPaintedItem>
@@ -7,36 +9,30 @@
 
 namespace netvane::ui {
 
-/// A small graph without axes: a smooth line over a tinted area. With fewer than two values it
-/// paints nothing.
+/// Draws a `MetricGraph` without axes: a smooth line over a tinted area. With fewer than two values
+/// it paints nothing.
 class Sparkline : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QList<double> values MEMBER m_values NOTIFY valuesChanged)
-    Q_PROPERTY(QColor color MEMBER m_color NOTIFY colorChanged)
-    /// What a screen reader says of it: the last, the lowest and the highest value.
-    Q_PROPERTY(QString summary READ summary NOTIFY valuesChanged)
+    Q_PROPERTY(netvane::ui::MetricGraph graph MEMBER m_graph NOTIFY lookChanged)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY lookChanged)
 
 public:
     explicit Sparkline(QQuickItem* parent = nullptr);
 
-    QString summary() const;
-
     void paint(QPainter* painter) override;
 
 Q_SIGNALS:
-    void valuesChanged();
-    void colorChanged();
+    void lookChanged();
 
 private:
-    QList<double> m_values;
+    MetricGraph m_graph;
     QColor m_color;
 };
 
-/// A smooth line through `values`, spread evenly over the width of `box`, the smallest at its lower
-/// edge and the largest at its upper one; equal values lie in the middle. A cardinal spline of
-/// tension 0.5 as cubic Bézier segments whose control points stay in the box, so that the line
-/// does, too. Empty for fewer than two values; what is not a number is left out.
-QPainterPath smoothCurve(QList<double> values, const QRectF& box);
+/// A smooth line through the graph's values, spread evenly over the width of `box`; the graph's
+/// range is its height. A cardinal spline of tension 0.5 as cubic Bézier segments whose control
+/// points stay in the box, so that the line does, too. Empty for fewer than two values.
+QPainterPath smoothCurve(const MetricGraph& graph, const QRectF& box);
 
 } // namespace netvane::ui

@@ -69,7 +69,8 @@ void Theme::setColors(bool isDark)
         QColor dark;
     };
     // The text colours and the two backgrounds stand for a platform's semantic colours. Each text
-    // colour has a contrast of at least 4.5 to 1 with both backgrounds (WCAG 2.1, 1.4.3).
+    // colour has a contrast of at least 4.5 to 1 with both backgrounds (WCAG 2.1, 1.4.3), what
+    // shows a control one of 3 to 1 (1.4.11).
     for (const auto& [color, light, dark] : {
              Row {m_blue, component(0.2, 0.5, 0.9), component(0.35, 0.65, 0.95)},
              Row {m_green, component(0.2, 0.7, 0.4), component(0.35, 0.8, 0.5)},
@@ -82,8 +83,8 @@ void Theme::setColors(bool isDark)
              Row {m_primaryText, QColor(0x1c, 0x1c, 0x1f), QColor(0xf2, 0xf2, 0xf5)},
              Row {m_secondaryText, QColor(0x58, 0x5a, 0x60), QColor(0xb8, 0xb9, 0xbf)},
              Row {m_tertiaryText, QColor(0x6b, 0x6d, 0x74), QColor(0x9c, 0x9d, 0xa4)},
-             Row {m_prominentFill, QColor(0x1f, 0x6a, 0xd0), QColor(0x2a, 0x6f, 0xc4)},
-             Row {m_track, QColor(0, 0, 0, 56), QColor(255, 255, 255, 64)},
+             Row {m_prominentFill, QColor(0x1f, 0x6a, 0xd0), QColor(0x2f, 0x76, 0xcc)},
+             Row {m_outline, QColor(0x86, 0x87, 0x8e), QColor(0x7a, 0x7b, 0x82)},
          })
         color = isDark ? dark : light;
 }

@@ -30,8 +30,8 @@ class Theme : public QObject {
     Q_PROPERTY(QColor tertiaryText MEMBER m_tertiaryText NOTIFY schemeChanged)
     /// The background of the prominent button, whose text is white.
     Q_PROPERTY(QColor prominentFill MEMBER m_prominentFill NOTIFY schemeChanged)
-    /// The groove of a switch that is off.
-    Q_PROPERTY(QColor track MEMBER m_track NOTIFY schemeChanged)
+    /// The edge of a control, and the groove of a switch that is off.
+    Q_PROPERTY(QColor outline MEMBER m_outline NOTIFY schemeChanged)
     /// Indexed by `Accent`, so that a binding on it follows the scheme.
     Q_PROPERTY(QList<QColor> accents READ accents NOTIFY schemeChanged)
     Q_PROPERTY(QFont largeTitle MEMBER m_largeTitle CONSTANT)
@@ -74,7 +74,7 @@ private:
     const platform::Appearance& m_appearance;
     std::optional<bool> m_isDark;
     QColor m_blue, m_green, m_orange, m_red, m_lightBlue;
-    QColor m_controlBackground, m_cardBackground, m_separator, m_prominentFill, m_track;
+    QColor m_controlBackground, m_cardBackground, m_separator, m_prominentFill, m_outline;
     QColor m_primaryText, m_secondaryText, m_tertiaryText;
     QFont m_largeTitle, m_title, m_title2, m_headline, m_body, m_bodyEmphasis;
     QFont m_callout, m_calloutEmphasis, m_caption, m_captionEmphasis;

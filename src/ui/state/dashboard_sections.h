@@ -14,6 +14,7 @@ struct NetworkInfo {
     Q_PROPERTY(QString band MEMBER band)
     Q_PROPERTY(QString signalText MEMBER signalText)
     Q_PROPERTY(netvane::ui::accent::Value signalAccent MEMBER signalAccent)
+    Q_PROPERTY(QString signalGrade READ signalGrade)
     Q_PROPERTY(bool vpnActive MEMBER vpnActive)
 
 public:
@@ -25,6 +26,7 @@ public:
     Accent signalAccent = Accent::Red;
     bool vpnActive = false;
 
+    QString signalGrade() const { return gradeText(QStringLiteral("Signal"), signalAccent); }
     static NetworkInfo of(const std::optional<wifi::WiFiInfo>& link, bool vpnActive);
     bool operator==(const NetworkInfo&) const = default;
 };

@@ -50,6 +50,8 @@ QStringList DashboardState::refresh()
         recordLinkChanges(previousLink);
         showReadings();
     }
+    // The graphs go on while the figures stay the same.
+    showPaths();
     showPermission();
     return changes;
 }
@@ -143,9 +145,12 @@ void DashboardState::Path::follow(
     bool isPresentAndShown, const std::vector<probes::NetworkMetrics>& history)
 {
     const bool wasShown = std::exchange(isShown, isPresentAndShown);
-    if (!isShown || (wasShown && recordCount == history.size()))
+    // A full history keeps its length.
+    const auto last = history.empty() ? newest : history.back().timestamp;
+    if (!isShown || (wasShown && recordCount == history.size() && newest == last))
         return;
     recordCount = history.size();
+    newest = last;
     series = PathSeries::of(history);
 }
 

@@ -96,6 +96,7 @@ private:
     struct Path {
         PathSeries series;
         size_t recordCount = 0; ///< in the history when the series were made
+        std::chrono::system_clock::time_point newest; ///< of its records
         bool isShown = false;
 
         void follow(bool isPresentAndShown, const std::vector<probes::NetworkMetrics>& history);

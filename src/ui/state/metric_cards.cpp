@@ -12,6 +12,10 @@ namespace {
 
 using probes::NetworkMetrics;
 
+/// Graphs of what has no grade reach up to here at least.
+constexpr double kSlowRateMbps = 10;
+constexpr double kSlowLookupMs = 50;
+
 /// How one figure of a path is shown.
 struct Figure {
     std::optional<double> NetworkMetrics::*value;
@@ -25,14 +29,6 @@ struct Figure {
     QString helpText;
 };
 
-/// The values without their times, which no graph draws.
-QList<double> valuesOf(const std::vector<probes::MetricDataPoint>& points)
-{
-    QList<double> values;
-    std::ranges::transform(points, std::back_inserter(values), &probes::MetricDataPoint::value);
-    return values;
-}
-
 QVariant withUnit(const std::optional<int>& number, const QString& unit)
 {
     return number ? QVariant(QString::number(*number) + unit) : QVariant();
@@ -43,13 +39,15 @@ MetricCardContent pathCard(
 {
     MetricCardContent card {.icon = figure.icon,
         .label = figure.label,
-        .series = series.*figure.series,
+        .graph = MetricGraph::fromZero(
+            series.*figure.series, figure.greenBelow, figure.decimals, figure.unit),
         .helpText = figure.helpText};
     if (const auto& value = metrics.*figure.value) {
         card.value = base::fixedDecimal(*value, figure.decimals) + figure.unit;
         card.accent = *value < figure.greenBelow ? Accent::Green
             : *value < figure.orangeBelow        ? Accent::Orange
                                                  : Accent::Red;
+        card.grade = gradeText(figure.label, card.accent);
     }
     return card;
 }
@@ -78,24 +76,35 @@ Accent signalAccent(int signalDbm)
     return signalDbm >= -79 ? Accent::Orange : Accent::Red;
 }
 
+QString gradeText(const QString& subject, Accent accent)
+{
+    const QString word = accent == Accent::Green ? u"good"_s
+        : accent == Accent::Orange               ? u"fair"_s
+                                                 : u"poor"_s;
+    return subject + u": "_s + word;
+}
+
 QList<MetricCardContent> linkCards(
     const wifi::WiFiInfo& info, const wifi::WiFiMetricsHistory& history)
 {
+    const Accent signal = info.signalStrength ? signalAccent(*info.signalStrength) : Accent::Red;
     return {
         {.icon = u"speedometer"_s,
             .label = u"Link Rate"_s,
             .value = withUnit(info.linkRate, u" Mbps"_s),
-            .series = valuesOf(history.linkRateHistory())},
+            .graph = MetricGraph::fromZero(
+                valuesOf(history.linkRateHistory()), kSlowRateMbps, 0, u" Mbps"_s)},
         {.icon = u"antenna.radiowaves.left.and.right"_s,
             .label = u"Signal Strength"_s,
             .value = withUnit(info.signalStrength, u" dBm"_s),
-            .accent = info.signalStrength ? signalAccent(*info.signalStrength) : Accent::Red,
-            .series = valuesOf(history.signalHistory())},
+            .accent = signal,
+            .grade = gradeText(u"Signal"_s, signal),
+            .graph = MetricGraph::ofDbm(history.signalHistory())},
         {.icon = u"waveform.path"_s,
             .label = u"Noise Level"_s,
             .value = withUnit(info.noise, u" dBm"_s),
             .accent = Accent::LightBlue,
-            .series = valuesOf(history.noiseHistory())},
+            .graph = MetricGraph::ofDbm(history.noiseHistory())},
     };
 }
 
@@ -121,7 +130,7 @@ MetricCardContent dnsCard(const probes::DNSService& service)
 {
     MetricCardContent card {.icon = u"network"_s,
         .label = u"DNS Lookup"_s,
-        .series = valuesOf(service.history()),
+        .graph = MetricGraph::fromZero(valuesOf(service.history()), kSlowLookupMs, 0, u" ms"_s),
         .helpText = u"Time to resolve a domain name to an IP address. Lower is better."_s};
     if (const auto& milliseconds = service.lookupTime())
         card.value = base::fixedDecimal(*milliseconds, 0) + u" ms"_s;

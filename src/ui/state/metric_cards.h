@@ -1,8 +1,8 @@
 #pragma once
 
-#include "probes/metric_data_point.h"
 #include "probes/network_metrics.h"
 #include "ui/state/accent.h"
+#include "ui/state/metric_graph.h"
 #include "wifi/wifi_info.h"
 #include "wifi/wifi_metrics_history.h"
 
@@ -26,7 +26,8 @@ struct MetricCardContent {
     Q_PROPERTY(QString label MEMBER label)
     Q_PROPERTY(QVariant value MEMBER value)
     Q_PROPERTY(netvane::ui::accent::Value accent MEMBER accent)
-    Q_PROPERTY(QList<double> series MEMBER series)
+    Q_PROPERTY(QString grade MEMBER grade)
+    Q_PROPERTY(netvane::ui::MetricGraph graph MEMBER graph)
     Q_PROPERTY(QVariant helpText MEMBER helpText)
 
 public:
@@ -34,7 +35,8 @@ public:
     QString label;
     QVariant value; ///< a text with its unit; undefined when absent
     Accent accent = Accent::Green;
-    QList<double> series; ///< oldest first
+    QString grade; ///< what the accent says, in words; empty where it grades nothing
+    MetricGraph graph;
     QVariant helpText; ///< undefined when there is nothing to explain
 
     bool operator==(const MetricCardContent&) const = default;
@@ -70,6 +72,10 @@ struct PathSeries {
 
 /// The colour of a signal strength in dBm.
 Accent signalAccent(int signalDbm);
+
+/// The colour of a grade in words, for those who do not see it: "Signal: poor". `accent` is green,
+/// orange or red.
+QString gradeText(const QString& subject, Accent accent);
 
 /// Link rate, signal and noise.
 QList<MetricCardContent> linkCards(

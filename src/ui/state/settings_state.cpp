@@ -8,6 +8,7 @@
 #include "wifi/location_permission_service.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -51,15 +52,13 @@ void SettingsState::appear()
     const bool needsPermission = !m_services.locationPermissionService->isAuthorized();
     if (std::exchange(m_needsPermission, needsPermission) != needsPermission)
         Q_EMIT needsPermissionChanged();
-    if (!std::exchange(m_updateAnswer, QString()).isEmpty())
-        Q_EMIT updateAnswerChanged();
+    forgetAnswers();
     m_services.networkNotificationService->refreshAuthorizationStatus();
 }
 
 void SettingsState::checkForUpdates()
 {
-    m_updateAnswer = m_services.updaterController.checkForUpdates();
-    Q_EMIT updateAnswerChanged();
+    answer(m_updateAnswer, m_services.updaterController.checkForUpdates());
 }
 
 void SettingsState::openLocationSettings()
@@ -74,20 +73,51 @@ void SettingsState::requestNotificationPermission()
 
 void SettingsState::copyReport()
 {
-    if (const auto report = m_services.reportService->currentReport())
+    if (const auto report = newReport()) {
         m_services.reportService->copyReport(*report);
+        answer(m_reportAnswer, u"The report is on the clipboard."_s);
+    }
 }
 
 void SettingsState::shareReport()
 {
-    if (const auto report = m_services.reportService->currentReport())
+    if (const auto report = newReport())
         m_services.reportService->shareReport(*report);
 }
 
 void SettingsState::saveReport()
 {
-    if (const auto report = m_services.reportService->currentReport())
-        m_services.reportService->saveReport(*report);
+    const auto report = newReport();
+    if (!report)
+        return;
+    m_services.reportService->saveReport(
+        *report, [self = QPointer(this)](bool written, const QString& problem) {
+            if (self && written)
+                self->answer(self->m_reportAnswer, u"The report was saved."_s);
+            else if (self && !problem.isEmpty())
+                self->answer(self->m_reportProblem, u"The report could not be saved: "_s + problem);
+        });
+}
+
+std::optional<QString> SettingsState::newReport()
+{
+    forgetAnswers();
+    return m_services.reportService->currentReport();
+}
+
+void SettingsState::forgetAnswers()
+{
+    for (auto* line : {&m_updateAnswer, &m_reportAnswer, &m_reportProblem})
+        line->clear();
+    Q_EMIT answersChanged();
+}
+
+/// The same text a second time is announced a second time, since it was gone in between.
+void SettingsState::answer(QString& line, const QString& text)
+{
+    forgetAnswers();
+    line = text;
+    Q_EMIT answersChanged();
 }
 
 void SettingsState::resetOnboarding()

@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QtQmlIntegration>
 
+#include <optional>
+
 namespace netvane::services {
 struct Services;
 } // namespace netvane::services
@@ -15,9 +17,12 @@ class SettingsState : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("Made by its window")
     Q_PROPERTY(QString version READ version CONSTANT)
-    /// What came of the last "Check for Updates"; empty before the first and when the screen is
-    /// opened again.
-    Q_PROPERTY(QString updateAnswer READ updateAnswer NOTIFY updateAnswerChanged)
+    /// What came of the last press on "Check for Updates" or on an export of the report. All but
+    /// one of them are empty; all of them before the first press and when the screen is opened
+    /// again.
+    Q_PROPERTY(QString updateAnswer MEMBER m_updateAnswer NOTIFY answersChanged)
+    Q_PROPERTY(QString reportAnswer MEMBER m_reportAnswer NOTIFY answersChanged)
+    Q_PROPERTY(QString reportProblem MEMBER m_reportProblem NOTIFY answersChanged)
     /// As it was when the screen was opened.
     Q_PROPERTY(bool needsPermission READ needsPermission NOTIFY needsPermissionChanged)
     Q_PROPERTY(bool notificationsEnabled READ notificationsEnabled WRITE setNotificationsEnabled
@@ -29,7 +34,6 @@ public:
     explicit SettingsState(const services::Services& services);
 
     QString version() const;
-    QString updateAnswer() const { return m_updateAnswer; }
     bool needsPermission() const { return m_needsPermission; }
     bool notificationsEnabled() const;
     void setNotificationsEnabled(bool enabled);
@@ -48,14 +52,20 @@ public:
     Q_INVOKABLE void quit();
 
 Q_SIGNALS:
-    void updateAnswerChanged();
+    void answersChanged();
     void needsPermissionChanged();
     void notificationsChanged();
     void backRequested();
 
 private:
+    void forgetAnswers();
+    void answer(QString& line, const QString& text);
+    std::optional<QString> newReport();
+
     const services::Services& m_services;
     QString m_updateAnswer;
+    QString m_reportAnswer;
+    QString m_reportProblem;
     bool m_needsPermission = false;
 };
 

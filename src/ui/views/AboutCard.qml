@@ -31,8 +31,9 @@ SettingsCard {
         text: "Check for Updates"
         onClicked: root.viewState.checkForUpdates()
     }
-    WrappedText {
-        visible: text !== ""
+    CardNote {
+        symbol: "info.circle.fill"
+        tint: Theme.lightBlue
         text: root.viewState.updateAnswer
     }
 }

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// Something that wants the user's attention, with the buttons for it as children.
+// A message that needs the user's attention, with its buttons as children.
 Card {
     id: root
 

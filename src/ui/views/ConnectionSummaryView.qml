@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The links of the path in one line, each with its grade.
+// The links of the path in one line, each with its grade. In a narrow window the gaps give way first;
+// words that still do not fit go to a second line.
 Card {
     id: root
 
@@ -13,52 +14,60 @@ Card {
     hasShadow: false
     padding: 8
 
-    RowLayout {
+    Flow {
+        id: line
+
+        readonly property var links: root.viewState.connectionSummary
+        readonly property real wordsWidth: {
+            let sum = 0
+            for (let index = 0; index < children.length; ++index)
+                sum += children[index].width
+            return sum
+        }
+
+        Layout.fillWidth: true
         Layout.leftMargin: 12
         Layout.rightMargin: 12
-        spacing: 0
+        spacing: Math.max(9, Math.min(27, Math.floor((width - wordsWidth) / (links.length - 1))))
 
         Rows {
-            model: root.viewState.connectionSummary
+            model: line.links
 
-            RowLayout {
+            Item {
                 id: item
 
-                required property int index
                 required property connectionItem modelData
 
-                spacing: 0
+                width: words.width
+                height: words.height
 
-                Gap { visible: item.index > 0 }
+                // In the gap before it, so not at the start of a line.
                 PlainText {
-                    visible: item.index > 0
+                    readonly property real gap: (item.parent as Flow)?.spacing ?? 0
+
+                    visible: item.x > 0
+                    x: -(gap + width) / 2
                     text: "\u00b7"
                     font: Theme.caption
                     color: Theme.tertiaryText
                     Accessible.ignored: true
                 }
-                Gap { visible: item.index > 0 }
-                PlainText {
-                    Layout.rightMargin: 4
-                    text: item.modelData.name
-                    font: Theme.footnote
-                    color: Theme.secondaryText
-                }
-                PlainText {
-                    text: item.modelData.grade
-                    font: Theme.footnoteEmphasis
-                    color: Theme.accents[item.modelData.accent]
+                Row {
+                    id: words
+                    spacing: 4
+
+                    PlainText {
+                        text: item.modelData.name
+                        font: Theme.footnote
+                        color: Theme.secondaryText
+                    }
+                    PlainText {
+                        text: item.modelData.grade
+                        font: Theme.footnoteEmphasis
+                        color: Theme.accents[item.modelData.accent]
+                    }
                 }
             }
         }
-        Item { Layout.fillWidth: true }
-    }
-
-    // Gives way where the longest words would not fit on the line.
-    component Gap: Item {
-        Layout.fillWidth: true
-        Layout.minimumWidth: 3
-        Layout.preferredWidth: 12
-        Layout.maximumWidth: 12
     }
 }

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// How long names take to be looked up, and by whom.
+// How long name lookups take, and which server answers them.
 ColumnLayout {
     id: root
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The sections of a dashboard below one another; the popover and the window have the same ones.
+// The sections of a dashboard in a column; the popover and the window have the same sections.
 ColumnLayout {
     id: root
 
@@ -13,7 +13,7 @@ ColumnLayout {
     Binding {
         target: root.viewState
         property: "isShown"
-        value: root.visible && root.enabled && root.Window.visibility !== Window.Hidden
+        value: root.visible && root.Window.visibility !== Window.Hidden
     }
     NetworkInfoView {
         objectName: "network-info"

@@ -1,7 +1,7 @@
 import QtQuick
 import Netvane
 
-// Everything at once, in a window of its own.
+// The dashboard in a separate window.
 Item {
     id: root
 
@@ -17,9 +17,9 @@ Item {
     WrappedText {
         id: noteText
         objectName: "window-note"
-        x: 32
+        x: column.x
         y: 12
-        width: parent.width - 64
+        width: column.width
         visible: root.note !== "" && !root.viewState.showSettings
         text: root.note
     }
@@ -30,11 +30,14 @@ Item {
         visible: !root.viewState.showSettings
         focus: visible
         showsIndicator: true
+        bottomPadding: 16
 
+        // In a wide window a value would be far from its graph.
         DashboardColumn {
-            x: 32
+            id: column
+            x: Math.round((parent.width - width) / 2)
             y: 16
-            width: parent.width - 64
+            width: Math.min(parent.width - 64, 720)
             spacing: 16
             viewState: root.viewState
         }

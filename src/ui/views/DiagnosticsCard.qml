@@ -39,4 +39,10 @@ SettingsCard {
             onClicked: root.viewState.saveReport()
         }
     }
+    CardNote { text: root.viewState.reportProblem }
+    CardNote {
+        symbol: "checkmark.circle.fill"
+        tint: Theme.green
+        text: root.viewState.reportAnswer
+    }
 }

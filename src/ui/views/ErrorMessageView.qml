@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// What went wrong, as long as it does.
+// The current error message.
 Card {
     id: root
 

@@ -6,7 +6,7 @@ import Netvane
 ColumnLayout {
     id: root
 
-    // Of each: its symbol and its text.
+    // The symbol and the text of each item.
     required property var rows
 
     spacing: 8

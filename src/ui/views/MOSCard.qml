@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// How well a telephone call would sound.
+// The expected quality of a telephone call.
 Card {
     id: root
 
@@ -13,8 +13,8 @@ Card {
     title: "Voice Quality (MOS)"
     visible: isPresent
     spacing: 4
-    // A card that was away comes back as a new one.
-    onIsPresentChanged: info.checked = false
+    // A card that is shown again starts collapsed.
+    onIsPresentChanged: info.isOpen = false
 
     RowLayout {
         spacing: 4
@@ -31,7 +31,7 @@ Card {
         }
         InfoButton {
             id: info
-            text: "About " + root.title
+            subject: root.title
             tip: "Mean Opinion Score: Measures voice call quality (1.0-5.0)"
         }
         Item { Layout.fillWidth: true }
@@ -65,7 +65,7 @@ Card {
         }
     }
     WrappedText {
-        visible: info.checked
+        visible: info.isOpen
         Layout.topMargin: 4
         text: "MOS (Mean Opinion Score) predicts voice call quality based on latency, jitter, and packet loss. Higher is better."
         font: Theme.footnote

@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// A value with its name, its recent past and, on demand, what it means.
+// A value with its name, its recent history and, on demand, an explanation. Where cards of several targets
+// have one label, `title` tells them apart for screen readers.
 Card {
     id: root
 
@@ -13,8 +14,8 @@ Card {
     title: metric.label
     visible: isPresent
     spacing: 0
-    // A card that was away comes back as a new one.
-    onIsPresentChanged: info.checked = false
+    // A card that is shown again starts collapsed.
+    onIsPresentChanged: info.isOpen = false
 
     RowLayout {
         spacing: 12
@@ -22,6 +23,7 @@ Card {
         IconTile {
             symbol: root.metric.icon
             tint: root.tint
+            tip: root.metric.grade
         }
         ColumnLayout {
             spacing: 4
@@ -37,7 +39,7 @@ Card {
                 InfoButton {
                     id: info
                     visible: root.metric.helpText !== undefined
-                    text: "About " + root.metric.label
+                    subject: root.title
                 }
                 Item { Layout.fillWidth: true }
             }
@@ -49,13 +51,13 @@ Card {
             }
         }
         MetricGraphView {
-            label: root.metric.label
-            values: root.metric.series
+            label: root.title
+            graph: root.metric.graph
             tint: root.tint
         }
     }
     WrappedText {
-        visible: info.checked
+        visible: info.isOpen
         Layout.topMargin: 4
         text: root.metric.helpText ?? ""
         font: Theme.footnote

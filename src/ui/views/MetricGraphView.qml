@@ -1,24 +1,24 @@
 import QtQuick
 import Netvane
 
-// The recent past of a value; while there is too little of it for a line, only the place of one.
+// The recent history of a value; a placeholder while there are too few points for a line.
 Item {
     id: root
 
-    // What the values are of.
+    // The name of the values.
     required property string label
-    property alias values: sparkline.values
+    property alias graph: sparkline.graph
     property alias tint: sparkline.color
 
     implicitWidth: 80
     implicitHeight: 24
     Accessible.role: Accessible.Graphic
-    Accessible.name: label + " history: " + sparkline.summary
+    Accessible.name: label + " history: " + graph.summary
 
     Sparkline {
         id: sparkline
         anchors.fill: parent
-        visible: values.length > 1
+        visible: graph.hasLine
     }
     Rectangle {
         anchors.fill: parent
@@ -26,4 +26,5 @@ Item {
         radius: 4
         color: Qt.alpha(root.tint, 0.15)
     }
+    HoverTip { text: root.graph.summary }
 }

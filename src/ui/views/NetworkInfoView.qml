@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The head of a dashboard: whose it is, the way to the settings, and the network.
+// The top of a dashboard: the program's name, the button for the settings, and the network.
 ColumnLayout {
     id: root
 
@@ -51,6 +51,10 @@ ColumnLayout {
             StatusDot {
                 Layout.margins: -glowRadius
                 color: Theme.accents[root.info.signalAccent]
+                Accessible.role: Accessible.Graphic
+                Accessible.name: root.info.signalGrade
+
+                HoverTip { text: root.info.signalGrade }
             }
             ColumnLayout {
                 spacing: 2

@@ -2,8 +2,8 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// One page of the introduction: a picture, a title and a text over what is its own. It stands in the
-// middle of what there is, and comes and goes sideways.
+// One page of the introduction: a picture, a title and a text above the page's own content. It is
+// centred, and slides in and out sideways.
 ColumnLayout {
     id: root
 

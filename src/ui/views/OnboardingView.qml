@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The introduction for newcomers.
+// The introduction for new users.
 FocusScope {
     id: root
 
@@ -40,6 +40,7 @@ FocusScope {
                     height: 8
                     radius: 4
                     color: modelData ? Theme.blue : Theme.separator
+                    border.color: modelData ? Theme.blue : Theme.outline
                 }
             }
         }
@@ -167,7 +168,7 @@ FocusScope {
         }
     }
 
-    // Something that is settled.
+    // A condition that is met.
     component InfoRow: SymbolText {
         symbol: "checkmark.circle.fill"
         tint: Theme.lightBlue

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// What is measured towards one target.
+// The measurements of one target.
 Card {
     id: root
 
@@ -27,8 +27,8 @@ Card {
             WrappedText { text: root.section.subtitle }
         }
     }
-    MetricCard { metric: root.section.cards[0] }
-    MetricCard { metric: root.section.cards[1] }
-    MetricCard { metric: root.section.cards[2] }
+    MetricCard { metric: root.section.cards[0]; title: root.title + " " + metric.label }
+    MetricCard { metric: root.section.cards[1]; title: root.title + " " + metric.label }
+    MetricCard { metric: root.section.cards[2]; title: root.title + " " + metric.label }
     MOSCard { mos: root.section.mosCard }
 }

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// What the probes measure on the way to the router and to the internet.
+// The measurements of the probes to the router and to the internet.
 ColumnLayout {
     id: root
 

@@ -1,8 +1,8 @@
 import QtQuick
 import Netvane
 
-// What the popover shows: the introduction, the settings, or the dashboard. The ground is its
-// window's.
+// What the popover shows: the introduction, the settings, or the dashboard. The window paints the
+// background.
 Item {
     id: root
 
@@ -22,21 +22,17 @@ Item {
     implicitWidth: 420
     implicitHeight: wantedHeight
     focus: true
-    // What is not taken here closes the window.
+    // If it is not handled here, it closes the window.
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
 
     ScrollArea {
         objectName: "main-content"
         anchors.fill: parent
-        // Only the end of the introduction is animated; the settings come and go at once.
-        visible: opacity > 0 && root.viewState.content !== PopoverState.Settings
-        enabled: root.viewState.content === PopoverState.Dashboard
+        visible: root.viewState.content === PopoverState.Dashboard
         opacity: root.viewState.content === PopoverState.Onboarding ? 0 : 1
-        focus: enabled
+        focus: visible
 
-        Behavior on opacity {
-            NumberAnimation { duration: 200; easing.type: Easing.InOutQuad }
-        }
+        Behavior on opacity { Fading { } }
 
         DashboardColumn {
             id: column
@@ -56,12 +52,22 @@ Item {
     }
     OnDemand {
         objectName: "onboarding"
+        opacity: isWanted ? 1 : 0
         isWanted: root.viewState.content === PopoverState.Onboarding
         view: "OnboardingView.qml"
         viewState: root.viewState.onboarding
+
+        Behavior on opacity { Fading { } }
     }
 
-    // A screen that is there only while it is shown: most who open the dashboard look at nothing else.
+    // What comes with a change of the introduction fades in, and what it replaces is gone at once: two
+    // screens over each other cannot be read. The settings come and go without.
+    component Fading: NumberAnimation {
+        duration: 200
+        easing.type: Easing.InOutQuad
+    }
+
+    // A screen that exists only while it is shown: most users open only the dashboard.
     component OnDemand: Loader {
         property bool isWanted: false
         required property string view

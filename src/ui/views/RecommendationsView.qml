@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// Advice, as long as there is any.
+// Advice, if there is any.
 Card {
     id: root
 

@@ -29,6 +29,8 @@ FocusScope {
                 Layout.leftMargin: 20
                 Layout.rightMargin: 20
                 Layout.bottomMargin: 20
+                Layout.maximumWidth: 720
+                Layout.alignment: Qt.AlignHCenter
                 spacing: 16
 
                 AboutCard { viewState: root.viewState }

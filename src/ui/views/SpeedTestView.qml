@@ -79,7 +79,7 @@ Card {
         id: speedRow
 
         required property string label
-        // Undefined: there is no such row.
+        // Undefined: the row is not shown.
         required property var speed
 
         visible: speed !== undefined

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// One hop: its number, who answered, and after how long.
+// One hop: its number, the address that answered, and the time.
 ColumnLayout {
     id: root
 

@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// The way to a host, hop by hop.
+// The path to a host, hop by hop.
 Card {
     id: root
 
@@ -54,7 +54,7 @@ Card {
         objectName: "hops"
         visible: root.viewState.hops.length > 0
         Layout.fillWidth: true
-        // The indicator stands beside the rows.
+        // Space for the scroll indicator beside the rows.
         Layout.rightMargin: -8
         implicitHeight: Math.min(200, contentHeight)
         activeFocusOnTab: contentHeight > height

@@ -45,6 +45,15 @@ timeout 20 "$program" >/dev/null 2>&1
 settled; check "a second start now opens nothing" popover_shown
 ends_on_sigterm
 
+# A screen that is lower than the window: 640 by 450 points.
+export QT_SCALE_FACTOR=2
+tint2_desktop low
+at_item 3; settled; xdotool key Down Return
+check "the window is on the screen with its title bar" on_screen 1200
+picture window
+ends_on_sigterm
+unset QT_SCALE_FACTOR
+
 # A session bus that accepts and never answers, where Qt wants one for the screen reader.
 desktop silent-bus
 kill -STOP "$bus"
@@ -108,7 +117,7 @@ desktop accessibility
 start registry /usr/libexec/at-spi-bus-launcher --launch-immediately
 QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 start demo "${program}-demo" --scene home --popover
 check "the upper part of the popover" "$here/accessible_tree" netvane-demo "heading: Netvane" "push button: Settings" \
-    "panel: Connection" "label: -5" "panel: Signal Strength" "image: Signal Strength history: Last " "panel: Router"
+    "panel: Connection" "label: -5" "panel: Signal Strength" "image: Signal: good" "image: Signal Strength history: Last " "panel: Router"
 xdotool key End
 check "the lower part" "$here/accessible_tree" netvane-demo "panel: Speed Test" "push button: Run Speed Test" \
     "panel: Traceroute" "text: " "push button: Run"

@@ -22,7 +22,7 @@
 namespace netvane::faults {
 namespace {
 
-// Set while no thread of the test is at work that could read them; the counts may change any time.
+// Set while no other thread reads them; the counts may change at any time.
 Fault g_fault; // NOLINT: destroyed when no call is armed any more
 std::atomic<bool> g_isArmed = false;
 std::atomic<int> g_spared = 0;
@@ -34,7 +34,7 @@ const char* familyName(int family)
     return family == AF_UNIX ? "unix" : family == AF_NETLINK ? "netlink" : "inet";
 }
 
-/// Past the functions below, which would come back here.
+/// By a direct system call: the functions below would call this again.
 std::string subjectOf(int descriptor)
 {
     int family = 0;
@@ -96,8 +96,7 @@ int ArmedFault::hits() const
 
 } // namespace netvane::faults
 
-// The C library's headers say what may be thrown and may not be null; these say it again.
-// NOLINTBEGIN
+// The declarations repeat the exception and null attributes of the C library's headers. NOLINTBEGIN
 using namespace netvane::faults;
 
 /// A function of the C library that returns -1 when it is to fail for `subject`.
@@ -134,19 +133,23 @@ NETVANE_CALL(int, rename, (const char* from, const char* to), (from, to), from, 
 NETVANE_CALL(int, linkat, (int folder, const char* from, int newFolder, const char* to, int flags),
     (folder, from, newFolder, to, flags), to, noexcept)
 
-extern "C" int open64(const char* path, int flags, ...)
-{
-    if (fails("open", path))
-        return -1;
-    va_list rest;
-    va_start(rest, flags);
-    const mode_t mode = flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, mode_t) : 0;
-    va_end(rest);
-    static const auto s_next = next(&::open64, "open64");
-    return s_next(path, flags, mode);
-}
+#define NETVANE_OPEN(name)                                                                         \
+    extern "C" int name(const char* path, int flags, ...)                                          \
+    {                                                                                              \
+        if (fails("open", path))                                                                   \
+            return -1;                                                                             \
+        va_list rest;                                                                              \
+        va_start(rest, flags);                                                                     \
+        const mode_t mode = flags & (O_CREAT | __O_TMPFILE) ? va_arg(rest, mode_t) : 0;            \
+        va_end(rest);                                                                              \
+        static const auto s_next = next(&::name, #name);                                           \
+        return s_next(path, flags, mode);                                                          \
+    }
 
-/// Returns its error and leaves errno for one of them. Knows one name by itself.
+NETVANE_OPEN(open)
+NETVANE_OPEN(open64)
+
+/// Returns the error, and sets errno for EAI_SYSTEM. Resolves one name without a resolver.
 extern "C" int getaddrinfo(
     const char* host, const char* port, const addrinfo* hints, addrinfo** found)
 {

@@ -4,10 +4,10 @@
 
 namespace netvane::faults {
 
-/// A host name that the resolver of this process knows: 127.0.0.1.
+/// A host name that resolves to 127.0.0.1 in this process.
 constexpr const char* kKnownHost = "peer.test";
 
-/// A system call that is to fail: which, how, and on what.
+/// A system call that fails: its name, the error and the subject.
 struct Fault {
     const char* call = ""; ///< as the C library calls it
     int error = 0; ///< errno, or what the call returns in its place (getaddrinfo, pthread_create)
@@ -18,8 +18,9 @@ struct Fault {
     int count = 1; ///< and so many fail then
 };
 
-/// While it lives, the calls of this process fail as it says, those of libraries included: the
-/// program's own symbols go before those of the C library. One at a time; any thread's calls count.
+/// While it exists, the calls of this process fail as given, including those of libraries: the
+/// program's own symbols are found before those of the C library. Only one at a time; calls of all
+/// threads count.
 class ArmedFault {
 public:
     explicit ArmedFault(const Fault& fault);

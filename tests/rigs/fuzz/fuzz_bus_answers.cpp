@@ -77,7 +77,7 @@ QVariantList takeAnswer(FuzzedDataProvider& input)
     return values;
 }
 
-/// The far end: gives every call the answer that is due.
+/// The other end: answers every call with the current values.
 class FarEnd : public QDBusVirtualObject {
 public:
     QString introspect(const QString&) const override { return {}; }

@@ -1,4 +1,4 @@
-// The report of a socket's error queue, whose quotes come from whoever claims to be a router.
+// The report of a socket's error queue. Anyone who claims to be a router can send the quoted data.
 #include "fuzz_target.h"
 #include "net/error_queue.h"
 
@@ -13,7 +13,7 @@ QByteArray g_control;
 
 } // namespace
 
-/// In place of the kernel's. It fills no more than it is given, as the kernel does.
+/// Replaces the kernel's. Like the kernel, it fills no more than the given space.
 extern "C" ssize_t recvmsg(int, msghdr* message, int)
 {
     const auto fill = [](void* target, size_t room, const QByteArray& bytes) {

@@ -1,4 +1,4 @@
-// resolv.conf, which DHCP clients and VPNs write with what a network told them.
+// resolv.conf, which DHCP clients and VPNs write with data from the network.
 #include "fuzz_target.h"
 #include "net/resolv_conf.h"
 

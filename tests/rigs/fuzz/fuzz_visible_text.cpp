@@ -1,4 +1,4 @@
-// Two network names: each can be drawn, and they look alike only where they are alike.
+// Two network names: each can be drawn, and their texts are equal only if the names are.
 #include "base/visible_text.h"
 #include "fuzz_target.h"
 

@@ -23,8 +23,8 @@ namespace {
 
 constexpr std::chrono::minutes kHour(60);
 
-/// What happens to a program that lives in the status area all day: people walk about, close the
-/// lid, look at it now and then, and the desktop around it changes. Each run is the same.
+/// A day of a program in the status area: the user moves, closes the lid and opens the windows, and
+/// the desktop changes. Each run is the same.
 class SoakDays : public soak::SoakWorld {
 public:
     using SoakWorld::SoakWorld;
@@ -52,7 +52,7 @@ public:
         }
     }
 
-    /// At home with everything closed, where days can be compared.
+    /// At home with all windows closed, so that days can be compared.
     std::vector<soak::Figure> rest()
     {
         goTo(u"home"_s);
@@ -62,7 +62,7 @@ public:
         delegate().channelAnalysisService()->scanNetworks();
         pass(1min);
         isScanConstant = false;
-        // What the views' engine would collect some time later anyway.
+        // Garbage that the views' engine would collect later.
         if (auto* popover = delegate().popover()->window())
             qmlEngine(&windows::rootOf(*popover))->collectGarbage();
         return settledUsage();
@@ -127,7 +127,7 @@ private:
             "the bus", [&] { return notifications.authorizationStatus() == Status::Authorized; });
     }
 
-    /// A panel and the permission go and come back, the colours change.
+    /// The panel and the permission disappear and return, the colours change.
     void changeDesktop()
     {
         auto& notifications = *delegate().networkNotificationService();
@@ -141,7 +141,7 @@ private:
         }
     }
 
-    /// Past access points whose names never come again.
+    /// Passes access points with new names.
     void travel()
     {
         const auto& link = delegate().wifiService()->currentWiFi();
@@ -167,7 +167,7 @@ bool soakFor(QApplication& application, int days, std::chrono::minutes hour)
         world.live(hour);
         last = world.rest();
     }
-    // Chance makes one day noisier than another, but not by half.
+    // Days differ by chance, but not by half.
     first.push_back({"log lines a day", firstLines});
     last.push_back({"log lines a day", (world.logLines - firstLines) / (days - 1), firstLines / 2});
     const bool isGood = soak::compare(first, last);
@@ -183,7 +183,7 @@ bool soakFor(QApplication& application, int days, std::chrono::minutes hour)
 
 } // namespace
 
-/// Lets the days pass that are asked for, the first one to warm up.
+/// Simulates the given number of days, the first one as warm-up.
 int main(int argc, char** argv)
 {
     const auto number

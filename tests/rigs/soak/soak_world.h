@@ -47,7 +47,7 @@ public:
         logLines += lines.size();
         complaints += lines.filter(u".qml:"_s);
     }
-    /// Waits, in real time, for what the bus brings; complains when it does not come.
+    /// Waits in real time for an event of the bus; records a complaint if it does not come.
     void expect(const char* what, const std::function<bool()>& isReached)
     {
         QDeadlineTimer deadline(10s);
@@ -72,7 +72,7 @@ public:
                     : call.createReply(uint(++shownNotifications));
             });
     }
-    /// It goes without notice, with all who are on it.
+    /// Kills the bus with all its services, without notice.
     void stopBus()
     {
         m_shower.reset();
@@ -85,7 +85,7 @@ public:
         Q_EMIT m_sleepMonitor->didWake();
         program->settle();
     }
-    /// What the program holds when nothing is under way.
+    /// What the program uses while nothing runs.
     std::vector<Figure> settledUsage()
     {
         parts().queues.utility.waitForDone();
@@ -108,7 +108,7 @@ public:
     bool isScanConstant = false; ///< each scan finds the same networks
     qint64 logLines = 0;
     qint64 shownNotifications = 0;
-    QStringList complaints; ///< of the views' engine, and what did not happen
+    QStringList complaints; ///< warnings of the views' engine, and events that did not come
 
 private:
     /// The demonstration's, with look-ups that end at once.
@@ -146,7 +146,7 @@ private:
         };
     }
 
-    /// Each scan finds hundreds of networks that were never there before.
+    /// Each scan finds hundreds of new networks.
     void endScan()
     {
         const int scan = isScanConstant ? 0 : m_scans;

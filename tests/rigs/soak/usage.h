@@ -9,13 +9,13 @@
 #include <cstdio>
 #include <vector>
 
-// What QtCore offers to tools that watch its objects; the header that declares it is not installed
-// with the others. The fourth and fifth entries are called with each object that begins and ends.
+// QtCore's hooks for tools; the header that declares them is not installed. The fourth and fifth
+// entries are called when an object is created and destroyed.
 extern Q_CORE_EXPORT quintptr qtHookData[]; // NOLINT
 
 namespace netvane::soak {
 
-/// One figure of what the process holds, and by how much it may grow.
+/// One figure of the process, and by how much it may grow.
 struct Figure {
     const char* name;
     qint64 value;
@@ -24,7 +24,7 @@ struct Figure {
 
 inline std::atomic<qint64> g_objects = 0; ///< of class QObject, since `countObjects`
 
-/// Has every QObject that begins or ends from now on counted. Once, before there are any.
+/// Counts every QObject from now on. Call it once, before the first one.
 inline void countObjects()
 {
     const auto begin = [](QObject*) { ++g_objects; };
@@ -55,8 +55,8 @@ inline std::vector<Figure> usageNow()
         // A thread of a pool that idles for long ends.
         {"threads", entries(QStringLiteral("/proc/self/task")), 1}, {"QObjects", g_objects}};
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-    // A sanitizer keeps what was freed. Over thirty days a byte lost with each sample would be half
-    // a mebibyte.
+    // Not with a sanitizer, which keeps freed memory. Over thirty days, a leak of one byte with
+    // each sample is half a mebibyte.
     ::malloc_trim(0);
     const auto heap = ::mallinfo2();
     usage.push_back({"heap in use, KiB", qint64(heap.uordblks + heap.hblkhd) / 1024, 256});

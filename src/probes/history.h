@@ -1,10 +1,19 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <utility>
 #include <vector>
 
 namespace netvane::probes {
+
+/// One sample of a series that a graph draws.
+struct MetricDataPoint {
+    std::chrono::system_clock::time_point timestamp;
+    double value = 0; ///< in the unit of its series: ms, percent, Mbps, dBm
+
+    bool operator==(const MetricDataPoint&) const = default;
+};
 
 /// Adds the newest entry at the end and drops the oldest one beyond `bound`.
 template <typename Value>
