@@ -75,7 +75,7 @@ QByteArray usualSessionAddress()
 QByteArray busAddress(QDBusConnection::BusType bus)
 {
     const bool isSystem = bus == QDBusConnection::SystemBus;
-    const QByteArray named = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : kSessionBus);
+    QByteArray named = qgetenv(isSystem ? "DBUS_SYSTEM_BUS_ADDRESS" : kSessionBus);
     if (!named.isEmpty())
         return named;
     return isSystem ? "unix:path=/var/run/dbus/system_bus_socket"_ba : usualSessionAddress();

@@ -163,15 +163,7 @@ manager_up() {
     wpa_supplicant -B -u -s -O /run/wpa_supplicant -f "$logs/wpa_supplicant_dbus.log" || return 1
     # --debug: it stays in the foreground and logs to standard error.
     NetworkManager --debug --log-level=INFO >"$logs/NetworkManager.log" 2>&1 &
-    echo $! >$state/manager.pid
     wait_for 90 'nmcli -t -f DEVICE,STATE device | grep -qx wlan0:disconnected'
-}
-manager_pauses() { # for ten seconds, while others look at one channel: now and when five are over
-    local pid look='iw dev wlan0 scan trigger freq 2412'
-    pid=$(<$state/manager.pid)
-    nmcli device wifi rescan && kill -STOP "$pid" || return 1
-    wait_for 30 "$look" # refused until the scan before has ended
-    (sleep 5 && $look && sleep 5; kill -CONT "$pid") &
 }
 manager_permission() { # what NetworkManager answers to the unprivileged user: 'yes' and so on
     setpriv --reuid=65534 --regid=65534 --clear-groups gdbus call --system \
