@@ -52,7 +52,8 @@ class Day:
 
     def link_agrees(self, when):
         def shown_here():
-            return [text for text in self.desktop.texts('Connection') if text != 'Connection']
+            return [text for text in self.desktop.texts('Connection')
+                    if text != 'Connection' and not text.startswith('Signal: ')]
         self.same(f'{when}: name and signal are those of iw', shown_here, _connection_by_iw)
 
     def card(self, name):
