@@ -31,8 +31,8 @@ std::optional<CurlLibrary> load()
     find("curl_multi_add_handle", curl.multiAddHandle);
     find("curl_multi_remove_handle", curl.multiRemoveHandle);
     find("curl_multi_perform", curl.multiPerform);
-    find("curl_multi_poll", curl.multiPoll);
-    find("curl_multi_wakeup", curl.multiWakeup);
+    find("curl_multi_fdset", curl.multiFdset);
+    find("curl_multi_timeout", curl.multiTimeout);
     find("curl_multi_info_read", curl.multiInfoRead);
     find("curl_slist_append", curl.slistAppend);
     find("curl_slist_free_all", curl.slistFreeAll);

@@ -16,8 +16,8 @@ struct CurlLibrary {
     decltype(&curl_multi_add_handle) multiAddHandle;
     decltype(&curl_multi_remove_handle) multiRemoveHandle;
     decltype(&curl_multi_perform) multiPerform;
-    decltype(&curl_multi_poll) multiPoll;
-    decltype(&curl_multi_wakeup) multiWakeup;
+    decltype(&curl_multi_fdset) multiFdset;
+    decltype(&curl_multi_timeout) multiTimeout;
     decltype(&curl_multi_info_read) multiInfoRead;
     decltype(&curl_slist_append) slistAppend;
     decltype(&curl_slist_free_all) slistFreeAll;

@@ -4,6 +4,8 @@
 
 #include <QCoreApplication>
 
+#include <sys/select.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -15,7 +17,9 @@ namespace {
 
 constexpr qsizetype kHeaderLimit = qsizetype(64) * 1024; // bytes, of one response
 constexpr long kTransferBuffer = 128L * 1024; // bytes; libcurl's 16 KiB cost time on a fast link
-constexpr int kLongestPollMs = 60'000; // `cancel` ends the wait earlier
+constexpr long kLongestWaitMs = 60'000; // `cancel` ends the wait earlier
+constexpr long kShortestWaitMs = 20;
+constexpr long kBlindWaitMs = 100; // without a socket to watch
 constexpr int kMostRedirects = 10;
 constexpr std::array kRedirects {301, 302, 303, 305, 307, 308};
 
@@ -122,17 +126,14 @@ private:
 
     CURLcode perform()
     {
-        CURLM* multi = m_exchange.multi;
+        CURLM* multi = m_exchange.session.get();
         if (curlLibrary()->multiAddHandle(multi, m_easy.get()) != CURLM_OK)
             return CURLE_FAILED_INIT;
         int running = 1;
         while (running > 0 && !m_exchange.isCancelled) {
             if (curlLibrary()->multiPerform(multi, &running) != CURLM_OK)
                 break;
-            int sockets = 0; // on which something happened: progress, the handshakes' included
-            if (running > 0)
-                curlLibrary()->multiPoll(multi, nullptr, 0, kLongestPollMs, &sockets);
-            if (sockets > 0)
+            if (running > 0 && wait(multi))
                 m_exchange.lastProgress = m_clock.monotonicNow();
         }
         CURLcode result = CURLE_ABORTED_BY_CALLBACK;
@@ -141,6 +142,34 @@ private:
             result = message->data.result;
         curlLibrary()->multiRemoveHandle(multi, m_easy.get());
         return result;
+    }
+
+    /// Whether something happened on a socket, a handshake included. libcurl's own wait ends every
+    /// millisecond or two while a name is resolved or a connection is made, although a socket
+    /// shows the end of either.
+    bool wait(CURLM* multi)
+    {
+        fd_set readable;
+        fd_set writable;
+        fd_set other;
+        for (fd_set* descriptors : {&readable, &writable, &other})
+            FD_ZERO(descriptors);
+        int highest = -1;
+        long due = -1; // ms; negative: nothing is
+        curlLibrary()->multiFdset(multi, &readable, &writable, &other, &highest);
+        curlLibrary()->multiTimeout(multi, &due);
+        if (due == 0)
+            return false;
+        const int wake = m_exchange.wake.get();
+        const bool canWake = wake >= 0 && wake < FD_SETSIZE;
+        const long longest = canWake && highest >= 0 ? kLongestWaitMs : kBlindWaitMs;
+        if (canWake)
+            FD_SET(wake, &readable);
+        const long ms = due < 0 ? longest : std::clamp(due, kShortestWaitMs, longest);
+        timeval limit {.tv_sec = ms / 1000, .tv_usec = ms % 1000 * 1000};
+        const int ready
+            = ::select(std::max(highest, wake) + 1, &readable, &writable, &other, &limit);
+        return ready > (canWake && ready > 0 && FD_ISSET(wake, &readable) ? 1 : 0);
     }
 
     void noteError(CURLcode result)
@@ -267,8 +296,7 @@ void followRedirects(HttpExchange& exchange, const base::Clock& clock)
 void HttpExchange::cancel()
 {
     isCancelled = true;
-    if (multi)
-        curlLibrary()->multiWakeup(multi);
+    (void)::eventfd_write(wake.get(), 1);
 }
 
 void HttpExchange::tell(Handler HttpExchange::*handler)
@@ -289,7 +317,6 @@ void runExchange(HttpExchange& exchange, const base::Clock& clock)
         if (!exchange.session)
             exchange.session
                 = std::shared_ptr<CURLM>(curlLibrary()->multiInit(), curlLibrary()->multiCleanup);
-        exchange.multi = exchange.session.get();
         followRedirects(exchange, clock);
     } else {
         exchange.errorText = u"Not an http or https address"_s;

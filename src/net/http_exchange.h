@@ -1,7 +1,10 @@
 #pragma once
 
 #include "base/clock.h"
+#include "base/file_descriptor.h"
 #include "platform/http_client.h"
+
+#include <sys/eventfd.h>
 
 #include <atomic>
 #include <memory>
@@ -39,7 +42,8 @@ struct HttpExchange : std::enable_shared_from_this<HttpExchange> {
     std::atomic<std::chrono::steady_clock::time_point> lastProgress;
     std::atomic<bool> isCancelled = false;
     std::atomic<bool> isOver = false; ///< the thread is about to end
-    std::atomic<CURLM*> multi = nullptr; ///< of `session`
+    /// Ends the wait for the sockets (eventfd(2)).
+    const base::FileDescriptor wake {::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
 
     // Main thread; empty when nobody waits.
     Handler deliver;
