@@ -18,13 +18,17 @@ Card {
         id: line
 
         readonly property var links: root.viewState.connectionSummary
-        readonly property real wordsWidth: {
+        property real wordsWidth
+
+        // Not a binding, which misses the width of an item at times when several are made at once.
+        function measure() {
             let sum = 0
             for (let index = 0; index < children.length; ++index)
                 sum += children[index].width
-            return sum
+            wordsWidth = sum
         }
 
+        onChildrenChanged: measure()
         Layout.fillWidth: true
         Layout.leftMargin: 12
         Layout.rightMargin: 12
@@ -40,6 +44,7 @@ Card {
 
                 width: words.width
                 height: words.height
+                onWidthChanged: line.measure()
 
                 // In the gap before it, so not at the start of a line.
                 PlainText {
