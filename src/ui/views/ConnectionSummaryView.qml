@@ -20,19 +20,18 @@ Card {
         readonly property var links: root.viewState.connectionSummary
         property real wordsWidth
 
-        // Not a binding, which misses the width of an item at times when several are made at once.
-        function measure() {
+        Layout.fillWidth: true
+        Layout.leftMargin: 12
+        Layout.rightMargin: 12
+        spacing: Math.max(9, Math.min(27, Math.floor((width - wordsWidth) / (links.length - 1))))
+
+        // No binding: that misses the width of an item at times when several are made at once.
+        onPositioningComplete: {
             let sum = 0
             for (let index = 0; index < children.length; ++index)
                 sum += children[index].width
             wordsWidth = sum
         }
-
-        onChildrenChanged: measure()
-        Layout.fillWidth: true
-        Layout.leftMargin: 12
-        Layout.rightMargin: 12
-        spacing: Math.max(9, Math.min(27, Math.floor((width - wordsWidth) / (links.length - 1))))
 
         Rows {
             model: line.links
@@ -44,7 +43,6 @@ Card {
 
                 width: words.width
                 height: words.height
-                onWidthChanged: line.measure()
 
                 // In the gap before it, so not at the start of a line.
                 PlainText {
