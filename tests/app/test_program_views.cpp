@@ -150,7 +150,7 @@ private Q_SLOTS:
         QVERIFY(press(root, u"Copy to Clipboard"_s));
         QVERIFY(showsText(root, u"The report is on the clipboard."_s));
         program.savePanel.chosen(u"/none/report.txt"_s);
-        program.settle();
+        test::settle(program.platform.queues->utility);
         const auto problem = program.state().settings()->property("reportProblem").toString();
         QVERIFY(problem.startsWith(u"The report could not be saved: "_s));
         QVERIFY(showsText(root, problem));
