@@ -18,17 +18,20 @@ Card {
         id: line
 
         readonly property var links: root.viewState.connectionSummary
-        readonly property real wordsWidth: {
-            let sum = 0
-            for (let index = 0; index < children.length; ++index)
-                sum += children[index].width
-            return sum
-        }
+        property real wordsWidth
 
         Layout.fillWidth: true
         Layout.leftMargin: 12
         Layout.rightMargin: 12
         spacing: Math.max(9, Math.min(27, Math.floor((width - wordsWidth) / (links.length - 1))))
+
+        // No binding: that misses the width of an item at times when several are made at once.
+        onPositioningComplete: {
+            let sum = 0
+            for (let index = 0; index < children.length; ++index)
+                sum += children[index].width
+            wordsWidth = sum
+        }
 
         Rows {
             model: line.links
