@@ -1,5 +1,7 @@
 #include "simulated/http.h"
 
+#include <QObject>
+
 namespace netvane::simulated {
 namespace {
 
