@@ -14,7 +14,7 @@ constexpr uint kNameExists = 3;
 
 const QString kName = u"org.netvane.Netvane"_s;
 const QString kPath = u"/org/netvane/Netvane"_s;
-// Of the platform data (Desktop Entry Specification, "D-Bus Activation").
+// Of the platform data of org.freedesktop.Application.Activate.
 const QString kTokenKey = u"activation-token"_s;
 
 /// What the launcher of this process gave it; empty for nothing.

@@ -9,7 +9,7 @@ BannerCard {
     symbol: "location.fill"
     tint: Theme.lightBlue
     title: "Location Permission Required"
-    message: "Netvane needs Location Services permission to display your Wi-Fi network name (SSID). This is required by macOS for security reasons. Your location is not tracked - only Wi-Fi network information is accessed."
+    message: "Netvane needs Location Services permission to display your Wi-Fi network name (SSID). This is required by Linux for security reasons. Your location is not tracked - only Wi-Fi network information is accessed."
 
     PushButton {
         text: "Open System Settings"

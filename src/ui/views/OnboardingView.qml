@@ -95,7 +95,7 @@ FocusScope {
                         Layout.alignment: Qt.AlignHCenter
                         spacing: 8
 
-                        InfoRow { text: "Required by macOS for security reasons" }
+                        InfoRow { text: "Required by Linux for security reasons" }
                         InfoRow { text: "Your location is NOT tracked" }
                         InfoRow { text: "Only Wi‑Fi network information is accessed" }
                     }

@@ -73,7 +73,7 @@ FocusScope {
                         font: Theme.calloutEmphasis
                     }
                     WrappedText {
-                        text: "Required to display Wi‑Fi network name (SSID) on macOS Sonoma+"
+                        text: "Required to display Wi‑Fi network name (SSID) on Linux"
                     }
                     PushButton {
                         text: "Open Settings"
