@@ -24,6 +24,7 @@ public:
     }
 
     std::optional<QString> defaultRouter() override;
+    std::optional<platform::NetworkState> readState() override { return {}; }
     QStringList dnsServers() override;
     QStringList interfaceNames() override;
 

@@ -182,4 +182,10 @@ std::unique_ptr<platform::Connection> SocketConnections::connectTcp(
     return std::make_unique<TwoConnections>(std::move(datagram), byTcp(take));
 }
 
+std::unique_ptr<platform::Connection> SocketConnections::sendFullPacket(
+    const QString& host, quint16 port, platform::ConnectionHandler handler)
+{
+    return connectTcp(host, port, std::move(handler));
+}
+
 } // namespace netvane::net

@@ -34,6 +34,8 @@ public:
 
     std::unique_ptr<platform::Connection> connectTcp(
         const QString& host, quint16 port, platform::ConnectionHandler handler) override;
+    std::unique_ptr<platform::Connection> sendFullPacket(
+        const QString& host, quint16 port, platform::ConnectionHandler handler) override;
 
 private:
     SocketHopProbes m_datagrams;

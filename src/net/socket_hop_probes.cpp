@@ -221,6 +221,12 @@ std::unique_ptr<platform::HopPath> SocketHopProbes::pathTo(const QString& host)
     return std::make_unique<SocketHopPath>(m_context, host, false);
 }
 
+std::unique_ptr<platform::HopPath> SocketHopProbes::watchedPathTo(
+    const QString& host, const QString&)
+{
+    return std::make_unique<SocketHopPath>(m_context, host, false);
+}
+
 std::unique_ptr<platform::HopPath> SocketHopProbes::pathToNeighbour(const QString& host)
 {
     return std::make_unique<SocketHopPath>(m_context, host, true);

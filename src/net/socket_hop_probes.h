@@ -17,6 +17,8 @@ public:
     }
 
     std::unique_ptr<platform::HopPath> pathTo(const QString& host) override;
+    std::unique_ptr<platform::HopPath> watchedPathTo(
+        const QString& host, const QString& interfaceName) override;
     /// To a host on a network that this machine is part of: a probe is `Failed` where a router
     /// would have to pass it on (SO_DONTROUTE, socket(7)). For probes again and again: from the
     /// second on an answer is looked for after a moment (`Clock::soon`).

@@ -27,6 +27,8 @@ struct ConnectionEvent {
     /// When the question was sent to the address that this is about, after its name was resolved;
     /// absent when nothing could be sent.
     std::optional<std::chrono::steady_clock::time_point> askedAt {};
+    /// Only when ready: packets of the handshake that this machine had to send again.
+    int retransmissions = 0;
 };
 
 /// Called once for each state, on the main thread and never inside a call of the connection. Must
@@ -56,6 +58,13 @@ public:
     /// `host` is an address literal (IPv4, or IPv6 with its scope where it needs one) or a name,
     /// whose addresses are tried in the resolver's order. Nothing happens before `start`.
     [[nodiscard]] virtual std::unique_ptr<Connection> connectTcp(
+        const QString& host, quint16 port, ConnectionHandler handler)
+        = 0;
+    /// Connects to an address literal and sends one packet of the full size that the path claims to
+    /// take. `Ready`: it was acknowledged. `Failed`: the connection came about, but the packet was
+    /// not acknowledged within five seconds, though sent again. `Cancelled`, after eight seconds at
+    /// most: nothing is known.
+    [[nodiscard]] virtual std::unique_ptr<Connection> sendFullPacket(
         const QString& host, quint16 port, ConnectionHandler handler)
         = 0;
 };

@@ -31,6 +31,12 @@ public:
 
     /// `host` is an address literal or a name. The factory outlives the path.
     [[nodiscard]] virtual std::unique_ptr<HopPath> pathTo(const QString& host) = 0;
+    /// For probes again and again, of one hop limit: from the second on an answer is looked for
+    /// after a moment (`Clock::soon`); its time is exact. `interfaceName`, if not empty, is the one
+    /// that the datagrams leave by, whatever the routes say (SO_BINDTODEVICE, socket(7)).
+    [[nodiscard]] virtual std::unique_ptr<HopPath> watchedPathTo(
+        const QString& host, const QString& interfaceName)
+        = 0;
 };
 
 } // namespace netvane::platform

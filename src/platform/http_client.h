@@ -29,6 +29,15 @@ struct HttpRequest {
     qint64 noticeBytes = 0;
 };
 
+/// Why there is no answer.
+enum class HttpFailure {
+    NotResolved, ///< the name has no address
+    NotConnected, ///< no server could be reached
+    NotTrusted, ///< no certificate for the name, or no TLS at all
+    Silent, ///< a connection, but no or not all of the answer in time
+    Other,
+};
+
 /// What came back. Everything in it is the word of whoever answered, who may be anyone.
 struct HttpAnswer {
     /// Of the last response; absent when there was none. A proxy that does not pass the request on
@@ -46,6 +55,8 @@ struct HttpAnswer {
     /// not liked: a status outside 200 to 299, or a redirect that is not followed. A body that is
     /// only counted must not have more than `bodyLimit` bytes.
     std::optional<QString> errorText;
+    std::optional<HttpFailure> failure; ///< the kind of `errorText`; absent with a status
+    bool usedProxy = false;
 };
 
 /// Fetches and sends as a stranger would: no cookies, no credentials, no cache, no compression.

@@ -13,8 +13,10 @@
 #include "platform/http_client.h"
 #include "platform/instance_claim.h"
 #include "platform/location_manager.h"
+#include "platform/name_server_client.h"
 #include "platform/network_configuration.h"
 #include "platform/network_scanner.h"
+#include "platform/radio_monitor.h"
 #include "platform/resolver.h"
 #include "platform/route_monitor.h"
 #include "platform/sleep_monitor.h"
@@ -40,6 +42,7 @@ struct Platform {
     std::unique_ptr<QObject> sessionBus; ///< likewise
     std::shared_ptr<WiFiClient> wifiClient; ///< null if the kernel offers no netlink
     std::unique_ptr<NetworkScanner> networkScanner;
+    std::unique_ptr<RadioMonitor> radioMonitor;
     std::unique_ptr<LocationManager> locationManager;
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<StatusNotifierHost> statusNotifierHost;
@@ -50,6 +53,7 @@ struct Platform {
     std::unique_ptr<HttpClient> httpClient;
     std::shared_ptr<ConnectionFactory> connections;
     std::shared_ptr<HopProbeFactory> hopProbes;
+    std::unique_ptr<NameServerClient> nameServers;
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that may outlive all other objects
     std::unique_ptr<UserDefaults> userDefaults;
     std::unique_ptr<UserNotificationCenter> userNotifications;

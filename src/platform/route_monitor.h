@@ -4,7 +4,7 @@
 
 namespace netvane::platform {
 
-/// Tells when the default IPv4 route may have changed. Main thread.
+/// Tells when interfaces, addresses or default routes may have changed. Main thread.
 class RouteMonitor : public QObject {
     Q_OBJECT
 

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -24,6 +25,19 @@ struct WiFiChannel {
     bool operator==(const WiFiChannel&) const = default;
 };
 
+/// Counters of a link, each since the association or since some earlier moment: only differences
+/// mean something, and a value below the one before means that it began anew.
+struct LinkCounters {
+    std::optional<std::uint64_t> sentPackets; ///< NL80211_STA_INFO_TX_PACKETS
+    std::optional<std::uint64_t> retries; ///< ..._TX_RETRIES
+    std::optional<std::uint64_t> failed; ///< ..._TX_FAILED: given up after all retries
+    std::optional<std::uint64_t> beaconsLost; ///< ..._BEACON_LOSS
+    std::optional<std::uint64_t> channelActiveMs; ///< NL80211_SURVEY_INFO_TIME
+    std::optional<std::uint64_t> channelBusyMs; ///< ..._TIME_BUSY
+
+    bool operator==(const LinkCounters&) const = default;
+};
+
 /// One reading of a Wi-Fi link. Each field is absent if the driver does not report it or there is
 /// no link; each may be absent without the others. There is a link once the access point has let
 /// the interface in: it is associated, and authorized as far as the driver knows.
@@ -37,6 +51,10 @@ struct LinkReading {
     std::optional<ChannelBand> band; ///< absent without a current channel
     std::optional<WiFiChannel> channel; ///< also absent if no band has such a channel
     std::optional<QString> interfaceName;
+    std::optional<QString> bssid; ///< of the access point, "02:00:00:00:01:00"
+    std::optional<double> receiveRateMbps;
+    std::optional<bool> powerSave; ///< NL80211_CMD_GET_POWER_SAVE
+    LinkCounters counters;
 
     bool operator==(const LinkReading&) const = default;
 };

@@ -66,8 +66,8 @@ void Connections::start(Made& made)
     const auto answer = script ? script(made) : std::nullopt;
     if (!answer)
         return;
-    const platform::ConnectionEvent ready {
-        platform::ConnectionState::Ready, m_clock.monotonicNow() + answer->time, {}, answer->by};
+    const platform::ConnectionEvent ready {platform::ConnectionState::Ready,
+        m_clock.monotonicNow() + answer->time, {}, answer->by, {}, answer->retransmissions};
     made.timer = m_clock.after(std::chrono::ceil<std::chrono::milliseconds>(answer->time),
         [handler = made.handler, ready] { handler(ready); });
 }

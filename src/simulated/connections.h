@@ -12,10 +12,12 @@ namespace netvane::simulated {
 /// their start how they end. Main thread.
 class Connections final : public platform::ConnectionFactory, public platform::HopProbeFactory {
 public:
+    static constexpr int kFullPacket = -1; ///< in place of a hop limit
+
     struct Made {
         QString host;
         quint16 port = 0;
-        int hopLimit = 0; ///< only of hop probes
+        int hopLimit = 0; ///< only of hop probes; or `kFullPacket`
         platform::ConnectionHandler handler;
         bool isStarted = false;
         bool isCancelled = false;
@@ -23,7 +25,8 @@ public:
     };
     struct Answer {
         std::chrono::microseconds time; ///< since the start
-        QString by;
+        QString by {};
+        int retransmissions = 0;
     };
 
     explicit Connections(base::Clock& clock)
@@ -36,7 +39,16 @@ public:
     {
         return make(host, port, 0, std::move(handler));
     }
+    std::unique_ptr<platform::Connection> sendFullPacket(
+        const QString& host, quint16 port, platform::ConnectionHandler handler) override
+    {
+        return make(host, port, kFullPacket, std::move(handler));
+    }
     std::unique_ptr<platform::HopPath> pathTo(const QString& host) override;
+    std::unique_ptr<platform::HopPath> watchedPathTo(const QString& host, const QString&) override
+    {
+        return pathTo(host);
+    }
 
     /// The answer to one that starts now; absent: it is lost.
     std::function<std::optional<Answer>(const Made&)> script;

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "platform/name_server_client.h"
 #include "platform/network_configuration.h"
 #include "platform/resolver.h"
 
+#include <QMetaObject>
 #include <QSemaphore>
 
 #include <atomic>
@@ -41,13 +43,30 @@ public:
         routerThread = std::this_thread::get_id();
         return router;
     }
+    std::optional<platform::NetworkState> readState() override { return state; }
     QStringList dnsServers() override { return servers; }
     QStringList interfaceNames() override { return interfaces; }
 
     Shared<std::optional<QString>> router;
     Shared<std::thread::id> routerThread; ///< on which it was asked for last
+    Shared<std::optional<platform::NetworkState>> state;
     Shared<QStringList> servers;
     Shared<QStringList> interfaces;
+};
+
+/// Answers on a later turn of the main loop with what `script` says. Main thread.
+class NameServerClient final : public platform::NameServerClient {
+public:
+    void ask(const QString& server, const QString& name, QObject* owner,
+        std::function<void(const platform::NameAnswer&)> deliver) override
+    {
+        const auto answer = script ? script(server, name) : platform::NameAnswer {};
+        QMetaObject::invokeMethod(
+            owner, [answer, deliver = std::move(deliver)] { deliver(answer); },
+            Qt::QueuedConnection);
+    }
+
+    std::function<platform::NameAnswer(const QString& server, const QString& name)> script;
 };
 
 /// Answers every look-up with `status`. A lookup takes real time, on the calling thread.
@@ -62,7 +81,10 @@ public:
         if (takeTime)
             takeTime(number);
         ++ended;
-        return {.status = status, .errorText = status == 0 ? "" : errorText};
+        return {.status = status,
+            .errorText = status == 0 ? "" : errorText,
+            .addresses
+            = status == 0 ? std::vector<std::string> {"198.18.0.1"} : std::vector<std::string> {}};
     }
 
     const std::string expectedHost = "host.test";

@@ -26,6 +26,8 @@ struct SimulatedPlatform {
     base::Clock& clock;
     base::WorkQueues& queues;
     NetworkConfiguration& network;
+    NameServerClient& nameServers;
+    platform::RadioMonitor& radioEvents;
     WiFiClient& wifi; ///< has the one interface
     NetworkScanner& scanner;
     LocationManager& location;
