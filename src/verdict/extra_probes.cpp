@@ -84,7 +84,7 @@ void ExtraProbes::ask(Outcomes Evidence::*outcomes, const Start& start)
                       .retransmissions = event.retransmissions},
                   kOutcomes);
               held->connection->cancel();
-              if (m_evidence.*held->outcomes.size() == 1)
+              if ((m_evidence.*held->outcomes).size() == 1)
                   m_note();
           });
     m_questions.push_back(question);

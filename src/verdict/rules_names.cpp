@@ -1,8 +1,9 @@
 #include "verdict/rules.h"
 
-#include <QHostAddress>
+#include <arpa/inet.h>
 
 #include <algorithm>
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -64,17 +65,30 @@ std::optional<double> slowestOfLastTwo(const Outcomes& lookups)
     return last && before ? std::optional(std::min(*last, *before)) : std::nullopt;
 }
 
-/// A name on the internet must not lead here: this host, private networks, no host at all.
+/// A name on the internet must not lead here: to no host, to this host or to a private network
+/// (RFC 6890).
 bool isBogus(const QString& address)
 {
-    const QHostAddress host(address);
-    if (host.isNull() || host == QHostAddress::AnyIPv4 || host == QHostAddress::AnyIPv6
-        || host.isLoopback() || host.isLinkLocal() || host.isMulticast() || host.isBroadcast())
+    in_addr ipv4 {};
+    if (::inet_pton(AF_INET, qPrintable(address), &ipv4) == 1) {
+        const auto bits = ntohl(ipv4.s_addr);
+        struct Network {
+            std::uint32_t prefix;
+            int length;
+        };
+        constexpr std::array<Network, 7> kNetworks
+            = {{{0x00000000, 8}, {0x0a000000, 8}, {0x7f000000, 8}, {0xa9fe0000, 16},
+                {0xac100000, 12}, {0xc0a80000, 16}, {0xe0000000, 3}}};
+        return std::ranges::any_of(kNetworks, [bits](const auto& network) {
+            return (bits >> (32 - network.length)) == (network.prefix >> (32 - network.length));
+        });
+    }
+    in6_addr ipv6 {};
+    if (::inet_pton(AF_INET6, qPrintable(address), &ipv6) != 1)
         return true;
-    constexpr std::array kPrivate
-        = {"0.0.0.0/8"_L1, "10.0.0.0/8"_L1, "172.16.0.0/12"_L1, "192.168.0.0/16"_L1, "fc00::/7"_L1};
-    return std::ranges::any_of(kPrivate,
-        [&](const auto& network) { return host.isInSubnet(QHostAddress::parseSubnet(network)); });
+    constexpr std::uint8_t kGlobalUnicast = 0x20; // 2000::/3, all that is in use
+    return (ipv6.s6_addr[0] & 0xe0) != kGlobalUnicast
+        && !(ipv6.s6_addr[0] == 0 && ipv6.s6_addr[1] == 0x64); // 64:ff9b::/96, RFC 6052
 }
 
 void addServer(Finding& finding, const Facts& facts, const ServerTrack& track, int number)
@@ -193,19 +207,18 @@ std::optional<Finding> dnsWrong(const Facts& facts)
         return {};
     const QString server = tracks.empty() ? u"DNS"_s : tracks.front().server->address;
     const int count = tracks.empty() ? 0 : int(tracks.front().server->answers.size());
+    const int falseAnswers = std::max({1, count, trackOf(facts.evidence.lookups).unanswered});
     Finding finding {.cause = Cause::DnsWrong,
         .certainty = 0.92,
         .sentence = isBogusAnswer
             ? u"DNS gives false answers: a public name leads to %1 (internet: %2)."_s.arg(
                 found.first(), inMs(facts.internet.medianMs.value_or(0)))
-            : u"DNS gives false answers: %1 times no such name (internet: %2)."_s
-                  .arg(std::max(count, trackOf(facts.evidence.lookups).unanswered))
-                  .arg(inMs(facts.internet.medianMs.value_or(0))),
+            : u"DNS gives %1 false answers: no such name (internet: %2)."_s.arg(
+                QString::number(falseAnswers), inMs(facts.internet.medianMs.value_or(0))),
         .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
                   "9.9.9.9. Do not type passwords until then."_s};
-    finding.evidence.push_back(item(facts, u"dns.falseAnswers"_s,
-        std::max({1, count, trackOf(facts.evidence.lookups).unanswered}), {}, facts.evidence.now,
-        u"Answers of %1 that cannot be true"_s.arg(server)));
+    finding.evidence.push_back(item(facts, u"dns.falseAnswers"_s, falseAnswers, {},
+        facts.evidence.now, u"Answers of %1 that cannot be true"_s.arg(server)));
     addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
     return finding;
 }

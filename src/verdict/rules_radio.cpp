@@ -265,7 +265,7 @@ std::optional<Finding> powerSave(const Facts& facts)
         .certainty = 0.87,
         .severity = Severity::Notice,
         .sentence = u"Wi-Fi power saving delays packets: the router takes %1 to %2."_s.arg(
-            inMs(*track.leastMs), inMs(*track.medianMs)),
+            inMs(*track.leastMs), inMs(*facts.nearMs)),
         .advice = u"It saves battery. To switch it off, ask your system's help for \"Wi-Fi power "
                   "saving\"."_s};
     addRadio(finding, facts);
