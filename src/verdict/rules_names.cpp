@@ -211,8 +211,9 @@ std::optional<Finding> dnsWrong(const Facts& facts)
     Finding finding {.cause = Cause::DnsWrong,
         .certainty = 0.92,
         .sentence = isBogusAnswer
-            ? u"DNS gives false answers: a public name leads to %1 (internet: %2)."_s.arg(
-                found.first(), inMs(facts.internet.medianMs.value_or(0)))
+            ? u"DNS gives %1 false answers: a public name leads to %2 (internet: %3)."_s.arg(
+                QString::number(falseAnswers), found.first(),
+                inMs(facts.internet.medianMs.value_or(0)))
             : u"DNS gives %1 false answers: no such name (internet: %2)."_s.arg(
                 QString::number(falseAnswers), inMs(facts.internet.medianMs.value_or(0))),
         .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "

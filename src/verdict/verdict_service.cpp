@@ -48,11 +48,12 @@ VerdictService::VerdictService(platform::Platform& platform, wifi::WiFiService& 
             takeWeb(&Evidence::web, answer, probes::kCaptivePortalProbe.host());
         });
     connect(&wifi, &wifi::WiFiService::linkRead, this, &VerdictService::takeLink);
-    connect(platform.radioMonitor.get(), &platform::RadioMonitor::event, this,
-        [this](const platform::RadioEvent& event) {
-            probes::appendBounded(m_evidence.radioEvents, event, kRadioEvents);
-            judgeNow();
-        });
+    if (platform.radioMonitor)
+        connect(platform.radioMonitor.get(), &platform::RadioMonitor::event, this,
+            [this](const platform::RadioEvent& event) {
+                probes::appendBounded(m_evidence.radioEvents, event, kRadioEvents);
+                judgeNow();
+            });
     connect(platform.routeMonitor.get(), &platform::RouteMonitor::routesChanged, this,
         &VerdictService::readNetwork);
     connect(platform.sleepMonitor.get(), &platform::SleepMonitor::didWake, this,
@@ -244,7 +245,7 @@ void VerdictService::askNameServers()
                return !server.answers.empty()
                    && server.answers.back().value.kind != platform::NameAnswer::Kind::Addresses;
            });
-    if (!hasTrouble && m_rounds % kRoundsBetweenQuestions != 0)
+    if (!m_platform.nameServers || (!hasTrouble && m_rounds % kRoundsBetweenQuestions != 0))
         return;
     const QStringList addresses
         = m_platform.networkConfiguration->dnsServers().mid(0, kNameServers);
