@@ -1,6 +1,7 @@
 #include "net/socket_connections.h"
 
 #include "net/error_queue.h"
+#include "net/full_packet.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -187,7 +188,7 @@ std::unique_ptr<platform::Connection> SocketConnections::connectTcp(
 std::unique_ptr<platform::Connection> SocketConnections::sendFullPacket(
     const QString& host, quint16 port, platform::ConnectionHandler handler)
 {
-    return connectTcp(host, port, std::move(handler));
+    return fullPacket(m_context.clock, host, port, std::move(handler));
 }
 
 } // namespace netvane::net

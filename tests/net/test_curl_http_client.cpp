@@ -1,4 +1,4 @@
-#include "net/curl_http_client.h"
+#include "net/web/curl_http_client.h"
 #include "simulated/manual_clock.h"
 #include "support/scripted_http_server.h"
 #include "support/test_main.h"

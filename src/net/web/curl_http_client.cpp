@@ -1,6 +1,6 @@
-#include "net/curl_http_client.h"
+#include "net/web/curl_http_client.h"
 
-#include "net/http_exchange.h"
+#include "net/web/http_exchange.h"
 
 #include <QObject>
 

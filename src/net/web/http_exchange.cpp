@@ -1,6 +1,6 @@
-#include "net/http_exchange.h"
+#include "net/web/http_exchange.h"
 
-#include "net/curl_library.h"
+#include "net/web/curl_library.h"
 
 #include <QCoreApplication>
 
