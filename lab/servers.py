@@ -4,7 +4,7 @@
             of bytes on 5001, an HTTP proxy on 3128, a DNS server, the far end of a tunnel on UDP 5555
   dns       a DNS server
   router    a DNS server, and TCP 80: a page
-  portal    TCP 80 sends to a log-in page and 443 has another certificate; or what FOLDER/portal says
+  portal    the router's DNS server; TCP 80 sends to a log-in page and 443 has another certificate; or what FOLDER/portal says
 FOLDER/NAME.dns holds how the DNS server of NAME behaves: ok, silent, servfail, nxdomain, delay MS, address A.
 """
 import os
@@ -177,7 +177,7 @@ def proxy(connection):
 
 def main():
     role, folder, *rest = sys.argv[1:]
-    name = rest[0] if rest else role
+    name = rest[0] if rest else role.replace("portal", "router")
     threads = []
 
     def start(run, *arguments):
@@ -187,9 +187,8 @@ def main():
         for family, host in FAMILIES:
             start(Server(family, host, port, handle).serve_forever)
 
-    if role != "portal":
-        for family, host in FAMILIES:
-            start(serve_dns, folder, name, family, host)
+    for family, host in FAMILIES:
+        start(serve_dns, folder, name, family, host)
     if role == "internet":
         listen(80, http)
         listen(443, tls(folder, "web", http))

@@ -70,7 +70,7 @@ class World:
                    f"ip -n {space} link set dev {name} up; ip netns exec {space} {sys.executable} -c "
                    f"'import sys; sys.path.insert(0, \"{HERE}\"); import wires; wires.switch_offloads_off(\"{name}\")'")
         client = f"192.168.{n}"
-        sh(f"""ip -n client address add {client}.23/24 dev eth0; ip -n client route add default via {client}.1
+        sh(f"""ip -n client address add {client}.23/24 dev eth0; ip -n client route add default via {client}.1 metric 100
                ip -n router address add {client}.1/24 dev lan; ip -n router address add 100.64.7.2/24 dev wan
                ip -n router route add default via 100.64.7.1
                ip -n provider address add 100.64.7.1/24 dev cust; ip -n provider address add 203.0.113.1/24 dev out
@@ -117,6 +117,7 @@ class World:
                    self.spawn("provider", sys.executable, f"{HERE}/servers.py", "dns", f, "provider"),
                    self.spawn("router", sys.executable, f"{HERE}/servers.py",
                               "dns" if "closed-80" in self.features else "router", f, "router")]
+        self.router = started[-1]
         for child in started:
             child.stdout.readline()
 
@@ -135,11 +136,14 @@ class World:
                 file.write(command)
             for address in ("1.1.1.1", "198.51.100.10", "198.51.100.30", "8.8.8.8", "9.9.9.9"):
                 sh(f"ip -n router address add {address}/32 dev lo")
-            sh("ip netns exec router fuser -ks -n tcp 80 || true")
+            self.router.kill()
+            self.router.wait()
             self.spawn("router", sys.executable, f"{HERE}/servers.py", "portal", self.folder).stdout.readline()
         elif place == "load":
-            code = ("import socket; s = socket.create_connection(('198.51.100.20', 5001)); s.sendall(b'%s')\n"
-                    "while %s: pass") % (("d", "s.recv(65536)") if command == "download" else ("u", "s.sendall(bytes(65536)) is None"))
+            use = "s.recv(65536)" if command == "download" else "s.sendall(bytes(65536)) is None"
+            code = ("import socket, threading\ndef use():\n    s = socket.create_connection(('198.51.100.20', 5001))\n"
+                    f"    s.sendall(b'{command[0]}')\n    while {use}: pass\n"
+                    "for _ in range(8): threading.Thread(target=use).start()")
             self.load = self.spawn("client", sys.executable, "-c", code)
         elif place == "unload":
             self.load.kill()

@@ -61,7 +61,7 @@ void addTrack(Fields& fields, const Outcomes& outcomes)
     if (track.asked == 0)
         return;
     fields.add(u"answers"_s, track.isAlive()).add(u"latencyMs"_s, track.medianMs);
-    if (const auto loss = verdict::lossOf({&outcomes}); loss.packets > 0)
+    if (const auto loss = verdict::lossSince(outcomes, {}); loss.packets > 0)
         fields.add(u"lossPercent"_s, rounded(loss.percent()));
 }
 
@@ -244,7 +244,7 @@ QString prometheusText(const Verdict& verdict, const Evidence& evidence)
         if (track.medianMs)
             metric(name + u"_latency_seconds"_s, u"Time to %1, the median of some."_s.arg(words),
                 {}, *track.medianMs / 1000);
-        if (const auto loss = verdict::lossOf({&outcomes}); loss.packets > 0)
+        if (const auto loss = verdict::lossSince(outcomes, {}); loss.packets > 0)
             metric(name + u"_loss_ratio"_s, u"Packets lost to %1, 0 to 1."_s.arg(words), {},
                 loss.percent() / 100);
     };

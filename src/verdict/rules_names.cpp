@@ -56,6 +56,17 @@ bool hasTrouble(const Facts& facts)
     return lookups.unanswered > 0 || (pending && !facts.isRecent(*pending, 2s));
 }
 
+/// Packets to the internet are lost, so those to name servers are, too.
+bool hasLosses(const Facts& facts)
+{
+    return facts.isLossy || facts.farLoss.lost + facts.sharedLoss.lost >= 2;
+}
+
+int enoughSilence(const Facts& facts)
+{
+    return hasLosses(facts) ? 5 : 2;
+}
+
 std::optional<double> slowestOfLastTwo(const Outcomes& lookups)
 {
     if (lookups.size() < 2)
@@ -116,8 +127,9 @@ std::optional<Finding> dnsDead(const Facts& facts)
     const bool isSlow = slow.value_or(0) >= 2000;
     if (!facts.isReached || (!hasTrouble(facts) && !isSlow))
         return {};
-    const int silent = int(
-        std::ranges::count_if(tracks, [](const auto& track) { return track.unanswered >= 2; }));
+    const int enough = enoughSilence(facts);
+    const int silent = int(std::ranges::count_if(
+        tracks, [enough](const auto& track) { return track.unanswered >= enough; }));
     const auto lookups = trackOf(facts.evidence.lookups);
     Finding finding {.cause = Cause::DnsDead,
         .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
@@ -138,8 +150,8 @@ std::optional<Finding> dnsDead(const Facts& facts)
                   .arg(tracks.front().unanswered)
                   .arg(tracks.front().server->address);
     } else if (silent > 0 && fine != tracks.end()) {
-        const auto dead
-            = std::ranges::find_if(tracks, [](const auto& track) { return track.unanswered >= 2; });
+        const auto dead = std::ranges::find_if(
+            tracks, [enough](const auto& track) { return track.unanswered >= enough; });
         finding.certainty = 0.85;
         finding.severity = Severity::Poor;
         finding.sentence
@@ -164,7 +176,7 @@ std::optional<Finding> dnsDead(const Facts& facts)
 
 std::optional<Finding> dnsSlow(const Facts& facts)
 {
-    if (!facts.isReached)
+    if (!facts.isReached || hasLosses(facts)) // a question is sent again after seconds
         return {};
     const double path = facts.internet.medianMs.value_or(0);
     const double limit = std::max(300 + 1.5 * path, 3 * facts.evidence.usual.lookup.value_or(0));
