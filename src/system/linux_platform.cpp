@@ -3,6 +3,7 @@
 #include "base/system_clock.h"
 #include "bus/bus_link.h"
 #include "desktop/bus_name_claim.h"
+#include "desktop/bus_verdict.h"
 #include "desktop/freedesktop_notifications.h"
 #include "desktop/portal_appearance.h"
 #include "desktop/portal_proxies.h"
@@ -42,7 +43,9 @@ platform::Platform makePlatform()
     platform.locationManager = std::make_unique<radio::ScanPermission>(*systemBus);
     platform.appearance = std::make_unique<desktop::PortalAppearance>(*sessionBus);
     platform.statusNotifierHost = std::make_unique<desktop::SessionStatusNotifierHost>(*sessionBus);
-    platform.instanceClaim = std::make_unique<desktop::BusNameClaim>(*sessionBus, *platform.clock);
+    auto claim = std::make_unique<desktop::BusNameClaim>(*sessionBus, *platform.clock);
+    platform.verdictOutlet = std::make_unique<desktop::BusVerdict>(claim->object(), *sessionBus);
+    platform.instanceClaim = std::move(claim);
     platform.sleepMonitor = std::make_unique<desktop::SuspendWatch>(*platform.clock);
     platform.routeMonitor = std::make_unique<net::RouteWatch>(*platform.clock);
     platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
