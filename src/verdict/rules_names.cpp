@@ -48,6 +48,14 @@ std::vector<ServerTrack> serverTracks(const Facts& facts)
     return tracks;
 }
 
+/// To what answers farthest away.
+double pathMs(const Facts& facts)
+{
+    const auto near = facts.secondHop.isAlive() ? facts.secondHop.medianMs : facts.nearMs;
+    return facts.internet.isAlive() ? facts.internet.medianMs.value_or(0)
+                                    : facts.others.medianMs.value_or(near.value_or(0));
+}
+
 /// Look-ups fail or hang.
 bool hasTrouble(const Facts& facts)
 {
@@ -102,6 +110,12 @@ bool isBogus(const QString& address)
         && !(ipv6.s6_addr[0] == 0 && ipv6.s6_addr[1] == 0x64); // 64:ff9b::/96, RFC 6052
 }
 
+void addPath(Finding& finding, const Facts& facts)
+{
+    finding.evidence.push_back(item(facts, u"internet.latency"_s, pathMs(facts), u"ms"_s,
+        facts.evidence.now, u"The internet answers in %1"_s.arg(inMs(pathMs(facts)))));
+}
+
 void addServer(Finding& finding, const Facts& facts, const ServerTrack& track, int number)
 {
     const auto name = u"dns.server%1."_s.arg(number);
@@ -146,7 +160,7 @@ std::optional<Finding> dnsDead(const Facts& facts)
         finding.certainty = 0.93;
         finding.sentence
             = u"The internet answers in %1, but DNS does not: %2 questions to %3 are lost."_s
-                  .arg(inMs(facts.internet.medianMs.value_or(0)))
+                  .arg(inMs(pathMs(facts)))
                   .arg(tracks.front().unanswered)
                   .arg(tracks.front().server->address);
     } else if (silent > 0 && fine != tracks.end()) {
@@ -165,11 +179,11 @@ std::optional<Finding> dnsDead(const Facts& facts)
         addServer(finding, facts, track, number++);
     finding.evidence.push_back(item(facts, u"dns.failedLookups"_s, lookups.unanswered, {},
         facts.evidence.now, u"Look-ups that failed in a row: %1"_s.arg(lookups.unanswered)));
-    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    addPath(finding, facts);
     if (finding.sentence.size() > kLongestSentence) // addresses of IPv6 are long
         finding.sentence
             = u"The internet answers in %1, but DNS does not: %2 questions are lost."_s
-                  .arg(inMs(facts.internet.medianMs.value_or(0)))
+                  .arg(inMs(pathMs(facts)))
                   .arg(tracks.empty() ? lookups.unanswered : tracks.front().unanswered);
     return finding;
 }
@@ -178,7 +192,7 @@ std::optional<Finding> dnsSlow(const Facts& facts)
 {
     if (!facts.isReached || hasLosses(facts)) // a question is sent again after seconds
         return {};
-    const double path = facts.internet.medianMs.value_or(0);
+    const double path = pathMs(facts);
     const double limit = std::max(300 + 1.5 * path, 3 * facts.evidence.usual.lookup.value_or(0));
     std::optional<double> slow = slowestOfLastTwo(facts.evidence.lookups);
     for (const auto& track : serverTracks(facts)) {
@@ -200,7 +214,7 @@ std::optional<Finding> dnsSlow(const Facts& facts)
                   "9.9.9.9."_s};
     finding.evidence.push_back(item(facts, u"dns.lookup"_s, *slow, u"ms"_s, facts.evidence.now,
         u"The last two look-ups took %1 or more"_s.arg(inMs(*slow))));
-    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    addPath(finding, facts);
     return finding;
 }
 
@@ -224,15 +238,14 @@ std::optional<Finding> dnsWrong(const Facts& facts)
         .certainty = 0.92,
         .sentence = isBogusAnswer
             ? u"DNS gives %1 false answers: a public name leads to %2 (internet: %3)."_s.arg(
-                QString::number(falseAnswers), found.first(),
-                inMs(facts.internet.medianMs.value_or(0)))
+                QString::number(falseAnswers), found.first(), inMs(pathMs(facts)))
             : u"DNS gives %1 false answers: no such name (internet: %2)."_s.arg(
-                QString::number(falseAnswers), inMs(facts.internet.medianMs.value_or(0))),
+                QString::number(falseAnswers), inMs(pathMs(facts))),
         .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
                   "9.9.9.9. Do not type passwords until then."_s};
     finding.evidence.push_back(item(facts, u"dns.falseAnswers"_s, falseAnswers, {},
         facts.evidence.now, u"Answers of %1 that cannot be true"_s.arg(server)));
-    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    addPath(finding, facts);
     return finding;
 }
 

@@ -62,6 +62,7 @@ private:
     const QMenu& m_menu;
     ui::Theme m_theme;
     ui::ViewEngine m_engine {m_theme};
+    QObject m_owner; ///< of what is done on a later turn
     std::unique_ptr<QuickWindow> m_verdictWindow; ///< only while it is open
 };
 
@@ -78,7 +79,7 @@ void QuickViews::showVerdict()
         QObject::connect(&view, &QWindow::visibleChanged, &view, [this](bool isVisible) {
             if (!isVisible)
                 QMetaObject::invokeMethod(
-                    qApp, [this] { m_verdictWindow.reset(); }, Qt::QueuedConnection);
+                    &m_owner, [this] { m_verdictWindow.reset(); }, Qt::QueuedConnection);
         });
     }
     auto& view = m_verdictWindow->window();

@@ -22,7 +22,7 @@ RowLayout {
 
             Layout.fillWidth: true
             Layout.preferredWidth: 1
-            Layout.alignment: Qt.AlignTop
+            Layout.fillHeight: true
             spacing: 0
 
             Item {
@@ -50,6 +50,7 @@ RowLayout {
             }
             Rectangle {
                 Layout.fillWidth: true
+                Layout.fillHeight: true
                 implicitHeight: column.implicitHeight + 20
                 radius: 10
                 color: link.modelData.isBroken

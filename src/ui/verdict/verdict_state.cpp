@@ -3,7 +3,10 @@
 #include "platform/platform.h"
 #include "services/services.h"
 #include "ui/state/relative_time.h"
+#include "verdict/chain.h"
 #include "verdict/verdict_service.h"
+
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -55,7 +58,9 @@ Look lookOf(LinkState state)
 /// What a cause is called where it is only considered.
 QString nameOf(verdict::Cause cause)
 {
-    return identifier(cause).replace(u'-', u' ');
+    constexpr std::array kNames = {""_L1, "This computer"_L1, "Wi-Fi"_L1, "Router"_L1, "Line"_L1,
+        "DNS"_L1, "Log-in page"_L1, "Internet"_L1};
+    return kNames.at(size_t(segmentOf(cause))) + u": "_s + verdict::wordOf(cause);
 }
 
 QString wordFor(double certainty)
@@ -128,10 +133,11 @@ void VerdictState::updateDetails()
         evidence.append(u"%1 · %2 s ago"_s.arg(item.text).arg(qRound(item.ageSeconds)));
     QStringList others;
     for (const auto& other : verdict.others)
-        others.append(u"%1: %2"_s.arg(nameOf(other.cause), wordFor(other.certainty)));
+        if (!verdict::wordOf(other.cause).isEmpty())
+            others.append(u"%1 (%2)"_s.arg(nameOf(other.cause), wordFor(other.certainty)));
     const QString since = verdict.since.time_since_epoch().count() == 0
         ? QString()
-        : u"Since "_s + relativeTime(m_services.platform.clock->now() - verdict.since);
+        : u"Began "_s + relativeTime(m_services.platform.clock->now() - verdict.since);
     if (chain == m_chain && evidence == m_evidence && others == m_others && since == m_since)
         return;
     m_chain = chain;
