@@ -205,8 +205,7 @@ void Stage::writeScriptsOfDesktop()
 std::optional<Stage::Connections::Answer> Stage::connectionAnswer(
     const Connections::Made& made) const
 {
-    const bool isVerdict = made.host == probes::kInternetTarget;
-    if (made.hopLimit > 0 && !isVerdict)
+    if (made.hopLimit > 0 && !made.isWatched)
         return hopAnswer(made);
     const bool isRouter = made.host == scene().router || made.hopLimit == 1;
     const auto& times = isRouter ? scene().routerTimes : scene().internetTimes;

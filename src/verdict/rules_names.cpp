@@ -237,9 +237,9 @@ std::optional<Finding> dnsWrong(const Facts& facts)
     Finding finding {.cause = Cause::DnsWrong,
         .certainty = 0.92,
         .sentence = isBogusAnswer
-            ? u"DNS gives %1 false answers: a public name leads to %2 (internet: %3)."_s.arg(
+            ? u"False answers from DNS (%1): a public name leads to %2 (internet: %3)."_s.arg(
                 QString::number(falseAnswers), found.first(), inMs(pathMs(facts)))
-            : u"DNS gives %1 false answers: no such name (internet: %2)."_s.arg(
+            : u"False answers from DNS (%1): it knows no name (internet: %2)."_s.arg(
                 QString::number(falseAnswers), inMs(pathMs(facts))),
         .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
                   "9.9.9.9. Do not type passwords until then."_s};

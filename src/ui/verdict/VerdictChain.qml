@@ -20,6 +20,8 @@ RowLayout {
             required property var modelData
             required property int index
 
+            readonly property bool isInterrupted: modelData.isBroken || !modelData.isReached
+
             Layout.fillWidth: true
             Layout.preferredWidth: 1
             Layout.fillHeight: true
@@ -32,20 +34,21 @@ RowLayout {
                 implicitHeight: 2
                 visible: link.index > 0
 
+                Rectangle {
+                    anchors.centerIn: parent
+                    visible: !link.isInterrupted
+                    width: 18
+                    height: 2
+                    color: Theme.outline
+                }
                 Row {
                     anchors.centerIn: parent
+                    visible: link.isInterrupted
                     spacing: 4
 
-                    Repeater {
-                        model: link.modelData.isBroken || !link.modelData.isReached ? 3 : 1
-
-                        Rectangle {
-                            width: link.modelData.isBroken || !link.modelData.isReached ? 3 : 18
-                            height: 2
-                            color: link.modelData.isReached && !link.modelData.isBroken
-                                   ? Theme.outline : Theme.tertiaryText
-                        }
-                    }
+                    Dash { }
+                    Dash { }
+                    Dash { }
                 }
             }
             Rectangle {
@@ -101,5 +104,11 @@ RowLayout {
                 }
             }
         }
+    }
+
+    component Dash: Rectangle {
+        width: 3
+        height: 2
+        color: Theme.tertiaryText
     }
 }
