@@ -107,8 +107,8 @@ RowLayout {
     }
 
     component Dash: Rectangle {
-        width: 3
-        height: 2
+        implicitWidth: 3
+        implicitHeight: 2
         color: Theme.tertiaryText
     }
 }
