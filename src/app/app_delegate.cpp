@@ -11,6 +11,8 @@
 #include "shell/activation_token.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
+#include "shell/verdict_window.h"
+#include "verdict/verdict_service.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
@@ -64,6 +66,8 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
         logCategory(), u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
     connect(&m_notifications, &NotificationCenter::openInWindow, this,
         &AppDelegate::handleOpenInWindow);
+    connect(&m_notifications, &NotificationCenter::explainVerdict, this,
+        &AppDelegate::openVerdictWindow);
     connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
         &AppDelegate::popoverDidOpenNotification);
     connect(&m_statusArea, &shell::StatusArea::changed, this, &AppDelegate::noteWayBack);
@@ -106,6 +110,9 @@ void AppDelegate::setupStatusBar()
     m_statusBarManager = std::make_unique<StatusBarManager>(
         m_notifications, m_statusArea, *m_platform.appearance, *m_platform.clock);
     m_statusBarManager->setup(wifiService());
+    const auto* verdict = m_services.verdictService.get();
+    connect(verdict, &verdict::VerdictService::verdictChanged, this,
+        [this, verdict] { m_statusBarManager->setToolTip(verdict->verdict().sentence); });
     base::log(logCategory(), u"Netvane: Status bar setup complete"_s);
 }
 
@@ -155,7 +162,7 @@ void AppDelegate::startServices()
 DashboardViews* AppDelegate::views()
 {
     if (!m_views)
-        m_views = m_makeViews(m_services, *m_mainMenu);
+        m_views = m_makeViews(m_services, *m_mainMenu, m_notifications);
     return m_views.get();
 }
 
@@ -209,6 +216,20 @@ void AppDelegate::openDetailedWindow()
         views()->detailedWindow(), *m_platform.userDefaults, *m_platform.clock);
     noteWayBack();
     m_windowController->showWindow();
+}
+
+/// As with the detailed window.
+void AppDelegate::openVerdictWindow()
+{
+    if (!m_popover)
+        return;
+    m_popover->performClose();
+    if (!m_verdictWindow || !m_verdictWindow->isVisible()) {
+        if (!views())
+            return;
+        m_verdictWindow = std::make_unique<shell::VerdictWindow>(views()->verdictWindow());
+    }
+    m_verdictWindow->show();
 }
 
 /// Closing the window leaves nothing to be seen of a program that has no item.

@@ -19,6 +19,7 @@
 namespace netvane::shell {
 class DetailedWindowController;
 class PopoverWindow;
+class VerdictWindow;
 } // namespace netvane::shell
 
 namespace netvane::app {
@@ -55,6 +56,8 @@ public:
     shell::PopoverWindow* popover() { return m_popover.get(); }
     /// That of the last detailed window; null before the first.
     shell::DetailedWindowController* windowController() { return m_windowController.get(); }
+    /// That of the last explanation of the verdict; null before the first.
+    shell::VerdictWindow* verdictWindow() { return m_verdictWindow.get(); }
     /// There exactly while the popover is open.
     shell::OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
     const services::Services& services() const { return m_services; }
@@ -111,6 +114,7 @@ private:
     void handlePress(const std::optional<QPoint>& position);
     void handleOpenInWindow() { openDetailedWindow(); }
     void openDetailedWindow();
+    void openVerdictWindow();
     DashboardViews* views();
     void followStatusArea();
     void noteWayBack();
@@ -129,6 +133,7 @@ private:
     shell::StatusArea m_statusArea;
     std::unique_ptr<shell::PopoverWindow> m_popover;
     std::unique_ptr<shell::DetailedWindowController> m_windowController;
+    std::unique_ptr<shell::VerdictWindow> m_verdictWindow;
     std::unique_ptr<shell::OutsideClickMonitor> m_popoverMonitor;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<base::Timer> m_memoryTimer;

@@ -50,6 +50,8 @@ void StatusBarManager::makeMenu()
     auto* open = m_menu.addAction(u"Open in Window"_s);
     open->setShortcut(QKeySequence(u"Ctrl+D"_s));
     connect(open, &QAction::triggered, this, &StatusBarManager::openInWindow);
+    connect(m_menu.addAction(u"What is wrong?"_s), &QAction::triggered, this,
+        &StatusBarManager::explainVerdict);
     m_menu.addSeparator();
     auto* quit = m_menu.addAction(u"Quit Netvane"_s);
     quit->setShortcut(QKeySequence(u"Ctrl+Q"_s));
@@ -79,7 +81,7 @@ void StatusBarManager::showStatusItem()
         return;
     m_statusItem = std::make_unique<QSystemTrayIcon>();
     applyIcon();
-    m_statusItem->setToolTip(u"Netvane"_s);
+    m_statusItem->setToolTip(m_toolTip);
     m_statusItem->setContextMenu(&m_menu);
     connect(
         m_statusItem.get(), &QSystemTrayIcon::activated, this, &StatusBarManager::handleActivated);
@@ -91,6 +93,16 @@ void StatusBarManager::showStatusItem()
         u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
     base::log(
         logCategory(), u"StatusBarManager: Status bar item setup complete - should be visible"_s);
+}
+
+/// Some panels take a tool tip for rich text and others do not, so it may hold nothing that only
+/// one of the two would show as it is. A panel is told of each change.
+void StatusBarManager::setToolTip(const QString& text)
+{
+    QString shown = text;
+    shown.replace(u'<', u'\u2039').replace(u'>', u'\u203a').replace(u'&', u'\uff06');
+    if (std::exchange(m_toolTip, shown) != shown && m_statusItem)
+        m_statusItem->setToolTip(shown);
 }
 
 bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)
@@ -157,6 +169,11 @@ void StatusBarManager::ignoreThisClick()
 void StatusBarManager::openInWindow()
 {
     Q_EMIT m_notifications.openInWindow();
+}
+
+void StatusBarManager::explainVerdict()
+{
+    Q_EMIT m_notifications.explainVerdict();
 }
 
 void StatusBarManager::quitApp()

@@ -39,9 +39,13 @@ public:
     /// manager or is taken away first.
     void setPopover(shell::PopoverWindow* popover) { m_popover = popover; }
 
+    /// One line, with names from outside in it.
+    void setToolTip(const QString& text);
+
     /// A left click.
     void togglePopover();
     void openInWindow();
+    void explainVerdict();
     /// Ends the program, as the menu's "Quit Netvane" does.
     void quitApp();
 
@@ -72,6 +76,7 @@ private:
     base::Clock& m_clock;
     wifi::WiFiService* m_wifiService = nullptr;
     shell::PopoverWindow* m_popover = nullptr;
+    QString m_toolTip = QStringLiteral("Netvane");
     QMenu m_menu;
     std::unique_ptr<QSystemTrayIcon> m_statusItem;
     std::optional<QPoint> m_lastClick; ///< of the pointer; many panels report no geometry

@@ -1,10 +1,12 @@
 #include "windows/quick_views.h"
 
+#include "app/notification_center.h"
 #include "platform/platform.h"
 #include "services/services.h"
 #include "ui/painting/theme.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
+#include "ui/verdict/verdict_details.h"
 #include "ui/view_engine.h"
 #include "windows/quick_window.h"
 
@@ -15,9 +17,11 @@ namespace {
 
 class QuickViews final : public app::DashboardViews {
 public:
-    QuickViews(const services::Services& services, const QMenu& menu)
+    QuickViews(const services::Services& services, const QMenu& menu,
+        app::NotificationCenter& notifications)
         : m_services(services)
         , m_menu(menu)
+        , m_notifications(notifications)
         , m_theme(*services.platform.appearance)
     {
         ui::ViewEngine::prepareRendering();
@@ -25,18 +29,31 @@ public:
 
     std::unique_ptr<shell::HostWindow> popoverWindow() override
     {
-        return window<ui::PopoverState>(u"PopoverView"_s);
+        return dashboard<ui::PopoverState>(u"PopoverView"_s);
     }
     std::unique_ptr<shell::HostWindow> detailedWindow() override
     {
-        return window<ui::DetailedWindowState>(u"DetailedWindowView"_s);
+        return dashboard<ui::DetailedWindowState>(u"DetailedWindowView"_s);
+    }
+    std::unique_ptr<shell::HostWindow> verdictWindow() override
+    {
+        return window(u"VerdictView"_s, std::make_shared<ui::VerdictDetails>(m_services));
     }
 
 private:
     template <typename State>
-    std::unique_ptr<shell::HostWindow> window(const QString& view)
+    std::unique_ptr<shell::HostWindow> dashboard(const QString& view)
     {
         const auto state = std::make_shared<State>(m_services);
+        QObject::connect(state->verdict(), &ui::VerdictState::explanationWanted, &m_notifications,
+            &app::NotificationCenter::explainVerdict);
+        return window(view, state);
+    }
+
+    template <typename State>
+    std::unique_ptr<shell::HostWindow> window(
+        const QString& view, const std::shared_ptr<State>& state)
+    {
         return std::make_unique<QuickWindow>(m_engine, m_menu,
             QuickWindow::Content {
                 .source = QUrl(u"qrc:/qt/qml/Netvane/"_s + view + u".qml"_s),
@@ -47,6 +64,7 @@ private:
 
     const services::Services& m_services;
     const QMenu& m_menu;
+    app::NotificationCenter& m_notifications;
     ui::Theme m_theme;
     ui::ViewEngine m_engine {m_theme};
 };
@@ -54,9 +72,9 @@ private:
 } // namespace
 
 std::unique_ptr<app::DashboardViews> makeQuickViews(
-    const services::Services& services, const QMenu& menu)
+    const services::Services& services, const QMenu& menu, app::NotificationCenter& notifications)
 {
-    return std::make_unique<QuickViews>(services, menu);
+    return std::make_unique<QuickViews>(services, menu, notifications);
 }
 
 } // namespace netvane::windows

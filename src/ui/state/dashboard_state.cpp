@@ -24,6 +24,7 @@ DashboardState::DashboardState(const services::Services& services, probes::PingS
     , m_speedTest(*services.speedTestService, loadProbe, *services.platform.clock)
     , m_traceroute(*services.tracerouteService)
     , m_settings(services)
+    , m_verdict(services)
 {
     connect(&m_settings, &SettingsState::backRequested, this, [this] { setShowSettings(false); });
     const auto* permission = services.locationPermissionService.get();

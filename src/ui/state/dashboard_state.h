@@ -2,7 +2,8 @@
 
 // The room ui is what the user sees. In `state`, C++ decides what is shown: texts, grades, colours,
 // and when something is taken over. In `views` and `components` QML draws it, in `painting` C++
-// paints what QML cannot, and `symbols` are the drawings.
+// paints what QML cannot, and `symbols` are the drawings. `verdict` has both halves of what is
+// shown of the verdict.
 
 #include "ui/state/channel_analysis_state.h"
 #include "ui/state/connection_status.h"
@@ -11,6 +12,7 @@
 #include "ui/state/settings_state.h"
 #include "ui/state/speed_test_state.h"
 #include "ui/state/traceroute_state.h"
+#include "ui/verdict/verdict_state.h"
 
 namespace netvane::ui {
 
@@ -47,6 +49,8 @@ class DashboardState : public QObject {
     Q_PROPERTY(netvane::ui::SpeedTestState* speedTest READ speedTest CONSTANT)
     Q_PROPERTY(netvane::ui::TracerouteState* traceroute READ traceroute CONSTANT)
     Q_PROPERTY(netvane::ui::SettingsState* settings READ settings CONSTANT)
+    /// Follows at once.
+    Q_PROPERTY(netvane::ui::VerdictState* verdict READ verdict CONSTANT)
 
 public:
     /// All services exist and outlive this. `loadProbe` tells the speed test how the link lags
@@ -65,6 +69,7 @@ public:
     SpeedTestState* speedTest() { return &m_speedTest; }
     TracerouteState* traceroute() { return &m_traceroute; }
     SettingsState* settings() { return &m_settings; }
+    VerdictState* verdict() { return &m_verdict; }
 
     /// Out of the settings, which is what Escape means first. False when they are not shown.
     Q_INVOKABLE virtual bool goBack();
@@ -134,6 +139,7 @@ private:
     SpeedTestState m_speedTest;
     TracerouteState m_traceroute;
     SettingsState m_settings;
+    VerdictState m_verdict;
     bool m_isShown = false;
     bool m_showSettings = false;
 };

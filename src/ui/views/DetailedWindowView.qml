@@ -23,10 +23,20 @@ Item {
         visible: root.note !== "" && !root.viewState.showSettings
         text: root.note
     }
+    VerdictStrip {
+        id: strip
+        objectName: "verdict"
+        x: column.x
+        y: noteText.visible ? noteText.y + noteText.height + 12 : 12
+        width: column.width
+        visible: content.visible
+        verdict: root.viewState.verdict
+    }
     ScrollArea {
+        id: content
         objectName: "main-content"
         anchors.fill: parent
-        anchors.topMargin: noteText.visible ? noteText.y + noteText.height : 0
+        anchors.topMargin: strip.y + strip.height
         visible: !root.viewState.showSettings
         focus: visible
         showsIndicator: true

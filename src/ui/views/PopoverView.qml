@@ -15,7 +15,7 @@ Item {
         case PopoverState.Settings:
             return Math.min(500, settings.implicitHeight)
         default:
-            return Math.min(650, column.implicitHeight + 16)
+            return content.y + Math.min(650, column.implicitHeight + 16)
         }
     }
 
@@ -25,9 +25,20 @@ Item {
     // If it is not handled here, it closes the window.
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
 
+    VerdictStrip {
+        objectName: "verdict"
+        x: 16
+        y: 12
+        width: parent.width - 32
+        visible: content.visible
+        opacity: content.opacity
+        verdict: root.viewState.verdict
+    }
     ScrollArea {
+        id: content
         objectName: "main-content"
         anchors.fill: parent
+        anchors.topMargin: 64
         visible: root.viewState.content === PopoverState.Dashboard
         opacity: root.viewState.content === PopoverState.Onboarding ? 0 : 1
         focus: visible

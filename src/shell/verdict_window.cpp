@@ -1,0 +1,46 @@
+#include "shell/verdict_window.h"
+
+#include "shell/window_frame.h"
+
+#include <QGuiApplication>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::shell {
+namespace {
+
+constexpr QSize kSize(600, 680);
+constexpr QSize kMinimumSize(440, 360);
+
+} // namespace
+
+VerdictWindow::VerdictWindow(std::unique_ptr<HostWindow> host)
+    : m_host(std::move(host))
+{
+    window().setTitle(u"What is wrong?"_s);
+    const QSize room = frameArea(*QGuiApplication::primaryScreen()).size();
+    window().setMinimumSize(kMinimumSize.boundedTo(room));
+    window().resize(kSize.boundedTo(room));
+    connect(m_host.get(), &HostWindow::cancelled, &window(), &QWindow::close);
+    connect(&window(), &QWindow::visibleChanged, this, &VerdictWindow::handleVisible);
+}
+
+VerdictWindow::~VerdictWindow()
+{
+    window().disconnect(this);
+}
+
+void VerdictWindow::show()
+{
+    window().show();
+    m_host->bringToFront();
+}
+
+void VerdictWindow::handleVisible(bool isVisible)
+{
+    // Not at once: the view itself may have been what closed the window.
+    if (!isVisible)
+        QMetaObject::invokeMethod(m_host.get(), &HostWindow::releaseView, Qt::QueuedConnection);
+}
+
+} // namespace netvane::shell
