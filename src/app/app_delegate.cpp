@@ -2,6 +2,7 @@
 
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
+#include "app/verdict_window.h"
 #include "base/log.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
@@ -11,7 +12,6 @@
 #include "shell/activation_token.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
-#include "shell/verdict_window.h"
 #include "verdict/verdict_service.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
@@ -227,7 +227,7 @@ void AppDelegate::openVerdictWindow()
     if (!m_verdictWindow || !m_verdictWindow->isVisible()) {
         if (!views())
             return;
-        m_verdictWindow = std::make_unique<shell::VerdictWindow>(views()->verdictWindow());
+        m_verdictWindow = std::make_unique<VerdictWindow>(views()->verdictWindow());
     }
     m_verdictWindow->show();
 }

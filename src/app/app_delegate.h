@@ -19,13 +19,13 @@
 namespace netvane::shell {
 class DetailedWindowController;
 class PopoverWindow;
-class VerdictWindow;
 } // namespace netvane::shell
 
 namespace netvane::app {
 
 class NotificationCenter;
 class StatusBarManager;
+class VerdictWindow;
 
 /// The program's one long-lived controller: makes every service once and in a fixed order, wires
 /// them, and stops them at the end. Main thread.
@@ -57,7 +57,7 @@ public:
     /// That of the last detailed window; null before the first.
     shell::DetailedWindowController* windowController() { return m_windowController.get(); }
     /// That of the last explanation of the verdict; null before the first.
-    shell::VerdictWindow* verdictWindow() { return m_verdictWindow.get(); }
+    VerdictWindow* verdictWindow() { return m_verdictWindow.get(); }
     /// There exactly while the popover is open.
     shell::OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
     const services::Services& services() const { return m_services; }
@@ -133,7 +133,7 @@ private:
     shell::StatusArea m_statusArea;
     std::unique_ptr<shell::PopoverWindow> m_popover;
     std::unique_ptr<shell::DetailedWindowController> m_windowController;
-    std::unique_ptr<shell::VerdictWindow> m_verdictWindow;
+    std::unique_ptr<VerdictWindow> m_verdictWindow;
     std::unique_ptr<shell::OutsideClickMonitor> m_popoverMonitor;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<base::Timer> m_memoryTimer;

@@ -1,3 +1,4 @@
+pragma ComponentBehavior: Bound
 import QtQuick
 import QtQuick.Layouts
 import Netvane
@@ -105,7 +106,7 @@ Item {
         Rows {
             model: root.links
 
-            ColumnLayout {
+            Column {
                 id: caption
 
                 required property chainItem modelData
@@ -138,9 +139,8 @@ Item {
     }
 
     component Line: PlainText {
-        Layout.fillWidth: true
-        Layout.leftMargin: 2
-        Layout.rightMargin: 2
+        x: 2
+        width: parent.width - 4
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.Wrap
         Accessible.ignored: true

@@ -12,7 +12,7 @@ ColumnLayout {
 
     spacing: 8
     Accessible.role: Accessible.ListItem
-    Accessible.name: [modelData.text, modelData.detail, age].filter(text => text !== "").join(", ")
+    Accessible.name: modelData.text + ", " + modelData.detail + (age === "" ? "" : ", " + age)
 
     Divider { visible: root.index > 0 }
     RowLayout {

@@ -28,7 +28,6 @@ PlainButton {
             color: root.tint
         }
         PlainText {
-            id: line
             Layout.fillWidth: true
             text: root.verdict.sentence
             font: root.isQuiet ? Theme.callout
@@ -38,6 +37,8 @@ PlainButton {
             maximumLineCount: 2
             horizontalAlignment: Text.AlignLeft
             Accessible.ignored: true
+
+            HoverTip { text: (parent as PlainText).truncated ? root.verdict.sentence : "" }
         }
         Symbol {
             name: "chevron.right"
@@ -61,6 +62,5 @@ PlainButton {
             visible: !root.isQuiet
         }
         FocusRing { control: root; radius: 12 }
-        HoverTip { text: line.truncated ? line.text : "" }
     }
 }

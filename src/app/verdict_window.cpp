@@ -1,4 +1,4 @@
-#include "shell/verdict_window.h"
+#include "app/verdict_window.h"
 
 #include "shell/window_frame.h"
 
@@ -6,7 +6,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-namespace netvane::shell {
+namespace netvane::app {
 namespace {
 
 constexpr QSize kSize(600, 680);
@@ -14,14 +14,14 @@ constexpr QSize kMinimumSize(440, 360);
 
 } // namespace
 
-VerdictWindow::VerdictWindow(std::unique_ptr<HostWindow> host)
+VerdictWindow::VerdictWindow(std::unique_ptr<shell::HostWindow> host)
     : m_host(std::move(host))
 {
     window().setTitle(u"What is wrong?"_s);
-    const QSize room = frameArea(*QGuiApplication::primaryScreen()).size();
+    const QSize room = shell::frameArea(*QGuiApplication::primaryScreen()).size();
     window().setMinimumSize(kMinimumSize.boundedTo(room));
     window().resize(kSize.boundedTo(room));
-    connect(m_host.get(), &HostWindow::cancelled, &window(), &QWindow::close);
+    connect(m_host.get(), &shell::HostWindow::cancelled, &window(), &QWindow::close);
     connect(&window(), &QWindow::visibleChanged, this, &VerdictWindow::handleVisible);
 }
 
@@ -40,7 +40,8 @@ void VerdictWindow::handleVisible(bool isVisible)
 {
     // Not at once: the view itself may have been what closed the window.
     if (!isVisible)
-        QMetaObject::invokeMethod(m_host.get(), &HostWindow::releaseView, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            m_host.get(), &shell::HostWindow::releaseView, Qt::QueuedConnection);
 }
 
-} // namespace netvane::shell
+} // namespace netvane::app

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-namespace netvane::shell {
+namespace netvane::app {
 
 /// The window that explains the verdict, over its one life, from being shown to being closed. The
 /// window manager places it, and nothing about it is remembered. Escape closes it. Main thread.
@@ -12,7 +12,7 @@ class VerdictWindow final : public QObject {
     Q_OBJECT
 
 public:
-    explicit VerdictWindow(std::unique_ptr<HostWindow> host);
+    explicit VerdictWindow(std::unique_ptr<shell::HostWindow> host);
     ~VerdictWindow() override;
 
     QWindow& window() { return m_host->window(); }
@@ -24,7 +24,7 @@ public:
 private:
     void handleVisible(bool isVisible);
 
-    std::unique_ptr<HostWindow> m_host;
+    std::unique_ptr<shell::HostWindow> m_host;
 };
 
-} // namespace netvane::shell
+} // namespace netvane::app
