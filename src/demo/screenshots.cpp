@@ -1,5 +1,7 @@
 #include "demo/screenshots.h"
 
+#include "app/status_bar_manager.h"
+#include "app/verdict_window.h"
 #include "demo/staged_program.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
@@ -55,6 +57,30 @@ std::function<QWindow*(StagedProgram&)> introduction(int page)
     };
 }
 
+/// The window that explains the verdict.
+QWindow* verdict(StagedProgram& program)
+{
+    program.openPopover(kFullHistory);
+    program.delegate().statusBarManager()->explainVerdict();
+    program.pass(1s);
+    return &program.delegate().verdictWindow()->window();
+}
+
+/// The top of the popover: its strip, and the network below that.
+QWindow* strip(StagedProgram& program)
+{
+    auto* window = popover(program);
+    const auto& root = windows::rootOf(*window);
+    const auto* strip = root.findChild<QQuickItem*>(u"verdict"_s);
+    const auto* network = root.findChild<QQuickItem*>(u"network-info"_s);
+    const QSize size(
+        window->width(), int(strip->y() + strip->height() + network->height()) + 2 * kMargin);
+    window->setMinimumSize(size);
+    window->resize(size);
+    QCoreApplication::processEvents();
+    return window;
+}
+
 QWindow* detailedWindow(StagedProgram& program)
 {
     return &program.openDetailedWindow(kFullHistory);
@@ -95,14 +121,23 @@ QWindow* diagnostics(StagedProgram& program)
 
 std::vector<Picture> pictures()
 {
-    return {{u"dashboard"_s, u"home"_s, popover}, {u"weak-link"_s, u"weak"_s, popover},
-        {u"captive-portal"_s, u"cafe"_s, popover}, {u"wifi-off"_s, u"off"_s, popover},
-        {u"permission"_s, u"permission"_s, popover}, {u"settings"_s, u"home"_s, settings},
-        {u"introduction-1"_s, u"first-start"_s, introduction(0)},
-        {u"introduction-2"_s, u"first-start"_s, introduction(1)},
-        {u"introduction-3"_s, u"first-start"_s, introduction(2)},
-        {u"window"_s, u"office"_s, detailedWindow}, {u"performance"_s, u"home"_s, performance},
-        {u"diagnostics"_s, u"home"_s, diagnostics}};
+    std::vector<Picture> all
+        = {{u"dashboard"_s, u"home"_s, popover}, {u"weak-link"_s, u"weak"_s, popover},
+            {u"captive-portal"_s, u"cafe"_s, popover}, {u"wifi-off"_s, u"off"_s, popover},
+            {u"permission"_s, u"permission"_s, popover}, {u"settings"_s, u"home"_s, settings},
+            {u"introduction-1"_s, u"first-start"_s, introduction(0)},
+            {u"introduction-2"_s, u"first-start"_s, introduction(1)},
+            {u"introduction-3"_s, u"first-start"_s, introduction(2)},
+            {u"window"_s, u"office"_s, detailedWindow}, {u"performance"_s, u"home"_s, performance},
+            {u"diagnostics"_s, u"home"_s, diagnostics}};
+    const std::pair<QString, QString> causes[] = {{u"healthy"_s, u"home"_s},
+        {u"weak-signal"_s, u"weak"_s}, {u"router-dead"_s, u"router-dead"_s},
+        {u"line-down"_s, u"line-down"_s}, {u"dns-dead"_s, u"dns-dead"_s}, {u"portal"_s, u"cafe"_s}};
+    for (const auto& [cause, scene] : causes) {
+        all.push_back({u"strip-"_s + cause, scene, strip});
+        all.push_back({u"verdict-"_s + cause, scene, verdict});
+    }
+    return all;
 }
 
 /// The transparent parts of a window without a background are drawn black; this makes them

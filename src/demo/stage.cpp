@@ -41,16 +41,6 @@ std::chrono::microseconds varied(int microseconds, int number)
         microseconds / 100 * kPercent[size_t(number) % kPercent.size()]);
 }
 
-std::optional<simulated::Connections::Answer> hopAnswer(const simulated::Connections::Made& made)
-{
-    const auto way = hops();
-    const bool isTarget = size_t(made.hopLimit) > way.size();
-    const Hop hop = isTarget ? Hop {made.host, kTargetTime} : way[size_t(made.hopLimit) - 1];
-    if (hop.address.isEmpty())
-        return {};
-    return {{microseconds(hop.milliseconds) + made.port % 7 * 90us, hop.address}};
-}
-
 } // namespace
 
 Stage::Stage(std::unique_ptr<base::Clock> clock, StageOptions options)
@@ -79,12 +69,34 @@ void Stage::begin(size_t index)
     parts.network.router = scene().router;
     parts.network.servers = scene().dnsServers;
     parts.network.interfaces = scene().interfaces;
+    parts.network.state = networkState();
     parts.interface->isOn = scene().hasRadio;
     parts.scanner.currentChannel = scene().link.channel;
     parts.resolver->status = scene().lookupTime ? 0 : EAI_AGAIN;
     *m_lookupTime = int(scene().lookupTime.value_or(0us).count());
     parts.location.change(scene().permission);
     Q_EMIT sceneChanged();
+}
+
+/// With a cable plugged in, that is the way out.
+platform::NetworkState Stage::networkState() const
+{
+    using platform::NeighbourState;
+    const bool hasCable = scene().interfaces.contains(u"eth0"_s);
+    const bool hasLink = scene().hasRadio;
+    platform::NetworkState state {
+        .physicalRoute = platform::DefaultRoute {scene().router, hasCable ? u"eth0"_s : u"wlan0"_s},
+        .router = scene().routerTimes.empty() ? NeighbourState::Failed : NeighbourState::Reachable};
+    state.route4 = state.physicalRoute;
+    state.interfaces.push_back({.name = u"wlan0"_s,
+        .isUp = hasLink,
+        .hasCarrier = hasLink,
+        .isWireless = true,
+        .hasIPv4 = hasLink});
+    if (hasCable)
+        state.interfaces.push_back(
+            {.name = u"eth0"_s, .isUp = true, .hasCarrier = true, .hasIPv4 = true});
+    return state;
 }
 
 /// Schedules the next scene that has a duration.
@@ -110,9 +122,14 @@ bool Stage::hold(const QString& name)
     return true;
 }
 
+std::chrono::steady_clock::duration Stage::timeInScene() const
+{
+    return parts.clock.monotonicNow() - m_begunAt.load();
+}
+
 size_t Stage::entry(std::chrono::milliseconds interval, size_t count) const
 {
-    return size_t((parts.clock.monotonicNow() - m_begunAt.load()) / interval) % count;
+    return size_t(timeInScene() / interval) % count;
 }
 
 platform::LinkReading Stage::link() const
@@ -127,6 +144,10 @@ platform::LinkReading Stage::link() const
         tell(reading.signalDbm, now.signalDbm);
         tell(reading.noiseDbm, now.noiseDbm);
         tell(reading.transmitRateMbps, now.rateMbps);
+        constexpr std::uint64_t kPackets = 100; // in one interval
+        const auto intervals = std::uint64_t(timeInScene() / kReadingInterval);
+        reading.counters.failed = intervals * std::uint64_t(now.failedPercent);
+        reading.counters.sentPackets = intervals * kPackets - *reading.counters.failed;
     }
     return reading;
 }
@@ -142,6 +163,14 @@ void Stage::writeScripts()
     parts.http.script = [this](const auto& request) {
         return request.keepsBody ? HttpClient::End {kPageTime, page(request.url)}
                                  : transferEnd(request);
+    };
+    parts.nameServers.script = [this](const QString&, const QString&) -> platform::NameAnswer {
+        const auto& time = scene().lookupTime;
+        if (!time)
+            return {};
+        return {.kind = platform::NameAnswer::Kind::Addresses,
+            .addresses = {u"198.51.100.17"_s},
+            .milliseconds = double(time->count()) / 1000};
     };
     parts.resolver->errorText = "Temporary failure in name resolution";
     parts.resolver->takeTime
@@ -170,13 +199,32 @@ std::optional<Stage::Connections::Answer> Stage::connectionAnswer(
 {
     if (made.hopLimit > 0)
         return hopAnswer(made);
-    const bool isRouter = made.host != probes::kInternetTarget;
-    const auto& times = isRouter ? scene().routerTimes : scene().internetTimes;
+    return timed(
+        made.host == scene().router ? scene().routerTimes : scene().internetTimes, made.host);
+}
+
+/// The further routers are there whenever the internet is.
+std::optional<Stage::Connections::Answer> Stage::hopAnswer(const Connections::Made& made) const
+{
+    const auto way = hops();
+    const auto before = size_t(made.hopLimit) - 1;
+    const Hop hop = before < way.size() ? way[before] : Hop {made.host, kTargetTime};
+    if (before < 2)
+        return timed(before == 0 ? scene().routerTimes : scene().providerTimes,
+            before == 0 ? scene().router : hop.address);
+    if (hop.address.isEmpty() || scene().internetTimes.empty())
+        return {};
+    return {{microseconds(hop.milliseconds) + made.port % 7 * 90us, hop.address}};
+}
+
+std::optional<Stage::Connections::Answer> Stage::timed(
+    const std::vector<std::optional<double>>& times, const QString& by) const
+{
     const auto time = times.empty() ? std::nullopt : times[entry(kProbeInterval, times.size())];
     if (!time)
         return {};
     const double load = parts.http.transfers > 0 ? scene().timeUnderLoad : 0;
-    return {{microseconds(*time + load), made.host}};
+    return {{microseconds(*time + load), by}};
 }
 
 Stage::HttpClient::End Stage::transferEnd(const platform::HttpRequest& request) const
@@ -189,10 +237,14 @@ Stage::HttpClient::End Stage::transferEnd(const platform::HttpRequest& request) 
         {.receivedBytes = request.uploadSize ? 0 : asked}};
 }
 
-/// The probe page, or the portal's page.
+/// The probe page, the portal's page, or none where no name is resolved.
 platform::HttpAnswer Stage::page(const QUrl& url) const
 {
     const auto& portal = scene().portal;
+    if (!scene().lookupTime)
+        return {.finalUrl = url,
+            .errorText = u"Could not resolve the name of the host"_s,
+            .failure = platform::HttpFailure::NotResolved};
     return {.status = 200,
         .body = portal ? "<h1>Welcome</h1>"_ba : "<h1>Success</h1>"_ba,
         .finalUrl = portal.value_or(url)};

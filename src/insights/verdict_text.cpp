@@ -64,18 +64,20 @@ QDateTime localTime(std::chrono::system_clock::time_point time)
         std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count());
 }
 
-QString causeName(Cause cause)
+std::vector<ConsideredCause> consideredCauses(const verdict::Verdict& verdict)
 {
-    return kCauseNames.at(size_t(cause));
-}
-
-QString certaintyWord(double certainty)
-{
-    constexpr double kLikely = 0.6;
-    constexpr double kPossible = 0.3;
-    return certainty >= kLikely  ? u"likely"_s
-        : certainty >= kPossible ? u"possible"_s
-                                 : u"unlikely"_s;
+    constexpr double kPossible = 0.6;
+    constexpr double kUnlikely = 0.3;
+    std::vector<ConsideredCause> causes;
+    for (const auto& [cause, certainty] : verdict.others) {
+        if (cause == Cause::Healthy || cause == Cause::Unsure)
+            continue;
+        causes.push_back({kCauseNames.at(size_t(cause)),
+            certainty >= kPossible       ? u"possible"_s
+                : certainty >= kUnlikely ? u"less likely"_s
+                                         : u"unlikely"_s});
+    }
+    return causes;
 }
 
 QString figureText(const verdict::EvidenceItem& item)
@@ -105,10 +107,10 @@ QString verdictText(const verdict::Verdict& verdict, std::chrono::duration<doubl
                 QString::number(qRound(item.ageSeconds + passed.count()))));
         parts.append(lines.join(u'\n'));
     }
-    if (!verdict.others.empty()) {
+    if (const auto causes = consideredCauses(verdict); !causes.empty()) {
         QStringList lines {u"Also considered:"_s};
-        for (const auto& other : verdict.others)
-            lines.append(u"- %1: %2"_s.arg(causeName(other.cause), certaintyWord(other.certainty)));
+        for (const auto& [name, certainty] : causes)
+            lines.append(u"- %1: %2"_s.arg(name, certainty));
         parts.append(lines.join(u'\n'));
     }
     return parts.join(u"\n\n"_s) + u'\n';

@@ -6,14 +6,19 @@
 #include <QString>
 
 #include <chrono>
+#include <vector>
 
 namespace netvane::insights {
 
 QDateTime localTime(std::chrono::system_clock::time_point time);
-/// A cause as one of several that were considered: "The router does not answer".
-QString causeName(verdict::Cause cause);
-/// "likely", "possible" or "unlikely", for a certainty from 0 to 1.
-QString certaintyWord(double certainty);
+
+/// A cause that was considered beside that of a verdict.
+struct ConsideredCause {
+    QString name; ///< "The router does not answer"
+    QString certainty; ///< "possible", "less likely" or "unlikely"
+};
+/// The likelier first. That all is well is no cause.
+std::vector<ConsideredCause> consideredCauses(const verdict::Verdict& verdict);
 /// The value with its unit: "2 ms", "-82 dBm", "1 packet", "0". At most one decimal.
 QString figureText(const verdict::EvidenceItem& item);
 

@@ -113,6 +113,14 @@ QString airFigure(const Facts& facts)
         : QString();
 }
 
+/// By what the radio itself tells, where nothing answers through it.
+bool isAirFine(const Facts& facts)
+{
+    constexpr double kMostFailedPercent = 3;
+    return facts.isByRadio && facts.radio && facts.radio->seconds > 0
+        && facts.radio->beaconsLost == 0 && facts.radio->failedPercent() < kMostFailedPercent;
+}
+
 } // namespace
 
 std::vector<ChainLink> chainOf(const Facts& facts, Cause cause, Severity severity)
@@ -122,7 +130,8 @@ std::vector<ChainLink> chainOf(const Facts& facts, Cause cause, Severity severit
         ? facts.router
         : facts.firstHop;
     std::vector<ChainLink> chain(kPlaces);
-    const bool showsRadio = facts.isByRadio || facts.evidence.radioOn.has_value();
+    const bool showsRadio
+        = facts.isByRadio || (!facts.evidence.network && facts.evidence.radioOn.has_value());
     chain[Air] = {.name = showsRadio ? u"Wi-Fi"_s : u"Cable"_s, .figure = airFigure(facts)};
     chain[Router] = {.name = u"Router"_s, .figure = timeFigure(near)};
     chain[Line] = {.name = u"Line"_s, .figure = timeFigure(facts.secondHop)};
@@ -136,6 +145,10 @@ std::vector<ChainLink> chainOf(const Facts& facts, Cause cause, Severity severit
         isBehindAlive = isBehindAlive || isAlive[size_t(place)];
         if (isBehindAlive)
             chain[size_t(place)].state = LinkState::Fine;
+    }
+    if (chain[Air].state == LinkState::Unknown && isAirFine(facts)) {
+        chain[Air].state = LinkState::Fine;
+        chain[Air].word = u"connected"_s;
     }
     if (lookups.isAlive())
         chain[Dns].state = LinkState::Fine;

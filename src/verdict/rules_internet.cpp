@@ -29,7 +29,7 @@ std::optional<Finding> portal(const Facts& facts)
     Finding finding {.cause = Cause::Portal,
         .certainty = 0.96,
         .sentence = hasHost
-            ? u"This network wants a log-in at %1 first (it answers in %2, 1 page replaced)."_s.arg(
+            ? u"This network wants a log-in at %1: 1 page was replaced (router: %2)."_s.arg(
                 inSentence(evidence.portalHost), time)
             : u"This network wants a log-in first (it answers in %1, 1 page replaced)."_s.arg(time),
         .advice = u"Open the log-in page: click the log-in card in Netvane, or open any web page "

@@ -43,7 +43,9 @@ bool lacksLink(const Facts& facts)
               return !each.isTunnel && !each.isWireless && each.isUp && each.hasCarrier;
           });
     const auto* link = facts.link();
-    return facts.evidence.radioOn.value_or(false) && !isConnected && (!link || !link->ssid);
+    // A link whose name the driver does not tell has a signal.
+    const bool hasLink = link && (link->ssid || (link->signalDbm && !link->joiningSsid));
+    return facts.evidence.radioOn.value_or(false) && !isConnected && !hasLink;
 }
 
 /// Packets suffer on their way to the router, and so does what lies behind it.

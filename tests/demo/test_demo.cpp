@@ -5,6 +5,7 @@
 #include "support/view_fixture.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
+#include "verdict/verdict_service.h"
 
 #include <QDir>
 #include <QTest>
@@ -78,6 +79,23 @@ private Q_SLOTS:
             const auto isSeen = [&](const QString& text) { return texts.contains(text); };
             QVERIFY2(std::ranges::all_of(present, isSeen) && std::ranges::none_of(absent, isSeen),
                 qPrintable(scene + u": "_s + texts.join(u'|')));
+        }
+    }
+
+    /// Each scene's verdict, and back to the first.
+    void verdicts()
+    {
+        demo::StagedProgram program(*qApp, held(u"home"_s));
+        const auto& verdict = program.delegate().services().verdictService->verdict();
+        for (const auto& [scene, cause] :
+            {std::pair(u"weak"_s, u"weak-signal"_s), {u"router-dead"_s, u"router-dead"_s},
+                {u"line-down"_s, u"line-down"_s}, {u"dns-dead"_s, u"dns-dead"_s},
+                {u"cafe"_s, u"portal"_s}, {u"permission"_s, u"healthy"_s}, {u"off"_s, u"healthy"_s},
+                {u"home"_s, u"healthy"_s}}) {
+            QVERIFY(program.stage().hold(scene));
+            program.pass(40s);
+            QVERIFY2(
+                identifier(verdict.cause) == cause, qPrintable(scene + u": "_s + verdict.sentence));
         }
     }
 

@@ -121,8 +121,8 @@ void VerdictDetails::showAll(
         evidence.append({base::withVisibleControls(item.text), insights::figureText(item)});
     show(m_evidence, evidence, &VerdictDetails::evidenceChanged);
     QList<DetailRow> others;
-    for (const auto& other : verdict.others)
-        others.append({insights::causeName(other.cause), insights::certaintyWord(other.certainty)});
+    for (const auto& [name, certainty] : insights::consideredCauses(verdict))
+        others.append({name, certainty});
     show(m_others, others, &VerdictDetails::othersChanged);
     tellTimes();
 }
