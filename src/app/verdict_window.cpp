@@ -9,7 +9,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::app {
 namespace {
 
-constexpr QSize kSize(600, 680);
+constexpr QSize kSize(600, 720);
 constexpr QSize kMinimumSize(440, 360);
 
 } // namespace
