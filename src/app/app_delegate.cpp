@@ -224,10 +224,14 @@ void AppDelegate::openVerdictWindow()
     if (!m_popover)
         return;
     m_popover->performClose();
-    if (!m_verdictWindow || !m_verdictWindow->isVisible()) {
+    if (!m_verdictWindow) {
         if (!views())
             return;
         m_verdictWindow = std::make_unique<VerdictWindow>(views()->verdictWindow());
+        // Not at once: the view itself may have been what closed the window.
+        connect(
+            m_verdictWindow.get(), &VerdictWindow::closed, this,
+            [this] { m_verdictWindow.reset(); }, Qt::QueuedConnection);
     }
     m_verdictWindow->show();
 }

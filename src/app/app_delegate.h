@@ -56,7 +56,7 @@ public:
     shell::PopoverWindow* popover() { return m_popover.get(); }
     /// That of the last detailed window; null before the first.
     shell::DetailedWindowController* windowController() { return m_windowController.get(); }
-    /// That of the last explanation of the verdict; null before the first.
+    /// There exactly while the verdict is explained.
     VerdictWindow* verdictWindow() { return m_verdictWindow.get(); }
     /// There exactly while the popover is open.
     shell::OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }

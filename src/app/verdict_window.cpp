@@ -9,7 +9,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::app {
 namespace {
 
-constexpr QSize kSize(600, 680);
+constexpr QSize kSize(600, 720);
 constexpr QSize kMinimumSize(440, 360);
 
 } // namespace
@@ -22,7 +22,10 @@ VerdictWindow::VerdictWindow(std::unique_ptr<shell::HostWindow> host)
     window().setMinimumSize(kMinimumSize.boundedTo(room));
     window().resize(kSize.boundedTo(room));
     connect(m_host.get(), &shell::HostWindow::cancelled, &window(), &QWindow::close);
-    connect(&window(), &QWindow::visibleChanged, this, &VerdictWindow::handleVisible);
+    connect(&window(), &QWindow::visibleChanged, this, [this](bool isVisible) {
+        if (!isVisible)
+            Q_EMIT closed();
+    });
 }
 
 VerdictWindow::~VerdictWindow()
@@ -34,14 +37,6 @@ void VerdictWindow::show()
 {
     window().show();
     m_host->bringToFront();
-}
-
-void VerdictWindow::handleVisible(bool isVisible)
-{
-    // Not at once: the view itself may have been what closed the window.
-    if (!isVisible)
-        QMetaObject::invokeMethod(
-            m_host.get(), &shell::HostWindow::releaseView, Qt::QueuedConnection);
 }
 
 } // namespace netvane::app

@@ -6,8 +6,8 @@
 
 namespace netvane::app {
 
-/// The window that explains the verdict, over its one life, from being shown to being closed. The
-/// window manager places it, and nothing about it is remembered. Escape closes it. Main thread.
+/// The window that explains the verdict. The window manager places it, and nothing about it is
+/// remembered. Escape closes it. Main thread.
 class VerdictWindow final : public QObject {
     Q_OBJECT
 
@@ -16,14 +16,14 @@ public:
     ~VerdictWindow() override;
 
     QWindow& window() { return m_host->window(); }
-    /// False once it was closed; it is empty from then on.
-    bool isVisible() const { return m_host->window().isVisible(); }
     /// In front of the others.
     void show();
 
-private:
-    void handleVisible(bool isVisible);
+Q_SIGNALS:
+    /// However it came about.
+    void closed();
 
+private:
     std::unique_ptr<shell::HostWindow> m_host;
 };
 

@@ -21,6 +21,7 @@ namespace {
 
 /// Until each history holds as much as it can.
 constexpr std::chrono::milliseconds kFullHistory = 115s;
+constexpr std::chrono::milliseconds kVerdictTime = 40s;
 constexpr std::chrono::milliseconds kTraceTime = 45s;
 constexpr std::chrono::milliseconds kAnimationTime = 400ms; ///< real time
 constexpr int kMargin = 16;
@@ -60,7 +61,7 @@ std::function<QWindow*(StagedProgram&)> introduction(int page)
 /// The window that explains the verdict.
 QWindow* verdict(StagedProgram& program)
 {
-    program.openPopover(kFullHistory);
+    program.openPopover(kVerdictTime);
     program.delegate().statusBarManager()->explainVerdict();
     program.pass(1s);
     return &program.delegate().verdictWindow()->window();
@@ -69,7 +70,7 @@ QWindow* verdict(StagedProgram& program)
 /// The top of the popover: its strip, and the network below that.
 QWindow* strip(StagedProgram& program)
 {
-    auto* window = popover(program);
+    auto* window = &program.openPopover(kVerdictTime);
     const auto& root = windows::rootOf(*window);
     const auto* strip = root.findChild<QQuickItem*>(u"verdict"_s);
     const auto* network = root.findChild<QQuickItem*>(u"network-info"_s);

@@ -100,9 +100,15 @@ QString lossFigure(const Loss& loss)
     return u"%1 % lost"_s.arg(qRound(loss.percent()));
 }
 
+/// One lost packet alone says nothing.
+bool answersLately(const Track& track)
+{
+    return track.hasAnswered() && track.unanswered < 2;
+}
+
 QString timeFigure(const Track& track)
 {
-    return track.isAlive() && track.medianMs ? inMs(*track.medianMs) : QString();
+    return answersLately(track) && track.medianMs ? inMs(*track.medianMs) : QString();
 }
 
 QString airFigure(const Facts& facts)
@@ -138,8 +144,10 @@ std::vector<ChainLink> chainOf(const Facts& facts, Cause cause, Severity severit
     chain[Internet] = {.name = u"Internet"_s, .figure = timeFigure(facts.internet)};
     chain[Dns] = {.name = u"DNS"_s, .figure = timeFigure(lookups)};
     // What answers shows that all before it works.
-    const std::array isAlive = {facts.isNearAlive, facts.isNearAlive,
-        facts.secondHop.isAlive() || facts.isReached, facts.isReached, lookups.isAlive()};
+    const bool isNearAlive
+        = facts.isNearAlive || answersLately(facts.router) || answersLately(facts.firstHop);
+    const std::array isAlive = {isNearAlive, isNearAlive, answersLately(facts.secondHop),
+        facts.isReached || answersLately(facts.internet), lookups.isAlive()};
     bool isBehindAlive = false;
     for (int place = Internet; place >= Air; --place) {
         isBehindAlive = isBehindAlive || isAlive[size_t(place)];

@@ -39,7 +39,7 @@ Item {
         anchors.left: parent.left
         anchors.verticalCenter: parent.verticalCenter
         visible: root.isBroken
-        width: (root.width - 18) / 2
+        width: Math.max(0, (root.width - 18) / 2)
         height: 3
         radius: 1.5
         color: root.tint
@@ -48,7 +48,7 @@ Item {
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
         visible: root.isBroken
-        width: (root.width - 18) / 2
+        width: Math.max(0, (root.width - 18) / 2)
         height: 3
         radius: 1.5
         color: root.tint

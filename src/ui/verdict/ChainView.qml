@@ -11,11 +11,12 @@ Item {
     // Values of type `chainItem`.
     required property var links
 
-    readonly property real side: 48
     readonly property real origin: 24
     // From one middle to the next. The last caption ends where the view does.
     readonly property real pitch: (width - origin / 2) / (links.length + 0.5)
-    readonly property real gap: 5
+    // The lines between them stay long enough to be seen torn.
+    readonly property real side: Math.max(32, Math.min(48, pitch - 34))
+    readonly property real gap: pitch < 80 ? 3 : 5
 
     function middleOf(index: int): real {
         return origin / 2 + (index + 1) * pitch
@@ -75,7 +76,7 @@ Item {
                 Symbol {
                     anchors.centerIn: parent
                     name: circle.modelData.symbol
-                    size: 22
+                    size: Math.round(root.side * 0.46)
                     color: circle.isFaulty ? circle.tint
                         : circle.modelData.isReached ? Theme.primaryText : Theme.secondaryText
                 }

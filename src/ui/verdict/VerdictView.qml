@@ -10,7 +10,7 @@ FocusScope {
     required property VerdictDetails viewState
 
     implicitWidth: 600
-    implicitHeight: 680
+    implicitHeight: 720
     focus: true
 
     Binding {

@@ -27,16 +27,21 @@ Item {
         id: strip
         objectName: "verdict"
         x: column.x
-        y: noteText.visible ? noteText.y + noteText.height + 12 : 12
+        y: noteText.visible ? noteText.y + noteText.height + 8 : 8
         width: column.width
         visible: content.visible
         verdict: root.viewState.verdict
+    }
+    Divider {
+        y: content.y - 1
+        width: parent.width
+        visible: content.visible && !content.atYBeginning
     }
     ScrollArea {
         id: content
         objectName: "main-content"
         anchors.fill: parent
-        anchors.topMargin: strip.y + strip.height
+        anchors.topMargin: strip.y + strip.height + 8
         visible: !root.viewState.showSettings
         focus: visible
         showsIndicator: true

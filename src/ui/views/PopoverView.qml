@@ -28,17 +28,22 @@ Item {
     VerdictStrip {
         objectName: "verdict"
         x: 16
-        y: 12
+        y: 8
         width: parent.width - 32
         visible: content.visible
         opacity: content.opacity
         verdict: root.viewState.verdict
     }
+    Divider {
+        y: content.y - 1
+        width: parent.width
+        visible: content.visible && !content.atYBeginning
+    }
     ScrollArea {
         id: content
         objectName: "main-content"
         anchors.fill: parent
-        anchors.topMargin: 64
+        anchors.topMargin: 68
         visible: root.viewState.content === PopoverState.Dashboard
         opacity: root.viewState.content === PopoverState.Onboarding ? 0 : 1
         focus: visible
