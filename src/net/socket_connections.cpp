@@ -8,6 +8,7 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -18,6 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr int kSilentFrom = 3; // attempts in a row
 constexpr auto kSilence = 2s; // an attempt that is given up earlier says nothing
+constexpr std::uint32_t kMostRetransmissions = 127; // tcp_syn_retries is no more
 constexpr quint16 kUnusedPort = 33434; // the first of those that traces go to: nobody listens
 constexpr size_t kMostHosts = 16; // with a record; those of networks long gone are forgotten
 
@@ -43,7 +45,7 @@ private:
     int takeError() const;
     bool isPeersOwn(int error) const;
     FailedAttempts& failedAttempts();
-    std::optional<std::chrono::steady_clock::time_point> kernelTime() const;
+    Answer handshake() const;
 
     const QString m_host;
     FailedAttemptsByHost& m_failedAttempts;
@@ -86,13 +88,13 @@ std::optional<SocketProbe::Answer> TcpProbe::takeAnswer()
     // Reset, not refused: the peer had answered and closed since (tcp(7)).
     if (error == 0 || error == ECONNRESET || error == EPIPE) {
         m_failedAttempts.erase(m_host);
-        return Answer {.at = kernelTime()};
+        return handshake();
     }
     if (!isPeersOwn(error))
         return Answer {.error = error};
     failedAttempts().isRefused = true;
     failedAttempts().unanswered = 0;
-    return Answer {.isUntimed = true};
+    return Answer {.isUntimed = true, .retransmissions = handshake().retransmissions};
 }
 
 int TcpProbe::takeError() const
@@ -114,16 +116,18 @@ bool TcpProbe::isPeersOwn(int error) const
     return isSameHost(*queued->offender, m_peer);
 }
 
-/// Its first round-trip sample is the handshake's. If a packet was sent twice, the sample would be
-/// that of the last try only.
-std::optional<std::chrono::steady_clock::time_point> TcpProbe::kernelTime() const
+/// What the kernel knows of it. Its first round-trip sample is the handshake's. If a packet was
+/// sent twice, the sample would be that of the last try only.
+SocketProbe::Answer TcpProbe::handshake() const
 {
     tcp_info info {};
     socklen_t length = sizeof info;
-    if (::getsockopt(descriptor(), IPPROTO_TCP, TCP_INFO, &info, &length) != 0
-        || info.tcpi_total_retrans != 0 || info.tcpi_rtt == 0)
+    if (::getsockopt(descriptor(), IPPROTO_TCP, TCP_INFO, &info, &length) != 0)
         return {};
-    return askedAt() + std::chrono::microseconds(info.tcpi_rtt);
+    Answer answer {.retransmissions = int(std::min(info.tcpi_total_retrans, kMostRetransmissions))};
+    if (info.tcpi_total_retrans == 0 && info.tcpi_rtt != 0)
+        answer.at = askedAt() + std::chrono::microseconds(info.tcpi_rtt);
+    return answer;
 }
 
 /// Two ways of asking one host, begun and ended together.

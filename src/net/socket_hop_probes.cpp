@@ -26,6 +26,8 @@ constexpr IcmpNumbers kIPv4
 constexpr IcmpNumbers kIPv6 = {SO_EE_ORIGIN_ICMP6, ICMP6_TIME_EXCEEDED, ICMP6_TIME_EXCEED_TRANSIT,
     ICMP6_DST_UNREACH, ICMP6_DST_UNREACH_NOPORT};
 
+constexpr int kMostIgnored = 8; // a router sends one at most for a datagram
+
 bool set(int socket, int level, int option, int value)
 {
     return ::setsockopt(socket, level, option, &value, sizeof value) == 0;
@@ -60,13 +62,20 @@ AddressLookup askingOnce(const AddressLookup& lookUp)
         };
 }
 
+enum class Use {
+    Trace, ///< routers share load by the ports, so all probes of a path have one
+    Watch, ///< again and again for as long as the program runs
+    Neighbour, ///< likewise; no router may pass a datagram on, whatever the routes say
+};
+
 /// The state that the probes of a path share; the last of them may outlive it.
 struct Path {
     const QString host;
     const AddressLookup lookUp;
-    const bool isToNeighbour = false; ///< no router may pass a datagram on, whatever the routes say
+    const Use use = Use::Trace;
+    const QByteArray interfaceName {}; ///< empty: as the routes say
     bool isTimed = false; ///< since an earlier probe
-    in_port_t ownPort = 0; ///< in the order of the network; 0 before the first probe
+    in_port_t ownPort = 0; ///< of a trace, in the order of the network; 0 before the first probe
     /// The kernel times packets while any socket asks for it, and begins with a delay. This one
     /// spans the pauses between the probes.
     const base::FileDescriptor timed {::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)};
@@ -88,29 +97,45 @@ public:
 private:
     AddressLookup lookUp() const override { return m_path->lookUp; }
     bool ask(const SocketAddress& address) override;
+    bool setUp(sa_family_t family);
     void takeOwnPort(sa_family_t family);
     std::optional<Answer> takeAnswer() override;
     std::optional<Answer> takeDatagram();
+    std::optional<Answer> badAnswer(int error);
     Answer goodAnswer() const;
 
     const std::shared_ptr<Path> m_path;
     const int m_hopLimit;
     SocketAddress m_peer;
+    int m_ignored = 0; ///< bad answers
 };
 
-bool UdpHopProbe::ask(const SocketAddress& address)
+bool UdpHopProbe::setUp(sa_family_t family)
 {
     const int socket = descriptor();
+    const QByteArray& device = m_path->interfaceName;
     (void)kernelStamp(socket);
     // Without a flow label, by which routers may share load, too: the kernel makes one a socket.
-    const bool isSet = address.storage.ss_family == AF_INET
+    const bool isSet = family == AF_INET
         ? set(socket, IPPROTO_IP, IP_RECVERR, 1) && set(socket, IPPROTO_IP, IP_TTL, m_hopLimit)
         : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
             && set(socket, IPPROTO_IPV6, IPV6_AUTOFLOWLABEL, 0)
             && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_hopLimit);
-    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, m_path->isToNeighbour))
+    return isSet && set(socket, SOL_SOCKET, SO_DONTROUTE, m_path->use == Use::Neighbour)
+        && (device.isEmpty()
+            || ::setsockopt(socket, SOL_SOCKET, SO_BINDTODEVICE, device.constData(),
+                   socklen_t(device.size()))
+                == 0);
+}
+
+bool UdpHopProbe::ask(const SocketAddress& address)
+{
+    const int socket = descriptor();
+    if (!setUp(address.storage.ss_family))
         return false;
-    if (!m_path->isToNeighbour) // there is one way to it; each probe has a port of its own
+    // A stranger who wants to forge an answer has to guess the port. A watched path would give him
+    // hours for it, so that there each probe has another one, by chance.
+    if (m_path->use == Use::Trace)
         takeOwnPort(address.storage.ss_family);
     if (::connect(socket, reinterpret_cast<const sockaddr*>(&address.storage), address.length) != 0)
         return false;
@@ -146,8 +171,7 @@ std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
     case HopAnswer::None:
         return {};
     case HopAnswer::Bad:
-        // Another address of the same name has another way, whose hops are none of this one's.
-        return Answer {.error = int(error->report.ee_errno), .endsProbe = true};
+        return badAnswer(int(error->report.ee_errno));
     case HopAnswer::Good:
         break;
     }
@@ -155,6 +179,16 @@ std::optional<SocketProbe::Answer> UdpHopProbe::takeAnswer()
     if (!isSameHost(*error->offender, m_peer))
         answer.from = QString::fromStdString(addressText(*error->offender));
     return answer;
+}
+
+/// On a watched path it counts no more than silence does, so that nobody can take the place of a
+/// good answer with it. Some are waited out: a flood of them must not keep the main thread busy.
+std::optional<SocketProbe::Answer> UdpHopProbe::badAnswer(int error)
+{
+    if (m_path->use == Use::Watch && ++m_ignored < kMostIgnored)
+        return {};
+    // Another address of the same name has another way, whose hops are none of this one's.
+    return Answer {.error = error, .endsProbe = true};
 }
 
 std::optional<SocketProbe::Answer> UdpHopProbe::takeDatagram()
@@ -179,10 +213,13 @@ SocketProbe::Answer UdpHopProbe::goodAnswer() const
 
 class SocketHopPath : public platform::HopPath {
 public:
-    SocketHopPath(ProbeContext& context, const QString& host, bool isToNeighbour)
+    SocketHopPath(
+        ProbeContext& context, const QString& host, Use use, const QString& interfaceName = {})
         : m_context(context)
-        , m_path(new Path {
-              .host = host, .lookUp = askingOnce(context.lookUp), .isToNeighbour = isToNeighbour})
+        , m_path(new Path {.host = host,
+              .lookUp = askingOnce(context.lookUp),
+              .use = use,
+              .interfaceName = interfaceName.toLocal8Bit()})
     {
         (void)kernelStamp(m_path->timed.get());
     }
@@ -191,7 +228,7 @@ public:
         quint16 port, int hopLimit, platform::ConnectionHandler handler) override
     {
         // Before the kernel takes times, that of an answer is when it is seen.
-        const bool mayWait = std::exchange(m_path->isTimed, true) && m_path->isToNeighbour;
+        const bool mayWait = std::exchange(m_path->isTimed, true) && m_path->use != Use::Trace;
         return handleOf(new UdpHopProbe(m_context, m_path, port, hopLimit,
             mayWait ? base::Delivery::Batched : base::Delivery::Immediate, std::move(handler)));
     }
@@ -218,18 +255,18 @@ HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
 
 std::unique_ptr<platform::HopPath> SocketHopProbes::pathTo(const QString& host)
 {
-    return std::make_unique<SocketHopPath>(m_context, host, false);
+    return std::make_unique<SocketHopPath>(m_context, host, Use::Trace);
 }
 
 std::unique_ptr<platform::HopPath> SocketHopProbes::watchedPathTo(
-    const QString& host, const QString&)
+    const QString& host, const QString& interfaceName)
 {
-    return std::make_unique<SocketHopPath>(m_context, host, false);
+    return std::make_unique<SocketHopPath>(m_context, host, Use::Watch, interfaceName);
 }
 
 std::unique_ptr<platform::HopPath> SocketHopProbes::pathToNeighbour(const QString& host)
 {
-    return std::make_unique<SocketHopPath>(m_context, host, true);
+    return std::make_unique<SocketHopPath>(m_context, host, Use::Neighbour);
 }
 
 } // namespace netvane::net
