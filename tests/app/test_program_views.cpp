@@ -123,20 +123,16 @@ private Q_SLOTS:
         for (const auto sign : {u'<', u'&'})
             QVERIFY(!item.toolTip().contains(sign));
 
-        auto* strip = program.root().findChild<QQuickItem*>(u"verdict"_s);
-        for (const auto key : {Qt::Key_Return, Qt::Key_Space}) {
-            strip->forceActiveFocus(Qt::TabFocusReason);
-            program.key(key);
-            QVERIFY(!program.popover().isShown());
-            auto& window = program.delegate->verdictWindow()->window();
-            QVERIFY(QTest::qWaitForWindowActive(&window));
-            QCOMPARE(window.title(), u"What is wrong?"_s);
-            const QPointer<QQuickItem> root = &windows::rootOf(window);
-            QVERIFY(showsText(*root, verdict.sentence));
-            program.key(Qt::Key_Escape);
-            QVERIFY(!program.delegate->verdictWindow() && !root);
-            program.click();
-        }
+        program.root().findChild<QQuickItem*>(u"verdict"_s)->forceActiveFocus(Qt::TabFocusReason);
+        program.key(Qt::Key_Return);
+        QVERIFY(!program.popover().isShown());
+        auto& window = program.delegate->verdictWindow()->window();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QCOMPARE(window.title(), u"What is wrong?"_s);
+        const QPointer<QQuickItem> root = &windows::rootOf(window);
+        QVERIFY(showsText(*root, verdict.sentence));
+        program.key(Qt::Key_Escape);
+        QVERIFY(!program.delegate->verdictWindow() && !root);
     }
 
     void windowTellsTheWayBackWithoutAnItem()
