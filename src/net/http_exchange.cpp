@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 
 #include <sys/select.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
@@ -29,6 +30,35 @@ struct FreeEasy {
 struct FreeList {
     void operator()(curl_slist* list) const { curlLibrary()->slistFreeAll(list); }
 };
+
+bool isConnectedTcp(int socket)
+{
+    sockaddr_storage peer {};
+    socklen_t length = sizeof peer;
+    int type = 0;
+    socklen_t typeLength = sizeof type;
+    return ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &length) == 0
+        && (peer.ss_family == AF_INET || peer.ss_family == AF_INET6)
+        && ::getsockopt(socket, SOL_SOCKET, SO_TYPE, &type, &typeLength) == 0
+        && type == SOCK_STREAM;
+}
+
+/// Whether a peer has accepted a connection that is waited on.
+bool hasConnection(CURLM* multi)
+{
+    fd_set readable;
+    fd_set writable;
+    fd_set other;
+    for (fd_set* descriptors : {&readable, &writable, &other})
+        FD_ZERO(descriptors);
+    int highest = -1;
+    curlLibrary()->multiFdset(multi, &readable, &writable, &other, &highest);
+    for (int socket = 0; socket <= highest; ++socket) {
+        if ((FD_ISSET(socket, &readable) || FD_ISSET(socket, &writable)) && isConnectedTcp(socket))
+            return true;
+    }
+    return false;
+}
 
 /// One response, which may be a redirect. libcurl calls the static functions; a result other than
 /// the number of bytes ends the transfer.
@@ -136,6 +166,7 @@ private:
             if (running > 0 && wait(multi))
                 m_exchange.lastProgress = m_clock.monotonicNow();
         }
+        m_isConnected = hasConnection(multi);
         CURLcode result = CURLE_ABORTED_BY_CALLBACK;
         int left = 0;
         if (const CURLMsg* message = curlLibrary()->multiInfoRead(multi, &left))
@@ -212,18 +243,16 @@ private:
         }
     }
 
-    /// What was waited for in vain.
+    /// What was waited for in vain. libcurl takes the time of the connection after the handshake of
+    /// TLS, and some versions name the peer only then.
     platform::HttpFailure failureByPhase() const
     {
         using platform::HttpFailure;
-        const auto isOver = [this](CURLINFO phase) {
-            curl_off_t microseconds = 0;
-            curlLibrary()->easyGetinfo(m_easy.get(), phase, &microseconds);
-            return microseconds > 0;
-        };
-        if (!isOver(CURLINFO_NAMELOOKUP_TIME_T))
-            return HttpFailure::NotResolved;
-        return isOver(CURLINFO_CONNECT_TIME_T) ? HttpFailure::Silent : HttpFailure::NotConnected;
+        if (m_isConnected)
+            return HttpFailure::Silent;
+        curl_off_t microseconds = 0;
+        curlLibrary()->easyGetinfo(m_easy.get(), CURLINFO_NAMELOOKUP_TIME_T, &microseconds);
+        return microseconds > 0 ? HttpFailure::NotConnected : HttpFailure::NotResolved;
     }
 
     /// A proxy that does not lead to the server has answered all the same.
@@ -297,6 +326,7 @@ private:
     std::array<char, CURL_ERROR_SIZE> m_error {};
     std::unique_ptr<curl_slist, FreeList> m_headers;
     const std::unique_ptr<CURL, FreeEasy> m_easy {curlLibrary()->easyInit()};
+    bool m_isConnected = false; ///< in the end
     qsizetype m_headerBytes = 0;
     qint64 m_toSend = 0;
 };
