@@ -94,7 +94,7 @@ public:
             Qt::QueuedConnection);
         connect(&m_wifi, &wifi::WiFiService::linkRead, this,
             [this](const auto& reading) { m_reading = reading.value_or(platform::LinkReading()); });
-        connect(m_platform.radioMonitor.get(), &platform::RadioMonitor::event, this,
+        connect(m_platform.radioMonitor.get(), &platform::RadioMonitor::happened, this,
             [this](const auto& event) { m_events.append(textOf(event)); });
         connect(&m_input, &QSocketNotifier::activated, this, &WiFiWatch::readRequest);
         printLine({{u"event"_s, u"ready"_s}});
