@@ -6,7 +6,7 @@
 #include "base/system_clock.h"
 #include "base/work_queues.h"
 #include "figure.h"
-#include "net/linux_network_configuration.h"
+#include "net/configuration/linux_network_configuration.h"
 #include "probes/dns_service.h"
 
 #include <QCoreApplication>

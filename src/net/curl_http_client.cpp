@@ -81,6 +81,40 @@ private:
     std::optional<QString> m_lateText; ///< once a limit was reached
 };
 
+/// Whether libcurl finds one there. The name in capitals is not read for http: servers put a
+/// visitor's header into it.
+bool isProxyInEnvironment(const QString& scheme)
+{
+    const QByteArray own = scheme.toLatin1() + "_proxy";
+    const QByteArray names[]
+        = {own, own.startsWith("https") ? own.toUpper() : own, "all_proxy", "ALL_PROXY"};
+    return std::ranges::any_of(
+        names, [](const QByteArray& name) { return !qEnvironmentVariableIsEmpty(name); });
+}
+
+/// Whether libcurl takes the host for one that needs none (curl(1), NO_PROXY). Ranges of addresses
+/// are not looked at.
+bool isProxyException(const QString& host)
+{
+    QString list = qEnvironmentVariable("no_proxy", qEnvironmentVariable("NO_PROXY")).trimmed();
+    if (list == u"*")
+        return true;
+    const auto entries = list.replace(u' ', u',').split(u',', Qt::SkipEmptyParts);
+    return std::ranges::any_of(entries, [&](const QString& entry) {
+        const auto name = entry.startsWith(u'.') ? entry.mid(1) : entry;
+        return host.compare(name, Qt::CaseInsensitive) == 0
+            || host.endsWith(u'.' + name, Qt::CaseInsensitive);
+    });
+}
+
+bool usesProxy(const HttpExchange& exchange)
+{
+    const auto& url = exchange.request.url;
+    const bool isNamed
+        = exchange.proxy ? !exchange.proxy->isEmpty() : isProxyInEnvironment(url.scheme());
+    return isNamed && !isProxyException(url.host());
+}
+
 platform::HttpAnswer answerOf(const HttpExchange& exchange)
 {
     platform::HttpAnswer answer {.status = exchange.status,
@@ -88,7 +122,10 @@ platform::HttpAnswer answerOf(const HttpExchange& exchange)
         .truncated = exchange.isTooLong,
         .finalUrl = exchange.request.url,
         .endedAt = exchange.endedAt,
-        .errorText = exchange.errorText};
+        .errorText = exchange.errorText,
+        .usedProxy = usesProxy(exchange)};
+    if (!exchange.status && exchange.errorText)
+        answer.failure = exchange.failure.value_or(platform::HttpFailure::Other);
     if (exchange.isTooLong && !exchange.request.keepsBody)
         answer.errorText = u"The server sends far more than it was asked for"_s;
     if (!answer.errorText && answer.status && *answer.status / 100 != 2)
@@ -104,17 +141,6 @@ void blockSignals()
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_BLOCK, &all, nullptr);
-}
-
-/// Whether libcurl finds one there. The name in capitals is not read for http: servers put a
-/// visitor's header into it.
-bool isProxyInEnvironment(const QString& scheme)
-{
-    const QByteArray own = scheme.toLatin1() + "_proxy";
-    const QByteArray names[]
-        = {own, own.startsWith("https") ? own.toUpper() : own, "all_proxy", "ALL_PROXY"};
-    return std::ranges::any_of(
-        names, [](const QByteArray& name) { return !qEnvironmentVariableIsEmpty(name); });
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <netdb.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -47,11 +48,8 @@ HostAddresses addressesOf(const std::string& host, std::uint16_t port, int flags
         return {.errorText = ::gai_strerror(status)};
     const std::unique_ptr<addrinfo, AddressListDeleter> owned(list);
     HostAddresses result;
-    for (const auto* each = list; each; each = each->ai_next) {
-        SocketAddress address {.length = each->ai_addrlen};
-        std::memcpy(&address.storage, each->ai_addr, each->ai_addrlen);
-        result.addresses.push_back(unmapped(address));
-    }
+    for (const auto* each = list; each; each = each->ai_next)
+        result.addresses.push_back(addressOf(*each));
     return result;
 }
 
@@ -66,6 +64,13 @@ const sockaddr_in6& asIPv6(const SocketAddress& address)
 }
 
 } // namespace
+
+SocketAddress addressOf(const addrinfo& found)
+{
+    SocketAddress address {.length = std::min(found.ai_addrlen, socklen_t(sizeof address.storage))};
+    std::memcpy(&address.storage, found.ai_addr, address.length);
+    return unmapped(address);
+}
 
 in_port_t& portOf(SocketAddress& address)
 {

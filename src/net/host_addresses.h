@@ -3,6 +3,8 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <netdb.h>
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -15,6 +17,8 @@ struct SocketAddress {
     socklen_t length = 0;
 };
 
+/// One result of getaddrinfo(3).
+SocketAddress addressOf(const addrinfo& found);
 /// The port of either family, in the order of the network.
 in_port_t& portOf(SocketAddress& address);
 /// Whether both are addresses of one host, whatever the ports and scopes.

@@ -183,6 +183,47 @@ private:
         else
             m_exchange.errorText = QString::fromLocal8Bit(
                 isTold ? m_error.data() : curlLibrary()->easyStrerror(result));
+        m_exchange.failure = failureOf(result);
+    }
+
+    platform::HttpFailure failureOf(CURLcode result) const
+    {
+        using platform::HttpFailure;
+        switch (result) {
+        case CURLE_COULDNT_RESOLVE_HOST:
+        case CURLE_COULDNT_RESOLVE_PROXY:
+            return HttpFailure::NotResolved;
+        case CURLE_COULDNT_CONNECT:
+            return HttpFailure::NotConnected;
+        case CURLE_PEER_FAILED_VERIFICATION:
+        case CURLE_SSL_CONNECT_ERROR:
+        case CURLE_SSL_ISSUER_ERROR:
+            return HttpFailure::NotTrusted;
+        case CURLE_GOT_NOTHING:
+        case CURLE_PARTIAL_FILE:
+        case CURLE_RECV_ERROR:
+        case CURLE_SEND_ERROR:
+            return HttpFailure::Silent;
+        case CURLE_ABORTED_BY_CALLBACK: // at a limit
+        case CURLE_OPERATION_TIMEDOUT:
+            return failureByPhase();
+        default:
+            return HttpFailure::Other;
+        }
+    }
+
+    /// What was waited for in vain.
+    platform::HttpFailure failureByPhase() const
+    {
+        using platform::HttpFailure;
+        const auto isOver = [this](CURLINFO phase) {
+            curl_off_t microseconds = 0;
+            curlLibrary()->easyGetinfo(m_easy.get(), phase, &microseconds);
+            return microseconds > 0;
+        };
+        if (!isOver(CURLINFO_NAMELOOKUP_TIME_T))
+            return HttpFailure::NotResolved;
+        return isOver(CURLINFO_CONNECT_TIME_T) ? HttpFailure::Silent : HttpFailure::NotConnected;
     }
 
     /// A proxy that does not lead to the server has answered all the same.

@@ -36,6 +36,7 @@ struct HttpExchange : std::enable_shared_from_this<HttpExchange> {
     qint64 receivedBytes = 0; ///< of the last response's body
     bool isTooLong = false; ///< the body exceeded the limit
     std::optional<QString> errorText;
+    std::optional<platform::HttpFailure> failure; ///< where it stood when it ended with an error
     std::chrono::steady_clock::time_point endedAt;
 
     // Shared by both threads.

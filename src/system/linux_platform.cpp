@@ -9,12 +9,13 @@
 #include "desktop/session_status_notifier_host.h"
 #include "desktop/settings_file.h"
 #include "desktop/suspend_watch.h"
+#include "net/configuration/linux_network_configuration.h"
+#include "net/configuration/route_watch.h"
 #include "net/curl_http_client.h"
-#include "net/linux_network_configuration.h"
-#include "net/route_watch.h"
 #include "net/socket_connections.h"
 #include "net/socket_hop_probes.h"
 #include "net/system_resolver.h"
+#include "probes/probe_targets.h"
 #include "radio/interface_choice.h"
 #include "radio/linux_network_scanner.h"
 #include "radio/linux_radio_monitor.h"
@@ -48,7 +49,9 @@ platform::Platform makePlatform()
     platform.sleepMonitor = std::make_unique<desktop::SuspendWatch>(*platform.clock);
     platform.routeMonitor = std::make_unique<net::RouteWatch>(*platform.clock);
     platform.userNotifications = std::make_unique<desktop::FreedesktopNotifications>(*sessionBus);
-    platform.networkConfiguration = std::make_unique<net::LinuxNetworkConfiguration>();
+    platform.networkConfiguration
+        = std::make_unique<net::LinuxNetworkConfiguration>(net::NetworkFiles {},
+            net::InternetAddresses {probes::kInternetTarget, probes::kInternetTarget6});
     platform.httpClient = std::make_unique<net::CurlHttpClient>(*platform.clock,
         [proxies = desktop::PortalProxies(*sessionBus)](
             const auto& url, auto* owner, const auto& take) { proxies.lookUp(url, owner, take); });

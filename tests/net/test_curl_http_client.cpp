@@ -9,6 +9,7 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 using namespace netvane;
 using platform::HttpAnswer;
+using platform::HttpFailure;
 using test::httpResponse;
 using test::Script;
 using test::ScriptedHttpServer;
@@ -129,6 +130,7 @@ private Q_SLOTS:
             m_clock.advance(1ms);
             QTRY_COMPARE(m_answers.size(), size_t(1));
             QVERIFY(m_answers.front().errorText && !m_answers.front().status);
+            QVERIFY(m_answers.front().failure == HttpFailure::Silent);
             QTRY_COMPARE(peer->state(), QTcpSocket::UnconnectedState);
             QCOMPARE(m_clock.timerCount(), 0);
         }
@@ -163,6 +165,19 @@ private Q_SLOTS:
         get(m_server->url("/"));
         QTRY_COMPARE(m_answers.size(), size_t(1));
         QVERIFY(m_answers.front().errorText && !m_answers.front().status);
+        QVERIFY(m_answers.front().failure == HttpFailure::NotTrusted);
+        QVERIFY(!m_answers.front().usedProxy);
+    }
+
+    void closedPort()
+    {
+        QTcpServer closed;
+        QVERIFY(closed.listen(QHostAddress::LocalHost));
+        const QUrl url(u"https://127.0.0.1:%1/"_s.arg(closed.serverPort()));
+        closed.close();
+        get(url);
+        QTRY_COMPARE(m_answers.size(), size_t(1));
+        QVERIFY(m_answers.front().failure == HttpFailure::NotConnected);
     }
 
     void endsWithItsOwner()
@@ -262,6 +277,8 @@ private Q_SLOTS:
             QTRY_COMPARE(m_answers.size(), size_t(1));
             QCOMPARE(m_answers.front().status.value_or(0), status);
             QCOMPARE(m_answers.front().body.has_value(), status == 200);
+            QCOMPARE(m_answers.front().usedProxy,
+                !address.isEmpty() || qEnvironmentVariableIsSet("https_proxy"));
             QVERIFY(!m_answers.front().errorText.value_or(QString()).contains(u"secret"));
             QCOMPARE(asked, askedByThen);
         };

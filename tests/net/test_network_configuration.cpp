@@ -1,4 +1,4 @@
-#include "net/linux_network_configuration.h"
+#include "net/configuration/linux_network_configuration.h"
 #include "support/test_main.h"
 
 #include <QTemporaryDir>

@@ -1,4 +1,4 @@
-#include "net/route_messages.h"
+#include "net/configuration/network_state.h"
 #include "support/netlink_bytes.h"
 #include "support/test_main.h"
 
@@ -122,13 +122,12 @@ private Q_SLOTS:
             if (const auto record = parseRoute(bytesOf(message)))
                 records.push_back(*record);
         }
-        std::vector<LinkRecord> tunnels;
-        for (const auto& message : {linkOf(4, "veth"), linkOf(7, QByteArray("wireguard", 10))}) {
-            if (const auto link = parseLink(bytesOf(message)); link->isTunnel)
-                tunnels.push_back(*link);
-        }
+        std::vector<LinkRecord> links;
+        for (const auto& message : {linkOf(4, "veth"), linkOf(7, QByteArray("wireguard", 10))})
+            links.push_back(parseLink(bytesOf(message)).value());
         const QString router = last == 0 ? QString() : u"192.168.1.%1"_s.arg(last);
-        QCOMPARE(defaultRouterOf(records, nextHops, tunnels).value_or(QString()), router);
+        QCOMPARE(
+            defaultRouterOf(records, nextHops, tunnelsAmong(links)).value_or(QString()), router);
     }
 };
 

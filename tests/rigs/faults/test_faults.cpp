@@ -4,7 +4,7 @@
 #include "desktop/settings_file.h"
 #include "diagnostics/traceroute_service.h"
 #include "fault.h"
-#include "net/linux_network_configuration.h"
+#include "net/configuration/linux_network_configuration.h"
 #include "net/socket_connections.h"
 #include "net/socket_hop_probes.h"
 #include "net/system_resolver.h"

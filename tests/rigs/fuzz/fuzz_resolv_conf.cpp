@@ -1,6 +1,6 @@
 // resolv.conf, which DHCP clients and VPNs write with data from the network.
 #include "fuzz_target.h"
-#include "net/resolv_conf.h"
+#include "net/configuration/resolv_conf.h"
 
 #include <arpa/inet.h>
 

@@ -1,49 +1,32 @@
-#include "net/route_messages.h"
+#include "net/configuration/route_messages.h"
 
 #include <arpa/inet.h>
-#include <linux/if_link.h>
 #include <linux/nexthop.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
 
 namespace netvane::net {
 namespace {
 
 constexpr int kNextHopAttributeMax = NHA_GATEWAY; // nothing beyond it is read
-/// As their drivers in the kernel name them; TAP devices are of the kind "tun", too.
-constexpr std::array<QByteArrayView, 16> kTunnelKinds {"tun", "wireguard", "ovpn", "ppp", "xfrm",
-    "vti", "ipip", "sit", "gre", "gretap", "erspan", "ip6tnl", "ip6gre", "ip6gretap", "vti6",
-    "vxlan"};
+using netlink::attributesAfter;
+using netlink::headerOf;
 
-/// The fixed header of a message; absent if the message is shorter.
-template <typename Header>
-std::optional<Header> headerOf(netlink::AttributeBytes message)
+/// An address in network order as text; absent for another length and for "no address".
+std::optional<QString> textOf(int family, const std::optional<QByteArray>& address)
 {
-    if (message.size() < sizeof(Header))
+    const size_t length = family == AF_INET ? sizeof(in_addr) : sizeof(in6_addr);
+    if ((family != AF_INET && family != AF_INET6) || !address || size_t(address->size()) != length
+        || *address == QByteArray(address->size(), '\0'))
         return {};
-    Header header {};
-    std::memcpy(&header, message.data(), sizeof header);
-    return header;
-}
-
-template <typename Header>
-netlink::AttributeBytes attributesAfter(netlink::AttributeBytes message)
-{
-    return message.subspan(std::min(message.size(), size_t(NLMSG_ALIGN(sizeof(Header)))));
-}
-
-/// Four bytes in network order as dotted text; absent for other lengths and for "no address".
-std::optional<QString> ipv4Text(const std::optional<QByteArray>& address)
-{
-    if (!address || address->size() != sizeof(in_addr) || *address == QByteArray(4, '\0'))
-        return {};
-    char text[INET_ADDRSTRLEN] = {};
-    ::inet_ntop(AF_INET, address->constData(), text, sizeof text);
-    return QString::fromLatin1(text);
+    std::array<char, INET6_ADDRSTRLEN> text {};
+    ::inet_ntop(family, address->constData(), text.data(), text.size());
+    return QString::fromLatin1(text.data());
 }
 
 std::optional<Gateway> gatewayAt(
@@ -54,21 +37,21 @@ std::optional<Gateway> gatewayAt(
 }
 
 /// RTA_GATEWAY, or instead RTA_VIA, which may contain a router of another family.
-std::optional<QString> gatewayOf(const netlink::Attributes<RTA_MAX>& attributes)
+std::optional<QString> gatewayOf(int family, const netlink::Attributes<RTA_MAX>& attributes)
 {
-    if (auto gateway = ipv4Text(attributes.bytes(RTA_GATEWAY)))
+    if (auto gateway = textOf(family, attributes.bytes(RTA_GATEWAY)))
         return gateway;
     const auto via = attributes.bytes(RTA_VIA);
     if (!via || via->size() < qsizetype(sizeof(rtvia)))
         return {};
     rtvia header {};
     std::memcpy(&header, via->constData(), sizeof header);
-    return header.rtvia_family == AF_INET ? ipv4Text(via->sliced(sizeof header)) : std::nullopt;
+    return textOf(header.rtvia_family, via->sliced(sizeof header));
 }
 
 /// RTA_MULTIPATH: the first next hop with a gateway. A link without carrier counts as dead if the
 /// kernel is configured to ignore such links; the flag shows this.
-std::optional<Gateway> firstGateway(netlink::AttributeBytes nextHops)
+std::optional<Gateway> firstGateway(int family, netlink::AttributeBytes nextHops)
 {
     while (const auto hop = headerOf<rtnexthop>(nextHops)) {
         if (hop->rtnh_len < sizeof(rtnexthop) || hop->rtnh_len > nextHops.size())
@@ -76,7 +59,8 @@ std::optional<Gateway> firstGateway(netlink::AttributeBytes nextHops)
         const netlink::Attributes<RTA_MAX> attributes(
             attributesAfter<rtnexthop>(nextHops.first(hop->rtnh_len)));
         if ((hop->rtnh_flags & RTNH_F_DEAD) == 0) {
-            if (auto gateway = gatewayAt(gatewayOf(attributes), std::uint32_t(hop->rtnh_ifindex)))
+            if (auto gateway
+                = gatewayAt(gatewayOf(family, attributes), std::uint32_t(hop->rtnh_ifindex)))
                 return gateway;
         }
         nextHops = nextHops.subspan(std::min(nextHops.size(), size_t(RTNH_ALIGN(hop->rtnh_len))));
@@ -113,12 +97,18 @@ std::optional<Gateway> resolvedGateway(const std::vector<NextHopRecord>& nextHop
     return {};
 }
 
+std::optional<Gateway> gatewayOf(
+    const RouteRecord& route, const std::vector<NextHopRecord>& nextHops)
+{
+    return needsNextHops(route) ? resolvedGateway(nextHops, *route.nextHopId) : route.gateway;
+}
+
 } // namespace
 
 std::optional<RouteRecord> parseRoute(netlink::AttributeBytes message)
 {
     const auto header = headerOf<rtmsg>(message);
-    if (!header || header->rtm_family != AF_INET)
+    if (!header || (header->rtm_family != AF_INET && header->rtm_family != AF_INET6))
         return {};
     const netlink::Attributes<RTA_MAX> attributes(attributesAfter<rtmsg>(message));
     RouteRecord route {
@@ -128,12 +118,13 @@ std::optional<RouteRecord> parseRoute(netlink::AttributeBytes message)
         .destinationBits = header->rtm_dst_len,
         .typeOfService = header->rtm_tos,
         .metric = attributes.number<std::uint32_t>(RTA_PRIORITY).value_or(0),
+        .device = attributes.number<std::uint32_t>(RTA_OIF).value_or(0),
         .nextHopId = attributes.number<std::uint32_t>(RTA_NH_ID),
     };
     if ((header->rtm_flags & RTNH_F_DEAD) == 0)
-        route.gateway = gatewayAt(gatewayOf(attributes), attributes.number<std::uint32_t>(RTA_OIF));
+        route.gateway = gatewayAt(gatewayOf(header->rtm_family, attributes), route.device);
     if (!route.gateway)
-        route.gateway = firstGateway(attributes.nested(RTA_MULTIPATH));
+        route.gateway = firstGateway(header->rtm_family, attributes.nested(RTA_MULTIPATH));
     return route;
 }
 
@@ -149,24 +140,10 @@ std::optional<NextHopRecord> parseNextHop(netlink::AttributeBytes message)
     return NextHopRecord {
         .id = *id,
         .dead = (header->nh_flags & RTNH_F_DEAD) != 0,
-        .gateway = header->nh_family == AF_INET ? gatewayAt(ipv4Text(attributes.bytes(NHA_GATEWAY)),
-                       attributes.number<std::uint32_t>(NHA_OIF))
-                                                : std::nullopt,
+        .gateway = gatewayAt(textOf(header->nh_family, attributes.bytes(NHA_GATEWAY)),
+            attributes.number<std::uint32_t>(NHA_OIF)),
         .members = groupMembers(attributes.nested(NHA_GROUP)),
     };
-}
-
-std::optional<LinkRecord> parseLink(netlink::AttributeBytes message)
-{
-    const auto header = headerOf<ifinfomsg>(message);
-    if (!header)
-        return {};
-    const netlink::Attributes<IFLA_MAX> attributes(attributesAfter<ifinfomsg>(message));
-    const netlink::Attributes<IFLA_INFO_MAX> info(attributes.nested(IFLA_LINKINFO));
-    const auto kind = info.text(IFLA_INFO_KIND);
-    return LinkRecord {.index = std::uint32_t(header->ifi_index),
-        .isTunnel
-        = kind && std::ranges::find(kTunnelKinds, QByteArrayView(*kind)) != kTunnelKinds.end()};
 }
 
 bool isDefaultRoute(const RouteRecord& route)
@@ -180,27 +157,55 @@ bool needsNextHops(const RouteRecord& route)
     return !route.gateway && route.nextHopId;
 }
 
+bool isHostRoute(const RouteRecord& route)
+{
+    constexpr int kWholeIPv4 = 32;
+    return route.table == RT_TABLE_MAIN && route.type == RTN_UNICAST
+        && route.destinationBits == kWholeIPv4 && route.gateway;
+}
+
 std::optional<QString> defaultRouterOf(const std::vector<RouteRecord>& routes,
-    const std::vector<NextHopRecord>& nextHops, const std::vector<LinkRecord>& tunnels)
+    const std::vector<NextHopRecord>& nextHops, const std::vector<std::uint32_t>& tunnels)
 {
     std::optional<QString> router;
     std::pair<bool, std::uint32_t> best; // whether through a tunnel, and the metric
     for (const RouteRecord& route : routes) {
         if (!isDefaultRoute(route))
             continue;
-        const auto gateway
-            = needsNextHops(route) ? resolvedGateway(nextHops, *route.nextHopId) : route.gateway;
+        const auto gateway = gatewayOf(route, nextHops);
         if (!gateway)
             continue;
         const std::pair rank(
-            std::ranges::find(tunnels, gateway->device, &LinkRecord::index) != tunnels.end(),
-            route.metric);
+            std::ranges::find(tunnels, gateway->device) != tunnels.end(), route.metric);
         if (router && rank >= best)
             continue;
         router = gateway->address;
         best = rank;
     }
     return router;
+}
+
+std::optional<Gateway> gatewayPastTunnels(const std::vector<RouteRecord>& routes,
+    const std::vector<NextHopRecord>& nextHops, const std::vector<std::uint32_t>& tunnels)
+{
+    std::optional<Gateway> found;
+    std::uint32_t metric = 0;
+    for (const RouteRecord& route : routes) {
+        const auto gateway = nextOf(route, nextHops);
+        if (!gateway || std::ranges::find(tunnels, gateway->device) != tunnels.end()
+            || (found && route.metric >= metric))
+            continue;
+        found = gateway;
+        metric = route.metric;
+    }
+    return found;
+}
+
+std::optional<Gateway> nextOf(const RouteRecord& route, const std::vector<NextHopRecord>& nextHops)
+{
+    if (auto gateway = gatewayOf(route, nextHops))
+        return gateway;
+    return route.device != 0 ? std::optional(Gateway {{}, route.device}) : std::nullopt;
 }
 
 } // namespace netvane::net

@@ -10,12 +10,12 @@
 
 namespace netvane::net {
 
-// The content of rtnetlink's answers about IPv4 routes (linux/rtnetlink.h, linux/nexthop.h). The
-// parsers take the bytes after the netlink header and check every length in them.
+// The content of rtnetlink's answers about routes (linux/rtnetlink.h, linux/nexthop.h). The parsers
+// take the bytes after the netlink header and check every length in them.
 
 /// Where packets go next.
 struct Gateway {
-    QString address; ///< IPv4
+    QString address; ///< without a scope; empty: every host is on the link itself
     std::uint32_t device = 0; ///< index of the link that leads to it; zero: not told
 
     bool operator==(const Gateway&) const = default;
@@ -28,12 +28,13 @@ struct RouteRecord {
     std::uint8_t destinationBits = 0; ///< zero: for every destination
     std::uint8_t typeOfService = 0; ///< not zero: for some packets only
     std::uint32_t metric = 0; ///< less is preferred
+    std::uint32_t device = 0; ///< index of the link of the only next hop; zero: not told
     std::optional<Gateway> gateway; ///< of the first next hop that has one and is not dead
     std::optional<std::uint32_t> nextHopId; ///< the route goes through a next hop object
 
     bool operator==(const RouteRecord&) const = default;
 };
-/// Absent if it is too short or not about IPv4.
+/// Absent if it is too short or about neither IPv4 nor IPv6.
 std::optional<RouteRecord> parseRoute(netlink::AttributeBytes message);
 
 /// RTM_NEWNEXTHOP: one next hop, or a group of others.
@@ -48,17 +49,6 @@ struct NextHopRecord {
 /// Absent if it is too short or has no number.
 std::optional<NextHopRecord> parseNextHop(netlink::AttributeBytes message);
 
-/// RTM_NEWLINK.
-struct LinkRecord {
-    std::uint32_t index = 0;
-    /// It is of a kind (IFLA_INFO_KIND) whose packets travel inside those of another link.
-    bool isTunnel = false;
-
-    bool operator==(const LinkRecord&) const = default;
-};
-/// Absent when it is too short.
-std::optional<LinkRecord> parseLink(netlink::AttributeBytes message);
-
 /// Whether it is the default route of the main table.
 bool isDefaultRoute(const RouteRecord& route);
 
@@ -66,10 +56,21 @@ bool isDefaultRoute(const RouteRecord& route);
 /// the route unless net.ipv4.nexthop_compat_mode is off.
 bool needsNextHops(const RouteRecord& route);
 
+/// Whether it is the route of the main table to a single IPv4 host behind a gateway.
+bool isHostRoute(const RouteRecord& route);
+
+/// Where the route leads, to a gateway or to a link alone.
+std::optional<Gateway> nextOf(const RouteRecord& route, const std::vector<NextHopRecord>& nextHops);
+
 /// The gateway of the default route of the lowest metric among those that have one; the first of
-/// several with the same metric, as the kernel does. One through any of `tunnels` counts only where
-/// there is no other: behind it is the far end of the tunnel, and not the router of this network.
+/// several with the same metric, as the kernel does. One through any of `tunnels`, which are
+/// indices of links, counts only where there is no other: behind it is the far end of the tunnel,
+/// and not the router of this network.
 std::optional<QString> defaultRouterOf(const std::vector<RouteRecord>& routes,
-    const std::vector<NextHopRecord>& nextHops, const std::vector<LinkRecord>& tunnels);
+    const std::vector<NextHopRecord>& nextHops, const std::vector<std::uint32_t>& tunnels);
+
+/// Where the route of the lowest metric leads among those through no tunnel.
+std::optional<Gateway> gatewayPastTunnels(const std::vector<RouteRecord>& routes,
+    const std::vector<NextHopRecord>& nextHops, const std::vector<std::uint32_t>& tunnels);
 
 } // namespace netvane::net

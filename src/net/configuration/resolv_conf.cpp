@@ -1,4 +1,4 @@
-#include "net/resolv_conf.h"
+#include "net/configuration/resolv_conf.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -1,4 +1,4 @@
-#include "net/route_watch.h"
+#include "net/configuration/route_watch.h"
 
 #include <QSocketNotifier>
 
