@@ -92,7 +92,7 @@ void LinuxRadioMonitor::receive()
 {
     m_sources->radio->receive([this](const netlink::GenericMessage& message) {
         if (const auto event = m_reader.read(message, m_clock.monotonicNow()))
-            Q_EMIT this->event(*event);
+            Q_EMIT happened(*event);
     });
 }
 
