@@ -9,6 +9,7 @@
 #include "desktop/session_status_notifier_host.h"
 #include "desktop/settings_file.h"
 #include "desktop/suspend_watch.h"
+#include "net/cares_name_servers.h"
 #include "net/configuration/linux_network_configuration.h"
 #include "net/configuration/route_watch.h"
 #include "net/curl_http_client.h"
@@ -57,6 +58,7 @@ platform::Platform makePlatform()
             const auto& url, auto* owner, const auto& take) { proxies.lookUp(url, owner, take); });
     platform.connections = std::make_shared<net::SocketConnections>(*platform.clock);
     platform.hopProbes = std::make_shared<net::SocketHopProbes>(*platform.clock);
+    platform.nameServers = std::make_unique<net::CaresNameServers>(*platform.clock);
     platform.resolver = std::make_shared<net::SystemResolver>();
     platform.userDefaults = std::make_unique<desktop::SettingsFile>(
         desktop::SettingsFile::defaultPath(), platform.queues->utility);
