@@ -2,6 +2,7 @@
 
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
+#include "app/verdict_window.h"
 #include "base/log.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
@@ -66,6 +67,8 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
         logCategory(), u"AppDelegate: init() called - Sparkle updater initialized and started"_s);
     connect(&m_notifications, &NotificationCenter::openInWindow, this,
         &AppDelegate::handleOpenInWindow);
+    connect(&m_notifications, &NotificationCenter::explainVerdict, this,
+        &AppDelegate::openVerdictWindow);
     connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
         &AppDelegate::popoverDidOpenNotification);
     connect(&m_statusArea, &shell::StatusArea::changed, this, &AppDelegate::noteWayBack);
@@ -177,7 +180,7 @@ void AppDelegate::startServices()
 DashboardViews* AppDelegate::views()
 {
     if (!m_views)
-        m_views = m_makeViews(m_services, *m_mainMenu);
+        m_views = m_makeViews(m_services, *m_mainMenu, m_notifications);
     return m_views.get();
 }
 
@@ -231,6 +234,24 @@ void AppDelegate::openDetailedWindow()
         views()->detailedWindow(), *m_platform.userDefaults, *m_platform.clock);
     noteWayBack();
     m_windowController->showWindow();
+}
+
+/// As with the detailed window.
+void AppDelegate::openVerdictWindow()
+{
+    if (!m_popover)
+        return;
+    m_popover->performClose();
+    if (!m_verdictWindow) {
+        if (!views())
+            return;
+        m_verdictWindow = std::make_unique<VerdictWindow>(views()->verdictWindow());
+        // Not at once: the view itself may have been what closed the window.
+        connect(
+            m_verdictWindow.get(), &VerdictWindow::closed, this,
+            [this] { m_verdictWindow.reset(); }, Qt::QueuedConnection);
+    }
+    m_verdictWindow->show();
 }
 
 /// Closing the window leaves nothing to be seen of a program that has no item.

@@ -25,6 +25,7 @@ namespace netvane::app {
 
 class NotificationCenter;
 class StatusBarManager;
+class VerdictWindow;
 
 /// The program's one long-lived controller: makes every service once and in a fixed order, wires
 /// them, and stops them at the end. Main thread.
@@ -55,6 +56,8 @@ public:
     shell::PopoverWindow* popover() { return m_popover.get(); }
     /// That of the last detailed window; null before the first.
     shell::DetailedWindowController* windowController() { return m_windowController.get(); }
+    /// There exactly while the verdict is explained.
+    VerdictWindow* verdictWindow() { return m_verdictWindow.get(); }
     /// There exactly while the popover is open.
     shell::OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
     const services::Services& services() const { return m_services; }
@@ -111,6 +114,7 @@ private:
     void handlePress(const std::optional<QPoint>& position);
     void handleOpenInWindow() { openDetailedWindow(); }
     void openDetailedWindow();
+    void openVerdictWindow();
     DashboardViews* views();
     void followStatusArea();
     void noteWayBack();
@@ -130,6 +134,7 @@ private:
     shell::StatusArea m_statusArea;
     std::unique_ptr<shell::PopoverWindow> m_popover;
     std::unique_ptr<shell::DetailedWindowController> m_windowController;
+    std::unique_ptr<VerdictWindow> m_verdictWindow;
     std::unique_ptr<shell::OutsideClickMonitor> m_popoverMonitor;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<base::Timer> m_memoryTimer;

@@ -13,6 +13,8 @@ struct Services;
 
 namespace netvane::app {
 
+class NotificationCenter;
+
 /// Makes the program's windows with their contents, new ones at each call. Outlives the windows.
 /// Main thread.
 class DashboardViews {
@@ -21,13 +23,13 @@ public:
 
     virtual std::unique_ptr<shell::HostWindow> popoverWindow() = 0;
     virtual std::unique_ptr<shell::HostWindow> detailedWindow() = 0;
-    /// Opens the window "What is wrong?", or brings it to the front.
-    virtual void showVerdict() = 0;
+    virtual std::unique_ptr<shell::HostWindow> verdictWindow() = 0;
 };
 
-/// Makes the views of services that all exist. The shortcuts of `menu` work in each window. Both
-/// outlive the views. Null if the views cannot be loaded; the user got a message then.
+/// Makes the views of services that all exist. The shortcuts of `menu` work in each window, and
+/// `notifications` gets what the user asks for in them. All outlive the views. Null if the views
+/// cannot be loaded; the user got a message then.
 using MakeViews = std::function<std::unique_ptr<DashboardViews>(
-    const services::Services& services, const QMenu& menu)>;
+    const services::Services& services, const QMenu& menu, NotificationCenter& notifications)>;
 
 } // namespace netvane::app

@@ -93,12 +93,14 @@ void StatusBarManager::showStatusItem()
         logCategory(), u"StatusBarManager: Status bar item setup complete - should be visible"_s);
 }
 
+/// Some panels take a tool tip for rich text and others do not, so it may hold nothing that only
+/// one of the two would show as it is. A panel is told of each change.
 void StatusBarManager::setToolTip(const QString& text)
 {
-    m_toolTip = text;
-    m_toolTip.replace(u'<', u'‹').replace(u'&', u'＆');
-    if (m_statusItem)
-        m_statusItem->setToolTip(m_toolTip);
+    QString shown = text;
+    shown.replace(u'<', u'\u2039').replace(u'>', u'\u203a').replace(u'&', u'\uff06');
+    if (std::exchange(m_toolTip, shown) != shown && m_statusItem)
+        m_statusItem->setToolTip(shown);
 }
 
 bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)

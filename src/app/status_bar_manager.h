@@ -39,6 +39,9 @@ public:
     /// manager or is taken away first.
     void setPopover(shell::PopoverWindow* popover) { m_popover = popover; }
 
+    /// One line, with names from outside in it.
+    void setToolTip(const QString& text);
+
     /// A left click.
     void togglePopover();
     void openInWindow();
@@ -51,8 +54,6 @@ public:
     /// that it begins must not open it again.
     void ignoreThisClick();
 
-    /// Plain text; some desktops read markup in it.
-    void setToolTip(const QString& text);
     QMenu& contextMenu() { return m_menu; }
     /// Null until the desktop has a status area.
     QSystemTrayIcon* statusItem() { return m_statusItem.get(); }
@@ -74,9 +75,9 @@ private:
     base::Clock& m_clock;
     wifi::WiFiService* m_wifiService = nullptr;
     shell::PopoverWindow* m_popover = nullptr;
+    QString m_toolTip = QStringLiteral("Netvane");
     QMenu m_menu;
     std::unique_ptr<QSystemTrayIcon> m_statusItem;
-    QString m_toolTip = QStringLiteral("Netvane");
     std::optional<QPoint> m_lastClick; ///< of the pointer; many panels report no geometry
     std::unique_ptr<base::Timer> m_ignoring;
 };

@@ -47,7 +47,7 @@ void ViewsLibrary::sayThatThereIsNone(const QString& reason)
 }
 
 std::unique_ptr<DashboardViews> ViewsLibrary::makeViews(
-    const services::Services& services, const QMenu& menu)
+    const services::Services& services, const QMenu& menu, NotificationCenter& notifications)
 {
     // By way of the descriptor: whatever the name stands for by now, this is what was opened.
     const QByteArray opened = "/proc/self/fd/" + QByteArray::number(m_file.get());
@@ -55,7 +55,7 @@ std::unique_ptr<DashboardViews> ViewsLibrary::makeViews(
     void* make = library ? ::dlsym(library, kMakeViews) : nullptr;
     if (make)
         return std::unique_ptr<DashboardViews>(
-            reinterpret_cast<MakeLoadedViews*>(make)(services, menu));
+            reinterpret_cast<MakeLoadedViews*>(make)(services, menu, notifications));
     sayThatThereIsNone(
         m_file.isOpen() ? QString::fromLocal8Bit(::dlerror()) : u"There is no "_s + m_path);
     return nullptr;

@@ -23,7 +23,7 @@ public:
 
     /// As `MakeViews`; loads the library first.
     std::unique_ptr<DashboardViews> makeViews(
-        const services::Services& services, const QMenu& menu);
+        const services::Services& services, const QMenu& menu, NotificationCenter& notifications);
 
 private:
     void sayThatThereIsNone(const QString& reason);
@@ -34,7 +34,8 @@ private:
 };
 
 /// What the library has under the name kMakeViews. The caller owns the views.
-using MakeLoadedViews = DashboardViews*(const services::Services& services, const QMenu& menu);
+using MakeLoadedViews = DashboardViews*(
+    const services::Services& services, const QMenu& menu, NotificationCenter& notifications);
 inline constexpr const char* kMakeViews = "netvane_make_views";
 
 } // namespace netvane::app

@@ -1,5 +1,7 @@
 #include "demo/screenshots.h"
 
+#include "app/status_bar_manager.h"
+#include "app/verdict_window.h"
 #include "demo/staged_program.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
@@ -9,7 +11,6 @@
 #include <QPainter>
 #include <QQuickItem>
 
-#include <algorithm>
 #include <functional>
 
 using namespace Qt::Literals::StringLiterals;
@@ -20,6 +21,7 @@ namespace {
 
 /// Until each history holds as much as it can.
 constexpr std::chrono::milliseconds kFullHistory = 115s;
+constexpr std::chrono::milliseconds kVerdictTime = 40s;
 constexpr std::chrono::milliseconds kTraceTime = 45s;
 constexpr std::chrono::milliseconds kAnimationTime = 400ms; ///< real time
 constexpr int kMargin = 16;
@@ -54,6 +56,30 @@ std::function<QWindow*(StagedProgram&)> introduction(int page)
         program.pass(1s);
         return window;
     };
+}
+
+/// The window that explains the verdict.
+QWindow* verdict(StagedProgram& program)
+{
+    auto& popover = program.openPopover(kVerdictTime);
+    stateOf<ui::PopoverState>(popover).verdict()->explain();
+    program.pass(1s);
+    return &program.delegate().verdictWindow()->window();
+}
+
+/// The top of the popover: its strip, and the network below that.
+QWindow* strip(StagedProgram& program)
+{
+    auto* window = &program.openPopover(kVerdictTime);
+    const auto& root = windows::rootOf(*window);
+    const auto* strip = root.findChild<QQuickItem*>(u"verdict"_s);
+    const auto* network = root.findChild<QQuickItem*>(u"network-info"_s);
+    const QSize size(
+        window->width(), int(strip->y() + strip->height() + network->height()) + 2 * kMargin);
+    window->setMinimumSize(size);
+    window->resize(size);
+    QCoreApplication::processEvents();
+    return window;
 }
 
 QWindow* detailedWindow(StagedProgram& program)
@@ -94,28 +120,25 @@ QWindow* diagnostics(StagedProgram& program)
     return window;
 }
 
-QWindow* verdict(StagedProgram& program)
-{
-    stateOf<ui::PopoverState>(*popover(program)).verdict()->openDetails();
-    program.pass(1s);
-    const auto windows = QGuiApplication::topLevelWindows();
-    return *std::ranges::find(windows, u"What is wrong?"_s, &QWindow::title);
-}
-
 std::vector<Picture> pictures()
 {
-    return {{u"dashboard"_s, u"home"_s, popover}, {u"weak-link"_s, u"weak"_s, popover},
-        {u"captive-portal"_s, u"cafe"_s, popover}, {u"wifi-off"_s, u"off"_s, popover},
-        {u"permission"_s, u"permission"_s, popover}, {u"settings"_s, u"home"_s, settings},
-        {u"introduction-1"_s, u"first-start"_s, introduction(0)},
-        {u"introduction-2"_s, u"first-start"_s, introduction(1)},
-        {u"introduction-3"_s, u"first-start"_s, introduction(2)},
-        {u"window"_s, u"office"_s, detailedWindow}, {u"performance"_s, u"home"_s, performance},
-        {u"diagnostics"_s, u"home"_s, diagnostics}, {u"verdict-healthy"_s, u"home"_s, verdict},
-        {u"verdict-weak-signal"_s, u"weak"_s, verdict}, {u"verdict-portal"_s, u"cafe"_s, verdict},
-        {u"verdict-router-dead"_s, u"router-dead"_s, verdict},
-        {u"verdict-line-down"_s, u"line-down"_s, verdict},
-        {u"verdict-dns-dead"_s, u"dns-dead"_s, verdict}};
+    std::vector<Picture> all
+        = {{u"dashboard"_s, u"home"_s, popover}, {u"weak-link"_s, u"weak"_s, popover},
+            {u"captive-portal"_s, u"cafe"_s, popover}, {u"wifi-off"_s, u"off"_s, popover},
+            {u"permission"_s, u"permission"_s, popover}, {u"settings"_s, u"home"_s, settings},
+            {u"introduction-1"_s, u"first-start"_s, introduction(0)},
+            {u"introduction-2"_s, u"first-start"_s, introduction(1)},
+            {u"introduction-3"_s, u"first-start"_s, introduction(2)},
+            {u"window"_s, u"office"_s, detailedWindow}, {u"performance"_s, u"home"_s, performance},
+            {u"diagnostics"_s, u"home"_s, diagnostics}};
+    const std::pair<QString, QString> causes[] = {{u"healthy"_s, u"home"_s},
+        {u"weak-signal"_s, u"weak"_s}, {u"router-dead"_s, u"router-dead"_s},
+        {u"line-down"_s, u"line-down"_s}, {u"dns-dead"_s, u"dns-dead"_s}, {u"portal"_s, u"cafe"_s}};
+    for (const auto& [cause, scene] : causes) {
+        all.push_back({u"strip-"_s + cause, scene, strip});
+        all.push_back({u"verdict-"_s + cause, scene, verdict});
+    }
+    return all;
 }
 
 /// The transparent parts of a window without a background are drawn black; this makes them

@@ -30,6 +30,7 @@ Scene home(const QString& name = u"home"_s, const QString& title = u"at home, al
         .rateMbps = {866, 866, 866, 780, 866, 866, 866, 866, 780, 650, 780, 866, 866, 866, 866, 780,
             866, 866, 866},
         .routerTimes = {2.1, 2.4, 1.9, 2.2, 3.0, 2.3, 2.0, 2.6, 2.2, 2.1, 2.5},
+        .providerTimes = {8.7, 9.4, 8.2, 10.1, 8.9},
         .internetTimes = {13.8, 14.6, 13.2, 15.9, 14.1, 13.6, 14.9, 16.8, 14.3, 13.9, 14.4},
         .timeUnderLoad = 3.5,
         .lookupTime = 18'400us,
@@ -77,8 +78,9 @@ Scene weak()
     scene.signalDbm = {-81, -83, -80, -84, -82, -85, -83, -81, -84};
     scene.noiseDbm = {-87, -86, -88, -87, -85, -86, -87, -88, -87};
     scene.rateMbps = {13, 6.5, 19.5, 6.5, 13, 6.5, 13, 19.5, 6.5, 26, 13, 19.5, 13};
-    scene.failedPercent = 9;
     scene.routerTimes = {38.4, 71.2, 45.9, {}, 112.6, 64.3, 52.8, 141.7, {}, 88.1, 57.4};
+    scene.failedPercent = 12;
+    scene.providerTimes = {48.2, 79.6, {}, 61.3, 121.8, 72.4, {}, 96.7};
     scene.internetTimes = {62.5, 97.8, {}, 74.1, 158.3, 91.6, 80.2, {}, 171.9, 116.4, 83.7};
     scene.timeUnderLoad = 180;
     scene.lookupTime = 96'400us;
@@ -116,6 +118,7 @@ Scene office()
         .noiseDbm = {-95, -95, -96, -95, -94, -95, -96, -96, -95, -95, -94},
         .rateMbps = {1921, 2161, 2161, 2161, 1921, 1729, 1921, 2161, 2161, 2402, 2161, 2161, 1921},
         .routerTimes = {1.4, 1.6, 1.3, 1.9, 1.5, 1.4, 2.2, 1.5, 1.3},
+        .providerTimes = {4.8, 5.6, 4.3, 6.1},
         .internetTimes = {26.3, 27.1, 25.9, 29.4, 26.8, 26.1, 31.2, 27.6, 26.4},
         .timeUnderLoad = 2,
         .lookupTime = 9'400us,
@@ -124,6 +127,35 @@ Scene office()
         .router = u"192.0.2.1"_s,
         .dnsServers = {u"192.0.2.53"_s, u"192.0.2.54"_s},
         .interfaces = {u"lo"_s, u"wlan0"_s, u"ipsec0"_s}};
+}
+
+/// The router has crashed.
+Scene routerDead()
+{
+    Scene scene = home(u"router-dead"_s, u"the router does not answer any more"_s);
+    scene.routerTimes.clear();
+    scene.providerTimes.clear();
+    scene.internetTimes.clear();
+    scene.lookupTime.reset();
+    return scene;
+}
+
+/// Home and its router are fine; the provider is not.
+Scene lineDown()
+{
+    Scene scene = routerDead();
+    scene.name = u"line-down"_s;
+    scene.title = u"the line to the provider is down"_s;
+    scene.routerTimes = home().routerTimes;
+    return scene;
+}
+
+/// The internet is there, but the router resolves no names.
+Scene dnsDead()
+{
+    Scene scene = home(u"dns-dead"_s, u"the name server does not answer any more"_s);
+    scene.lookupTime.reset();
+    return scene;
 }
 
 /// By cable, with the radio switched off.
@@ -155,43 +187,12 @@ Scene firstStart()
     return scene;
 }
 
-/// Shown only when asked for.
-Scene fault(const QString& name, const QString& title)
-{
-    Scene scene = home(name, title);
-    scene.duration = 0s;
-    return scene;
-}
-
-Scene routerDead()
-{
-    Scene scene = fault(u"router-dead"_s, u"a router without power to answer"_s);
-    scene.routerTimes = scene.internetTimes = {};
-    scene.lookupTime.reset();
-    return scene;
-}
-
-Scene lineDown()
-{
-    Scene scene = fault(u"line-down"_s, u"an outage of the line"_s);
-    scene.internetTimes = {};
-    scene.lookupTime.reset();
-    return scene;
-}
-
-Scene dnsDead()
-{
-    Scene scene = fault(u"dns-dead"_s, u"a name server that is silent"_s);
-    scene.lookupTime.reset();
-    return scene;
-}
-
 } // namespace
 
 std::vector<Scene> scenes()
 {
-    return {home(), leaving(), upstairs(), weak(), cafe(), office(), cable(), withoutPermission(),
-        firstStart(), routerDead(), lineDown(), dnsDead()};
+    return {home(), leaving(), upstairs(), weak(), cafe(), office(), routerDead(), lineDown(),
+        dnsDead(), cable(), withoutPermission(), firstStart()};
 }
 
 /// A house of flats: a few own channels, and everybody else's on 1, 6 and 11.

@@ -27,13 +27,15 @@ struct Scene {
     std::vector<int> signalDbm;
     std::vector<int> noiseDbm;
     std::vector<double> rateMbps;
-    double failedPercent = 0; ///< of the packets on the air
+    int failedPercent = 0; ///< of the packets that the radio sends
 
     // Round trips in ms; absent is a lost probe. An empty list loses all.
     std::vector<std::optional<double>> routerTimes;
+    std::vector<std::optional<double>> providerTimes; ///< to the first router behind the user's
     std::vector<std::optional<double>> internetTimes;
-    double timeUnderLoad = 0; ///< ms that a transfer adds to both
-    std::optional<std::chrono::microseconds> lookupTime; ///< absent: no name is resolved
+    double timeUnderLoad = 0; ///< ms that a transfer adds to each
+    /// Absent: no name is resolved, and no name server answers.
+    std::optional<std::chrono::microseconds> lookupTime;
     std::optional<QUrl> portal; ///< the login page of a captive portal
     double downloadMbps = 0;
     double uploadMbps = 0;
@@ -54,7 +56,7 @@ std::vector<platform::NearbyNetwork> nearbyNetworks();
 /// A router on the way to any host.
 struct Hop {
     QString address; ///< empty: no answer
-    double milliseconds = 0;
+    double milliseconds = 0; ///< of the first two, the scene tells
 };
 
 /// All but the host itself, which is the last hop and `kTargetTime` away.

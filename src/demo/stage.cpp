@@ -41,40 +41,6 @@ std::chrono::microseconds varied(int microseconds, int number)
         microseconds / 100 * kPercent[size_t(number) % kPercent.size()]);
 }
 
-std::optional<simulated::Connections::Answer> hopAnswer(const simulated::Connections::Made& made)
-{
-    const auto way = hops();
-    const bool isTarget = size_t(made.hopLimit) > way.size();
-    const Hop hop = isTarget ? Hop {made.host, kTargetTime} : way[size_t(made.hopLimit) - 1];
-    if (hop.address.isEmpty())
-        return {};
-    return {{microseconds(hop.milliseconds) + made.port % 7 * 90us, hop.address}};
-}
-
-/// What the kernel would say.
-platform::NetworkState networkOf(const Scene& scene)
-{
-    platform::NetworkState state;
-    const bool isLinked = scene.hasRadio && !scene.signalDbm.empty();
-    for (const QString& name : scene.interfaces) {
-        const bool isWireless = name == u"wlan0"_s;
-        if (!isWireless && name != u"eth0"_s)
-            continue;
-        const bool isConnected = !isWireless || isLinked;
-        state.interfaces.push_back({.name = name,
-            .isUp = !isWireless || scene.hasRadio,
-            .hasCarrier = isConnected,
-            .isWireless = isWireless,
-            .hasIPv4 = isConnected});
-        if (isConnected)
-            state.physicalRoute = {{.gateway = scene.router, .interfaceName = name}};
-    }
-    state.route4 = state.physicalRoute;
-    state.router = scene.routerTimes.empty() ? platform::NeighbourState::Failed
-                                             : platform::NeighbourState::Reachable;
-    return state;
-}
-
 } // namespace
 
 Stage::Stage(std::unique_ptr<base::Clock> clock, StageOptions options)
@@ -103,13 +69,34 @@ void Stage::begin(size_t index)
     parts.network.router = scene().router;
     parts.network.servers = scene().dnsServers;
     parts.network.interfaces = scene().interfaces;
-    parts.network.state = networkOf(scene());
+    parts.network.state = networkState();
     parts.interface->isOn = scene().hasRadio;
     parts.scanner.currentChannel = scene().link.channel;
     parts.resolver->status = scene().lookupTime ? 0 : EAI_AGAIN;
     *m_lookupTime = int(scene().lookupTime.value_or(0us).count());
     parts.location.change(scene().permission);
     Q_EMIT sceneChanged();
+}
+
+/// With a cable plugged in, that is the way out.
+platform::NetworkState Stage::networkState() const
+{
+    using platform::NeighbourState;
+    const bool hasCable = scene().interfaces.contains(u"eth0"_s);
+    const bool hasLink = scene().hasRadio;
+    platform::NetworkState state {
+        .physicalRoute = platform::DefaultRoute {scene().router, hasCable ? u"eth0"_s : u"wlan0"_s},
+        .router = scene().routerTimes.empty() ? NeighbourState::Failed : NeighbourState::Reachable};
+    state.route4 = state.physicalRoute;
+    state.interfaces.push_back({.name = u"wlan0"_s,
+        .isUp = hasLink,
+        .hasCarrier = hasLink,
+        .isWireless = true,
+        .hasIPv4 = hasLink});
+    if (hasCable)
+        state.interfaces.push_back(
+            {.name = u"eth0"_s, .isUp = true, .hasCarrier = true, .hasIPv4 = true});
+    return state;
 }
 
 /// Schedules the next scene that has a duration.
@@ -135,9 +122,14 @@ bool Stage::hold(const QString& name)
     return true;
 }
 
+std::chrono::steady_clock::duration Stage::timeInScene() const
+{
+    return parts.clock.monotonicNow() - m_begunAt.load();
+}
+
 size_t Stage::entry(std::chrono::milliseconds interval, size_t count) const
 {
-    return size_t((parts.clock.monotonicNow() - m_begunAt.load()) / interval) % count;
+    return size_t(timeInScene() / interval) % count;
 }
 
 platform::LinkReading Stage::link() const
@@ -152,11 +144,10 @@ platform::LinkReading Stage::link() const
         tell(reading.signalDbm, now.signalDbm);
         tell(reading.noiseDbm, now.noiseDbm);
         tell(reading.transmitRateMbps, now.rateMbps);
-        constexpr double kPacketsASecond = 20;
-        const double sent = kPacketsASecond
-            * std::chrono::duration<double>(parts.clock.monotonicNow() - m_begunAt.load()).count();
-        reading.counters.sentPackets = std::uint64_t(sent);
-        reading.counters.failed = std::uint64_t(sent * now.failedPercent / 100);
+        constexpr std::uint64_t kPackets = 100; // in one interval
+        const auto intervals = std::uint64_t(timeInScene() / kReadingInterval);
+        reading.counters.failed = intervals * std::uint64_t(now.failedPercent);
+        reading.counters.sentPackets = intervals * kPackets - *reading.counters.failed;
     }
     return reading;
 }
@@ -173,12 +164,13 @@ void Stage::writeScripts()
         return request.keepsBody ? HttpClient::End {kPageTime, page(request.url)}
                                  : transferEnd(request);
     };
-    parts.nameServers.script = [this](const QString&, const QString&) {
-        const auto time = scene().lookupTime;
-        return time ? platform::NameAnswer {.kind = platform::NameAnswer::Kind::Addresses,
-                   .addresses = {u"198.51.100.7"_s},
-                   .milliseconds = double(time->count()) / 1000}
-                    : platform::NameAnswer {};
+    parts.nameServers.script = [this](const QString&, const QString&) -> platform::NameAnswer {
+        const auto& time = scene().lookupTime;
+        if (!time)
+            return {};
+        return {.kind = platform::NameAnswer::Kind::Addresses,
+            .addresses = {u"198.51.100.17"_s},
+            .milliseconds = double(time->count()) / 1000};
     };
     parts.resolver->errorText = "Temporary failure in name resolution";
     parts.resolver->takeTime
@@ -205,17 +197,34 @@ void Stage::writeScriptsOfDesktop()
 std::optional<Stage::Connections::Answer> Stage::connectionAnswer(
     const Connections::Made& made) const
 {
-    if (made.hopLimit > 0 && !made.isWatched)
+    if (made.hopLimit > 0)
         return hopAnswer(made);
-    const bool isRouter = made.host == scene().router || made.hopLimit == 1;
-    const auto& times = isRouter ? scene().routerTimes : scene().internetTimes;
+    return timed(
+        made.host == scene().router ? scene().routerTimes : scene().internetTimes, made.host);
+}
+
+/// The further routers are there whenever the internet is.
+std::optional<Stage::Connections::Answer> Stage::hopAnswer(const Connections::Made& made) const
+{
+    const auto way = hops();
+    const auto before = size_t(made.hopLimit) - 1;
+    const Hop hop = before < way.size() ? way[before] : Hop {made.host, kTargetTime};
+    if (before < 2)
+        return timed(before == 0 ? scene().routerTimes : scene().providerTimes,
+            before == 0 ? scene().router : hop.address);
+    if (hop.address.isEmpty() || scene().internetTimes.empty())
+        return {};
+    return {{microseconds(hop.milliseconds) + made.port % 7 * 90us, hop.address}};
+}
+
+std::optional<Stage::Connections::Answer> Stage::timed(
+    const std::vector<std::optional<double>>& times, const QString& by) const
+{
     const auto time = times.empty() ? std::nullopt : times[entry(kProbeInterval, times.size())];
     if (!time)
         return {};
     const double load = parts.http.transfers > 0 ? scene().timeUnderLoad : 0;
-    constexpr double kProvidersShare = 0.6; // of the way to the target
-    const double share = made.hopLimit == 2 ? kProvidersShare : 1;
-    return {{microseconds(share * *time + load), made.host}};
+    return {{microseconds(*time + load), by}};
 }
 
 Stage::HttpClient::End Stage::transferEnd(const platform::HttpRequest& request) const
@@ -228,14 +237,14 @@ Stage::HttpClient::End Stage::transferEnd(const platform::HttpRequest& request) 
         {.receivedBytes = request.uploadSize ? 0 : asked}};
 }
 
-/// The probe page, or the portal's page.
+/// The probe page, the portal's page, or none where no name is resolved.
 platform::HttpAnswer Stage::page(const QUrl& url) const
 {
-    if (scene().internetTimes.empty() && !scene().portal)
-        return {.finalUrl = url,
-            .errorText = u"No route to host"_s,
-            .failure = platform::HttpFailure::NotConnected};
     const auto& portal = scene().portal;
+    if (!scene().lookupTime)
+        return {.finalUrl = url,
+            .errorText = u"Could not resolve the name of the host"_s,
+            .failure = platform::HttpFailure::NotResolved};
     return {.status = 200,
         .body = portal ? "<h1>Welcome</h1>"_ba : "<h1>Success</h1>"_ba,
         .finalUrl = portal.value_or(url)};

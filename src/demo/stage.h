@@ -46,11 +46,16 @@ private:
 
     void begin(size_t index);
     void goOn();
+    std::chrono::steady_clock::duration timeInScene() const;
     size_t entry(std::chrono::milliseconds interval, size_t count) const;
 
     void writeScripts();
     void writeScriptsOfDesktop();
+    platform::NetworkState networkState() const;
     std::optional<Connections::Answer> connectionAnswer(const Connections::Made& made) const;
+    std::optional<Connections::Answer> hopAnswer(const Connections::Made& made) const;
+    std::optional<Connections::Answer> timed(
+        const std::vector<std::optional<double>>& times, const QString& by) const;
     HttpClient::End transferEnd(const platform::HttpRequest& request) const;
     platform::HttpAnswer page(const QUrl& url) const;
 

@@ -4,14 +4,34 @@
 
 #include <QByteArray>
 
+#include <linux/netlink.h>
 #include <netlink/attr.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <optional>
 
 namespace netvane::netlink {
+
+/// The fixed header of a message; absent if the message is shorter.
+template <typename Header>
+std::optional<Header> headerOf(AttributeBytes message)
+{
+    if (message.size() < sizeof(Header))
+        return {};
+    Header header {};
+    std::memcpy(&header, message.data(), sizeof header);
+    return header;
+}
+
+/// What follows it.
+template <typename Header>
+AttributeBytes attributesAfter(AttributeBytes message)
+{
+    return message.subspan(std::min(message.size(), size_t(NLMSG_ALIGN(sizeof(Header)))));
+}
 
 /// Attributes by number, up to `Max`; higher numbers and incomplete attributes are ignored. Each
 /// getter returns nothing unless the attribute has exactly the expected size, so that a wrong

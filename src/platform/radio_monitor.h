@@ -21,7 +21,8 @@ struct RadioEvent {
     Kind kind = Kind::Connected;
     std::chrono::steady_clock::time_point at;
     QString interfaceName; ///< empty where it is not known
-    /// IEEE 802.11-2020, 9.4.1.7 (reason of a disconnection), 9.4.1.9 (status of a sign-in).
+    /// IEEE 802.11-2020, 9.4.1.7 (reason of a disconnection), 9.4.1.9 (status of a sign-in; absent
+    /// where the access point did not answer).
     std::optional<int> code;
     bool byAccessPoint = false; ///< the access point ended it, not this machine
     std::optional<QString> bssid;
@@ -34,7 +35,7 @@ class RadioMonitor : public QObject {
     Q_OBJECT
 
 Q_SIGNALS:
-    void event(const netvane::platform::RadioEvent& event);
+    void happened(const netvane::platform::RadioEvent& event);
 };
 
 } // namespace netvane::platform

@@ -66,8 +66,11 @@ void NetworkScan::askNext()
 
 void NetworkScan::takeEvents()
 {
-    for (const ScanEvent& event : m_setup.events->receive(m_setup.interface.index))
-        takeEvent(event);
+    m_setup.events->receive([this](const netlink::GenericMessage& message) {
+        const auto event = scanEvent(message);
+        if (event && event->interfaceIndex == m_setup.interface.index)
+            takeEvent(*event);
+    });
 }
 
 /// Ignores a scan that was already running before the request.

@@ -2,15 +2,13 @@
 
 #include "base/visible_text.h"
 
-#include <linux/nl80211.h>
-
 #include <algorithm>
 #include <functional>
 
 namespace netvane::radio {
 namespace {
 
-constexpr int kBssidSize = 6;
+constexpr int kAddressSize = 6;
 constexpr double kMbmPerDbm = 100.0;
 constexpr double kMbpsPerRateUnit = 0.1; // rates count in 100 kbit/s
 
@@ -23,6 +21,11 @@ std::optional<double> parseRate(netlink::AttributeBytes attributes)
     if (const auto narrow = rate.number<std::uint16_t>(NL80211_RATE_INFO_BITRATE))
         return *narrow * kMbpsPerRateUnit;
     return {};
+}
+
+std::optional<QByteArray> addressIn(std::optional<QByteArray> bytes)
+{
+    return bytes && bytes->size() == kAddressSize ? std::move(bytes) : std::nullopt;
 }
 
 /// An interface with several links has no channel of its own; each link in the list has one.
@@ -44,25 +47,53 @@ bool isAccessPoint(const StationRecord& station)
 }
 
 /// The first value in the records that count. The kernel may send a peer in several messages of
-/// which only one has the values.
-template <typename Value, typename Record, typename Counts>
-std::optional<Value> firstPresent(
-    const std::vector<Record>& records, Counts counts, std::optional<Value> Record::*member)
+/// which only one has the values. `valueOf` is a member or a function.
+template <typename Record, typename Counts, typename ValueOf>
+auto firstPresent(const std::vector<Record>& records, Counts counts, ValueOf valueOf)
 {
     for (const auto& record : records) {
-        if (std::invoke(counts, record) && record.*member)
-            return record.*member;
+        if (std::invoke(counts, record) && std::invoke(valueOf, record))
+            return std::invoke(valueOf, record);
     }
-    return {};
+    return std::decay_t<std::invoke_result_t<ValueOf, const Record&>>();
 }
 
-std::optional<int> noiseOf(
+/// The channel in use; empty where it is not listed.
+SurveyRecord currentChannel(
     const std::vector<SurveyRecord>& survey, std::optional<std::uint32_t> frequencyMhz)
 {
     auto current = std::ranges::find_if(survey, &SurveyRecord::inUse);
     if (current == survey.end() && frequencyMhz)
         current = std::ranges::find(survey, frequencyMhz, &SurveyRecord::frequencyMhz);
-    return current == survey.end() ? std::nullopt : current->noiseDbm;
+    return current == survey.end() ? SurveyRecord {} : *current;
+}
+
+platform::LinkCounters countersOf(
+    const std::vector<StationRecord>& stations, const SurveyRecord& channel)
+{
+    const auto count = [&stations](auto member) {
+        return firstPresent(stations, isAccessPoint,
+            [member](const StationRecord& station) { return station.counters.*member; });
+    };
+    using platform::LinkCounters;
+    return {
+        .sentPackets = count(&LinkCounters::sentPackets),
+        .retries = count(&LinkCounters::retries),
+        .failed = count(&LinkCounters::failed),
+        .beaconsLost = count(&LinkCounters::beaconsLost),
+        .channelActiveMs = channel.activeMs,
+        .channelBusyMs = channel.busyMs,
+    };
+}
+
+/// A list of attributes that hold one frequency each.
+std::vector<std::uint32_t> frequenciesIn(netlink::AttributeBytes list)
+{
+    constexpr size_t kSize = NLA_HDRLEN + sizeof(std::uint32_t);
+    std::vector<std::uint32_t> frequencies(list.size() / kSize);
+    for (size_t i = 0; i < frequencies.size(); ++i)
+        std::memcpy(&frequencies[i], &list[i * kSize + NLA_HDRLEN], sizeof(std::uint32_t));
+    return frequencies;
 }
 
 } // namespace
@@ -106,6 +137,15 @@ StationRecord parseStation(netlink::AttributeBytes bytes)
     }
     if (info.has(NL80211_STA_INFO_TX_BITRATE))
         record.transmitRateMbps = parseRate(info.nested(NL80211_STA_INFO_TX_BITRATE));
+    if (info.has(NL80211_STA_INFO_RX_BITRATE))
+        record.receiveRateMbps = parseRate(info.nested(NL80211_STA_INFO_RX_BITRATE));
+    record.address = addressIn(attributes.bytes(NL80211_ATTR_MAC));
+    record.counters = {
+        .sentPackets = info.number<std::uint32_t>(NL80211_STA_INFO_TX_PACKETS),
+        .retries = info.number<std::uint32_t>(NL80211_STA_INFO_TX_RETRIES),
+        .failed = info.number<std::uint32_t>(NL80211_STA_INFO_TX_FAILED),
+        .beaconsLost = info.number<std::uint32_t>(NL80211_STA_INFO_BEACON_LOSS),
+    };
     return record;
 }
 
@@ -118,6 +158,8 @@ SurveyRecord parseSurvey(netlink::AttributeBytes bytes)
         .frequencyMhz = info.number<std::uint32_t>(NL80211_SURVEY_INFO_FREQUENCY),
         .noiseDbm = info.number<std::int8_t>(NL80211_SURVEY_INFO_NOISE),
         .inUse = info.has(NL80211_SURVEY_INFO_IN_USE),
+        .activeMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME),
+        .busyMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME_BUSY),
     };
 }
 
@@ -127,8 +169,7 @@ BssRecord parseBss(netlink::AttributeBytes bytes)
     const netlink::Attributes<NL80211_BSS_MAX> bss(attributes.nested(NL80211_ATTR_BSS));
     BssRecord record {.frequencyMhz = bss.number<std::uint32_t>(NL80211_BSS_FREQUENCY)};
     record.seenMsAgo = bss.number<std::uint32_t>(NL80211_BSS_SEEN_MS_AGO);
-    if (auto bssid = bss.bytes(NL80211_BSS_BSSID); bssid && bssid->size() == kBssidSize)
-        record.bssid = std::move(bssid);
+    record.bssid = addressIn(bss.bytes(NL80211_BSS_BSSID));
     if (const auto signal = bss.number<std::int32_t>(NL80211_BSS_SIGNAL_MBM))
         record.signalDbm = qRound(*signal / kMbmPerDbm);
     record.associated
@@ -139,6 +180,33 @@ BssRecord parseBss(netlink::AttributeBytes bytes)
             record.ssid = ssidElement(*elements);
     }
     return record;
+}
+
+std::optional<bool> parsePowerSave(netlink::AttributeBytes bytes)
+{
+    const netlink::Attributes<NL80211_ATTR_MAX> attributes(bytes);
+    const auto state = attributes.number<std::uint32_t>(NL80211_ATTR_PS_STATE);
+    return state ? std::optional(*state == NL80211_PS_ENABLED) : std::nullopt;
+}
+
+std::optional<ScanEvent> scanEvent(const netlink::GenericMessage& message)
+{
+    using Kind = ScanEvent::Kind;
+    constexpr std::array kKinds {Kind::Started, Kind::ResultsReady, Kind::Aborted};
+    const auto command = std::ranges::find(kScanCommands, message.command);
+    if (command == kScanCommands.end())
+        return {};
+    const netlink::Attributes<NL80211_ATTR_MAX> attributes(message.attributes);
+    ScanEvent event {.kind = kKinds[size_t(command - kScanCommands.begin())],
+        .interfaceIndex = attributes.number<std::uint32_t>(NL80211_ATTR_IFINDEX)};
+    if (attributes.has(NL80211_ATTR_SCAN_FREQUENCIES))
+        event.frequenciesMhz = frequenciesIn(attributes.nested(NL80211_ATTR_SCAN_FREQUENCIES));
+    return event;
+}
+
+QString addressText(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.toHex(':'));
 }
 
 std::optional<QByteArray> ssidElement(const QByteArray& elements)
@@ -208,6 +276,13 @@ bool isAssociated(
         || std::ranges::any_of(networks, &BssRecord::associated);
 }
 
+std::optional<QByteArray> bssidOf(
+    const std::vector<StationRecord>& stations, const std::vector<BssRecord>& networks)
+{
+    const auto station = firstPresent(stations, isAccessPoint, &StationRecord::address);
+    return station ? station : firstPresent(networks, &BssRecord::associated, &BssRecord::bssid);
+}
+
 platform::LinkReading linkReading(const InterfaceRecord& interface,
     const std::vector<StationRecord>& stations, const std::vector<SurveyRecord>& survey,
     const std::vector<BssRecord>& networks)
@@ -231,7 +306,13 @@ platform::LinkReading linkReading(const InterfaceRecord& interface,
         frequency = firstPresent(networks, &BssRecord::associated, &BssRecord::frequencyMhz);
     reading.ssid = name;
     reading.signalDbm = firstPresent(stations, isAccessPoint, &StationRecord::signalDbm);
-    reading.noiseDbm = noiseOf(survey, frequency);
+    const auto channel = currentChannel(survey, frequency);
+    reading.noiseDbm = channel.noiseDbm;
+    reading.counters = countersOf(stations, channel);
+    if (const auto bssid = bssidOf(stations, networks))
+        reading.bssid = addressText(*bssid);
+    reading.receiveRateMbps
+        = firstPresent(stations, isAccessPoint, &StationRecord::receiveRateMbps);
     reading.transmitRateMbps
         = firstPresent(stations, isAccessPoint, &StationRecord::transmitRateMbps);
     if (frequency) {

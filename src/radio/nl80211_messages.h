@@ -5,6 +5,9 @@
 
 #include <QByteArray>
 
+#include <linux/nl80211.h>
+
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -36,6 +39,10 @@ struct StationRecord {
     bool directPeer = false; ///< a TDLS neighbour, not the access point
     std::optional<int> signalDbm; ///< last frame, else the average, else the beacons' average
     std::optional<double> transmitRateMbps;
+    std::optional<double> receiveRateMbps;
+    /// Six bytes; of the device where it has several links, not of one of them.
+    std::optional<QByteArray> address;
+    platform::LinkCounters counters; ///< but not those of the channel
 
     bool operator==(const StationRecord&) const = default;
 };
@@ -46,6 +53,8 @@ struct SurveyRecord {
     std::optional<std::uint32_t> frequencyMhz;
     std::optional<int> noiseDbm;
     bool inUse = false; ///< many drivers never set it
+    std::optional<std::uint64_t> activeMs;
+    std::optional<std::uint64_t> busyMs;
 
     bool operator==(const SurveyRecord&) const = default;
 };
@@ -64,6 +73,31 @@ struct BssRecord {
 };
 BssRecord parseBss(netlink::AttributeBytes attributes);
 
+/// The answer to NL80211_CMD_GET_POWER_SAVE: whether the radio may sleep.
+std::optional<bool> parsePowerSave(netlink::AttributeBytes attributes);
+
+/// An event about a scan, whichever program requested it.
+struct ScanEvent {
+    enum class Kind {
+        Started, ///< NL80211_CMD_TRIGGER_SCAN
+        ResultsReady, ///< NL80211_CMD_NEW_SCAN_RESULTS
+        Aborted, ///< NL80211_CMD_SCAN_ABORTED
+    };
+    Kind kind = Kind::Started;
+    std::optional<std::uint32_t> interfaceIndex; ///< absent for a device without an interface
+    /// Its channels, by their centres (NL80211_ATTR_SCAN_FREQUENCIES); absent where the kernel does
+    /// not say.
+    std::optional<std::vector<std::uint32_t>> frequenciesMhz;
+};
+/// The commands of these events.
+inline constexpr std::array<std::uint8_t, 3> kScanCommands {
+    NL80211_CMD_TRIGGER_SCAN, NL80211_CMD_NEW_SCAN_RESULTS, NL80211_CMD_SCAN_ABORTED};
+/// Absent for other messages.
+std::optional<ScanEvent> scanEvent(const netlink::GenericMessage& message);
+
+/// "02:00:00:00:01:00".
+QString addressText(const QByteArray& bytes);
+
 /// The SSID element (number 0) of the elements of a beacon or probe response (IEEE 802.11-2020,
 /// 9.4.2.1); absent when there is none before the first element that does not fit.
 std::optional<QByteArray> ssidElement(const QByteArray& elements);
@@ -81,6 +115,10 @@ bool isStation(const InterfaceRecord& interface);
 /// Whether the interface is associated: the access point is one of its stations or, where the
 /// driver lists none, the table of networks marks one. Being allowed to send is another matter.
 bool isAssociated(
+    const std::vector<StationRecord>& stations, const std::vector<BssRecord>& networks);
+
+/// The six bytes of the access point's address, where `isAssociated` finds one.
+std::optional<QByteArray> bssidOf(
     const std::vector<StationRecord>& stations, const std::vector<BssRecord>& networks);
 
 /// Combines the answers about one interface.

@@ -30,10 +30,11 @@ netlink::NetlinkMessage Nl80211Socket::newMessage(
     return message;
 }
 
-base::Result<std::monostate> Nl80211Socket::requestDump(std::uint8_t command, std::uint32_t index,
-    const std::function<void(netlink::AttributeBytes)>& take, const std::function<void()>& restart)
+base::Result<std::monostate> Nl80211Socket::requestRecords(int flags, std::uint8_t command,
+    std::uint32_t index, const std::function<void(netlink::AttributeBytes)>& take,
+    const std::function<void()>& restart)
 {
-    const auto message = newMessage(command, NLM_F_DUMP, index);
+    const auto message = newMessage(command, flags, index);
     if (!message)
         return netlink::netlinkFailure(-NLE_NOMEM);
     const auto takeOurs = [&](const nlmsghdr& answer) {

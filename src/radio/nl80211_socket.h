@@ -2,6 +2,8 @@
 
 #include "netlink/netlink_socket.h"
 
+#include <linux/netlink.h>
+
 #include <cstdint>
 #include <vector>
 
@@ -29,10 +31,21 @@ public:
     base::Result<std::monostate> dumpInto(
         std::vector<Record>& records, std::uint8_t command, std::uint32_t index, Parse parse)
     {
-        return requestDump(
-            command, index,
+        return requestRecords(
+            NLM_F_DUMP, command, index,
             [&](netlink::AttributeBytes attributes) { records.push_back(parse(attributes)); },
             [&records] { records.clear(); });
+    }
+
+    /// The one record that `command` returns about an interface, if it does.
+    template <typename Parse>
+    auto get(std::uint8_t command, std::uint32_t index, Parse parse)
+    {
+        decltype(parse(netlink::AttributeBytes {})) record;
+        (void)requestRecords(
+            0, command, index,
+            [&](netlink::AttributeBytes attributes) { record = parse(attributes); }, [] {});
+        return record;
     }
 
     /// Starts a scan of all channels for all networks (NL80211_CMD_TRIGGER_SCAN, requires
@@ -48,8 +61,8 @@ private:
 
     /// Null when there is no memory.
     netlink::NetlinkMessage newMessage(std::uint8_t command, int flags, std::uint32_t index) const;
-    base::Result<std::monostate> requestDump(std::uint8_t command, std::uint32_t index,
-        const std::function<void(netlink::AttributeBytes)>& take,
+    base::Result<std::monostate> requestRecords(int flags, std::uint8_t command,
+        std::uint32_t index, const std::function<void(netlink::AttributeBytes)>& take,
         const std::function<void()>& restart);
 
     netlink::NetlinkSocket m_socket;

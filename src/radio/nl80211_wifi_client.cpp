@@ -36,9 +36,12 @@ public:
         std::vector<SurveyRecord> survey;
         if (isAssociated(stations, networks))
             survey = wifi.value().dump(NL80211_CMD_GET_SURVEY, *mine->index, parseSurvey);
-        const auto reading = linkReading(*mine, stations, survey, networks);
-        if (reading.ssid)
+        auto reading = linkReading(*mine, stations, survey, networks);
+        if (reading.ssid) {
             m_choice->keep(*mine->index);
+            reading.powerSave
+                = wifi.value().get(NL80211_CMD_GET_POWER_SAVE, *mine->index, parsePowerSave);
+        }
         return reading;
     }
 

@@ -8,6 +8,8 @@
 
 #include <linux/nl80211.h>
 
+#include <array>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::radio {
@@ -21,11 +23,12 @@ base::Result<ScanSetup> Nl80211ScanKernel::prepare()
     const auto& first = interfaces.front();
     if (!isRadioOn(*first.name))
         return base::Failure {base::FailureKind::NotAvailable, u"Wi-Fi is turned off"_s};
-    auto events = openScanEvents();
+    auto events = netlink::GenericEvents::open(
+        NL80211_GENL_NAME, std::array {NL80211_MULTICAST_GROUP_SCAN}, kScanCommands);
     if (!events)
         return base::Failure {base::FailureKind::Other, events.failure().text};
     return ScanSetup {{*first.index, QFile::decodeName(*first.name)},
-        std::make_shared<ScanEvents>(std::move(events.value()))};
+        std::make_shared<netlink::GenericEvents>(std::move(events.value()))};
 }
 
 base::Result<std::monostate> Nl80211ScanKernel::trigger(const ScanInterface& interface)

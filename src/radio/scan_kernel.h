@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/result.h"
+#include "netlink/generic_events.h"
 #include "radio/nl80211_messages.h"
-#include "radio/scan_events.h"
 
 #include <QString>
 
@@ -21,7 +21,7 @@ struct ScanInterface {
 /// What a scan starts with: the interface, and the events that report its end.
 struct ScanSetup {
     ScanInterface interface;
-    std::shared_ptr<ScanEvents> events;
+    std::shared_ptr<netlink::GenericEvents> events;
 };
 
 /// The kernel operations of a scan. May wait for a driver, within a bound: for background threads,

@@ -14,7 +14,7 @@ platform::NearbyNetwork networkOf(const BssRecord& record)
     if (record.ssid)
         network.ssid = base::ssidText(*record.ssid);
     if (record.bssid)
-        network.bssid = QString::fromLatin1(record.bssid->toHex(':'));
+        network.bssid = addressText(*record.bssid);
     if (record.frequencyMhz)
         network.channel = channelOf(*record.frequencyMhz);
     return network;

@@ -16,17 +16,6 @@ constexpr QSize kMinimumSize(400, 600);
 constexpr std::chrono::milliseconds kStoreDelay = 1s; // moving a window is many small moves
 const QString kFrameKey = u"NetvaneWindow"_s;
 
-/// Of a window that is not on the screen nobody knows the margins; these are as wide as any.
-constexpr QMargins kUsualMargins(4, 36, 4, 4);
-/// Wayland tells nothing of the desktop's panels.
-constexpr QMargins kUsualPanel(0, 0, 0, 48);
-
-QRect areaOn(const QScreen& screen, const QMargins& margins)
-{
-    const bool isWayland = QGuiApplication::platformName().startsWith(u"wayland"_s);
-    return frameArea(screen.availableGeometry(), isWayland ? margins + kUsualPanel : margins);
-}
-
 QRect centredFrame(const QRect& area)
 {
     QRect frame(QPoint(), kSize.boundedTo(area.size()));
@@ -67,9 +56,7 @@ void DetailedWindowController::showWindow()
 
 void DetailedWindowController::bringToFront()
 {
-    window().setWindowStates(window().windowStates() & ~Qt::WindowMinimized);
-    window().raise();
-    window().requestActivate();
+    m_host->bringToFront();
 }
 
 bool DetailedWindowController::eventFilter(QObject* watched, QEvent* event)
@@ -86,10 +73,10 @@ void DetailedWindowController::fitFrame(const QRect& wanted, const QMargins& mar
 {
     QList<QRect> areas;
     for (const QScreen* screen : QGuiApplication::screens())
-        areas.append(areaOn(*screen, margins));
+        areas.append(frameArea(*screen, margins));
     const QRect frame
         = restoredFrame(wanted, kMinimumSize, areas)
-              .value_or(centredFrame(areaOn(*QGuiApplication::primaryScreen(), margins)));
+              .value_or(centredFrame(frameArea(*QGuiApplication::primaryScreen(), margins)));
     window().setMinimumSize(kMinimumSize.boundedTo(frame.size()));
     if (frame == wanted && window().isVisible())
         return;

@@ -5,10 +5,9 @@
 // draws no view. The report program does not link it.
 
 #include <QObject>
+#include <QWindow>
 
 #include <optional>
-
-class QWindow;
 
 namespace netvane::shell {
 
@@ -18,6 +17,13 @@ class HostWindow : public QObject {
 
 public:
     virtual QWindow& window() = 0;
+    /// In front of the others, with the keyboard.
+    void bringToFront()
+    {
+        window().setWindowStates(window().windowStates() & ~Qt::WindowMinimized);
+        window().raise();
+        window().requestActivate();
+    }
     /// The height that the view asks for; absent while it asks for none.
     virtual std::optional<int> preferredHeight() const = 0;
     /// Gives a window that has no frame a background with corners of this radius (in pixels) below

@@ -1,5 +1,7 @@
 #include "shell/window_frame.h"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QStringList>
 
 #include <algorithm>
@@ -10,6 +12,8 @@ namespace netvane::shell {
 namespace {
 
 constexpr int kLargest = 32767; // what window systems count with
+/// Wayland tells nothing of the desktop's panels.
+constexpr QMargins kUsualPanel(0, 0, 0, 48);
 
 qint64 overlap(const QRect& one, const QRect& other)
 {
@@ -43,6 +47,12 @@ std::optional<QRect> windowFrame(const QString& text)
 QRect frameArea(const QRect& workArea, const QMargins& margins)
 {
     return QRect(workArea.topLeft(), workArea.size().shrunkBy(margins));
+}
+
+QRect frameArea(const QScreen& screen, const QMargins& margins)
+{
+    const bool isWayland = QGuiApplication::platformName().startsWith(u"wayland"_s);
+    return frameArea(screen.availableGeometry(), isWayland ? margins + kUsualPanel : margins);
 }
 
 std::optional<QRect> restoredFrame(

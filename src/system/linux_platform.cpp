@@ -19,6 +19,7 @@
 #include "net/web/curl_http_client.h"
 #include "radio/interface_choice.h"
 #include "radio/linux_network_scanner.h"
+#include "radio/linux_radio_monitor.h"
 #include "radio/nl80211_wifi_client.h"
 #include "radio/scan_permission.h"
 
@@ -40,6 +41,8 @@ platform::Platform makePlatform()
         radio::ScanContext {*systemBus, *platform.clock, platform.queues->userInitiated,
             std::make_shared<radio::Nl80211ScanKernel>(choice)},
         platform.wifiClient);
+    platform.radioMonitor = std::make_unique<radio::LinuxRadioMonitor>(
+        *platform.clock, platform.queues->userInitiated);
     platform.locationManager = std::make_unique<radio::ScanPermission>(*systemBus);
     platform.appearance = std::make_unique<desktop::PortalAppearance>(*sessionBus);
     platform.statusNotifierHost = std::make_unique<desktop::SessionStatusNotifierHost>(*sessionBus);

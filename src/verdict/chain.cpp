@@ -39,9 +39,15 @@ QString lossFigure(const Loss& loss)
     return u"%1 % lost"_s.arg(qRound(loss.percent()));
 }
 
+/// One lost packet alone says nothing.
+bool answersLately(const Track& track)
+{
+    return track.hasAnswered() && track.unanswered < 2;
+}
+
 QString timeFigure(const Track& track)
 {
-    return track.isAlive() && track.medianMs ? inMs(*track.medianMs) : QString();
+    return answersLately(track) && track.medianMs ? inMs(*track.medianMs) : QString();
 }
 
 QString airFigure(const Facts& facts)
@@ -50,6 +56,14 @@ QString airFigure(const Facts& facts)
     return facts.isByRadio && link && link->ssid && link->signalDbm
         ? u"%1 dBm"_s.arg(*link->signalDbm)
         : QString();
+}
+
+/// By what the radio itself tells, where nothing answers through it.
+bool isAirFine(const Facts& facts)
+{
+    constexpr double kMostFailedPercent = 3;
+    return facts.isByRadio && facts.radio && facts.radio->seconds > 0
+        && facts.radio->beaconsLost == 0 && facts.radio->failedPercent() < kMostFailedPercent;
 }
 
 } // namespace
@@ -121,20 +135,27 @@ std::vector<ChainLink> chainOf(const Facts& facts, Cause cause, Severity severit
         ? facts.router
         : facts.firstHop;
     std::vector<ChainLink> chain(kPlaces);
-    const bool showsRadio = facts.isByRadio || facts.evidence.radioOn.has_value();
+    const bool showsRadio
+        = facts.isByRadio || (!facts.evidence.network && facts.evidence.radioOn.has_value());
     chain[Air] = {.name = showsRadio ? u"Wi-Fi"_s : u"Cable"_s, .figure = airFigure(facts)};
     chain[Router] = {.name = u"Router"_s, .figure = timeFigure(near)};
     chain[Line] = {.name = u"Line"_s, .figure = timeFigure(facts.secondHop)};
     chain[Internet] = {.name = u"Internet"_s, .figure = timeFigure(facts.internet)};
     chain[Dns] = {.name = u"DNS"_s, .figure = timeFigure(lookups)};
     // What answers shows that all before it works.
-    const std::array isAlive = {facts.isNearAlive, facts.isNearAlive,
-        facts.secondHop.isAlive() || facts.isReached, facts.isReached, lookups.isAlive()};
+    const bool isNearAlive
+        = facts.isNearAlive || answersLately(facts.router) || answersLately(facts.firstHop);
+    const std::array isAlive = {isNearAlive, isNearAlive, answersLately(facts.secondHop),
+        facts.isReached || answersLately(facts.internet), lookups.isAlive()};
     bool isBehindAlive = false;
     for (int place = Internet; place >= Air; --place) {
         isBehindAlive = isBehindAlive || isAlive[size_t(place)];
         if (isBehindAlive)
             chain[size_t(place)].state = LinkState::Fine;
+    }
+    if (chain[Air].state == LinkState::Unknown && isAirFine(facts)) {
+        chain[Air].state = LinkState::Fine;
+        chain[Air].word = u"connected"_s;
     }
     if (lookups.isAlive())
         chain[Dns].state = LinkState::Fine;

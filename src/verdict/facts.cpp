@@ -54,8 +54,9 @@ bool isWireless(const platform::NetworkState& state, const QString& name)
 
 double RadioChange::failedPercent() const
 {
-    return sentPackets + failedPackets > 0 ? 100 * failedPackets / (sentPackets + failedPackets)
-                                           : 0;
+    // Some drivers count what failed among what was sent, and some do not.
+    const auto tried = std::max(sentPackets, failedPackets);
+    return tried > 0 ? 100 * failedPackets / tried : 0;
 }
 
 double Facts::ageOf(TimePoint at) const

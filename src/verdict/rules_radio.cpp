@@ -19,19 +19,27 @@ constexpr int kFourWayTimeout = 15;
 constexpr int kGroupKeyTimeout = 16;
 constexpr int kAuthenticationFailed = 23; // by 802.1X
 
-/// The newest event of this kind; null without one in the last `limit`.
+/// Of the events of this kind those of the last `limit`. A sign-in that failed without a code was
+/// not answered at all, as by an access point that is gone: nobody refused it.
+auto isRecent(const Facts& facts, RadioEvent::Kind kind, std::chrono::seconds limit)
+{
+    return [&facts, kind, limit](const RadioEvent& event) {
+        return event.kind == kind && facts.isRecent(event.at, limit)
+            && (kind != RadioEvent::Kind::SignInFailed || event.code);
+    };
+}
+
+/// Null without one.
 const RadioEvent* newest(const Facts& facts, RadioEvent::Kind kind, std::chrono::seconds limit)
 {
     const auto& events = facts.evidence.radioEvents;
-    const auto found = std::find_if(events.rbegin(), events.rend(),
-        [&](const auto& event) { return event.kind == kind && facts.isRecent(event.at, limit); });
+    const auto found = std::find_if(events.rbegin(), events.rend(), isRecent(facts, kind, limit));
     return found == events.rend() ? nullptr : &*found;
 }
 
 int countOf(const Facts& facts, RadioEvent::Kind kind, std::chrono::seconds limit)
 {
-    return int(std::ranges::count_if(facts.evidence.radioEvents,
-        [&](const auto& event) { return event.kind == kind && facts.isRecent(event.at, limit); }));
+    return int(std::ranges::count_if(facts.evidence.radioEvents, isRecent(facts, kind, limit)));
 }
 
 /// Wi-Fi is the way out, or the only one there could be, and it has no link.
@@ -43,7 +51,9 @@ bool lacksLink(const Facts& facts)
               return !each.isTunnel && !each.isWireless && each.isUp && each.hasCarrier;
           });
     const auto* link = facts.link();
-    return facts.evidence.radioOn.value_or(false) && !isConnected && (!link || !link->ssid);
+    // A link whose name the driver does not tell has a signal.
+    const bool hasLink = link && (link->ssid || (link->signalDbm && !link->joiningSsid));
+    return facts.evidence.radioOn.value_or(false) && !isConnected && !hasLink;
 }
 
 /// Packets suffer on their way to the router, and so does what lies behind it.
@@ -283,10 +293,16 @@ std::optional<Finding> scanning(const Facts& facts)
     // Scans that took part in what was slow or lost.
     const auto& events = facts.evidence.radioEvents;
     const auto isDuringScan = [&](TimePoint at) {
-        return std::ranges::any_of(events, [&](const auto& event) {
-            return event.kind == RadioEvent::Kind::ScanStarted && at > event.at - 3s
-                && at < event.at + 5s;
-        });
+        for (auto start = events.begin(); start != events.end(); ++start) {
+            if (start->kind != RadioEvent::Kind::ScanStarted)
+                continue;
+            const auto end = std::ranges::find(
+                start, events.end(), RadioEvent::Kind::ScanEnded, &RadioEvent::kind);
+            const auto endedAt = end == events.end() ? start->at + 5s : end->at;
+            if (at > start->at - 3s && at < endedAt)
+                return true;
+        }
+        return false;
     };
     int bad = 0;
     int duringScan = 0;

@@ -14,13 +14,14 @@ public:
     const Verdict& take(
         Verdict judged, TimePoint now, std::chrono::system_clock::time_point wallClock);
     const Verdict& shown() const { return m_shown; }
+    TimePoint shownAt() const { return m_shownAt; }
 
 private:
     std::chrono::milliseconds holdAgainst(const Verdict& judged) const;
     void show(Verdict judged, TimePoint now);
 
     Verdict m_shown;
-    TimePoint m_shownAt; ///< when its sentence was made
+    TimePoint m_shownAt; ///< when its sentence and its evidence were made
     bool m_isFirst = true;
     Cause m_rival = Cause::Unsure;
     std::optional<TimePoint> m_rivalSince;

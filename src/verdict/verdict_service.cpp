@@ -49,7 +49,7 @@ VerdictService::VerdictService(platform::Platform& platform, wifi::WiFiService& 
         });
     connect(&wifi, &wifi::WiFiService::linkRead, this, &VerdictService::takeLink);
     if (platform.radioMonitor)
-        connect(platform.radioMonitor.get(), &platform::RadioMonitor::event, this,
+        connect(platform.radioMonitor.get(), &platform::RadioMonitor::happened, this,
             [this](const platform::RadioEvent& event) {
                 probes::appendBounded(m_evidence.radioEvents, event, kRadioEvents);
                 judgeNow();

@@ -42,6 +42,8 @@ public:
     void followProbes(probes::PingService* router, probes::PingService& internet);
 
     const Verdict& verdict() const { return m_keeper.shown(); }
+    /// When the evidence that the verdict quotes was as old as it says.
+    TimePoint weighedAt() const { return m_keeper.shownAt(); }
     const Evidence& evidence() const { return m_evidence; }
     /// Rounds of probes that have ended.
     int rounds() const { return m_rounds; }

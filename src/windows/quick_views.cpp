@@ -1,16 +1,14 @@
 #include "windows/quick_views.h"
 
+#include "app/notification_center.h"
 #include "platform/platform.h"
 #include "services/services.h"
 #include "ui/painting/theme.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
-#include "ui/verdict/verdict_state.h"
+#include "ui/verdict/verdict_details.h"
 #include "ui/view_engine.h"
 #include "windows/quick_window.h"
-
-#include <QCoreApplication>
-#include <QScreen>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,9 +17,11 @@ namespace {
 
 class QuickViews final : public app::DashboardViews {
 public:
-    QuickViews(const services::Services& services, const QMenu& menu)
+    QuickViews(const services::Services& services, const QMenu& menu,
+        app::NotificationCenter& notifications)
         : m_services(services)
         , m_menu(menu)
+        , m_notifications(notifications)
         , m_theme(*services.platform.appearance)
     {
         ui::ViewEngine::prepareRendering();
@@ -35,20 +35,24 @@ public:
     {
         return dashboard<ui::DetailedWindowState>(u"DetailedWindowView"_s);
     }
-    void showVerdict() override;
+    std::unique_ptr<shell::HostWindow> verdictWindow() override
+    {
+        return window(u"VerdictView"_s, std::make_shared<ui::VerdictDetails>(m_services));
+    }
 
 private:
     template <typename State>
     std::unique_ptr<shell::HostWindow> dashboard(const QString& view)
     {
         const auto state = std::make_shared<State>(m_services);
-        QObject::connect(state->verdict(), &ui::VerdictState::detailsRequested, state->verdict(),
-            [this] { showVerdict(); });
+        QObject::connect(state->verdict(), &ui::VerdictState::explanationWanted, &m_notifications,
+            &app::NotificationCenter::explainVerdict);
         return window(view, state);
     }
 
     template <typename State>
-    std::unique_ptr<QuickWindow> window(const QString& view, const std::shared_ptr<State>& state)
+    std::unique_ptr<shell::HostWindow> window(
+        const QString& view, const std::shared_ptr<State>& state)
     {
         return std::make_unique<QuickWindow>(m_engine, m_menu,
             QuickWindow::Content {
@@ -60,40 +64,17 @@ private:
 
     const services::Services& m_services;
     const QMenu& m_menu;
+    app::NotificationCenter& m_notifications;
     ui::Theme m_theme;
     ui::ViewEngine m_engine {m_theme};
-    QObject m_owner; ///< of what is done on a later turn
-    std::unique_ptr<QuickWindow> m_verdictWindow; ///< only while it is open
 };
-
-void QuickViews::showVerdict()
-{
-    if (!m_verdictWindow) {
-        m_verdictWindow
-            = window(u"VerdictWindowView"_s, std::make_shared<ui::VerdictState>(m_services));
-        auto& view = m_verdictWindow->window();
-        view.setTitle(u"What is wrong?"_s);
-        view.setMinimumSize({420, 320});
-        const QSize room = view.screen()->availableSize() - QSize(40, 80); // for its frame
-        view.resize(QSize(600, 560).boundedTo(room));
-        QObject::connect(&view, &QWindow::visibleChanged, &view, [this](bool isVisible) {
-            if (!isVisible)
-                QMetaObject::invokeMethod(
-                    &m_owner, [this] { m_verdictWindow.reset(); }, Qt::QueuedConnection);
-        });
-    }
-    auto& view = m_verdictWindow->window();
-    view.show();
-    view.raise();
-    view.requestActivate();
-}
 
 } // namespace
 
 std::unique_ptr<app::DashboardViews> makeQuickViews(
-    const services::Services& services, const QMenu& menu)
+    const services::Services& services, const QMenu& menu, app::NotificationCenter& notifications)
 {
-    return std::make_unique<QuickViews>(services, menu);
+    return std::make_unique<QuickViews>(services, menu, notifications);
 }
 
 } // namespace netvane::windows

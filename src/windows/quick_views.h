@@ -7,8 +7,8 @@
 /// the desktop program it is a library of its own (app/views_library.h).
 namespace netvane::windows {
 
-/// The popover and the detailed window of the program; as `app::MakeViews`. Main thread.
+/// The windows of the program; as `app::MakeViews`. Main thread.
 std::unique_ptr<app::DashboardViews> makeQuickViews(
-    const services::Services& services, const QMenu& menu);
+    const services::Services& services, const QMenu& menu, app::NotificationCenter& notifications);
 
 } // namespace netvane::windows

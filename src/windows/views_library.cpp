@@ -6,7 +6,8 @@
 /// two agree on everything else.
 // NOLINTNEXTLINE(readability-identifier-naming)
 extern "C" netvane::app::DashboardViews* netvane_make_views(
-    const netvane::services::Services& services, const QMenu& menu)
+    const netvane::services::Services& services, const QMenu& menu,
+    netvane::app::NotificationCenter& notifications)
 {
-    return netvane::windows::makeQuickViews(services, menu).release();
+    return netvane::windows::makeQuickViews(services, menu, notifications).release();
 }

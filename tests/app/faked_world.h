@@ -12,7 +12,7 @@ namespace netvane::test {
 
 /// The simulated platform without a Wi-Fi interface, and a delegate on it. Links no views.
 struct FakedWorld : simulated::SimulatedPlatform {
-    explicit FakedWorld(app::MakeViews makeViews = [](const auto&, const auto&) { return nullptr; })
+    explicit FakedWorld(app::MakeViews makeViews = [](const auto&...) { return nullptr; })
         : SimulatedPlatform(std::make_unique<simulated::ManualClock>())
         , delegate(std::make_unique<app::AppDelegate>(
               platform, activity, notificationCenter, std::move(makeViews)))

@@ -1,9 +1,11 @@
+#include "app/verdict_window.h"
 #include "insights/network_notification_service.h"
 #include "insights/onboarding_service.h"
 #include "program_world.h"
 #include "support/captured_log.h"
 #include "support/test_main.h"
 #include "support/view_fixture.h"
+#include "verdict/verdict_service.h"
 
 #include <QPointer>
 #include <QTest>
@@ -106,6 +108,31 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QVERIFY(!program.delegate->windowController()->isWindowVisible());
         QVERIFY(!window && !state);
+    }
+
+    void verdictIsExplained()
+    {
+        Program program;
+        auto& item = *program.delegate->statusBarManager()->statusItem();
+        program.clock->advance(20s);
+        program.settle();
+        const auto& verdict = program.delegate->services().verdictService->verdict();
+        QVERIFY(!verdict.sentence.isEmpty());
+        QCOMPARE(item.toolTip(), verdict.sentence);
+        program.delegate->statusBarManager()->setToolTip(u"\"<b>&amp;\""_s);
+        for (const auto sign : {u'<', u'&'})
+            QVERIFY(!item.toolTip().contains(sign));
+
+        program.root().findChild<QQuickItem*>(u"verdict"_s)->forceActiveFocus(Qt::TabFocusReason);
+        program.key(Qt::Key_Return);
+        QVERIFY(!program.popover().isShown());
+        auto& window = program.delegate->verdictWindow()->window();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QCOMPARE(window.title(), u"What is wrong?"_s);
+        const QPointer<QQuickItem> root = &windows::rootOf(window);
+        QVERIFY(showsText(*root, verdict.sentence));
+        program.key(Qt::Key_Escape);
+        QVERIFY(!program.delegate->verdictWindow() && !root);
     }
 
     void windowTellsTheWayBackWithoutAnItem()

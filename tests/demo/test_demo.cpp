@@ -5,6 +5,7 @@
 #include "support/view_fixture.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
+#include "verdict/verdict_service.h"
 
 #include <QDir>
 #include <QTest>
@@ -61,23 +62,29 @@ private Q_SLOTS:
     void scenesAreSeen()
     {
         const QString portal = u"Captive Portal Detected"_s;
-        const std::tuple<QString, QStringList, QStringList> rows[]
-            = {{u"home"_s, {u"Harbour Lane"_s, u"5 GHz"_s, u"4.4"_s}, {portal}},
-                {u"cafe"_s, {u"Café Meridian Guest"_s, portal}, {u"Harbour Lane"_s}},
-                {u"off"_s, {u"Wi-Fi is turned off"_s}, {u"Wi‑Fi Metrics"_s}},
-                {u"permission"_s, {u"Location Permission Required"_s}, {u"Harbour Lane"_s}}};
+        const std::tuple<QString, QString, QStringList, QStringList> rows[]
+            = {{u"home"_s, u"healthy"_s, {u"Harbour Lane"_s, u"5 GHz"_s, u"4.4"_s}, {portal}},
+                {u"weak"_s, u"weak-signal"_s, {}, {portal}},
+                {u"cafe"_s, u"portal"_s, {u"Café Meridian Guest"_s, portal}, {u"Harbour Lane"_s}},
+                {u"router-dead"_s, u"router-dead"_s, {}, {}},
+                {u"line-down"_s, u"line-down"_s, {}, {}}, {u"dns-dead"_s, u"dns-dead"_s, {}, {}},
+                {u"off"_s, u"healthy"_s, {u"Wi-Fi is turned off"_s}, {u"Wi‑Fi Metrics"_s}},
+                {u"permission"_s, u"healthy"_s, {u"Location Permission Required"_s},
+                    {u"Harbour Lane"_s}}};
         demo::StagedProgram program(*qApp, held(u"first-start"_s));
         auto& popover = program.openPopover(kUntilSeen);
         QVERIFY(textsOf(popover).contains(u"Welcome to Netvane"_s));
         for (int page = 0; page < 3; ++page)
             demo::stateOf<ui::PopoverState>(popover).onboarding()->goOn();
-        for (const auto& [scene, present, absent] : rows) {
+        for (const auto& [scene, cause, present, absent] : rows) {
             QVERIFY(program.stage().hold(scene));
             program.pass(kUntilSeen);
             const QStringList texts = textsOf(popover);
             const auto isSeen = [&](const QString& text) { return texts.contains(text); };
             QVERIFY2(std::ranges::all_of(present, isSeen) && std::ranges::none_of(absent, isSeen),
                 qPrintable(scene + u": "_s + texts.join(u'|')));
+            const auto& verdict = program.delegate().services().verdictService->verdict();
+            QCOMPARE(identifier(verdict.cause), cause);
         }
     }
 

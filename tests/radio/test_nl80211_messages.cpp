@@ -78,12 +78,14 @@ private Q_SLOTS:
         QTEST(record.transmitRateMbps.value_or(-1.0), "mbps");
     }
 
-    void noiseOfTheRightChannel()
+    void surveyOfTheRightChannel()
     {
         const auto entry = [](quint32 mhz, int dbm, bool inUse) {
             return parseSurvey(bytesOf(attribute(NL80211_ATTR_SURVEY_INFO,
                 attribute(NL80211_SURVEY_INFO_FREQUENCY, raw(mhz))
                     + attribute(NL80211_SURVEY_INFO_NOISE, raw(qint8(dbm)))
+                    + attribute(NL80211_SURVEY_INFO_TIME, raw(quint64(mhz)))
+                    + attribute(NL80211_SURVEY_INFO_TIME_BUSY, raw(quint32(1)))
                     + (inUse ? attribute(NL80211_SURVEY_INFO_IN_USE, {}) : QByteArray()))));
         };
         InterfaceRecord interface;
@@ -92,7 +94,31 @@ private Q_SLOTS:
         QCOMPARE(linkReading(interface, {StationRecord {}}, survey, {}).noiseDbm, -92);
         QVERIFY(!linkReading({}, {}, survey, {}).noiseDbm);
         survey.push_back(entry(5180, -95, true));
-        QCOMPARE(linkReading(interface, {StationRecord {}}, survey, {}).noiseDbm, -95);
+        const auto inUse = linkReading(interface, {StationRecord {}}, survey, {});
+        QCOMPARE(inUse.noiseDbm, -95);
+        QCOMPARE(inUse.counters, LinkCounters {.channelActiveMs = 5180}); // the other's size is odd
+    }
+
+    /// Each value stands in one of several messages about the access point, or in none.
+    void countersOfAllMessages()
+    {
+        const auto count = [](int number, quint32 value) { return attribute(number, raw(value)); };
+        const auto slow = attribute(NL80211_RATE_INFO_BITRATE, raw(quint16(60)));
+        const auto mac = attribute(NL80211_ATTR_MAC, QByteArray("\2\0\0\0\1\0", 6));
+        const std::vector stations = {parseStation(bytesOf(attribute(NL80211_ATTR_MAC, "short"_ba)
+                                          + station(count(NL80211_STA_INFO_TX_PACKETS, 100)
+                                              + count(NL80211_STA_INFO_TX_RETRIES, 20)))),
+            parseStation(bytesOf(mac
+                + station(count(NL80211_STA_INFO_TX_FAILED, 3)
+                    + count(NL80211_STA_INFO_BEACON_LOSS, 4)
+                    + attribute(NL80211_STA_INFO_RX_BITRATE, slow))))};
+        const auto reading = linkReading({}, stations, {}, {});
+        QCOMPARE(reading.counters,
+            (LinkCounters {.sentPackets = 100, .retries = 20, .failed = 3, .beaconsLost = 4}));
+        QCOMPARE(reading.bssid, u"02:00:00:00:01:00"_s);
+        QCOMPARE(reading.receiveRateMbps, 6.0);
+        QCOMPARE(parsePowerSave(bytesOf(count(NL80211_ATTR_PS_STATE, NL80211_PS_ENABLED))), true);
+        QVERIFY(!parsePowerSave(bytesOf(attribute(NL80211_ATTR_PS_STATE, "\1"_ba))));
     }
 
     void accessPointIsToldFromOtherPeers()

@@ -28,7 +28,8 @@ public:
     base::Result<radio::ScanSetup> prepare() override
     {
         return radio::ScanSetup {{3, QStringLiteral("wlan0")},
-            std::make_shared<radio::ScanEvents>(base::FileDescriptor(::dup(m_ends[0])), m_family)};
+            std::make_shared<netlink::GenericEvents>(
+                base::FileDescriptor(::dup(m_ends[0])), m_family)};
     }
     base::Result<std::monostate> trigger(const radio::ScanInterface&) override
     {

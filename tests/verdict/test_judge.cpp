@@ -117,8 +117,8 @@ void throughVpn(Evidence& evidence)
     evidence.network->value.route4 = {{.interfaceName = u"wg0"_s, .isThroughTunnel = true}};
 }
 
-void addEvent(Evidence& evidence, RadioEvent::Kind kind, std::chrono::seconds age, int code,
-    bool byAccessPoint = false)
+void addEvent(Evidence& evidence, RadioEvent::Kind kind, std::chrono::seconds age,
+    std::optional<int> code, bool byAccessPoint = false)
 {
     evidence.radioEvents.push_back(
         {.kind = kind, .at = kNow - age, .code = code, .byAccessPoint = byAccessPoint});
@@ -289,18 +289,19 @@ void TestJudge::addRadio()
         withoutLink(e);
         e.links.back().value.joiningSsid = u"<b>hotel</b> with thirty-two bytes"_s;
     });
-    add("refused", Cause::SignInRefused, wifi(), [](auto& e) {
-        withoutLink(e);
-        addEvent(e, RadioEvent::Kind::SignInFailed, 5s, 1);
-    });
-    add("wrong passphrase", Cause::SignInRefused, wifi(), [](auto& e) {
-        withoutLink(e);
-        addEvent(e, RadioEvent::Kind::Disconnected, 5s, 15, true);
-    });
-    add("key not renewed", Cause::AccessPointLost, wifi(), [](auto& e) {
-        withoutLink(e);
-        addEvent(e, RadioEvent::Kind::Disconnected, 5s, 16, true);
-    });
+    using enum RadioEvent::Kind;
+    const std::tuple<const char*, Cause, RadioEvent::Kind, std::optional<int>> kEnds[] = {
+        {"refused", Cause::SignInRefused, SignInFailed, 1},
+        {"wrong passphrase", Cause::SignInRefused, Disconnected, 15},
+        {"key not renewed", Cause::AccessPointLost, Disconnected, 16},
+        {"gone, and does not answer", Cause::AccessPointLost, SignInFailed, {}},
+    };
+    for (const auto& [name, cause, kind, code] : kEnds)
+        add(name, cause, wifi(), [&](auto& e) {
+            withoutLink(e);
+            addEvent(e, Disconnected, 9s, 4);
+            addEvent(e, kind, 5s, code, kind == Disconnected);
+        });
     add("weak", Cause::WeakSignal, wifi(), [](auto& e) {
         lossyNear(e);
         e.links = {{link(-86, 100, 0), kNow - 9s}, {link(-86, 200, 20), kNow}};
@@ -312,27 +313,25 @@ void TestJudge::addRadio()
     add("busy", Cause::AirBusy, wifi(), [](auto& e) {
         e.router = e.firstHop = outcomes(150);
         e.internet = outcomes(170);
-        e.links.front().value.counters.channelActiveMs = 0;
-        e.links.front().value.counters.channelBusyMs = 0;
-        e.links.back().value.counters.channelActiveMs = 9000;
-        e.links.back().value.counters.channelBusyMs = 8500;
+        e.links.front().value.counters = {.channelActiveMs = 0, .channelBusyMs = 0};
+        e.links.back().value.counters = {.channelActiveMs = 9000, .channelBusyMs = 8500};
     });
     add("power saving", Cause::PowerSave, wifi(), [](auto& e) {
-        e.router = outcomes(120);
+        e.router = e.firstHop = outcomes(120);
         e.router[2].milliseconds = 3;
-        e.firstHop = outcomes(110);
         e.internet = outcomes(130);
         e.links.back().value.powerSave = true;
     });
     add("scanned", Cause::Scanning, wifi(), [](auto& e) {
-        for (const size_t round : {2, 5, 8}) {
-            e.router[round].milliseconds = 300;
-            addEvent(e, RadioEvent::Kind::ScanStarted, 3s * int(kRounds - round), 0);
+        for (const int round : {2, 7}) {
+            addEvent(e, ScanStarted, 3s * (kRounds - round), 0);
+            e.router[round].milliseconds = e.router[round + 2].milliseconds = 300;
+            addEvent(e, ScanEnded, 3s * (kRounds - round - 3), 0);
         }
     });
     add("roams", Cause::Roaming, wifi(), [](auto& e) {
-        addEvent(e, RadioEvent::Kind::Roamed, 30s, 0);
-        addEvent(e, RadioEvent::Kind::Roamed, 10s, 0);
+        addEvent(e, Roamed, 30s, 0);
+        addEvent(e, Roamed, 10s, 0);
     });
 }
 

@@ -84,6 +84,10 @@ void Theme::setColors(bool isDark)
              Row {m_secondaryText, QColor(0x58, 0x5a, 0x60), QColor(0xb8, 0xb9, 0xbf)},
              Row {m_tertiaryText, QColor(0x6b, 0x6d, 0x74), QColor(0x9c, 0x9d, 0xa4)},
              Row {m_prominentFill, QColor(0x1f, 0x6a, 0xd0), QColor(0x2f, 0x76, 0xcc)},
+             Row {m_fineMark, QColor(0x15, 0x77, 0x3b), QColor(0x5c, 0xcf, 0x85)},
+             Row {m_noticeMark, QColor(0x1f, 0x6a, 0xd0), QColor(0x72, 0xb0, 0xf6)},
+             Row {m_poorMark, QColor(0x96, 0x58, 0x00), QColor(0xff, 0xb8, 0x54)},
+             Row {m_brokenMark, QColor(0xbf, 0x2a, 0x2a), QColor(0xff, 0x86, 0x80)},
              Row {m_outline, QColor(0x86, 0x87, 0x8e), QColor(0x7a, 0x7b, 0x82)},
          })
         color = isDark ? dark : light;
@@ -122,6 +126,11 @@ void Theme::setFonts()
 QList<QColor> Theme::accents() const
 {
     return {m_blue, m_green, m_orange, m_red, m_lightBlue, m_tertiaryText};
+}
+
+QList<QColor> Theme::marks() const
+{
+    return {m_tertiaryText, m_fineMark, m_noticeMark, m_poorMark, m_brokenMark};
 }
 
 } // namespace netvane::ui

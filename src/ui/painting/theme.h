@@ -34,6 +34,8 @@ class Theme : public QObject {
     Q_PROPERTY(QColor outline MEMBER m_outline NOTIFY schemeChanged)
     /// Indexed by `Accent`, so that a binding on it follows the scheme.
     Q_PROPERTY(QList<QColor> accents READ accents NOTIFY schemeChanged)
+    /// Indexed by `Mark`. Each has a contrast of at least 4.5 to 1 with both backgrounds.
+    Q_PROPERTY(QList<QColor> marks READ marks NOTIFY schemeChanged)
     Q_PROPERTY(QFont largeTitle MEMBER m_largeTitle CONSTANT)
     Q_PROPERTY(QFont title MEMBER m_title CONSTANT)
     Q_PROPERTY(QFont title2 MEMBER m_title2 CONSTANT)
@@ -58,6 +60,7 @@ public:
 
     QColor controlBackground() const { return m_controlBackground; }
     QList<QColor> accents() const;
+    QList<QColor> marks() const;
 
 Q_SIGNALS:
     void schemeChanged();
@@ -75,6 +78,7 @@ private:
     std::optional<bool> m_isDark;
     QColor m_blue, m_green, m_orange, m_red, m_lightBlue;
     QColor m_controlBackground, m_cardBackground, m_separator, m_prominentFill, m_outline;
+    QColor m_fineMark, m_noticeMark, m_poorMark, m_brokenMark;
     QColor m_primaryText, m_secondaryText, m_tertiaryText;
     QFont m_largeTitle, m_title, m_title2, m_headline, m_body, m_bodyEmphasis;
     QFont m_callout, m_calloutEmphasis, m_caption, m_captionEmphasis;

@@ -2,7 +2,8 @@
 
 // The room ui is what the user sees. In `state`, C++ decides what is shown: texts, grades, colours,
 // and when something is taken over. In `views` and `components` QML draws it, in `painting` C++
-// paints what QML cannot, and `symbols` are the drawings.
+// paints what QML cannot, and `symbols` are the drawings. `verdict` has both halves of what is
+// shown of the verdict.
 
 #include "ui/state/channel_analysis_state.h"
 #include "ui/state/connection_status.h"
@@ -47,8 +48,9 @@ class DashboardState : public QObject {
     Q_PROPERTY(netvane::ui::ChannelAnalysisState* channelAnalysis READ channelAnalysis CONSTANT)
     Q_PROPERTY(netvane::ui::SpeedTestState* speedTest READ speedTest CONSTANT)
     Q_PROPERTY(netvane::ui::TracerouteState* traceroute READ traceroute CONSTANT)
-    Q_PROPERTY(netvane::ui::VerdictState* verdict READ verdict CONSTANT)
     Q_PROPERTY(netvane::ui::SettingsState* settings READ settings CONSTANT)
+    /// Follows at once.
+    Q_PROPERTY(netvane::ui::VerdictState* verdict READ verdict CONSTANT)
 
 public:
     /// All services exist and outlive this. `loadProbe` tells the speed test how the link lags
@@ -66,8 +68,8 @@ public:
     ChannelAnalysisState* channelAnalysis() { return &m_channelAnalysis; }
     SpeedTestState* speedTest() { return &m_speedTest; }
     TracerouteState* traceroute() { return &m_traceroute; }
-    VerdictState* verdict() { return &m_verdict; }
     SettingsState* settings() { return &m_settings; }
+    VerdictState* verdict() { return &m_verdict; }
 
     /// Out of the settings, which is what Escape means first. False when they are not shown.
     Q_INVOKABLE virtual bool goBack();
@@ -136,8 +138,8 @@ private:
     ChannelAnalysisState m_channelAnalysis;
     SpeedTestState m_speedTest;
     TracerouteState m_traceroute;
-    VerdictState m_verdict;
     SettingsState m_settings;
+    VerdictState m_verdict;
     bool m_isShown = false;
     bool m_showSettings = false;
 };

@@ -2,51 +2,65 @@ import QtQuick
 import QtQuick.Layouts
 import Netvane
 
-// One sentence that says whether all is well, and who is to blame if not. A click opens the details.
+// What is wrong, in a sentence, above a dashboard. It always has the place of two lines, so that
+// nothing below it moves when the sentence changes.
 PlainButton {
     id: root
 
     required property VerdictState verdict
 
-    readonly property color tint: Theme.accents[verdict.accent]
-    readonly property bool isQuiet: verdict.symbol === "checkmark.circle.fill"
+    readonly property color tint: Theme.marks[verdict.mark]
+    readonly property bool isQuiet: verdict.mark === Mark.Fine || verdict.mark === Mark.Unknown
 
-    objectName: "verdict-strip"
+    implicitHeight: 52
     horizontalPadding: 12
-    verticalPadding: 10
+    // Not `text`, which may hold nothing from outside.
     Accessible.name: "Verdict: " + verdict.sentence
     Accessible.description: verdict.advice
-    onClicked: verdict.openDetails()
+    onClicked: verdict.explain()
 
     contentItem: RowLayout {
         spacing: 10
 
         Symbol {
             name: root.verdict.symbol
+            size: 20
             color: root.tint
-            size: 18
         }
         PlainText {
             Layout.fillWidth: true
             text: root.verdict.sentence
-            font: root.isQuiet ? Theme.callout : Theme.calloutEmphasis
+            font: root.isQuiet ? Theme.callout
+                : text.length > 72 ? Theme.captionEmphasis : Theme.calloutEmphasis
             wrapMode: Text.Wrap
-            maximumLineCount: 2
             elide: Text.ElideRight
+            maximumLineCount: 2
+            horizontalAlignment: Text.AlignLeft
             Accessible.ignored: true
+
+            HoverTip { text: (parent as PlainText).truncated ? root.verdict.sentence : "" }
         }
         Symbol {
             name: "chevron.right"
-            color: Theme.secondaryText
-            size: 12
+            size: 11
+            color: Theme.tertiaryText
         }
     }
-    background: Rectangle {
-        radius: 10
-        color: Qt.tint(Theme.cardBackground,
-                       Qt.alpha(root.tint, (root.isQuiet ? 0.06 : 0.14) + (root.hovered ? 0.05 : 0)))
-        border.width: 1
-        border.color: Qt.alpha(root.tint, root.isQuiet ? 0.25 : 0.6)
-        FocusRing { control: root }
+    background: CardBackground {
+        hasShadow: root.isQuiet
+        color: {
+            const base = root.isQuiet
+                ? Theme.cardBackground : Qt.tint(Theme.cardBackground, Qt.alpha(root.tint, 0.1))
+            return root.hovered ? Qt.tint(base, Qt.alpha(Theme.primaryText, 0.04)) : base
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            radius: 10
+            color: "transparent"
+            border.color: Qt.alpha(root.tint, 0.45)
+            visible: !root.isQuiet
+        }
+        FocusRing { control: root; radius: 12 }
     }
 }

@@ -25,16 +25,23 @@ Item {
     }
     VerdictStrip {
         id: strip
+        objectName: "verdict"
         x: column.x
-        y: noteText.visible ? noteText.y + noteText.height + 12 : 16
+        y: noteText.visible ? noteText.y + noteText.height + 8 : 8
         width: column.width
-        visible: !root.viewState.showSettings
+        visible: content.visible
         verdict: root.viewState.verdict
     }
+    Divider {
+        y: content.y - 1
+        width: parent.width
+        visible: content.visible && !content.atYBeginning
+    }
     ScrollArea {
+        id: content
         objectName: "main-content"
         anchors.fill: parent
-        anchors.topMargin: strip.y + strip.height
+        anchors.topMargin: strip.y + strip.height + 8
         visible: !root.viewState.showSettings
         focus: visible
         showsIndicator: true

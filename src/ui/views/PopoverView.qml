@@ -15,7 +15,7 @@ Item {
         case PopoverState.Settings:
             return Math.min(500, settings.implicitHeight)
         default:
-            return Math.min(650, column.implicitHeight + 16) + main.y
+            return content.y + Math.min(650, column.implicitHeight + 16)
         }
     }
 
@@ -26,18 +26,24 @@ Item {
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
 
     VerdictStrip {
-        id: strip
+        objectName: "verdict"
         x: 16
-        y: 12
+        y: 8
         width: parent.width - 32
-        visible: main.visible && main.opacity > 0
+        visible: content.visible
+        opacity: content.opacity
         verdict: root.viewState.verdict
     }
+    Divider {
+        y: content.y - 1
+        width: parent.width
+        visible: content.visible && !content.atYBeginning
+    }
     ScrollArea {
-        id: main
+        id: content
         objectName: "main-content"
         anchors.fill: parent
-        anchors.topMargin: strip.y + strip.height
+        anchors.topMargin: 68
         visible: root.viewState.content === PopoverState.Dashboard
         opacity: root.viewState.content === PopoverState.Onboarding ? 0 : 1
         focus: visible

@@ -116,8 +116,12 @@ check "and in order" says "The display is gone"
 desktop accessibility
 start registry /usr/libexec/at-spi-bus-launcher --launch-immediately
 QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 start demo "${program}-demo" --scene home --popover
-check "the upper part of the popover" "$here/accessible_tree" netvane-demo "heading: Netvane" "push button: Settings" \
+check "the upper part of the popover" "$here/accessible_tree" netvane-demo "push button: Verdict: Wi-Fi, router" \
+    "heading: Netvane" "push button: Settings" \
     "panel: Connection" "label: -5" "panel: Signal Strength" "image: Signal: good" "image: Signal Strength history: Last " "panel: Router"
 xdotool key End
 check "the lower part" "$here/accessible_tree" netvane-demo "panel: Speed Test" "push button: Run Speed Test" \
     "panel: Traceroute" "text: " "push button: Run"
+xdotool key Tab Return
+check "the explanation of the verdict" "$here/accessible_tree" netvane-demo "heading: Wi-Fi, router" "list: The way" \
+    "list item: Router: fine, 2 ms" "list: What was measured" "list item: The router answers in 2 ms, 2" "push button: Copy"

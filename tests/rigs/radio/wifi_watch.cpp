@@ -1,6 +1,7 @@
 // Prints what the program reads, for comparison with other tools. Each line of standard input is a
 // request, answered by one line of JSON: "link" makes a sampling pass and prints the published
-// link, "scan" makes a scan and prints the networks.
+// link, what was read, and the events of the radio since the line before; "scan" makes a scan and
+// prints the networks.
 
 #include "system/linux_platform.h"
 #include "wifi/location_permission_service.h"
@@ -41,6 +42,33 @@ QJsonObject jsonOf(const platform::NearbyNetwork& network)
         {u"channel"_s, jsonOf(network.channel)}, {u"signal"_s, jsonOf(network.signalDbm)}};
 }
 
+QJsonObject jsonOf(const platform::LinkReading& reading)
+{
+    const auto& counters = reading.counters;
+    const auto number
+        = [](const auto& count) { return count ? QJsonValue(qint64(*count)) : QJsonValue(); };
+    return {{u"bssid"_s, jsonOf(reading.bssid)}, {u"rx"_s, jsonOf(reading.receiveRateMbps)},
+        {u"powerSave"_s, jsonOf(reading.powerSave)}, {u"sent"_s, number(counters.sentPackets)},
+        {u"retries"_s, number(counters.retries)}, {u"failed"_s, number(counters.failed)},
+        {u"beaconsLost"_s, number(counters.beaconsLost)},
+        {u"active"_s, number(counters.channelActiveMs)},
+        {u"busy"_s, number(counters.channelBusyMs)}};
+}
+
+/// "Disconnected 16 by AP wlan0 02:00:00:00:01:00".
+QString textOf(const platform::RadioEvent& event)
+{
+    static const char* const kNames[]
+        = {"Connected", "Disconnected", "Roamed", "SignInFailed", "ScanStarted", "ScanEnded"};
+    QStringList words {QLatin1String(kNames[int(event.kind)])};
+    if (event.code)
+        words.append(QString::number(*event.code));
+    if (event.byAccessPoint)
+        words.append(u"by AP"_s);
+    words += {event.interfaceName, event.bssid.value_or(u"-"_s)};
+    return words.join(u' ');
+}
+
 QString bandName(wifi::WiFiFrequency frequency)
 {
     static const char* const kNames[] = {"twoPointFourGHz", "fiveGHz", "sixGHz", "unknown"};
@@ -64,6 +92,10 @@ public:
         m_wifi.setLocationPermissionService(m_permission);
         connect(&m_wifi, &wifi::WiFiService::passFinished, this, &WiFiWatch::passFinished,
             Qt::QueuedConnection);
+        connect(&m_wifi, &wifi::WiFiService::linkRead, this,
+            [this](const auto& reading) { m_reading = reading.value_or(platform::LinkReading()); });
+        connect(m_platform.radioMonitor.get(), &platform::RadioMonitor::happened, this,
+            [this](const auto& event) { m_events.append(textOf(event)); });
         connect(&m_input, &QSocketNotifier::activated, this, &WiFiWatch::readRequest);
         printLine({{u"event"_s, u"ready"_s}});
     }
@@ -112,6 +144,8 @@ private:
             {u"needsPermission"_s, m_wifi.needsLocationPermission()},
             {u"authorization"_s, int(m_permission.authorizationStatus())},
             {u"isAuthorized"_s, m_permission.isAuthorized()},
+            {u"reading"_s, jsonOf(m_reading)},
+            {u"events"_s, std::exchange(m_events, {})},
         });
     }
 
@@ -136,6 +170,8 @@ private:
     QSocketNotifier m_input;
     std::unique_ptr<base::Timer> m_later;
     bool m_isSampling = false;
+    platform::LinkReading m_reading;
+    QJsonArray m_events; ///< since the last line
 };
 
 } // namespace

@@ -5,6 +5,7 @@ import sys
 import adapter_scenarios
 import cost_scenarios
 import day_scenarios
+import event_scenarios
 import link_scenarios
 import permission_scenarios
 import scan_scenarios
@@ -14,8 +15,8 @@ from world import World
 
 def chosen(names):
     """The scenarios whose names hold one of these, or all of them if there is none."""
-    modules = (link_scenarios, adapter_scenarios, cost_scenarios, scan_scenarios,
-               permission_scenarios, day_scenarios)
+    modules = (link_scenarios, adapter_scenarios, event_scenarios, cost_scenarios,
+               scan_scenarios, permission_scenarios, day_scenarios)
     every = {scenario.__name__: scenario for module in modules
              for scenario in (*module.SCENARIOS, *getattr(module, 'MANAGED_SCENARIOS', ()))}
     for name in names:
@@ -40,6 +41,7 @@ def main():
     if len(watchers) == 2:
         play(link_scenarios, world, watchers)
         play(adapter_scenarios, world, watchers)
+        play(event_scenarios, world, watchers[0])
     for watcher in watchers:
         report.check(f'ends at the end of its input ({watcher.user})', watcher.end(), 0)
     play(cost_scenarios, world)

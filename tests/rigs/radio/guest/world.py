@@ -76,7 +76,7 @@ class World:
         self.do('wait_for', seconds, condition, seconds=seconds + 120)
 
     def build(self):
-        self.do('radios_up', len(NETWORKS) + 3)  # the station, ELEVEN, and the second adapter
+        self.do('radios_up', len(NETWORKS) + 4)  # the station, ELEVEN, the second adapter, a spare one
         for network in NETWORKS:
             self.start(network)
             self.do('supplicant_network', network.ssid.hex(), network.frequency,

@@ -37,7 +37,7 @@ radios_up() { # radios_up COUNT: phy0 to phy(COUNT-1), all but the first in the 
     done
 }
 access_point_settings() { # access_point_settings PHY SSID_HEX FREQUENCY PASSPHRASE
-    printf '%s\n' "interface=wlan$1" driver=nl80211 "ssid2=$2" country_code=$country ieee80211d=1 \
+    printf '%s\n' "interface=wlan$1" driver=nl80211 "ctrl_interface=$state/hostapd" "ssid2=$2" country_code=$country ieee80211d=1 \
         wmm_enabled=1
     if [ "$3" -lt 3000 ]; then
         printf '%s\n' hw_mode=g "channel=$((($3 - 2407) / 5))" ieee80211n=1
@@ -58,6 +58,8 @@ access_point() { # access_point PHY SSID_HEX FREQUENCY PASSPHRASE, which is empt
     ip netns exec air iw dev "wlan$1" set txpower fixed 0 &&
         ip -n air addr replace "192.168.$1.1/24" dev "wlan$1"
 }
+access_point_end() { kill "$(<$state/ap$1.pid)"; }
+access_point_does() { hostapd_cli -p $state/hostapd -i "wlan$1" "${@:2}" | grep -qx OK; }
 heard_at() { # heard_at PHY DBM: how loud everybody hears this radio, -99 to -1
     # A receiver's signal is this plus the sender's power, which access_point has set to 0 dBm.
     # The kernel's file takes an unsigned number up to 6.1 and a signed one from 6.2.
@@ -105,6 +107,10 @@ cli() { wpa_cli -p $state/control -i wlan0 "$@"; }
 supplicant_down() {
     [ ! -s $state/supplicant.pid ] || kill "$(<$state/supplicant.pid)"
     wait_for 30 "[ ! -e $state/supplicant.pid ]"
+}
+supplicant_signal() { kill "-$1" "$(<$state/supplicant.pid)"; }
+roam() { # roam BSSID: to another access point of the same network
+    wait_for 30 "cli scan; cli bss $1 | grep -q ^bssid" && cli roam "$1" | grep -qx OK
 }
 choose() { cli select_network "$1" | grep -qx OK; }
 leave() { cli disable_network all | grep -qx OK; }
