@@ -42,7 +42,7 @@ struct Platform {
     std::unique_ptr<QObject> sessionBus; ///< likewise
     std::shared_ptr<WiFiClient> wifiClient; ///< null if the kernel offers no netlink
     std::unique_ptr<NetworkScanner> networkScanner;
-    std::unique_ptr<RadioMonitor> radioMonitor;
+    std::unique_ptr<RadioMonitor> radioMonitor; ///< null if the kernel offers no netlink
     std::unique_ptr<LocationManager> locationManager;
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<StatusNotifierHost> statusNotifierHost;
@@ -53,7 +53,7 @@ struct Platform {
     std::unique_ptr<HttpClient> httpClient;
     std::shared_ptr<ConnectionFactory> connections;
     std::shared_ptr<HopProbeFactory> hopProbes;
-    std::unique_ptr<NameServerClient> nameServers;
+    std::unique_ptr<NameServerClient> nameServers; ///< null without the library for it
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that may outlive all other objects
     std::unique_ptr<UserDefaults> userDefaults;
     std::unique_ptr<UserNotificationCenter> userNotifications;

@@ -22,7 +22,10 @@ void CaptivePortalService::start()
 void CaptivePortalService::checkForCaptivePortal()
 {
     m_http.send({.url = m_captiveURL, .silenceLimit = silenceLimit, .timeLimit = timeLimit}, this,
-        [this](const platform::HttpAnswer& answer) { publish(judgePortal(answer)); });
+        [this](const platform::HttpAnswer& answer) {
+            publish(judgePortal(answer));
+            Q_EMIT checked(answer);
+        });
 }
 
 void CaptivePortalService::openLoginPage()

@@ -45,6 +45,8 @@ public:
 Q_SIGNALS:
     void isCaptiveChanged();
     void loginURLChanged();
+    /// A check came to its end, whatever it found.
+    void checked(const netvane::platform::HttpAnswer& answer);
 
 private:
     void publish(const PortalVerdict& verdict);

@@ -4,6 +4,8 @@
 #include "base/log.h"
 #include "base/publish.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::probes {
@@ -58,26 +60,29 @@ void DNSService::performLookup()
 
 void DNSService::timeLookup()
 {
-    if (m_lookupsInFlight >= maxLookupsInFlight)
+    if (m_inFlight.size() >= maxLookupsInFlight)
         return;
     ++m_lookupCount;
     if (m_lookupCount % kLookupsPerLogLine == 0)
         base::log(logCategory(),
             u"DNSService: Lookup #%1, history count: %2"_s.arg(
                 QString::number(m_lookupCount), QString::number(m_history.size())));
+    const auto startedAt = m_clock.monotonicNow();
     const bool started = base::runDetached(
         this,
         [resolver = m_resolver, host = m_testHost.toStdString()] {
             return timedResolve(*resolver, host);
         },
-        [this, asleepBefore = m_clock.timeAsleep()](const TimedResolution& lookup) {
-            --m_lookupsInFlight;
-            if (!base::hasSlept(asleepBefore, m_clock.timeAsleep()))
-                finishLookup(lookup);
+        [this, startedAt, asleepBefore = m_clock.timeAsleep()](const TimedResolution& lookup) {
+            m_inFlight.erase(std::ranges::find(m_inFlight, startedAt));
+            if (base::hasSlept(asleepBefore, m_clock.timeAsleep()))
+                return;
+            finishLookup(lookup);
+            Q_EMIT lookupEnded(startedAt, lookup);
         },
         m_clock, base::Delivery::Batched);
     if (started)
-        ++m_lookupsInFlight;
+        m_inFlight.push_back(startedAt);
     else
         base::log(logCategory(), u"DNSService: No thread to be had for a lookup"_s);
 }
@@ -94,6 +99,11 @@ void DNSService::finishLookup(const TimedResolution& lookup)
     const MetricDataPoint point {.timestamp = m_clock.now(), .value = milliseconds.count()};
     appendBounded(m_history, point, maxHistorySize);
     m_lookupSubject.send(milliseconds.count());
+}
+
+std::optional<std::chrono::steady_clock::time_point> DNSService::pendingSince() const
+{
+    return m_inFlight.empty() ? std::nullopt : std::optional(m_inFlight.front());
 }
 
 } // namespace netvane::probes

@@ -52,12 +52,17 @@ public:
     const QString& testHost() const { return m_testHost; }
     /// Lookups begun so far.
     int lookupCount() const { return m_lookupCount; }
+    /// When the oldest unfinished look-up began; absent while none runs.
+    std::optional<std::chrono::steady_clock::time_point> pendingSince() const;
 
     void performLookup();
 
 Q_SIGNALS:
     void lookupTimeChanged();
     void dnsServerChanged();
+    /// A look-up came to its end, whatever it found; one across which the machine slept does not.
+    void lookupEnded(std::chrono::steady_clock::time_point startedAt,
+        const netvane::probes::TimedResolution& lookup);
 
 private:
     void timeLookup();
@@ -72,7 +77,7 @@ private:
     std::vector<MetricDataPoint> m_history;
     LatestValueThrottle<double> m_lookupSubject;
     int m_lookupCount = 0;
-    int m_lookupsInFlight = 0;
+    std::vector<std::chrono::steady_clock::time_point> m_inFlight; ///< when they began
     std::unique_ptr<base::Timer> m_lookupTimer;
 };
 

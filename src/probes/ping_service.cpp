@@ -123,6 +123,7 @@ void PingService::measureLatency()
     });
     m_inFlight.push_back(probe);
     probe->connection->start();
+    Q_EMIT probeBegan();
 }
 
 void PingService::handleEvent(const Probe& probe, const platform::ConnectionEvent& event)
@@ -132,7 +133,8 @@ void PingService::handleEvent(const Probe& probe, const platform::ConnectionEven
         const auto latency = event.at - probe.startedAt;
         // Too late: the timeout is due, but a busy main thread has not run it yet.
         if (latency < probeTimeout)
-            finishProbe(probe, std::chrono::duration<double, std::milli>(latency).count());
+            finishProbe(probe, std::chrono::duration<double, std::milli>(latency).count(), {},
+                event.retransmissions);
         return;
     }
     case platform::ConnectionState::Failed:
@@ -145,8 +147,8 @@ void PingService::handleEvent(const Probe& probe, const platform::ConnectionEven
 }
 
 /// Cancels the connection.
-void PingService::finishProbe(
-    const Probe& probe, std::optional<double> latencyMs, const QString& failure)
+void PingService::finishProbe(const Probe& probe, std::optional<double> latencyMs,
+    const QString& failure, int retransmissions)
 {
     const auto place = std::ranges::find(m_inFlight, &probe, &std::shared_ptr<Probe>::get);
     if (place == m_inFlight.end())
@@ -160,6 +162,7 @@ void PingService::finishProbe(
     else if (latencyMs && m_inFlight.empty()) // one that began earlier may still time out
         m_failures.clear();
     recordResult(latencyMs);
+    Q_EMIT probeEnded({held->startedAt, latencyMs, retransmissions});
 }
 
 /// A router that is gone times out and is unreachable by turns: each is a line of its own once.

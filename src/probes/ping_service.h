@@ -19,6 +19,13 @@
 
 namespace netvane::probes {
 
+/// How one probe ended.
+struct ProbeOutcome {
+    std::chrono::steady_clock::time_point startedAt;
+    std::optional<double> latencyMs; ///< absent: no answer in time
+    int retransmissions = 0; ///< see `platform::ConnectionEvent`
+};
+
 /// Measures latency, jitter and loss towards one target every 3 seconds by the time that a TCP
 /// connection takes to become ready; one that does not within `probeTimeout` is a lost packet. One
 /// across which the machine slept tells nothing and counts as nothing. Main thread; connections
@@ -65,6 +72,10 @@ public:
 
 Q_SIGNALS:
     void currentMetricsChanged();
+    /// A probe was sent.
+    void probeBegan();
+    /// A probe ended; one across which the machine slept does not.
+    void probeEnded(const netvane::probes::ProbeOutcome& outcome);
 
 private:
     struct Probe;
@@ -76,8 +87,8 @@ private:
     void performPing();
     void measureLatency();
     void handleEvent(const Probe& probe, const platform::ConnectionEvent& event);
-    void finishProbe(
-        const Probe& probe, std::optional<double> latencyMs, const QString& failure = {});
+    void finishProbe(const Probe& probe, std::optional<double> latencyMs,
+        const QString& failure = {}, int retransmissions = 0);
     void logFailure(const QString& failure);
     void recordResult(std::optional<double> latencyMs);
     std::optional<double> jitter() const;

@@ -14,6 +14,7 @@
 #include "probes/network_utils.h"
 #include "probes/ping_service.h"
 #include "probes/probe_targets.h"
+#include "verdict/verdict_service.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
@@ -58,8 +59,7 @@ void Services::makeAll(platform::ApplicationActivity& activity)
     wifiService->setNetworkNotificationService(networkNotificationService.get());
     makeNameLookups();
     makeSpeedTest();
-    captivePortalService = std::make_unique<probes::CaptivePortalService>(
-        *platform.httpClient, *platform.urlOpener, clock, probes::kCaptivePortalProbe);
+    makeVerdict();
     channelAnalysisService
         = std::make_unique<diagnostics::ChannelAnalysisService>(*platform.networkScanner, clock);
     channelAnalysisService->setLocationPermissionService(locationPermissionService.get());
@@ -101,6 +101,16 @@ void Services::makeProbes(const std::optional<QString>& router)
         routerPingService = probeOf(*router, u"router"_s);
     if (!internetPingService)
         internetPingService = probeOf(probes::kInternetTarget, u"internet"_s);
+    if (verdictService)
+        verdictService->followProbes(routerPingService.get(), *internetPingService);
+}
+
+void Services::makeVerdict()
+{
+    captivePortalService = std::make_unique<probes::CaptivePortalService>(
+        *platform.httpClient, *platform.urlOpener, *platform.clock, probes::kCaptivePortalProbe);
+    verdictService = std::make_unique<verdict::VerdictService>(
+        platform, *wifiService, *dnsService, *captivePortalService);
 }
 
 void Services::makeSpeedTest()

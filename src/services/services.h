@@ -28,6 +28,9 @@ class DNSService;
 class NetworkUtils;
 class PingService;
 } // namespace netvane::probes
+namespace netvane::verdict {
+class VerdictService;
+} // namespace netvane::verdict
 namespace netvane::wifi {
 class LocationPermissionService;
 class WiFiService;
@@ -54,6 +57,9 @@ struct Services {
     /// Without a router (absent) there is no probe of it.
     void makeProbes(const std::optional<QString>& router);
     void makeSpeedTest();
+    /// The portal check and the verdict, which takes the latency probes in when they are made. The
+    /// link and the name lookups exist.
+    void makeVerdict();
 
     /// Starts the services that measure on timers. All services exist.
     void start();
@@ -79,6 +85,7 @@ struct Services {
     std::unique_ptr<diagnostics::TracerouteService> tracerouteService;
     std::unique_ptr<insights::OnboardingService> onboardingService;
     std::unique_ptr<insights::ReportService> reportService;
+    std::unique_ptr<verdict::VerdictService> verdictService;
 
 private:
     void makeLink();

@@ -70,6 +70,15 @@ struct Load {
     bool operator==(const Load&) const = default;
 };
 
+/// What is usual in this network, learned while it worked. In ms.
+struct Usual {
+    std::optional<double> router;
+    std::optional<double> internet;
+    std::optional<double> lookup;
+
+    bool operator==(const Usual&) const = default;
+};
+
 /// Everything that a verdict may rest on. Each reading may be absent without the others. Values
 /// from outside (names of networks, addresses) are bounded and may hold any text.
 struct Evidence {
@@ -79,23 +88,24 @@ struct Evidence {
     std::optional<Reading<platform::NetworkState>> network;
 
     std::optional<bool> radioOn; ///< absent without a Wi-Fi adapter
-    std::optional<Reading<platform::LinkReading>> link;
     std::vector<Reading<platform::LinkReading>> links; ///< the last readings, oldest first
     std::vector<platform::RadioEvent> radioEvents; ///< of the last two minutes, oldest first
 
     Outcomes router; ///< handshakes with the gateway, or datagrams where it takes none
-    Outcomes firstHop; ///< datagrams toward the internet that may pass no router
-    Outcomes secondHop; ///< that may pass one router
-    Outcomes secondHopBesideVpn; ///< the same by the interface of the network, not by the tunnel's
-    Outcomes internet; ///< handshakes with the internet target
+    /// Datagrams toward the internet target that may pass no router, and one router. They leave by
+    /// the interface of the network, even where the route goes through a tunnel.
+    Outcomes firstHop, secondHop;
+    Outcomes internet; ///< handshakes with the internet target, over IPv4
     Outcomes internet6; ///< the same over IPv6, where there is a route
-    /// Handshakes with other hosts, made only while the internet target does not answer.
-    Outcomes otherHosts;
-    QString routerAddress, firstHopAddress, secondHopAddress; ///< of the last answer; may be empty
+    Outcomes otherHosts; ///< handshakes with others, only while the internet target is silent
+    QString routerAddress; ///< may be empty
 
     Outcomes lookups; ///< of the system's resolver
-    std::optional<Reading<QStringList>> lookupAddresses; ///< what the last one found
-    std::vector<NameServer> nameServers;
+    /// Since when the oldest unfinished look-up runs.
+    std::optional<TimePoint> lookupPendingSince;
+    bool lookupNameUnknown = false; ///< the last one ended with: there is no such name
+    QStringList lookupAddresses; ///< of the last successful one
+    std::vector<NameServer> nameServers; ///< the primary one first
 
     std::optional<Reading<WebAnswer>> web; ///< by https
     std::optional<Reading<WebAnswer>> plainWeb; ///< by http, asked when https fails
@@ -104,7 +114,9 @@ struct Evidence {
     /// Whether a packet of full size to the internet target was acknowledged.
     std::optional<Reading<bool>> fullSizePassed;
 
-    std::optional<Reading<Load>> load;
+    std::optional<Reading<Load>> load; ///< over the last few seconds
+
+    Usual usual;
 };
 
 } // namespace netvane::verdict

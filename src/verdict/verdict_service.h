@@ -2,37 +2,85 @@
 
 #include "base/clock.h"
 #include "verdict/evidence.h"
-#include "verdict/verdict.h"
+#include "verdict/extra_probes.h"
+#include "verdict/verdict_keeper.h"
 
 #include <QObject>
 
 #include <memory>
 
 namespace netvane::platform {
+struct HttpAnswer;
 struct Platform;
+struct Resolution;
 } // namespace netvane::platform
-namespace netvane::services {
-struct Services;
-} // namespace netvane::services
+namespace netvane::probes {
+class CaptivePortalService;
+class DNSService;
+class PingService;
+struct TimedResolution;
+} // namespace netvane::probes
+namespace netvane::wifi {
+class WiFiService;
+} // namespace netvane::wifi
 
 namespace netvane::verdict {
 
-/// Collects the evidence while the other services measure, judges it at most once a tick of theirs,
-/// and publishes a verdict that changed. Main thread.
+/// Collects the evidence while the other services measure, judges it, and publishes a verdict that
+/// changed. It has no timer: a round begins with each probe of the internet. Main thread.
 class VerdictService : public QObject {
     Q_OBJECT
 
 public:
-    const Verdict& verdict() const;
-    /// As it stands now; for whoever shows or prints it.
-    const Evidence& evidence() const;
+    /// All outlive this. Nothing is asked before `followProbes`.
+    VerdictService(platform::Platform& platform, wifi::WiFiService& wifi, probes::DNSService& dns,
+        probes::CaptivePortalService& portal);
+    ~VerdictService() override;
+
+    /// The latency probes, which exist later than the rest; `router` may be null. Further calls add
+    /// what was not followed yet.
+    void followProbes(probes::PingService* router, probes::PingService& internet);
+
+    const Verdict& verdict() const { return m_keeper.shown(); }
+    const Evidence& evidence() const { return m_evidence; }
+    /// Rounds of probes that have ended.
+    int rounds() const { return m_rounds; }
 
 Q_SIGNALS:
     /// Cause, severity or sentence changed.
     void verdictChanged();
-    /// The figures of evidence or chain changed, or the verdict; a window that shows them follows
-    /// it.
+    /// It was judged anew; figures may have changed. For a window that shows them.
     void evidenceChanged();
+
+private:
+    void beginRound();
+    void readNetwork();
+    void takeNetwork(const platform::NetworkState& state);
+    void takeLink(
+        const std::optional<platform::LinkReading>& reading, const std::optional<bool>& radioOn);
+    void takeLookup(TimePoint startedAt, const probes::TimedResolution& lookup);
+    void takeWeb(std::optional<Reading<WebAnswer>> Evidence::*place,
+        const platform::HttpAnswer& answer, const QString& asked);
+    void askNameServers();
+    void checkPlainWeb();
+    void measureLoad(const platform::NetworkState& state);
+    void learn();
+    void forget();
+    bool isSuspicious() const;
+    void judgeNow();
+
+    platform::Platform& m_platform;
+    base::Clock& m_clock;
+    const probes::DNSService& m_dns;
+    const probes::PingService* m_router = nullptr;
+    const probes::PingService* m_internet = nullptr;
+    Evidence m_evidence;
+    ExtraProbes m_extraProbes;
+    VerdictKeeper m_keeper;
+    std::optional<platform::DefaultRoute> m_lastRoute; ///< of the network that was learned
+    std::optional<Reading<platform::NetworkInterface>> m_lastCounters;
+    std::optional<TimePoint> m_plainWebAskedAt;
+    int m_rounds = 0;
 };
 
 } // namespace netvane::verdict

@@ -14,7 +14,8 @@ namespace netvane::wifi {
 /// What a pass found.
 struct LinkSample {
     std::shared_ptr<platform::WiFiInterface> interface; ///< null: none is there
-    std::optional<WiFiInfo> snapshot; ///< absent: its radio is off
+    std::optional<platform::LinkReading> reading {}; ///< absent: its radio is off
+    std::chrono::system_clock::time_point readAt {};
 };
 
 namespace {
@@ -55,20 +56,14 @@ std::optional<int> unlessZero(std::optional<int> dbm)
     return dbm == 0 ? std::nullopt : dbm;
 }
 
-std::optional<WiFiInfo> readSnapshot(platform::WiFiInterface& interface, const base::Clock& clock)
-{
-    const auto reading = interface.readLink();
-    return reading ? std::optional(makeWiFiInfo(*reading, clock.now())) : std::nullopt;
-}
-
 /// Keeps to an interface that has a link. When it is lost, or the interface was unplugged or
 /// renamed, another one may have a link, so the client is asked before anything is said.
 LinkSample readSample(platform::WiFiClient* client,
     const std::shared_ptr<platform::WiFiInterface>& linked, const base::Clock& clock)
 {
     if (linked) {
-        if (const auto snapshot = readSnapshot(*linked, clock); snapshot && snapshot->ssid)
-            return {linked, snapshot};
+        if (const auto reading = linked->readLink(); reading && reading->ssid)
+            return {linked, reading, clock.now()};
     }
     const auto interfaces
         = client ? client->interfaces() : std::vector<std::shared_ptr<platform::WiFiInterface>>();
@@ -77,8 +72,8 @@ LinkSample readSample(platform::WiFiClient* client,
     const auto& first = interfaces.front();
     if (!first->powerOn())
         return {.interface = first};
-    const auto snapshot = readSnapshot(*first, clock);
-    return snapshot ? LinkSample {first, snapshot} : LinkSample {};
+    const auto reading = first->readLink();
+    return reading ? LinkSample {first, reading, clock.now()} : LinkSample {};
 }
 
 } // namespace
@@ -185,15 +180,17 @@ void WiFiService::readLinkSnapshot(base::Delivery delivery)
 
 void WiFiService::takeSample(const LinkSample& sample)
 {
-    m_interface = sample.snapshot && sample.snapshot->ssid ? sample.interface : nullptr;
+    m_interface = sample.reading && sample.reading->ssid ? sample.interface : nullptr;
+    Q_EMIT linkRead(sample.reading,
+        sample.interface ? std::optional(sample.reading.has_value()) : std::nullopt);
     if (!sample.interface) {
         endWithoutLink(kNoInterface);
-    } else if (!sample.snapshot) {
+    } else if (!sample.reading) {
         endWithoutLink(kRadioOff);
     } else {
         if (m_updateCount % kPassesPerLogLine == 0)
             base::log(logCategory(), u"WiFiService: Update #%1"_s.arg(m_updateCount));
-        applyLinkSnapshot(*sample.snapshot);
+        applyLinkSnapshot(makeWiFiInfo(*sample.reading, sample.readAt));
     }
 }
 

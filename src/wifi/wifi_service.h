@@ -65,6 +65,10 @@ Q_SIGNALS:
     void needsLocationPermissionChanged();
     /// A pass came to its end, whatever it found.
     void passFinished();
+    /// What the pass read, before anything is derived from it: no link for one that was not read,
+    /// and no `radioOn` without an adapter.
+    void linkRead(const std::optional<netvane::platform::LinkReading>& reading,
+        const std::optional<bool>& radioOn);
 
 private:
     void beginPass(base::Delivery delivery);

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "verdict/facts.h"
+#include "verdict/verdict.h"
+
+namespace netvane::verdict {
+
+/// The five links Wi-Fi (or cable), router, line, internet and DNS, as they stand under this cause.
+std::vector<ChainLink> chainOf(const Facts& facts, Cause cause, Severity severity);
+
+} // namespace netvane::verdict

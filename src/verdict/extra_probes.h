@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/clock.h"
+#include "platform/connection.h"
+#include "platform/hop_probe.h"
+#include "verdict/evidence.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace netvane::verdict {
+
+/// The questions that only the verdict asks, besides those of the services. They are sent together
+/// once a round, and what has no answer by the next round is lost. Main thread.
+class ExtraProbes {
+public:
+    /// All outlive this. What comes back is written to `evidence`; `note` is called after a loss.
+    ExtraProbes(base::Clock& clock, platform::ConnectionFactory& connections,
+        platform::HopProbeFactory& hops, Evidence& evidence, std::function<void()> note);
+
+    /// Ends the last round and begins the next one. Main thread.
+    void nextRound();
+    /// What is under way counts as nothing: the network is another one.
+    void forget();
+
+private:
+    struct Question {
+        Outcomes Evidence::*outcomes = nullptr;
+        TimePoint askedAt;
+        bool isAnswered = false;
+        std::unique_ptr<platform::Connection> connection {};
+    };
+    using Start = std::function<std::unique_ptr<platform::Connection>(platform::ConnectionHandler)>;
+
+    void closeRound();
+    void ask(Outcomes Evidence::*outcomes, const Start& start);
+    void askHops();
+    void askOthers();
+    void sendFullPacket();
+    bool wantsFullPacket() const;
+
+    base::Clock& m_clock;
+    platform::ConnectionFactory& m_connections;
+    platform::HopProbeFactory& m_hops;
+    Evidence& m_evidence;
+    const std::function<void()> m_note;
+    std::vector<std::shared_ptr<Question>> m_questions; ///< of this round
+    QString m_pathKey; ///< target and interface of the two paths
+    std::unique_ptr<platform::HopPath> m_firstPath;
+    std::unique_ptr<platform::HopPath> m_secondPath;
+    std::unique_ptr<platform::Connection> m_fullPacket;
+    const std::unique_ptr<QObject> m_owner = std::make_unique<QObject>(); ///< of delayed work
+    int m_lostFullPackets = 0;
+    int m_fullPacketWait = 1; ///< rounds until the next one
+    int m_round = 0;
+};
+
+} // namespace netvane::verdict

@@ -1,0 +1,120 @@
+#include "verdict/facts.h"
+
+#include <algorithm>
+
+namespace netvane::verdict {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kRadioWindow = 20s;
+
+/// Zero where a counter is absent or began anew.
+double grown(const std::optional<std::uint64_t>& from, const std::optional<std::uint64_t>& to)
+{
+    return from && to && *to >= *from ? double(*to - *from) : 0;
+}
+
+std::optional<RadioChange> radioChange(const Evidence& evidence)
+{
+    const auto& links = evidence.links;
+    if (links.empty() || !links.back().value.ssid)
+        return {};
+    const auto& last = links.back();
+    const auto first = std::ranges::find_if(links, [&](const auto& reading) {
+        return reading.at >= last.at - kRadioWindow && reading.value.bssid == last.value.bssid
+            && reading.value.ssid == last.value.ssid;
+    });
+    const auto& from = first->value.counters;
+    const auto& to = last.value.counters;
+    RadioChange change {.signalDbm = last.value.signalDbm,
+        .transmitRateMbps = last.value.transmitRateMbps,
+        .seconds = std::chrono::duration<double>(last.at - first->at).count(),
+        .sentPackets = grown(from.sentPackets, to.sentPackets),
+        .failedPackets = grown(from.failed, to.failed),
+        .retries = grown(from.retries, to.retries),
+        .beaconsLost = grown(from.beaconsLost, to.beaconsLost),
+        .powerSave = last.value.powerSave.value_or(false),
+        .at = last.at};
+    const double active = grown(from.channelActiveMs, to.channelActiveMs);
+    if (active > 0)
+        change.busyPercent
+            = 100 * std::min(1.0, grown(from.channelBusyMs, to.channelBusyMs) / active);
+    return change;
+}
+
+bool isWireless(const platform::NetworkState& state, const QString& name)
+{
+    return std::ranges::any_of(
+        state.interfaces, [&](const auto& each) { return each.name == name && each.isWireless; });
+}
+
+} // namespace
+
+double RadioChange::failedPercent() const
+{
+    return sentPackets + failedPackets > 0 ? 100 * failedPackets / (sentPackets + failedPackets)
+                                           : 0;
+}
+
+double Facts::ageOf(TimePoint at) const
+{
+    return std::max(0.0, std::chrono::duration<double>(evidence.now - at).count());
+}
+
+bool Facts::isRecent(TimePoint at, std::chrono::seconds limit) const
+{
+    return evidence.now - at <= limit;
+}
+
+const platform::LinkReading* Facts::link() const
+{
+    return evidence.links.empty() ? nullptr : &evidence.links.back().value;
+}
+
+Facts::Facts(const Evidence& given)
+    : evidence(given)
+    , router(trackOf(given.router))
+    , firstHop(trackOf(given.firstHop))
+    , secondHop(trackOf(given.secondHop))
+    , others(trackOf(given.otherHosts))
+    , nearLoss(lossOf({&given.router, &given.firstHop}))
+    , radio(radioChange(given))
+{
+    bool isByIPv6 = false;
+    if (given.network) {
+        const auto& state = given.network->value;
+        hasRoute = state.route4 || state.route6;
+        isByIPv6 = !state.route4 && state.route6;
+        isThroughVpn = (state.route4 && state.route4->isThroughTunnel)
+            || (isByIPv6 && state.route6->isThroughTunnel);
+        isByRadio = state.physicalRoute ? isWireless(state, state.physicalRoute->interfaceName)
+                                        : given.radioOn.has_value();
+    } else {
+        isByRadio = link() && link()->ssid;
+    }
+    const Outcomes& target = isByIPv6 ? given.internet6 : given.internet;
+    internet = trackOf(target);
+    targetLoss = lossOf({&target});
+    farLoss = lossOf({&target, &given.secondHop});
+    for (const auto& ms : {router.medianMs, firstHop.medianMs}) {
+        if (ms)
+            nearMs = std::min(nearMs.value_or(*ms), *ms);
+    }
+    // What answers behind the router has passed it.
+    isNearAlive = router.isAlive() || firstHop.isAlive() || secondHop.isAlive();
+    // The first question without an answer: what came after it tells more.
+    const auto silentSince = [&] {
+        const auto index = std::ptrdiff_t(target.size()) - internet.unanswered;
+        return index < std::ptrdiff_t(target.size()) ? target[size_t(index)].at : evidence.now;
+    }();
+    isWebFine = given.web && given.web->value == WebAnswer::Expected && given.web->at > silentSince;
+    // Behind a proxy there may be no other way out.
+    const bool isProxyFine = given.usesProxy && given.web
+        && (given.web->value == WebAnswer::Expected || given.web->value == WebAnswer::Refused
+            || given.web->value == WebAnswer::NotTrusted);
+    isReached = internet.isAlive() || others.isAlive() || isWebFine || isProxyFine;
+    isDown = !isReached && internet.unanswered >= (secondHop.isAlive() ? 3 : 2);
+}
+
+} // namespace netvane::verdict

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "verdict/track.h"
+
+namespace netvane::verdict {
+
+/// What changed on the Wi-Fi link within the last readings.
+struct RadioChange {
+    std::optional<int> signalDbm; ///< now
+    std::optional<double> transmitRateMbps;
+    double seconds = 0; ///< between the first and the last reading
+    double sentPackets = 0;
+    double failedPackets = 0;
+    double retries = 0;
+    double beaconsLost = 0;
+    std::optional<double> busyPercent; ///< of the time that the radio listened
+    bool powerSave = false;
+    TimePoint at;
+
+    /// Of the packets that were sent; 0 where the driver does not count.
+    double failedPercent() const;
+};
+
+/// The evidence, summed up for the rules. Refers to the evidence.
+struct Facts {
+    explicit Facts(const Evidence& evidence);
+
+    const Evidence& evidence;
+    bool hasRoute = true; ///< also where that is not known
+    bool isThroughVpn = false;
+    bool isByRadio = false; ///< packets leave by a Wi-Fi link, or would
+    Track router;
+    Track firstHop;
+    Track secondHop;
+    Track internet; ///< of IPv4, or of IPv6 where there is no IPv4
+    Track others;
+    std::optional<double> nearMs; ///< to the router, by the quicker of the two ways
+    Loss nearLoss; ///< to the router
+    Loss farLoss; ///< to the internet
+    Loss targetLoss; ///< of the handshakes with the internet target alone
+    bool isNearAlive = false;
+    bool isWebFine = false; ///< the page of the portal check came since the target is silent
+    bool isDown = false; ///< nothing on the internet answers
+    bool isReached = false; ///< the internet answers
+    std::optional<RadioChange> radio;
+
+    double ageOf(TimePoint at) const;
+    bool isRecent(TimePoint at, std::chrono::seconds limit) const;
+    /// The last reading of the Wi-Fi link; null without one.
+    const platform::LinkReading* link() const;
+};
+
+} // namespace netvane::verdict

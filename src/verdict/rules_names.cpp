@@ -1,0 +1,227 @@
+#include "verdict/rules.h"
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace netvane::verdict {
+namespace {
+
+using namespace std::chrono_literals;
+using Kind = platform::NameAnswer::Kind;
+
+/// How a name server answered lately.
+struct ServerTrack {
+    const NameServer* server = nullptr;
+    int unanswered = 0; ///< in a row, up to now, with no answer that helps
+    bool isFine = false; ///< the last answer has addresses
+    bool isAsked = false; ///< within the last half minute
+    bool deniesName = false; ///< the last two say that there is no such name, or no address
+    std::optional<double> milliseconds; ///< of the last answer
+};
+
+ServerTrack trackOf(const Facts& facts, const NameServer& server)
+{
+    ServerTrack track {.server = &server};
+    int denials = 0;
+    for (const auto& [answer, at] : server.answers) {
+        const bool denies = answer.kind == Kind::NoSuchName || answer.kind == Kind::NoAddresses;
+        const bool isSilent = answer.kind == Kind::Nothing || answer.kind == Kind::Failed;
+        track.unanswered = isSilent ? track.unanswered + 1 : 0;
+        denials = denies ? denials + 1 : 0;
+        track.isFine = answer.kind == Kind::Addresses;
+        track.milliseconds = isSilent ? std::nullopt : std::optional(answer.milliseconds);
+        track.isAsked = facts.isRecent(at, 30s);
+    }
+    track.deniesName = denials >= 2;
+    return track;
+}
+
+std::vector<ServerTrack> serverTracks(const Facts& facts)
+{
+    std::vector<ServerTrack> tracks;
+    for (const auto& server : facts.evidence.nameServers)
+        tracks.push_back(trackOf(facts, server));
+    return tracks;
+}
+
+/// Look-ups fail or hang.
+bool hasTrouble(const Facts& facts)
+{
+    const auto lookups = trackOf(facts.evidence.lookups);
+    const auto& pending = facts.evidence.lookupPendingSince;
+    return lookups.unanswered > 0 || (pending && !facts.isRecent(*pending, 2s));
+}
+
+std::optional<double> slowestOfLastTwo(const Outcomes& lookups)
+{
+    if (lookups.size() < 2)
+        return {};
+    const auto& last = lookups.back().milliseconds;
+    const auto& before = lookups[lookups.size() - 2].milliseconds;
+    return last && before ? std::optional(std::min(*last, *before)) : std::nullopt;
+}
+
+/// A name on the internet must not lead here: to no host, to this host or to a private network
+/// (RFC 6890).
+bool isBogus(const QString& address)
+{
+    in_addr ipv4 {};
+    if (::inet_pton(AF_INET, qPrintable(address), &ipv4) == 1) {
+        const auto bits = ntohl(ipv4.s_addr);
+        struct Network {
+            std::uint32_t prefix;
+            int length;
+        };
+        constexpr std::array<Network, 7> kNetworks
+            = {{{0x00000000, 8}, {0x0a000000, 8}, {0x7f000000, 8}, {0xa9fe0000, 16},
+                {0xac100000, 12}, {0xc0a80000, 16}, {0xe0000000, 3}}};
+        return std::ranges::any_of(kNetworks, [bits](const auto& network) {
+            return (bits >> (32 - network.length)) == (network.prefix >> (32 - network.length));
+        });
+    }
+    in6_addr ipv6 {};
+    if (::inet_pton(AF_INET6, qPrintable(address), &ipv6) != 1)
+        return true;
+    constexpr std::uint8_t kGlobalUnicast = 0x20; // 2000::/3, all that is in use
+    return (ipv6.s6_addr[0] & 0xe0) != kGlobalUnicast
+        && !(ipv6.s6_addr[0] == 0 && ipv6.s6_addr[1] == 0x64); // 64:ff9b::/96, RFC 6052
+}
+
+void addServer(Finding& finding, const Facts& facts, const ServerTrack& track, int number)
+{
+    const auto name = u"dns.server%1."_s.arg(number);
+    const auto at
+        = track.server->answers.empty() ? facts.evidence.now : track.server->answers.back().at;
+    finding.evidence.push_back(
+        item(facts, name + u"unanswered"_s, track.unanswered, u"packets"_s, at,
+            u"DNS server %1: the last %2 questions brought no answer"_s.arg(track.server->address)
+                .arg(track.unanswered)));
+    if (track.milliseconds)
+        finding.evidence.push_back(
+            item(facts, name + u"latency"_s, *track.milliseconds, u"ms"_s, at,
+                u"DNS server %1 answers in %2"_s.arg(
+                    track.server->address, inMs(*track.milliseconds))));
+}
+
+} // namespace
+
+std::optional<Finding> dnsDead(const Facts& facts)
+{
+    const auto tracks = serverTracks(facts);
+    const auto slow = slowestOfLastTwo(facts.evidence.lookups);
+    const bool isSlow = slow.value_or(0) >= 2000;
+    if (!facts.isReached || (!hasTrouble(facts) && !isSlow))
+        return {};
+    const int silent = int(
+        std::ranges::count_if(tracks, [](const auto& track) { return track.unanswered >= 2; }));
+    const auto lookups = trackOf(facts.evidence.lookups);
+    Finding finding {.cause = Cause::DnsDead,
+        .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
+                  "9.9.9.9, or restart the router."_s};
+    const auto fine = std::ranges::find_if(tracks, [](const auto& track) { return track.isFine; });
+    if (tracks.empty() && lookups.unanswered >= 2) {
+        finding.certainty = 0.7;
+        finding.sentence
+            = u"The internet answers, but %1 DNS servers are set: %2 look-ups failed."_s.arg(0).arg(
+                lookups.unanswered);
+        finding.evidence.push_back(item(facts, u"dns.servers"_s, 0, {}, facts.evidence.now,
+            u"This computer has no DNS server"_s));
+    } else if (silent > 0 && silent == int(tracks.size())) {
+        finding.certainty = 0.93;
+        finding.sentence
+            = u"The internet answers in %1, but DNS does not: %2 questions to %3 are lost."_s
+                  .arg(inMs(facts.internet.medianMs.value_or(0)))
+                  .arg(tracks.front().unanswered)
+                  .arg(tracks.front().server->address);
+    } else if (silent > 0 && fine != tracks.end()) {
+        const auto dead
+            = std::ranges::find_if(tracks, [](const auto& track) { return track.unanswered >= 2; });
+        finding.certainty = 0.85;
+        finding.severity = Severity::Poor;
+        finding.sentence
+            = u"DNS server %1 is dead (%2 lost); %3 answers in %4."_s.arg(dead->server->address)
+                  .arg(dead->unanswered)
+                  .arg(fine->server->address, inMs(fine->milliseconds.value_or(0)));
+    } else {
+        return {};
+    }
+    for (int number = 1; const auto& track : tracks)
+        addServer(finding, facts, track, number++);
+    finding.evidence.push_back(item(facts, u"dns.failedLookups"_s, lookups.unanswered, {},
+        facts.evidence.now, u"Look-ups that failed in a row: %1"_s.arg(lookups.unanswered)));
+    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    if (finding.sentence.size() > kLongestSentence) // addresses of IPv6 are long
+        finding.sentence
+            = u"The internet answers in %1, but DNS does not: %2 questions are lost."_s
+                  .arg(inMs(facts.internet.medianMs.value_or(0)))
+                  .arg(tracks.empty() ? lookups.unanswered : tracks.front().unanswered);
+    return finding;
+}
+
+std::optional<Finding> dnsSlow(const Facts& facts)
+{
+    if (!facts.isReached)
+        return {};
+    const double path = facts.internet.medianMs.value_or(0);
+    const double limit = std::max(300 + 1.5 * path, 3 * facts.evidence.usual.lookup.value_or(0));
+    std::optional<double> slow = slowestOfLastTwo(facts.evidence.lookups);
+    for (const auto& track : serverTracks(facts)) {
+        const auto& answers = track.server->answers;
+        if (answers.size() < 2 || track.server != &facts.evidence.nameServers.front())
+            continue;
+        const auto& before = answers[answers.size() - 2].value;
+        if (track.isFine && before.kind == Kind::Addresses && track.isAsked)
+            slow = std::max(slow.value_or(0), std::min(*track.milliseconds, before.milliseconds));
+    }
+    if (slow.value_or(0) < limit)
+        return {};
+    Finding finding {.cause = Cause::DnsSlow,
+        .certainty = 0.82,
+        .severity = Severity::Poor,
+        .sentence = u"Finding names (DNS) takes %1, though the internet answers in %2."_s.arg(
+            inMs(*slow), inMs(path)),
+        .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
+                  "9.9.9.9."_s};
+    finding.evidence.push_back(item(facts, u"dns.lookup"_s, *slow, u"ms"_s, facts.evidence.now,
+        u"The last two look-ups took %1 or more"_s.arg(inMs(*slow))));
+    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    return finding;
+}
+
+std::optional<Finding> dnsWrong(const Facts& facts)
+{
+    if (!facts.isReached || facts.isWebFine)
+        return {};
+    const auto& found = facts.evidence.lookupAddresses;
+    const auto tracks = serverTracks(facts);
+    const bool isDenied
+        = std::ranges::any_of(tracks, [](const auto& track) { return track.deniesName; })
+        || facts.evidence.lookupNameUnknown;
+    const bool isBogusAnswer
+        = !found.isEmpty() && std::ranges::all_of(found, isBogus) && !hasTrouble(facts);
+    if (!isDenied && !isBogusAnswer)
+        return {};
+    const QString server = tracks.empty() ? u"DNS"_s : tracks.front().server->address;
+    const int count = tracks.empty() ? 0 : int(tracks.front().server->answers.size());
+    const int falseAnswers = std::max({1, count, trackOf(facts.evidence.lookups).unanswered});
+    Finding finding {.cause = Cause::DnsWrong,
+        .certainty = 0.92,
+        .sentence = isBogusAnswer
+            ? u"DNS gives %1 false answers: a public name leads to %2 (internet: %3)."_s.arg(
+                QString::number(falseAnswers), found.first(),
+                inMs(facts.internet.medianMs.value_or(0)))
+            : u"DNS gives %1 false answers: no such name (internet: %2)."_s.arg(
+                QString::number(falseAnswers), inMs(facts.internet.medianMs.value_or(0))),
+        .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
+                  "9.9.9.9. Do not type passwords until then."_s};
+    finding.evidence.push_back(item(facts, u"dns.falseAnswers"_s, falseAnswers, {},
+        facts.evidence.now, u"Answers of %1 that cannot be true"_s.arg(server)));
+    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    return finding;
+}
+
+} // namespace netvane::verdict

@@ -1,0 +1,401 @@
+// What the judge says of networks as they are, healthy and not.
+#include "support/test_main.h"
+#include "verdict/judge.h"
+#include "verdict/verdict_keeper.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using namespace netvane;
+using namespace netvane::verdict;
+
+namespace {
+
+using Kind = platform::NameAnswer::Kind;
+using platform::RadioEvent;
+using Change = std::function<void(Evidence&)>;
+
+const TimePoint kNow {1h};
+constexpr int kRounds = 12;
+
+/// One answer a round; `lost` is a pattern of '.' and 'x', the newest last.
+Outcomes outcomes(double ms, const QByteArray& pattern = QByteArray(kRounds, '.'))
+{
+    Outcomes made;
+    for (int i = 0; i < pattern.size(); ++i)
+        made.push_back({.at = kNow - 3s * int(pattern.size() - i),
+            .milliseconds = pattern[i] == '.' ? std::optional(ms) : std::nullopt});
+    return made;
+}
+
+Outcomes dead(double ms)
+{
+    return outcomes(ms, ".........xxx");
+}
+
+NameServer server(Kind kind, double ms = 20, const QStringList& addresses = {u"198.18.0.1"_s})
+{
+    NameServer made {.address = u"192.168.1.1"_s};
+    for (const auto age : {6s, 3s})
+        made.answers.push_back(
+            {{kind, kind == Kind::Addresses ? addresses : QStringList(), ms}, kNow - age});
+    return made;
+}
+
+Evidence cable()
+{
+    platform::NetworkState state;
+    state.interfaces = {{.name = u"eth0"_s, .isUp = true, .hasCarrier = true, .hasIPv4 = true}};
+    state.route4 = state.physicalRoute
+        = {{.gateway = u"192.168.1.1"_s, .interfaceName = u"eth0"_s}};
+    state.router = platform::NeighbourState::Reachable;
+    Evidence evidence {.now = kNow, .network = {{state, kNow}}};
+    evidence.router = outcomes(2);
+    evidence.firstHop = outcomes(1.5);
+    evidence.secondHop = outcomes(9);
+    evidence.internet = outcomes(15);
+    evidence.lookups = outcomes(20);
+    evidence.lookupAddresses = {u"142.250.1.1"_s};
+    evidence.nameServers = {server(Kind::Addresses)};
+    evidence.web = {{WebAnswer::Expected, kNow - 20s}};
+    evidence.usual = {.router = 2, .internet = 15, .lookup = 20};
+    return evidence;
+}
+
+platform::LinkReading link(int signalDbm, std::uint64_t sent, std::uint64_t failed)
+{
+    platform::LinkReading reading {.ssid = u"home"_s, .signalDbm = signalDbm};
+    reading.bssid = u"02:00:00:00:01:00"_s;
+    reading.counters = {.sentPackets = sent, .failed = failed, .beaconsLost = 0};
+    return reading;
+}
+
+Evidence wifi()
+{
+    Evidence evidence = cable();
+    evidence.network->value.interfaces.front().isWireless = true;
+    evidence.radioOn = true;
+    evidence.links = {{link(-50, 100, 0), kNow - 10s}, {link(-50, 200, 0), kNow - 1s}};
+    return evidence;
+}
+
+void noInternet(Evidence& evidence)
+{
+    evidence.secondHop = dead(9);
+    evidence.internet = dead(15);
+}
+
+void lossyNear(Evidence& evidence)
+{
+    evidence.router = outcomes(2, "..x...x.x...");
+    evidence.firstHop = outcomes(2, ".x....x..x..");
+    evidence.secondHop = outcomes(9, "..x..x...x..");
+    evidence.internet = outcomes(15, ".x...x..x.x.");
+}
+
+void withoutRoute(Evidence& evidence)
+{
+    auto& state = evidence.network->value;
+    state.route4.reset();
+    state.physicalRoute.reset();
+    noInternet(evidence);
+    evidence.router = evidence.firstHop = dead(2);
+}
+
+void withoutLink(Evidence& evidence)
+{
+    withoutRoute(evidence);
+    auto& interface = evidence.network->value.interfaces.front();
+    interface.hasCarrier = interface.hasIPv4 = false;
+    evidence.links = {{platform::LinkReading {}, kNow - 1s}};
+}
+
+void throughVpn(Evidence& evidence)
+{
+    evidence.network->value.route4 = {{.interfaceName = u"wg0"_s, .isThroughTunnel = true}};
+}
+
+void addEvent(Evidence& evidence, RadioEvent::Kind kind, std::chrono::seconds age, int code,
+    bool byAccessPoint = false)
+{
+    evidence.radioEvents.push_back(
+        {.kind = kind, .at = kNow - age, .code = code, .byAccessPoint = byAccessPoint});
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(netvane::verdict::Evidence)
+
+class TestJudge : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void blames_data();
+    void blames();
+    void keepsCalm();
+
+private:
+    static void addHealthy();
+    static void addPath();
+    static void addNames();
+    static void addRadio();
+    static void add(const char* name, Cause cause, Evidence evidence, const Change& change = {})
+    {
+        if (change)
+            change(evidence);
+        QTest::newRow(name) << int(cause) << evidence;
+    }
+};
+
+void TestJudge::addHealthy()
+{
+    add("cable", Cause::Healthy, cable());
+    add("Wi-Fi", Cause::Healthy, wifi());
+    add("weak, but it works", Cause::Healthy, wifi(), [](auto& e) {
+        e.links = {{link(-84, 100, 0), kNow - 9s}, {link(-85, 200, 0), kNow}};
+    });
+    add("lost on the air, made good", Cause::Healthy, wifi(), [](auto& e) {
+        e.links = {{link(-60, 100, 0), kNow - 9s}, {link(-60, 200, 20), kNow}};
+    });
+    add("nothing known yet", Cause::Unsure, Evidence {.now = kNow});
+    add("a silent router", Cause::Healthy, cable(), [](auto& e) {
+        e.router = outcomes(0, "xxxxxxxxxxxx");
+        e.firstHop = outcomes(0, "xxxxxxxxxxxx");
+    });
+    add("a router that answers seldom", Cause::Healthy, cable(), [](auto& e) {
+        e.firstHop = outcomes(90, ".x.xx..x.xx.");
+        e.secondHop = outcomes(90, "x.x.xx.x..x.");
+    });
+    add("satellite", Cause::Healthy, cable(), [](auto& e) {
+        e.internet = outcomes(620);
+        e.secondHop = outcomes(600);
+        e.lookups = outcomes(700);
+        e.usual = {};
+    });
+    add("two lost by chance", Cause::Healthy, cable(),
+        [](auto& e) { e.internet = outcomes(15, "...x.....x.."); });
+    add("VPN", Cause::Healthy, cable(), throughVpn);
+    add("proxy only", Cause::Healthy, cable(), [](auto& e) {
+        e.internet = e.secondHop = outcomes(0, "xxxxxxxxxxxx");
+        e.usesProxy = true;
+        e.web = {{WebAnswer::Expected, kNow - 20s}};
+    });
+    add("IPv6 only", Cause::Healthy, cable(), [](auto& e) {
+        e.network->value.route6 = std::exchange(e.network->value.route4, std::nullopt);
+        e.internet6 = std::exchange(e.internet, outcomes(0, "xxxxxxxxxxxx"));
+    });
+}
+
+void TestJudge::addPath()
+{
+    add("router gone", Cause::RouterDead, cable(), [](auto& e) {
+        noInternet(e);
+        e.router = e.firstHop = dead(2);
+        e.network->value.router = platform::NeighbourState::Failed;
+    });
+    add("line cut", Cause::LineDown, cable(), noInternet);
+    add("provider's outage", Cause::LineDown, cable(), [](auto& e) { e.internet = dead(15); });
+    add("line cut behind a silent router", Cause::LineDown, cable(), [](auto& e) {
+        noInternet(e);
+        e.router = e.firstHop = outcomes(0, "xxxxxxxxxxxx");
+    });
+    add("line loses", Cause::LineLossy, cable(), [](auto& e) {
+        e.internet = outcomes(15, ".x..x...x.x.");
+        e.secondHop = outcomes(9, "x...x..x....");
+    });
+    add("router loses", Cause::RouterLossy, cable(), lossyNear);
+    add("line slow", Cause::LineSlow, cable(), [](auto& e) { e.internet = outcomes(400); });
+    add("line filled", Cause::LagUnderLoad, cable(), [](auto& e) {
+        e.internet = outcomes(400);
+        e.load = {{{.receivedMbps = 8}, kNow - 1s}};
+    });
+    add("router slow", Cause::RouterSlow, cable(), [](auto& e) {
+        e.router = e.firstHop = outcomes(300);
+        e.internet = outcomes(320);
+    });
+    add("one host", Cause::TargetUnreachable, cable(), [](auto& e) {
+        e.internet = dead(15);
+        e.otherHosts = outcomes(18, "..");
+    });
+    add("no adapter", Cause::NoAdapter, cable(), [](auto& e) {
+        withoutRoute(e);
+        e.network->value.interfaces.clear();
+    });
+    add("no address", Cause::NoAddress, cable(), [](auto& e) {
+        withoutRoute(e);
+        e.network->value.interfaces.front().hasIPv4 = false;
+    });
+    add("no route", Cause::NoRoute, cable(), withoutRoute);
+    add("VPN dead", Cause::VpnDown, cable(), [](auto& e) {
+        throughVpn(e);
+        e.internet = dead(15);
+    });
+    add("line cut under a VPN", Cause::LineDown, cable(), [](auto& e) {
+        throughVpn(e);
+        noInternet(e);
+    });
+}
+
+void TestJudge::addNames()
+{
+    const auto failing = [](auto& e) { e.lookups = dead(20); };
+    add("DNS dead", Cause::DnsDead, cable(), [=](auto& e) {
+        failing(e);
+        e.nameServers = {server(Kind::Nothing)};
+    });
+    add("DNS fails", Cause::DnsDead, cable(), [=](auto& e) {
+        failing(e);
+        e.nameServers = {server(Kind::Failed)};
+    });
+    add("the first of two dead", Cause::DnsDead, cable(), [](auto& e) {
+        e.lookups = outcomes(5020);
+        e.nameServers = {server(Kind::Nothing), server(Kind::Addresses)};
+        e.nameServers.back().address = u"9.9.9.9"_s;
+    });
+    add("DNS with the line", Cause::LineDown, cable(), [=](auto& e) {
+        failing(e);
+        noInternet(e);
+        e.nameServers = {server(Kind::Nothing)};
+    });
+    add("DNS slow", Cause::DnsSlow, cable(), [](auto& e) { e.lookups = outcomes(900); });
+    add("DNS denies", Cause::DnsWrong, cable(), [](auto& e) {
+        e.lookupNameUnknown = true;
+        e.lookupAddresses.clear();
+        e.nameServers = {server(Kind::NoSuchName)};
+        e.web = {{WebAnswer::NotResolved, kNow}};
+    });
+    add("DNS lies", Cause::DnsWrong, cable(), [](auto& e) {
+        e.lookupAddresses = {u"127.0.0.1"_s};
+        e.web = {{WebAnswer::NotConnected, kNow}};
+    });
+    add("portal", Cause::Portal, cable(), [](auto& e) {
+        e.web = {{WebAnswer::NotTrusted, kNow - 3s}};
+        e.plainWeb = {{WebAnswer::Redirect, kNow}};
+        e.portalHost = u"login.hotel-with-a-very-long-name.example"_s;
+    });
+    add("large packets", Cause::Mtu, cable(), [](auto& e) { e.fullSizePassed = {{false, kNow}}; });
+    add("IPv6 broken", Cause::IPv6Broken, cable(), [](auto& e) {
+        e.network->value.route6 = e.network->value.route4;
+        e.internet6 = outcomes(0, "xxxx");
+    });
+}
+
+void TestJudge::addRadio()
+{
+    add("radio off", Cause::RadioOff, wifi(), [](auto& e) {
+        withoutLink(e);
+        e.radioOn = false;
+    });
+    add("not connected", Cause::NotConnected, wifi(), withoutLink);
+    add("signing in", Cause::SigningIn, wifi(), [](auto& e) {
+        withoutLink(e);
+        e.links.back().value.joiningSsid = u"<b>hotel</b> with thirty-two bytes"_s;
+    });
+    add("refused", Cause::SignInRefused, wifi(), [](auto& e) {
+        withoutLink(e);
+        addEvent(e, RadioEvent::Kind::SignInFailed, 5s, 1);
+    });
+    add("wrong passphrase", Cause::SignInRefused, wifi(), [](auto& e) {
+        withoutLink(e);
+        addEvent(e, RadioEvent::Kind::Disconnected, 5s, 15, true);
+    });
+    add("key not renewed", Cause::AccessPointLost, wifi(), [](auto& e) {
+        withoutLink(e);
+        addEvent(e, RadioEvent::Kind::Disconnected, 5s, 16, true);
+    });
+    add("weak", Cause::WeakSignal, wifi(), [](auto& e) {
+        lossyNear(e);
+        e.links = {{link(-86, 100, 0), kNow - 9s}, {link(-86, 200, 20), kNow}};
+    });
+    add("lost on the air", Cause::AirLossy, wifi(), [](auto& e) {
+        lossyNear(e);
+        e.links = {{link(-50, 100, 0), kNow - 9s}, {link(-50, 200, 60), kNow}};
+    });
+    add("busy", Cause::AirBusy, wifi(), [](auto& e) {
+        e.router = e.firstHop = outcomes(150);
+        e.internet = outcomes(170);
+        e.links.front().value.counters.channelActiveMs = 0;
+        e.links.front().value.counters.channelBusyMs = 0;
+        e.links.back().value.counters.channelActiveMs = 9000;
+        e.links.back().value.counters.channelBusyMs = 8500;
+    });
+    add("power saving", Cause::PowerSave, wifi(), [](auto& e) {
+        e.router = outcomes(120);
+        e.router[2].milliseconds = 3;
+        e.firstHop = outcomes(110);
+        e.internet = outcomes(130);
+        e.links.back().value.powerSave = true;
+    });
+    add("scanned", Cause::Scanning, wifi(), [](auto& e) {
+        for (const size_t round : {2, 5, 8}) {
+            e.router[round].milliseconds = 300;
+            addEvent(e, RadioEvent::Kind::ScanStarted, 3s * int(kRounds - round), 0);
+        }
+    });
+    add("roams", Cause::Roaming, wifi(), [](auto& e) {
+        addEvent(e, RadioEvent::Kind::Roamed, 30s, 0);
+        addEvent(e, RadioEvent::Kind::Roamed, 10s, 0);
+    });
+}
+
+void TestJudge::blames_data()
+{
+    QTest::addColumn<int>("cause");
+    QTest::addColumn<Evidence>("evidence");
+    addHealthy();
+    addPath();
+    addNames();
+    addRadio();
+}
+
+/// A sentence about a fault names values that stand among the evidence; it fits, and so does the
+/// chain.
+void TestJudge::blames()
+{
+    QFETCH(int, cause);
+    QFETCH(Evidence, evidence);
+    const auto verdict = judge(evidence);
+    QCOMPARE(identifier(verdict.cause), identifier(Cause(cause)));
+    QVERIFY2(verdict.sentence.size() <= kLongestSentence, qPrintable(verdict.sentence));
+    QCOMPARE(verdict.chain.size(), size_t(5));
+    for (const auto& other : verdict.others)
+        QVERIFY(other.cause != verdict.cause && other.certainty <= verdict.certainty);
+    if (verdict.cause == Cause::Healthy || verdict.cause == Cause::Unsure)
+        return;
+    QVERIFY(!verdict.advice.isEmpty() && !verdict.evidence.empty());
+    int named = 0;
+    auto numbers = QRegularExpression(u"-?\\d+(\\.\\d+)?"_s).globalMatch(verdict.sentence);
+    while (numbers.hasNext()) {
+        const double number = numbers.next().captured().toDouble();
+        named += std::ranges::any_of(verdict.evidence,
+            [&](const auto& item) { return std::abs(item.value - number) <= 0.5; });
+    }
+    QVERIFY2(named >= 2, qPrintable(verdict.sentence));
+}
+
+void TestJudge::keepsCalm()
+{
+    VerdictKeeper keeper;
+    TimePoint now = kNow;
+    Evidence cut = cable();
+    noInternet(cut);
+    const auto show = [&](const Evidence& evidence, std::chrono::seconds later) {
+        now += later;
+        return identifier(keeper.take(judge(evidence), now, {}).cause);
+    };
+    QCOMPARE(show(cable(), 0s), u"healthy"_s);
+    QCOMPARE(show(cut, 3s), u"line-down"_s);
+    QCOMPARE(show(cable(), 3s), u"line-down"_s); // one good moment
+    QCOMPARE(show(cut, 3s), u"line-down"_s);
+    QCOMPARE(show(cable(), 3s), u"line-down"_s);
+    QCOMPARE(show(cable(), 6s), u"healthy"_s);
+    Evidence away = cable();
+    withoutRoute(away);
+    QCOMPARE(show(away, 1s), u"healthy"_s); // between two networks
+    QCOMPARE(show(away, 3s), u"no-route"_s);
+}
+
+NETVANE_TEST(TestJudge)
+#include "test_judge.moc"
