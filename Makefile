@@ -6,7 +6,7 @@ export DESTDIR
 
 .PHONY: help setup build run demo screenshots install uninstall deb test test-fresh check check-format check-layers check-share \
     check-qml check-packaging check-tidy check-sanitizers check-hardening check-fuzz fuzz soak test-desktop test-radio \
-    bench clean
+    bench lab clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
@@ -118,6 +118,10 @@ test-radio: ## end to end on simulated radios in a virtual machine
 	@cmake --preset release >/dev/null
 	@cmake --build $(BUILD) -j $(JOBS)
 	@tests/rigs/radio/run --build $(BUILD)
+
+lab: build ## plays faults of networks against the built program, as root; writes docs/lab.md
+	@scripts/setup build run test
+	@lab/run --subject "$(BUILD)/netvane-report --watch" --seeds 5 --out docs/lab.md
 
 bench: ## docs/figures.md: the figures, each beside what it is compared with, and BEFORE, a checkout with its bench build
 	@scripts/setup build run test display bench radio

@@ -6,7 +6,7 @@
 #include "base/system_clock.h"
 #include "diagnostics/speed_test_service.h"
 #include "figure.h"
-#include "net/curl_http_client.h"
+#include "net/web/curl_http_client.h"
 #include "simulated/desktop.h"
 
 #include <QCoreApplication>

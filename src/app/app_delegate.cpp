@@ -11,10 +11,12 @@
 #include "shell/activation_token.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
+#include "verdict/verdict_service.h"
 #include "wifi/location_permission_service.h"
 #include "wifi/wifi_service.h"
 
 #include <QAction>
+#include <QDateTime>
 #include <QFile>
 #include <QGuiApplication>
 
@@ -106,7 +108,27 @@ void AppDelegate::setupStatusBar()
     m_statusBarManager = std::make_unique<StatusBarManager>(
         m_notifications, m_statusArea, *m_platform.appearance, *m_platform.clock);
     m_statusBarManager->setup(wifiService());
+    connect(m_services.verdictService.get(), &verdict::VerdictService::verdictChanged, this,
+        &AppDelegate::publishVerdict);
     base::log(logCategory(), u"Netvane: Status bar setup complete"_s);
+}
+
+void AppDelegate::publishVerdict()
+{
+    const auto& verdict = m_services.verdictService->verdict();
+    m_statusBarManager->setToolTip(verdict.sentence);
+    QStringList evidence;
+    for (const auto& item : verdict.evidence)
+        evidence.append(item.text);
+    const auto since = std::chrono::floor<std::chrono::seconds>(verdict.since).time_since_epoch();
+    m_platform.verdictOutlet->publish({
+        .verdict = verdict.sentence,
+        .cause = identifier(verdict.cause),
+        .segment = identifier(segmentOf(verdict.cause)),
+        .severity = identifier(verdict.severity),
+        .since = QDateTime::fromSecsSinceEpoch(since.count(), Qt::UTC).toString(Qt::ISODate),
+        .evidence = evidence.join(u'\n'),
+    });
 }
 
 /// Works in every window of the program that is the active one.

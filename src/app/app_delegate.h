@@ -116,6 +116,7 @@ private:
     void noteWayBack();
     void gatewayAnswered(const std::optional<QString>& address);
     void startServices();
+    void publishVerdict();
     void sampleAfterSleep();
     void logMemoryUsage() const;
 

@@ -21,6 +21,8 @@ public:
 
     virtual std::unique_ptr<shell::HostWindow> popoverWindow() = 0;
     virtual std::unique_ptr<shell::HostWindow> detailedWindow() = 0;
+    /// Opens the window "What is wrong?", or brings it to the front.
+    virtual void showVerdict() = 0;
 };
 
 /// Makes the views of services that all exist. The shortcuts of `menu` work in each window. Both

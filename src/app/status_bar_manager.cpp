@@ -79,7 +79,7 @@ void StatusBarManager::showStatusItem()
         return;
     m_statusItem = std::make_unique<QSystemTrayIcon>();
     applyIcon();
-    m_statusItem->setToolTip(u"Netvane"_s);
+    m_statusItem->setToolTip(m_toolTip);
     m_statusItem->setContextMenu(&m_menu);
     connect(
         m_statusItem.get(), &QSystemTrayIcon::activated, this, &StatusBarManager::handleActivated);
@@ -91,6 +91,14 @@ void StatusBarManager::showStatusItem()
         u"StatusBarManager: Button action configured - frame: "_s + frameText(frame));
     base::log(
         logCategory(), u"StatusBarManager: Status bar item setup complete - should be visible"_s);
+}
+
+void StatusBarManager::setToolTip(const QString& text)
+{
+    m_toolTip = text;
+    m_toolTip.replace(u'<', u'‹').replace(u'&', u'＆');
+    if (m_statusItem)
+        m_statusItem->setToolTip(m_toolTip);
 }
 
 bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)

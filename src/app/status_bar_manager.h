@@ -51,6 +51,8 @@ public:
     /// that it begins must not open it again.
     void ignoreThisClick();
 
+    /// Plain text; some desktops read markup in it.
+    void setToolTip(const QString& text);
     QMenu& contextMenu() { return m_menu; }
     /// Null until the desktop has a status area.
     QSystemTrayIcon* statusItem() { return m_statusItem.get(); }
@@ -74,6 +76,7 @@ private:
     shell::PopoverWindow* m_popover = nullptr;
     QMenu m_menu;
     std::unique_ptr<QSystemTrayIcon> m_statusItem;
+    QString m_toolTip = QStringLiteral("Netvane");
     std::optional<QPoint> m_lastClick; ///< of the pointer; many panels report no geometry
     std::unique_ptr<base::Timer> m_ignoring;
 };

@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QQuickItem>
 
+#include <algorithm>
 #include <functional>
 
 using namespace Qt::Literals::StringLiterals;
@@ -93,6 +94,14 @@ QWindow* diagnostics(StagedProgram& program)
     return window;
 }
 
+QWindow* verdict(StagedProgram& program)
+{
+    stateOf<ui::PopoverState>(*popover(program)).verdict()->openDetails();
+    program.pass(1s);
+    const auto windows = QGuiApplication::topLevelWindows();
+    return *std::ranges::find(windows, u"What is wrong?"_s, &QWindow::title);
+}
+
 std::vector<Picture> pictures()
 {
     return {{u"dashboard"_s, u"home"_s, popover}, {u"weak-link"_s, u"weak"_s, popover},
@@ -102,7 +111,11 @@ std::vector<Picture> pictures()
         {u"introduction-2"_s, u"first-start"_s, introduction(1)},
         {u"introduction-3"_s, u"first-start"_s, introduction(2)},
         {u"window"_s, u"office"_s, detailedWindow}, {u"performance"_s, u"home"_s, performance},
-        {u"diagnostics"_s, u"home"_s, diagnostics}};
+        {u"diagnostics"_s, u"home"_s, diagnostics}, {u"verdict-healthy"_s, u"home"_s, verdict},
+        {u"verdict-weak-signal"_s, u"weak"_s, verdict}, {u"verdict-portal"_s, u"cafe"_s, verdict},
+        {u"verdict-router-dead"_s, u"router-dead"_s, verdict},
+        {u"verdict-line-down"_s, u"line-down"_s, verdict},
+        {u"verdict-dns-dead"_s, u"dns-dead"_s, verdict}};
 }
 
 /// The transparent parts of a window without a background are drawn black; this makes them

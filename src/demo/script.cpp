@@ -77,6 +77,7 @@ Scene weak()
     scene.signalDbm = {-81, -83, -80, -84, -82, -85, -83, -81, -84};
     scene.noiseDbm = {-87, -86, -88, -87, -85, -86, -87, -88, -87};
     scene.rateMbps = {13, 6.5, 19.5, 6.5, 13, 6.5, 13, 19.5, 6.5, 26, 13, 19.5, 13};
+    scene.failedPercent = 9;
     scene.routerTimes = {38.4, 71.2, 45.9, {}, 112.6, 64.3, 52.8, 141.7, {}, 88.1, 57.4};
     scene.internetTimes = {62.5, 97.8, {}, 74.1, 158.3, 91.6, 80.2, {}, 171.9, 116.4, 83.7};
     scene.timeUnderLoad = 180;
@@ -154,12 +155,43 @@ Scene firstStart()
     return scene;
 }
 
+/// Shown only when asked for.
+Scene fault(const QString& name, const QString& title)
+{
+    Scene scene = home(name, title);
+    scene.duration = 0s;
+    return scene;
+}
+
+Scene routerDead()
+{
+    Scene scene = fault(u"router-dead"_s, u"a router without power to answer"_s);
+    scene.routerTimes = scene.internetTimes = {};
+    scene.lookupTime.reset();
+    return scene;
+}
+
+Scene lineDown()
+{
+    Scene scene = fault(u"line-down"_s, u"an outage of the line"_s);
+    scene.internetTimes = {};
+    scene.lookupTime.reset();
+    return scene;
+}
+
+Scene dnsDead()
+{
+    Scene scene = fault(u"dns-dead"_s, u"a name server that is silent"_s);
+    scene.lookupTime.reset();
+    return scene;
+}
+
 } // namespace
 
 std::vector<Scene> scenes()
 {
     return {home(), leaving(), upstairs(), weak(), cafe(), office(), cable(), withoutPermission(),
-        firstStart()};
+        firstStart(), routerDead(), lineDown(), dnsDead()};
 }
 
 /// A house of flats: a few own channels, and everybody else's on 1, 6 and 11.

@@ -27,6 +27,7 @@ struct Scene {
     std::vector<int> signalDbm;
     std::vector<int> noiseDbm;
     std::vector<double> rateMbps;
+    double failedPercent = 0; ///< of the packets on the air
 
     // Round trips in ms; absent is a lost probe. An empty list loses all.
     std::vector<std::optional<double>> routerTimes;

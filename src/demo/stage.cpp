@@ -51,6 +51,30 @@ std::optional<simulated::Connections::Answer> hopAnswer(const simulated::Connect
     return {{microseconds(hop.milliseconds) + made.port % 7 * 90us, hop.address}};
 }
 
+/// What the kernel would say.
+platform::NetworkState networkOf(const Scene& scene)
+{
+    platform::NetworkState state;
+    const bool isLinked = scene.hasRadio && !scene.signalDbm.empty();
+    for (const QString& name : scene.interfaces) {
+        const bool isWireless = name == u"wlan0"_s;
+        if (!isWireless && name != u"eth0"_s)
+            continue;
+        const bool isConnected = !isWireless || isLinked;
+        state.interfaces.push_back({.name = name,
+            .isUp = !isWireless || scene.hasRadio,
+            .hasCarrier = isConnected,
+            .isWireless = isWireless,
+            .hasIPv4 = isConnected});
+        if (isConnected)
+            state.physicalRoute = {{.gateway = scene.router, .interfaceName = name}};
+    }
+    state.route4 = state.physicalRoute;
+    state.router = scene.routerTimes.empty() ? platform::NeighbourState::Failed
+                                             : platform::NeighbourState::Reachable;
+    return state;
+}
+
 } // namespace
 
 Stage::Stage(std::unique_ptr<base::Clock> clock, StageOptions options)
@@ -79,6 +103,7 @@ void Stage::begin(size_t index)
     parts.network.router = scene().router;
     parts.network.servers = scene().dnsServers;
     parts.network.interfaces = scene().interfaces;
+    parts.network.state = networkOf(scene());
     parts.interface->isOn = scene().hasRadio;
     parts.scanner.currentChannel = scene().link.channel;
     parts.resolver->status = scene().lookupTime ? 0 : EAI_AGAIN;
@@ -127,6 +152,11 @@ platform::LinkReading Stage::link() const
         tell(reading.signalDbm, now.signalDbm);
         tell(reading.noiseDbm, now.noiseDbm);
         tell(reading.transmitRateMbps, now.rateMbps);
+        constexpr double kPacketsASecond = 20;
+        const double sent = kPacketsASecond
+            * std::chrono::duration<double>(parts.clock.monotonicNow() - m_begunAt.load()).count();
+        reading.counters.sentPackets = std::uint64_t(sent);
+        reading.counters.failed = std::uint64_t(sent * now.failedPercent / 100);
     }
     return reading;
 }
@@ -142,6 +172,13 @@ void Stage::writeScripts()
     parts.http.script = [this](const auto& request) {
         return request.keepsBody ? HttpClient::End {kPageTime, page(request.url)}
                                  : transferEnd(request);
+    };
+    parts.nameServers.script = [this](const QString&, const QString&) {
+        const auto time = scene().lookupTime;
+        return time ? platform::NameAnswer {.kind = platform::NameAnswer::Kind::Addresses,
+                   .addresses = {u"198.51.100.7"_s},
+                   .milliseconds = double(time->count()) / 1000}
+                    : platform::NameAnswer {};
     };
     parts.resolver->errorText = "Temporary failure in name resolution";
     parts.resolver->takeTime
@@ -168,15 +205,17 @@ void Stage::writeScriptsOfDesktop()
 std::optional<Stage::Connections::Answer> Stage::connectionAnswer(
     const Connections::Made& made) const
 {
-    if (made.hopLimit > 0)
+    if (made.hopLimit > 0 && !made.isWatched)
         return hopAnswer(made);
-    const bool isRouter = made.host != probes::kInternetTarget;
+    const bool isRouter = made.host == scene().router || made.hopLimit == 1;
     const auto& times = isRouter ? scene().routerTimes : scene().internetTimes;
     const auto time = times.empty() ? std::nullopt : times[entry(kProbeInterval, times.size())];
     if (!time)
         return {};
     const double load = parts.http.transfers > 0 ? scene().timeUnderLoad : 0;
-    return {{microseconds(*time + load), made.host}};
+    constexpr double kProvidersShare = 0.6; // of the way to the target
+    const double share = made.hopLimit == 2 ? kProvidersShare : 1;
+    return {{microseconds(share * *time + load), made.host}};
 }
 
 Stage::HttpClient::End Stage::transferEnd(const platform::HttpRequest& request) const
@@ -192,6 +231,10 @@ Stage::HttpClient::End Stage::transferEnd(const platform::HttpRequest& request) 
 /// The probe page, or the portal's page.
 platform::HttpAnswer Stage::page(const QUrl& url) const
 {
+    if (scene().internetTimes.empty() && !scene().portal)
+        return {.finalUrl = url,
+            .errorText = u"No route to host"_s,
+            .failure = platform::HttpFailure::NotConnected};
     const auto& portal = scene().portal;
     return {.status = 200,
         .body = portal ? "<h1>Welcome</h1>"_ba : "<h1>Success</h1>"_ba,

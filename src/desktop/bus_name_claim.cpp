@@ -69,7 +69,8 @@ void BusNameClaim::requestName()
 {
     QDBusConnection connection = m_sessionBus.connection();
     // Before the name, since whoever sees the name may call at once.
-    connection.registerObject(kPath, &m_object, QDBusConnection::ExportScriptableSlots);
+    connection.registerObject(
+        kPath, &m_object, QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportAdaptors);
     const auto call = bus::busCall(u"RequestName"_s) << kName << kDoNotQueue;
     bus::askBus(connection, call, bus::kAnswerLimitMs, this, [this](const QDBusMessage& answer) {
         if (bus::isReply(answer, u"u"_s) && answer.arguments().value(0) == kNameExists)

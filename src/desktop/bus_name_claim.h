@@ -35,6 +35,8 @@ class BusNameClaim : public platform::InstanceClaim {
 public:
     BusNameClaim(bus::BusLink& sessionBus, base::Clock& clock);
 
+    /// What the bus shows of this program, for adaptors of further interfaces.
+    QObject& object() { return m_object; }
     void claim() override;
 
 private:

@@ -1,5 +1,7 @@
 #include "net/linux_network_configuration.h"
 
+#include "net/netlink_dump.h"
+#include "net/network_state.h"
 #include "net/resolv_conf.h"
 #include "net/route_messages.h"
 #include "netlink/netlink_socket.h"
@@ -36,58 +38,36 @@ std::optional<QByteArray> readLines(const QString& path)
     return text;
 }
 
-template <typename Header>
-struct Question {
-    int request;
-    int answer; ///< the message type of the answer
-    Header header;
-};
-
-/// The wanted records of a dump. Records before a failure count.
-template <typename Header, typename Record>
-std::vector<Record> dump(netlink::NetlinkSocket& socket, Question<Header> question,
-    std::optional<Record> (*parse)(netlink::AttributeBytes), bool (*isWanted)(const Record&))
-{
-    std::vector<Record> records;
-    const netlink::NetlinkMessage message(nlmsg_alloc_simple(question.request, NLM_F_DUMP));
-    if (!message
-        || nlmsg_append(message.get(), &question.header, sizeof(Header), NLMSG_ALIGNTO) < 0)
-        return records;
-    const auto take = [&](const nlmsghdr& answer) {
-        if (answer.nlmsg_type != question.answer)
-            return;
-        auto record = parse(
-            {static_cast<const std::byte*>(nlmsg_data(&answer)), size_t(nlmsg_datalen(&answer))});
-        if (record && isWanted(*record))
-            records.push_back(std::move(*record));
-    };
-    (void)socket.request(*message, take, [&records] { records.clear(); });
-    return records;
-}
-
 /// Only default routes are kept: a router may have a million others.
 std::vector<RouteRecord> readDefaultRoutes(netlink::NetlinkSocket& socket)
 {
     // With it the kernel omits the other tables; kernels before 4.20 ignore it.
     const int on = 1;
-    (void)::setsockopt(
-        nl_socket_get_fd(socket.handle()), SOL_NETLINK, NETLINK_GET_STRICT_CHK, &on, sizeof on);
-    const Question<rtmsg> question {
-        RTM_GETROUTE, RTM_NEWROUTE, {.rtm_family = AF_INET, .rtm_table = RT_TABLE_MAIN}};
-    return dump(socket, question, parseRoute, isDefaultRoute);
+    const int descriptor = nl_socket_get_fd(socket.handle());
+    (void)::setsockopt(descriptor, SOL_NETLINK, NETLINK_GET_STRICT_CHK, &on, sizeof on);
+    const rtmsg header {.rtm_family = AF_INET, .rtm_table = RT_TABLE_MAIN};
+    const auto parse = [](netlink::AttributeBytes message) {
+        const auto route = parseRoute(message);
+        return route && isDefaultRoute(*route) ? route : std::nullopt;
+    };
+    auto routes = dump(socket, RTM_GETROUTE, RTM_NEWROUTE, header, parse);
+    const int off = 0;
+    (void)::setsockopt(descriptor, SOL_NETLINK, NETLINK_GET_STRICT_CHK, &off, sizeof off);
+    return routes;
 }
 
-std::vector<NextHopRecord> readNextHops(netlink::NetlinkSocket& socket)
+std::optional<Gateway> readDefaultGateway(netlink::NetlinkSocket& socket)
 {
-    const auto all = [](const NextHopRecord&) { return true; };
-    return dump<nhmsg, NextHopRecord>(
-        socket, {RTM_GETNEXTHOP, RTM_NEWNEXTHOP, {}}, parseNextHop, all);
-}
-
-std::vector<LinkRecord> readTunnels(netlink::NetlinkSocket& socket)
-{
-    const auto isTunnel = [](const LinkRecord& link) { return link.isTunnel; };
-    return dump<ifinfomsg, LinkRecord>(socket, {RTM_GETLINK, RTM_NEWLINK, {}}, parseLink, isTunnel);
+    const auto routes = readDefaultRoutes(socket);
+    std::vector<NextHopRecord> nextHops;
+    if (std::ranges::any_of(routes, needsNextHops))
+        nextHops = dump(socket, RTM_GETNEXTHOP, RTM_NEWNEXTHOP, nhmsg {}, parseNextHop);
+    std::vector<LinkRecord> tunnels;
+    if (routes.size() > 1) { // with one there is no choice
+        tunnels = dump(socket, RTM_GETLINK, RTM_NEWLINK, ifinfomsg {}, parseLink);
+        std::erase_if(tunnels, [](const auto& link) { return !link.isTunnel; });
+    }
+    return defaultGatewayOf(routes, nextHops, tunnels);
 }
 
 } // namespace
@@ -97,14 +77,17 @@ std::optional<QString> LinuxNetworkConfiguration::defaultRouter()
     auto socket = netlink::NetlinkSocket::open(NETLINK_ROUTE);
     if (!socket)
         return {};
-    const auto routes = readDefaultRoutes(socket.value());
-    std::vector<NextHopRecord> nextHops;
-    if (std::ranges::any_of(routes, needsNextHops))
-        nextHops = readNextHops(socket.value());
-    std::vector<LinkRecord> tunnels;
-    if (routes.size() > 1) // with one there is no choice
-        tunnels = readTunnels(socket.value());
-    return defaultRouterOf(routes, nextHops, tunnels);
+    const auto gateway = readDefaultGateway(socket.value());
+    return gateway ? std::optional(gateway->address) : std::nullopt;
+}
+
+std::optional<platform::NetworkState> LinuxNetworkConfiguration::readState()
+{
+    auto socket = netlink::NetlinkSocket::open(NETLINK_ROUTE);
+    if (!socket)
+        return {};
+    const auto gateway = readDefaultGateway(socket.value());
+    return readNetworkState(socket.value(), gateway);
 }
 
 /// The stub hides the real servers. Their list counts only while the C library asks the stub: a

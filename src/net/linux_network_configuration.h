@@ -14,8 +14,8 @@ struct NetworkFiles {
     QString interfaces = QStringLiteral("/proc/net/dev");
 };
 
-/// The IPv4 routes of the kernel's main table (rtnetlink, RTM_GETROUTE), the resolver's files and
-/// the kernel's list of interfaces.
+/// Links, addresses, routes and neighbours as the kernel knows them (rtnetlink), the resolver's
+/// files and the kernel's list of interfaces.
 class LinuxNetworkConfiguration : public platform::NetworkConfiguration {
 public:
     explicit LinuxNetworkConfiguration(NetworkFiles files = {})
@@ -24,7 +24,7 @@ public:
     }
 
     std::optional<QString> defaultRouter() override;
-    std::optional<platform::NetworkState> readState() override { return {}; }
+    std::optional<platform::NetworkState> readState() override;
     QStringList dnsServers() override;
     QStringList interfaceNames() override;
 

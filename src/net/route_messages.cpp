@@ -1,5 +1,7 @@
 #include "net/route_messages.h"
 
+#include "net/netlink_dump.h"
+
 #include <arpa/inet.h>
 #include <linux/if_link.h>
 #include <linux/nexthop.h>
@@ -18,23 +20,6 @@ constexpr int kNextHopAttributeMax = NHA_GATEWAY; // nothing beyond it is read
 constexpr std::array<QByteArrayView, 16> kTunnelKinds {"tun", "wireguard", "ovpn", "ppp", "xfrm",
     "vti", "ipip", "sit", "gre", "gretap", "erspan", "ip6tnl", "ip6gre", "ip6gretap", "vti6",
     "vxlan"};
-
-/// The fixed header of a message; absent if the message is shorter.
-template <typename Header>
-std::optional<Header> headerOf(netlink::AttributeBytes message)
-{
-    if (message.size() < sizeof(Header))
-        return {};
-    Header header {};
-    std::memcpy(&header, message.data(), sizeof header);
-    return header;
-}
-
-template <typename Header>
-netlink::AttributeBytes attributesAfter(netlink::AttributeBytes message)
-{
-    return message.subspan(std::min(message.size(), size_t(NLMSG_ALIGN(sizeof(Header)))));
-}
 
 /// Four bytes in network order as dotted text; absent for other lengths and for "no address".
 std::optional<QString> ipv4Text(const std::optional<QByteArray>& address)
@@ -180,10 +165,10 @@ bool needsNextHops(const RouteRecord& route)
     return !route.gateway && route.nextHopId;
 }
 
-std::optional<QString> defaultRouterOf(const std::vector<RouteRecord>& routes,
+std::optional<Gateway> defaultGatewayOf(const std::vector<RouteRecord>& routes,
     const std::vector<NextHopRecord>& nextHops, const std::vector<LinkRecord>& tunnels)
 {
-    std::optional<QString> router;
+    std::optional<Gateway> router;
     std::pair<bool, std::uint32_t> best; // whether through a tunnel, and the metric
     for (const RouteRecord& route : routes) {
         if (!isDefaultRoute(route))
@@ -197,7 +182,7 @@ std::optional<QString> defaultRouterOf(const std::vector<RouteRecord>& routes,
             route.metric);
         if (router && rank >= best)
             continue;
-        router = gateway->address;
+        router = gateway;
         best = rank;
     }
     return router;

@@ -69,7 +69,7 @@ bool needsNextHops(const RouteRecord& route);
 /// The gateway of the default route of the lowest metric among those that have one; the first of
 /// several with the same metric, as the kernel does. One through any of `tunnels` counts only where
 /// there is no other: behind it is the far end of the tunnel, and not the router of this network.
-std::optional<QString> defaultRouterOf(const std::vector<RouteRecord>& routes,
+std::optional<Gateway> defaultGatewayOf(const std::vector<RouteRecord>& routes,
     const std::vector<NextHopRecord>& nextHops, const std::vector<LinkRecord>& tunnels);
 
 } // namespace netvane::net

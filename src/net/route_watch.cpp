@@ -31,11 +31,13 @@ bool filterMessages(int socket)
     const auto jumpIfType = [](std::uint16_t message, std::uint8_t yes, std::uint8_t no) {
         return sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, htons(message), yes, no);
     };
-    std::array<sock_filter, 11> instructions {{
+    std::array<sock_filter, 13> instructions {{
         BPF_STMT(BPF_LD | BPF_H | BPF_ABS, type),
-        jumpIfType(RTM_NEWROUTE, 3, 0),
-        jumpIfType(RTM_DELROUTE, 2, 0),
-        jumpIfType(RTM_NEWLINK, 3, 0),
+        jumpIfType(RTM_NEWROUTE, 5, 0),
+        jumpIfType(RTM_DELROUTE, 4, 0),
+        jumpIfType(RTM_NEWLINK, 5, 0),
+        jumpIfType(RTM_DELLINK, 6, 0),
+        jumpIfType(RTM_NEWADDR, 5, 0),
         jumpIfType(RTM_DELADDR, 4, 5),
         // Of routes, those for every destination.
         BPF_STMT(BPF_LD | BPF_B | BPF_ABS, destinationBits),
@@ -54,8 +56,9 @@ base::FileDescriptor openSocket()
 {
     base::FileDescriptor socket(
         ::socket(AF_NETLINK, SOCK_RAW | SOCK_NONBLOCK | SOCK_CLOEXEC, NETLINK_ROUTE));
-    const sockaddr_nl groups {
-        .nl_family = AF_NETLINK, .nl_groups = RTMGRP_IPV4_ROUTE | RTMGRP_LINK | RTMGRP_IPV4_IFADDR};
+    const sockaddr_nl groups {.nl_family = AF_NETLINK,
+        .nl_groups = RTMGRP_IPV4_ROUTE | RTMGRP_IPV6_ROUTE | RTMGRP_LINK | RTMGRP_IPV4_IFADDR
+            | RTMGRP_IPV6_IFADDR};
     if (!filterMessages(socket.get())
         || ::bind(socket.get(), reinterpret_cast<const sockaddr*>(&groups), sizeof groups) != 0)
         return {};

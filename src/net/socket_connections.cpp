@@ -1,6 +1,7 @@
 #include "net/socket_connections.h"
 
 #include "net/error_queue.h"
+#include "net/full_packet.h"
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -43,7 +44,7 @@ private:
     int takeError() const;
     bool isPeersOwn(int error) const;
     FailedAttempts& failedAttempts();
-    std::optional<std::chrono::steady_clock::time_point> kernelTime() const;
+    Answer timedAnswer() const;
 
     const QString m_host;
     FailedAttemptsByHost& m_failedAttempts;
@@ -86,7 +87,7 @@ std::optional<SocketProbe::Answer> TcpProbe::takeAnswer()
     // Reset, not refused: the peer had answered and closed since (tcp(7)).
     if (error == 0 || error == ECONNRESET || error == EPIPE) {
         m_failedAttempts.erase(m_host);
-        return Answer {.at = kernelTime()};
+        return timedAnswer();
     }
     if (!isPeersOwn(error))
         return Answer {.error = error};
@@ -114,16 +115,18 @@ bool TcpProbe::isPeersOwn(int error) const
     return isSameHost(*queued->offender, m_peer);
 }
 
-/// Its first round-trip sample is the handshake's. If a packet was sent twice, the sample would be
-/// that of the last try only.
-std::optional<std::chrono::steady_clock::time_point> TcpProbe::kernelTime() const
+/// The kernel's first round-trip sample is the handshake's. If a packet was sent twice, the sample
+/// would be that of the last try only.
+SocketProbe::Answer TcpProbe::timedAnswer() const
 {
     tcp_info info {};
     socklen_t length = sizeof info;
-    if (::getsockopt(descriptor(), IPPROTO_TCP, TCP_INFO, &info, &length) != 0
-        || info.tcpi_total_retrans != 0 || info.tcpi_rtt == 0)
+    if (::getsockopt(descriptor(), IPPROTO_TCP, TCP_INFO, &info, &length) != 0)
         return {};
-    return askedAt() + std::chrono::microseconds(info.tcpi_rtt);
+    Answer answer {.retransmissions = int(info.tcpi_total_retrans)};
+    if (info.tcpi_total_retrans == 0 && info.tcpi_rtt != 0)
+        answer.at = askedAt() + std::chrono::microseconds(info.tcpi_rtt);
+    return answer;
 }
 
 /// Two ways of asking one host, begun and ended together.
@@ -185,7 +188,7 @@ std::unique_ptr<platform::Connection> SocketConnections::connectTcp(
 std::unique_ptr<platform::Connection> SocketConnections::sendFullPacket(
     const QString& host, quint16 port, platform::ConnectionHandler handler)
 {
-    return connectTcp(host, port, std::move(handler));
+    return fullPacket(m_context.clock, host, port, std::move(handler));
 }
 
 } // namespace netvane::net

@@ -31,6 +31,15 @@ bool set(int socket, int level, int option, int value)
     return ::setsockopt(socket, level, option, &value, sizeof value) == 0;
 }
 
+/// Anybody may do this once a socket (SO_BINDTODEVICE, socket(7)).
+bool bindTo(int socket, const QByteArray& interfaceName)
+{
+    return interfaceName.isEmpty()
+        || ::setsockopt(socket, SOL_SOCKET, SO_BINDTODEVICE, interfaceName.constData(),
+               socklen_t(interfaceName.size()))
+        == 0;
+}
+
 /// When the last message that was taken from the socket had come, by the wall clock. The first call
 /// has the kernel take these times from then on, and fails.
 std::optional<std::chrono::system_clock::time_point> kernelStamp(int socket)
@@ -65,6 +74,8 @@ struct Path {
     const QString host;
     const AddressLookup lookUp;
     const bool isToNeighbour = false; ///< no router may pass a datagram on, whatever the routes say
+    const bool mayBeLate = false; ///< an answer may be looked for after a moment, once it is timed
+    const QByteArray interfaceName {}; ///< that datagrams leave by, if not empty
     bool isTimed = false; ///< since an earlier probe
     in_port_t ownPort = 0; ///< in the order of the network; 0 before the first probe
     /// The kernel times packets while any socket asks for it, and begins with a delay. This one
@@ -108,7 +119,8 @@ bool UdpHopProbe::ask(const SocketAddress& address)
         : set(socket, IPPROTO_IPV6, IPV6_RECVERR, 1)
             && set(socket, IPPROTO_IPV6, IPV6_AUTOFLOWLABEL, 0)
             && set(socket, IPPROTO_IPV6, IPV6_UNICAST_HOPS, m_hopLimit);
-    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, m_path->isToNeighbour))
+    if (!isSet || !set(socket, SOL_SOCKET, SO_DONTROUTE, m_path->isToNeighbour)
+        || !bindTo(socket, m_path->interfaceName))
         return false;
     if (!m_path->isToNeighbour) // there is one way to it; each probe has a port of its own
         takeOwnPort(address.storage.ss_family);
@@ -179,10 +191,9 @@ SocketProbe::Answer UdpHopProbe::goodAnswer() const
 
 class SocketHopPath : public platform::HopPath {
 public:
-    SocketHopPath(ProbeContext& context, const QString& host, bool isToNeighbour)
+    SocketHopPath(ProbeContext& context, Path* path)
         : m_context(context)
-        , m_path(new Path {
-              .host = host, .lookUp = askingOnce(context.lookUp), .isToNeighbour = isToNeighbour})
+        , m_path(path)
     {
         (void)kernelStamp(m_path->timed.get());
     }
@@ -191,7 +202,7 @@ public:
         quint16 port, int hopLimit, platform::ConnectionHandler handler) override
     {
         // Before the kernel takes times, that of an answer is when it is seen.
-        const bool mayWait = std::exchange(m_path->isTimed, true) && m_path->isToNeighbour;
+        const bool mayWait = std::exchange(m_path->isTimed, true) && m_path->mayBeLate;
         return handleOf(new UdpHopProbe(m_context, m_path, port, hopLimit,
             mayWait ? base::Delivery::Batched : base::Delivery::Immediate, std::move(handler)));
     }
@@ -218,18 +229,27 @@ HopAnswer meaningOf(const QueuedError& error, const SocketAddress& peer)
 
 std::unique_ptr<platform::HopPath> SocketHopProbes::pathTo(const QString& host)
 {
-    return std::make_unique<SocketHopPath>(m_context, host, false);
+    return std::make_unique<SocketHopPath>(
+        m_context, new Path {.host = host, .lookUp = askingOnce(m_context.lookUp)});
 }
 
 std::unique_ptr<platform::HopPath> SocketHopProbes::watchedPathTo(
-    const QString& host, const QString&)
+    const QString& host, const QString& interfaceName)
 {
-    return std::make_unique<SocketHopPath>(m_context, host, false);
+    return std::make_unique<SocketHopPath>(m_context,
+        new Path {.host = host,
+            .lookUp = askingOnce(m_context.lookUp),
+            .mayBeLate = true,
+            .interfaceName = interfaceName.toUtf8()});
 }
 
 std::unique_ptr<platform::HopPath> SocketHopProbes::pathToNeighbour(const QString& host)
 {
-    return std::make_unique<SocketHopPath>(m_context, host, true);
+    return std::make_unique<SocketHopPath>(m_context,
+        new Path {.host = host,
+            .lookUp = askingOnce(m_context.lookUp),
+            .isToNeighbour = true,
+            .mayBeLate = true});
 }
 
 } // namespace netvane::net

@@ -161,7 +161,8 @@ bool SocketProbe::look()
         tell({.state = platform::ConnectionState::Ready,
             .at = std::clamp(answer->at.value_or(now), m_askedAt, now) - m_unmeasured,
             .answeredBy = answer->from.isEmpty() ? m_host : answer->from,
-            .askedAt = m_askedAt - m_unmeasured});
+            .askedAt = m_askedAt - m_unmeasured,
+            .retransmissions = answer->retransmissions});
         return true;
     }
     m_error = answer->error;

@@ -47,6 +47,7 @@ protected:
         /// When it arrived, if the kernel stamped it.
         std::optional<std::chrono::steady_clock::time_point> at;
         QString from; ///< the address that answered, if that is not the host's
+        std::optional<int> retransmissions {}; ///< packets that were sent again, if that is known
     };
 
     SocketProbe(ProbeContext& context, Kind kind, QString host, quint16 port,

@@ -27,8 +27,9 @@ struct ConnectionEvent {
     /// When the question was sent to the address that this is about, after its name was resolved;
     /// absent when nothing could be sent.
     std::optional<std::chrono::steady_clock::time_point> askedAt {};
-    /// Only when ready: packets of the handshake that this machine had to send again.
-    int retransmissions = 0;
+    /// Only when ready: packets of the handshake that this machine had to send again. Absent where
+    /// it is not known: after a refusal.
+    std::optional<int> retransmissions {};
 };
 
 /// Called once for each state, on the main thread and never inside a call of the connection. Must

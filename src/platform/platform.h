@@ -24,6 +24,7 @@
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
 #include "platform/user_notifications.h"
+#include "platform/verdict_outlet.h"
 #include "platform/wifi_client.h"
 
 #include <memory>
@@ -47,6 +48,7 @@ struct Platform {
     std::unique_ptr<Appearance> appearance;
     std::unique_ptr<StatusNotifierHost> statusNotifierHost;
     std::unique_ptr<InstanceClaim> instanceClaim;
+    std::unique_ptr<VerdictOutlet> verdictOutlet; ///< goes before the claim
     std::unique_ptr<SleepMonitor> sleepMonitor;
     std::unique_ptr<RouteMonitor> routeMonitor;
     std::unique_ptr<UrlOpener> urlOpener;

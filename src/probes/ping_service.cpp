@@ -148,7 +148,7 @@ void PingService::handleEvent(const Probe& probe, const platform::ConnectionEven
 
 /// Cancels the connection.
 void PingService::finishProbe(const Probe& probe, std::optional<double> latencyMs,
-    const QString& failure, int retransmissions)
+    const QString& failure, std::optional<int> retransmissions)
 {
     const auto place = std::ranges::find(m_inFlight, &probe, &std::shared_ptr<Probe>::get);
     if (place == m_inFlight.end())

@@ -23,7 +23,7 @@ namespace netvane::probes {
 struct ProbeOutcome {
     std::chrono::steady_clock::time_point startedAt;
     std::optional<double> latencyMs; ///< absent: no answer in time
-    int retransmissions = 0; ///< see `platform::ConnectionEvent`
+    std::optional<int> retransmissions {}; ///< see `platform::ConnectionEvent`
 };
 
 /// Measures latency, jitter and loss towards one target every 3 seconds by the time that a TCP
@@ -88,7 +88,7 @@ private:
     void measureLatency();
     void handleEvent(const Probe& probe, const platform::ConnectionEvent& event);
     void finishProbe(const Probe& probe, std::optional<double> latencyMs,
-        const QString& failure = {}, int retransmissions = 0);
+        const QString& failure = {}, std::optional<int> retransmissions = {});
     void logFailure(const QString& failure);
     void recordResult(std::optional<double> latencyMs);
     std::optional<double> jitter() const;

@@ -8,10 +8,14 @@
 #include "report/report_options.h"
 #include "report/report_output.h"
 #include "report/report_session.h"
+#include "report/verdict_object.h"
+#include "report/verdict_session.h"
 #include "system/linux_platform.h"
+#include "verdict/verdict_service.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QJsonDocument>
 #include <QLocale>
 
 #include <unistd.h>
@@ -60,33 +64,88 @@ void showProgress(const QString& text)
         print(STDERR_FILENO, u"\r\033[K"_s + text);
 }
 
-void deliver(const QString& text, const report::ReportOptions& options, base::Clock& clock)
+void deliver(
+    const QString& text, const report::ReportOptions& options, base::Clock& clock, int status = 0)
 {
     showProgress({});
     report::writeReport(
-        options.output, text.toUtf8() + '\n', qApp, clock, [&options](const QString& problem) {
+        options.output, text.toUtf8(), qApp, clock, [&options, status](const QString& problem) {
             const QString name = options.output.value_or(u"standard output"_s);
-            QCoreApplication::exit(problem.isEmpty() ? 0 : complain(name + u": "_s + problem));
+            QCoreApplication::exit(problem.isEmpty() ? status : complain(name + u": "_s + problem));
         });
 }
 
-int run(const report::ReportOptions& options)
+int makeReport(platform::Platform& platform, const report::ReportOptions& options)
 {
-    const base::TerminationSignals terminationSignals;
-    QObject::connect(&terminationSignals, &base::TerminationSignals::received, qApp,
-        [] { QCoreApplication::exit(1); });
-    auto platform = system::makePlatform();
     report::ReportSession session(platform, options);
     QObject::connect(&session, &report::ReportSession::progress, &showProgress);
     QObject::connect(&session, &report::ReportSession::finished, qApp, [&] {
         auto input = session.services().readings();
         if (options.redact)
             input = report::redacted(std::move(input));
-        deliver(insights::reportText(input, QDateTime::currentDateTime(), QLocale::system()),
+        deliver(
+            insights::reportText(input, QDateTime::currentDateTime(), QLocale::system()) + u'\n',
             options, *platform.clock);
     });
     session.start();
     return QCoreApplication::exec();
+}
+
+/// The verdict as it is now, in the form that was asked for.
+QString verdictNow(const verdict::VerdictService& verdicts, const report::ReportOptions& options,
+    const base::Clock& clock)
+{
+    using report::Outlet;
+    const auto& verdict = verdicts.verdict();
+    const auto& evidence = verdicts.evidence();
+    QString text;
+    if (options.outlet == Outlet::Verdict) {
+        text = report::verdictText(verdict);
+    } else if (options.outlet == Outlet::Prometheus) {
+        text = report::prometheusText(verdict, evidence);
+    } else {
+        const QJsonDocument object(report::verdictObject(verdict, evidence, clock.now()));
+        const bool isLine = options.outlet == Outlet::Watch;
+        text = QString::fromUtf8(
+            object.toJson(isLine ? QJsonDocument::Compact : QJsonDocument::Indented));
+        if (isLine)
+            text += u'\n';
+    }
+    return options.redact ? report::redacted(text, evidence) : text;
+}
+
+int makeVerdict(platform::Platform& platform, const report::ReportOptions& options)
+{
+    report::VerdictSession session(platform, options);
+    const bool isWatching = options.outlet == report::Outlet::Watch;
+    const auto text = [&] { return verdictNow(session.verdicts(), options, *platform.clock); };
+    if (isWatching)
+        QObject::connect(&session, &report::VerdictSession::changed, qApp, [&] {
+            if (const int error = print(STDOUT_FILENO, text()); error != 0)
+                QCoreApplication::exit(complain(u"standard output: "_s + qt_error_string(error)));
+        });
+    QObject::connect(&session, &report::VerdictSession::finished, qApp, [&] {
+        const int status = options.outlet == report::Outlet::Verdict
+            ? report::exitStatus(session.verdicts().verdict().cause)
+            : 0;
+        if (isWatching)
+            QCoreApplication::exit(status);
+        else
+            deliver(text(), options, *platform.clock, status);
+    });
+    session.start();
+    return QCoreApplication::exec();
+}
+
+int run(const report::ReportOptions& options)
+{
+    const base::TerminationSignals terminationSignals;
+    const int ended = options.outlet == report::Outlet::Watch ? 0 : 1;
+    QObject::connect(&terminationSignals, &base::TerminationSignals::received, qApp,
+        [ended] { QCoreApplication::exit(ended); });
+    auto platform = system::makePlatform();
+    return options.outlet == report::Outlet::Report ? makeReport(platform, options)
+                                                    : makeVerdict(platform, options);
 }
 
 } // namespace

@@ -15,43 +15,84 @@ Message misuse(const QString& problem)
     return {problem + u"\nTry 'netvane-report --help'.\n"_s, 2};
 }
 
+/// Absent without the option; a text if it makes no sense.
+std::variant<std::optional<std::chrono::seconds>, QString> secondsOf(
+    const QCommandLineParser& parser, const QString& name)
+{
+    if (!parser.isSet(name))
+        return std::optional<std::chrono::seconds>();
+    bool isNumber = false;
+    const int count = parser.value(name).toInt(&isNumber);
+    if (!isNumber || count < 1 || count > kMaximumSeconds)
+        return u"--%1 wants a number from 1 to %2."_s.arg(name).arg(kMaximumSeconds);
+    return std::optional(std::chrono::seconds(count));
+}
+
+const std::pair<QString, Outlet> kOutlets[] = {{u"verdict"_s, Outlet::Verdict},
+    {u"json"_s, Outlet::Json}, {u"watch"_s, Outlet::Watch}, {u"prometheus"_s, Outlet::Prometheus}};
+
+void describe(QCommandLineParser& parser)
+{
+    parser.setApplicationDescription(
+        u"Looks at the Wi-Fi and the way to the internet for a moment and prints a report."_s);
+    const QList<QCommandLineOption> options = {
+        {u"verdict"_s,
+            u"Say who is to blame for a bad connection, and end with 0 if nobody is, 10 for this "
+            "computer, 11 for the radio, 12 for the router, 13 for the line, 14 for DNS, 15 for a "
+            "log-in page, 16 for the internet, 20 if that is not sure."_s},
+        {u"json"_s, u"Print the verdict and what it rests on as a JSON object."_s},
+        {u"watch"_s, u"Print such an object a line, now and at each change of the verdict."_s},
+        {u"interval"_s, u"With --watch: every N seconds, too."_s, u"N"_s},
+        {u"prometheus"_s, u"Print metrics for node_exporter's textfile collector."_s},
+        {u"seconds"_s, u"Measure for N seconds."_s, u"N"_s},
+        {u"output"_s, u"Write to FILE instead of standard output."_s, u"FILE"_s},
+        {u"redact"_s, u"Put placeholders in the place of network names and of addresses."_s},
+        {u"speed-test"_s, u"Test the speed, too; transfers about 10 MB."_s},
+        {u"help"_s, u"Show this text."_s},
+        {u"version"_s, u"Show the version."_s},
+    };
+    parser.addOptions(options);
+}
+
 } // namespace
 
 std::variant<ReportOptions, Message> parseOptions(const QStringList& arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        u"Looks at the Wi-Fi and the way to the internet for a moment and prints a report."_s);
-    const QCommandLineOption seconds(
-        u"seconds"_s, u"Sample for N seconds instead of five rounds of probes."_s, u"N"_s);
-    const QCommandLineOption output(
-        u"output"_s, u"Write the report to FILE instead of standard output."_s, u"FILE"_s);
-    const QCommandLineOption redact(
-        u"redact"_s, u"Put placeholders in the place of the network name and of addresses."_s);
-    const QCommandLineOption speedTest(
-        u"speed-test"_s, u"Test the speed, too; transfers about 10 MB."_s);
-    const QCommandLineOption help(u"help"_s, u"Show this text."_s);
-    const QCommandLineOption version(u"version"_s, u"Show the version."_s);
-    parser.addOptions({seconds, output, redact, speedTest, help, version});
+    describe(parser);
     if (!parser.parse(arguments))
         return misuse(parser.errorText());
-    if (parser.isSet(help))
+    if (parser.isSet(u"help"_s))
         return Message {parser.helpText()};
-    if (parser.isSet(version))
+    if (parser.isSet(u"version"_s))
         return Message {u"netvane-report "_s + QStringLiteral(NETVANE_VERSION) + u'\n'};
     if (!parser.positionalArguments().isEmpty())
         return misuse(u"Unexpected argument '%1'."_s.arg(parser.positionalArguments().first()));
-    ReportOptions options;
-    options.redact = parser.isSet(redact);
-    options.speedTest = parser.isSet(speedTest);
-    if (parser.isSet(output))
-        options.output = parser.value(output);
-    if (parser.isSet(seconds)) {
-        bool isNumber = false;
-        const int count = parser.value(seconds).toInt(&isNumber);
-        if (!isNumber || count < 1 || count > kMaximumSeconds)
-            return misuse(u"--seconds wants a number from 1 to %1."_s.arg(kMaximumSeconds));
-        options.duration = std::chrono::seconds(count);
+    ReportOptions options {
+        .redact = parser.isSet(u"redact"_s), .speedTest = parser.isSet(u"speed-test"_s)};
+    QStringList chosen;
+    for (const auto& [name, outlet] : kOutlets) {
+        if (!parser.isSet(name))
+            continue;
+        chosen.append(u"--"_s + name);
+        options.outlet = outlet;
+    }
+    if (chosen.size() > 1)
+        return misuse(u"%1 exclude each other."_s.arg(chosen.join(u" and "_s)));
+    if (options.speedTest && !chosen.isEmpty())
+        return misuse(u"--speed-test goes with the report only."_s);
+    if (parser.isSet(u"interval"_s) && options.outlet != Outlet::Watch)
+        return misuse(u"--interval goes with --watch only."_s);
+    if (parser.isSet(u"output"_s) && options.outlet == Outlet::Watch)
+        return misuse(u"--watch prints to standard output only."_s);
+    if (parser.isSet(u"output"_s))
+        options.output = parser.value(u"output"_s);
+    for (const auto& [name, field] : {std::pair(u"seconds"_s, &ReportOptions::duration),
+             {u"interval"_s, &ReportOptions::interval}}) {
+        const auto seconds = secondsOf(parser, name);
+        if (const auto* problem = std::get_if<QString>(&seconds))
+            return misuse(*problem);
+        options.*field = std::get<0>(seconds);
     }
     return options;
 }

@@ -9,9 +9,20 @@
 
 namespace netvane::report {
 
+/// What is printed.
+enum class Outlet {
+    Report, ///< Markdown
+    Verdict, ///< for people, with an exit status for scripts
+    Json, ///< one object
+    Watch, ///< an object a line, at the start and at each change
+    Prometheus,
+};
+
 /// What the command line asks for.
 struct ReportOptions {
-    std::optional<std::chrono::seconds> duration; ///< absent: as long as five rounds of probes take
+    Outlet outlet = Outlet::Report;
+    std::optional<std::chrono::seconds> duration; ///< absent: as the outlet needs
+    std::optional<std::chrono::seconds> interval; ///< also print so often; only when watching
     std::optional<QString> output; ///< a file instead of standard output
     bool redact = false;
     bool speedTest = false;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kWidth = 420;
 constexpr int kStartHeight = 600;
-constexpr int kMaxHeight = 650;
+constexpr int kMaxHeight = 720; // of the column, and of the strip above it
 constexpr int kRadius = 10;
 
 QScreen* screenOf(const std::optional<QRect>& anchor)

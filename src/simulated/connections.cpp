@@ -25,35 +25,43 @@ private:
 
 class Connections::Path : public platform::HopPath {
 public:
-    Path(Connections& factory, QString host)
+    Path(Connections& factory, QString host, bool isWatched)
         : m_factory(factory)
         , m_host(std::move(host))
+        , m_isWatched(isWatched)
     {
     }
 
     std::unique_ptr<platform::Connection> probe(
         quint16 port, int hopLimit, platform::ConnectionHandler handler) override
     {
-        return m_factory.make(m_host, port, hopLimit, std::move(handler));
+        return m_factory.make(m_host, port, hopLimit, std::move(handler), m_isWatched);
     }
 
 private:
     Connections& m_factory;
     const QString m_host;
+    const bool m_isWatched;
 };
 
 std::unique_ptr<platform::HopPath> Connections::pathTo(const QString& host)
 {
-    return std::make_unique<Path>(*this, host);
+    return std::make_unique<Path>(*this, host, false);
 }
 
-std::unique_ptr<platform::Connection> Connections::make(
-    const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler)
+std::unique_ptr<platform::HopPath> Connections::watchedPathTo(const QString& host, const QString&)
+{
+    return std::make_unique<Path>(*this, host, true);
+}
+
+std::unique_ptr<platform::Connection> Connections::make(const QString& host, quint16 port,
+    int hopLimit, platform::ConnectionHandler handler, bool isWatched)
 {
     auto made = std::make_shared<Made>();
     made->host = host;
     made->port = port;
     made->hopLimit = hopLimit;
+    made->isWatched = isWatched;
     made->handler = std::move(handler);
     if (!script)
         m_made.push_back(made);

@@ -18,6 +18,7 @@ public:
         QString host;
         quint16 port = 0;
         int hopLimit = 0; ///< only of hop probes; or `kFullPacket`
+        bool isWatched = false; ///< of a path for probes again and again
         platform::ConnectionHandler handler;
         bool isStarted = false;
         bool isCancelled = false;
@@ -45,10 +46,8 @@ public:
         return make(host, port, kFullPacket, std::move(handler));
     }
     std::unique_ptr<platform::HopPath> pathTo(const QString& host) override;
-    std::unique_ptr<platform::HopPath> watchedPathTo(const QString& host, const QString&) override
-    {
-        return pathTo(host);
-    }
+    std::unique_ptr<platform::HopPath> watchedPathTo(
+        const QString& host, const QString& interfaceName) override;
 
     /// The answer to one that starts now; absent: it is lost.
     std::function<std::optional<Answer>(const Made&)> script;
@@ -73,8 +72,8 @@ public:
 private:
     class Handle;
     class Path;
-    std::unique_ptr<platform::Connection> make(
-        const QString& host, quint16 port, int hopLimit, platform::ConnectionHandler handler);
+    std::unique_ptr<platform::Connection> make(const QString& host, quint16 port, int hopLimit,
+        platform::ConnectionHandler handler, bool isWatched = false);
     void start(Made& made);
 
     base::Clock& m_clock;

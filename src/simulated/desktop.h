@@ -6,6 +6,7 @@
 #include "platform/status_notifier_host.h"
 #include "platform/url_opener.h"
 #include "platform/user_defaults.h"
+#include "platform/verdict_outlet.h"
 
 #include <QHash>
 #include <QList>
@@ -50,6 +51,13 @@ public:
         QMetaObject::invokeMethod(
             this, [this] { Q_EMIT decided(true); }, Qt::QueuedConnection);
     }
+};
+
+class VerdictOutlet final : public platform::VerdictOutlet {
+public:
+    void publish(const platform::PublishedVerdict& verdict) override { published = verdict; }
+
+    platform::PublishedVerdict published;
 };
 
 class UrlOpener final : public platform::UrlOpener {

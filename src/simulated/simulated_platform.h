@@ -33,6 +33,7 @@ struct SimulatedPlatform {
     LocationManager& location;
     Appearance& appearance;
     StatusNotifierHost& host;
+    VerdictOutlet& verdictOutlet;
     UrlOpener& opener;
     HttpClient& http;
     Connections& connections; ///< those of hop probes, too

@@ -34,7 +34,26 @@ std::optional<Place> placeOf(Cause cause)
     return {};
 }
 
-/// What the broken link is told to be, in two words.
+QString lossFigure(const Loss& loss)
+{
+    return u"%1 % lost"_s.arg(qRound(loss.percent()));
+}
+
+QString timeFigure(const Track& track)
+{
+    return track.isAlive() && track.medianMs ? inMs(*track.medianMs) : QString();
+}
+
+QString airFigure(const Facts& facts)
+{
+    const auto* link = facts.link();
+    return facts.isByRadio && link && link->ssid && link->signalDbm
+        ? u"%1 dBm"_s.arg(*link->signalDbm)
+        : QString();
+}
+
+} // namespace
+
 QString wordOf(Cause cause)
 {
     switch (cause) {
@@ -94,26 +113,6 @@ QString wordOf(Cause cause)
     }
     return {};
 }
-
-QString lossFigure(const Loss& loss)
-{
-    return u"%1 % lost"_s.arg(qRound(loss.percent()));
-}
-
-QString timeFigure(const Track& track)
-{
-    return track.isAlive() && track.medianMs ? inMs(*track.medianMs) : QString();
-}
-
-QString airFigure(const Facts& facts)
-{
-    const auto* link = facts.link();
-    return facts.isByRadio && link && link->ssid && link->signalDbm
-        ? u"%1 dBm"_s.arg(*link->signalDbm)
-        : QString();
-}
-
-} // namespace
 
 std::vector<ChainLink> chainOf(const Facts& facts, Cause cause, Severity severity)
 {

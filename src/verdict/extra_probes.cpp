@@ -68,8 +68,9 @@ void ExtraProbes::closeRound()
 
 void ExtraProbes::ask(Outcomes Evidence::*outcomes, const Start& start)
 {
-    auto question = std::make_shared<Question>(
-        Question {.outcomes = outcomes, .askedAt = m_clock.monotonicNow()});
+    auto question = std::make_shared<Question>(Question {.outcomes = outcomes,
+        .askedAt = m_clock.monotonicNow(),
+        .isDatagram = outcomes == &Evidence::firstHop || outcomes == &Evidence::secondHop});
     question->connection
         = start([this, weak = std::weak_ptr(question)](const platform::ConnectionEvent& event) {
               const auto held = weak.lock();
@@ -81,7 +82,7 @@ void ExtraProbes::ask(Outcomes Evidence::*outcomes, const Start& start)
               probes::appendBounded(m_evidence.*held->outcomes,
                   Outcome {.at = held->askedAt,
                       .milliseconds = time.count(),
-                      .retransmissions = event.retransmissions},
+                      .retransmissions = held->isDatagram ? 0 : event.retransmissions},
                   kOutcomes);
               held->connection->cancel();
               if ((m_evidence.*held->outcomes).size() == 1)

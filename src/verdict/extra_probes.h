@@ -30,6 +30,7 @@ private:
     struct Question {
         Outcomes Evidence::*outcomes = nullptr;
         TimePoint askedAt;
+        bool isDatagram = false; ///< which nobody sends again
         bool isAnswered = false;
         std::unique_ptr<platform::Connection> connection {};
     };

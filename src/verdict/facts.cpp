@@ -1,6 +1,7 @@
 #include "verdict/facts.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace netvane::verdict {
 namespace {
@@ -72,6 +73,30 @@ const platform::LinkReading* Facts::link() const
     return evidence.links.empty() ? nullptr : &evidence.links.back().value;
 }
 
+/// Packets that are lost before the router are missing from both; what is lost behind it is not.
+/// The share is that of two hypotheses which are equally likely at first.
+void Facts::findShare()
+{
+    constexpr double kByChance = 0.01;
+    constexpr int kEnough = 6;
+    for (const auto* outcomes : {&evidence.router, &evidence.firstHop}) {
+        if (!trackOf(*outcomes).hasAnswered())
+            continue;
+        const Loss loss = lossSince(*outcomes, *farLoss.since);
+        // A router may answer one kind of question only now and then.
+        if (loss.packets >= kEnough && loss.lost == 0) {
+            sharedLoss = loss;
+            break;
+        }
+        sharedLoss.packets += loss.packets;
+        sharedLoss.lost += loss.lost;
+    }
+    const double rate = std::clamp(farLoss.percent() / 100, 0.05, 0.95);
+    const double odds = sharedLoss.lost * std::log(rate / kByChance)
+        + (sharedLoss.packets - sharedLoss.lost) * std::log((1 - rate) / (1 - kByChance));
+    nearShare = 1 / (1 + std::exp(-odds));
+}
+
 Facts::Facts(const Evidence& given)
     : evidence(given)
     , router(trackOf(given.router))
@@ -95,8 +120,11 @@ Facts::Facts(const Evidence& given)
     }
     const Outcomes& target = isByIPv6 ? given.internet6 : given.internet;
     internet = trackOf(target);
+    internetLoss = lossSince(target, {});
     targetLoss = lossOf({&target});
     farLoss = lossOf({&target, &given.secondHop});
+    if (farLoss.since)
+        findShare();
     for (const auto& ms : {router.medianMs, firstHop.medianMs}) {
         if (ms)
             nearMs = std::min(nearMs.value_or(*ms), *ms);
@@ -115,6 +143,7 @@ Facts::Facts(const Evidence& given)
             || given.web->value == WebAnswer::NotTrusted);
     isReached = internet.isAlive() || others.isAlive() || isWebFine || isProxyFine;
     isDown = !isReached && internet.unanswered >= (secondHop.isAlive() ? 3 : 2);
+    isLossy = hasRoute && !isDown && farLoss.isBad && targetLoss.lost >= 2;
 }
 
 } // namespace netvane::verdict

@@ -35,9 +35,13 @@ struct Facts {
     Track internet; ///< of IPv4, or of IPv6 where there is no IPv4
     Track others;
     std::optional<double> nearMs; ///< to the router, by the quicker of the two ways
-    Loss nearLoss; ///< to the router
-    Loss farLoss; ///< to the internet
-    Loss targetLoss; ///< of the handshakes with the internet target alone
+    LossTrack nearLoss; ///< to the router
+    LossTrack farLoss; ///< to the internet
+    Loss internetLoss; ///< of all handshakes with the internet target that are remembered
+    LossTrack targetLoss; ///< of the handshakes with the internet target alone
+    Loss sharedLoss; ///< to the router, while packets to the internet were lost
+    bool isLossy = false; ///< packets to the internet are lost, not only those nobody need answer
+    double nearShare = 0.5; ///< how likely these are lost before the router, 0 to 1
     bool isNearAlive = false;
     bool isWebFine = false; ///< the page of the portal check came since the target is silent
     bool isDown = false; ///< nothing on the internet answers
@@ -48,6 +52,9 @@ struct Facts {
     bool isRecent(TimePoint at, std::chrono::seconds limit) const;
     /// The last reading of the Wi-Fi link; null without one.
     const platform::LinkReading* link() const;
+
+private:
+    void findShare();
 };
 
 } // namespace netvane::verdict

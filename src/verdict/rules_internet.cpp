@@ -29,7 +29,7 @@ std::optional<Finding> portal(const Facts& facts)
     Finding finding {.cause = Cause::Portal,
         .certainty = 0.96,
         .sentence = hasHost
-            ? u"This network wants a log-in at %1 first (it answers in %2, 1 page replaced)."_s.arg(
+            ? u"This network wants a log-in first: %1 (in %2, 1 page replaced)."_s.arg(
                 inSentence(evidence.portalHost), time)
             : u"This network wants a log-in first (it answers in %1, 1 page replaced)."_s.arg(time),
         .advice = u"Open the log-in page: click the log-in card in Netvane, or open any web page "
@@ -106,7 +106,7 @@ std::optional<Finding> targetUnreachable(const Facts& facts)
 
 std::optional<Finding> healthy(const Facts& facts)
 {
-    if (!facts.hasRoute || !facts.isReached)
+    if (!facts.hasRoute || !facts.isReached || facts.isLossy)
         return {};
     const auto lookups = trackOf(facts.evidence.lookups);
     const bool isNamed = lookups.isAlive() && !facts.evidence.lookupPendingSince;
@@ -123,7 +123,7 @@ std::optional<Finding> healthy(const Facts& facts)
     addLatency(finding, facts, u"line.latency"_s, u"The provider"_s, facts.secondHop);
     addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
     addLatency(finding, facts, u"dns.lookup"_s, u"DNS"_s, lookups);
-    addLoss(finding, facts, u"internet.loss"_s, u"Internet"_s, facts.targetLoss);
+    addLoss(finding, facts, u"internet.loss"_s, u"Internet"_s, facts.internetLoss);
     return finding;
 }
 

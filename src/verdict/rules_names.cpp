@@ -48,12 +48,31 @@ std::vector<ServerTrack> serverTracks(const Facts& facts)
     return tracks;
 }
 
+/// To what answers farthest away.
+double pathMs(const Facts& facts)
+{
+    const auto near = facts.secondHop.isAlive() ? facts.secondHop.medianMs : facts.nearMs;
+    return facts.internet.isAlive() ? facts.internet.medianMs.value_or(0)
+                                    : facts.others.medianMs.value_or(near.value_or(0));
+}
+
 /// Look-ups fail or hang.
 bool hasTrouble(const Facts& facts)
 {
     const auto lookups = trackOf(facts.evidence.lookups);
     const auto& pending = facts.evidence.lookupPendingSince;
     return lookups.unanswered > 0 || (pending && !facts.isRecent(*pending, 2s));
+}
+
+/// Packets to the internet are lost, so those to name servers are, too.
+bool hasLosses(const Facts& facts)
+{
+    return facts.isLossy || facts.farLoss.lost + facts.sharedLoss.lost >= 2;
+}
+
+int enoughSilence(const Facts& facts)
+{
+    return hasLosses(facts) ? 5 : 2;
 }
 
 std::optional<double> slowestOfLastTwo(const Outcomes& lookups)
@@ -91,6 +110,12 @@ bool isBogus(const QString& address)
         && !(ipv6.s6_addr[0] == 0 && ipv6.s6_addr[1] == 0x64); // 64:ff9b::/96, RFC 6052
 }
 
+void addPath(Finding& finding, const Facts& facts)
+{
+    finding.evidence.push_back(item(facts, u"internet.latency"_s, pathMs(facts), u"ms"_s,
+        facts.evidence.now, u"The internet answers in %1"_s.arg(inMs(pathMs(facts)))));
+}
+
 void addServer(Finding& finding, const Facts& facts, const ServerTrack& track, int number)
 {
     const auto name = u"dns.server%1."_s.arg(number);
@@ -116,8 +141,9 @@ std::optional<Finding> dnsDead(const Facts& facts)
     const bool isSlow = slow.value_or(0) >= 2000;
     if (!facts.isReached || (!hasTrouble(facts) && !isSlow))
         return {};
-    const int silent = int(
-        std::ranges::count_if(tracks, [](const auto& track) { return track.unanswered >= 2; }));
+    const int enough = enoughSilence(facts);
+    const int silent = int(std::ranges::count_if(
+        tracks, [enough](const auto& track) { return track.unanswered >= enough; }));
     const auto lookups = trackOf(facts.evidence.lookups);
     Finding finding {.cause = Cause::DnsDead,
         .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
@@ -134,12 +160,12 @@ std::optional<Finding> dnsDead(const Facts& facts)
         finding.certainty = 0.93;
         finding.sentence
             = u"The internet answers in %1, but DNS does not: %2 questions to %3 are lost."_s
-                  .arg(inMs(facts.internet.medianMs.value_or(0)))
+                  .arg(inMs(pathMs(facts)))
                   .arg(tracks.front().unanswered)
                   .arg(tracks.front().server->address);
     } else if (silent > 0 && fine != tracks.end()) {
-        const auto dead
-            = std::ranges::find_if(tracks, [](const auto& track) { return track.unanswered >= 2; });
+        const auto dead = std::ranges::find_if(
+            tracks, [enough](const auto& track) { return track.unanswered >= enough; });
         finding.certainty = 0.85;
         finding.severity = Severity::Poor;
         finding.sentence
@@ -153,20 +179,20 @@ std::optional<Finding> dnsDead(const Facts& facts)
         addServer(finding, facts, track, number++);
     finding.evidence.push_back(item(facts, u"dns.failedLookups"_s, lookups.unanswered, {},
         facts.evidence.now, u"Look-ups that failed in a row: %1"_s.arg(lookups.unanswered)));
-    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    addPath(finding, facts);
     if (finding.sentence.size() > kLongestSentence) // addresses of IPv6 are long
         finding.sentence
             = u"The internet answers in %1, but DNS does not: %2 questions are lost."_s
-                  .arg(inMs(facts.internet.medianMs.value_or(0)))
+                  .arg(inMs(pathMs(facts)))
                   .arg(tracks.empty() ? lookups.unanswered : tracks.front().unanswered);
     return finding;
 }
 
 std::optional<Finding> dnsSlow(const Facts& facts)
 {
-    if (!facts.isReached)
+    if (!facts.isReached || hasLosses(facts)) // a question is sent again after seconds
         return {};
-    const double path = facts.internet.medianMs.value_or(0);
+    const double path = pathMs(facts);
     const double limit = std::max(300 + 1.5 * path, 3 * facts.evidence.usual.lookup.value_or(0));
     std::optional<double> slow = slowestOfLastTwo(facts.evidence.lookups);
     for (const auto& track : serverTracks(facts)) {
@@ -188,7 +214,7 @@ std::optional<Finding> dnsSlow(const Facts& facts)
                   "9.9.9.9."_s};
     finding.evidence.push_back(item(facts, u"dns.lookup"_s, *slow, u"ms"_s, facts.evidence.now,
         u"The last two look-ups took %1 or more"_s.arg(inMs(*slow))));
-    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    addPath(finding, facts);
     return finding;
 }
 
@@ -211,16 +237,15 @@ std::optional<Finding> dnsWrong(const Facts& facts)
     Finding finding {.cause = Cause::DnsWrong,
         .certainty = 0.92,
         .sentence = isBogusAnswer
-            ? u"DNS gives %1 false answers: a public name leads to %2 (internet: %3)."_s.arg(
-                QString::number(falseAnswers), found.first(),
-                inMs(facts.internet.medianMs.value_or(0)))
-            : u"DNS gives %1 false answers: no such name (internet: %2)."_s.arg(
-                QString::number(falseAnswers), inMs(facts.internet.medianMs.value_or(0))),
+            ? u"False answers from DNS (%1): a public name leads to %2 (internet: %3)."_s.arg(
+                QString::number(falseAnswers), found.first(), inMs(pathMs(facts)))
+            : u"False answers from DNS (%1): it knows no name (internet: %2)."_s.arg(
+                QString::number(falseAnswers), inMs(pathMs(facts))),
         .advice = u"Set another DNS server in the system's network settings, such as 1.1.1.1 or "
                   "9.9.9.9. Do not type passwords until then."_s};
     finding.evidence.push_back(item(facts, u"dns.falseAnswers"_s, falseAnswers, {},
         facts.evidence.now, u"Answers of %1 that cannot be true"_s.arg(server)));
-    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    addPath(finding, facts);
     return finding;
 }
 

@@ -9,20 +9,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Of the packets that are lost on the way to the internet, this share is lost before the router,
-/// if the router loses any. Chance alone makes it vary.
-constexpr double kNearShare = 0.35;
-
-bool losesNear(const Facts& facts)
+/// While it is not clear where packets are lost, neither is blamed.
+double lossCertainty(double share)
 {
-    return facts.nearLoss.lost >= 2
-        && facts.nearLoss.percent() >= kNearShare * facts.farLoss.percent();
-}
-
-/// Packets to the internet are lost, and not only those that a router need not answer.
-bool losesFar(const Facts& facts)
-{
-    return facts.hasRoute && !facts.isDown && facts.farLoss.isBad() && facts.targetLoss.lost >= 2;
+    constexpr double kClear = 0.7;
+    return share >= kClear ? 0.9 * share : 0.39 * share;
 }
 
 /// A time counts as slow beside what is usual in this network, or where that is not known, from a
@@ -35,17 +26,25 @@ bool isSlow(const std::optional<double>& ms, const std::optional<double>& usual,
     return usual ? *ms >= std::max(*usual * factor, *usual + more) : *ms >= always;
 }
 
+/// The first answers include the search for the router's hardware address.
+bool hasSeenEnough(const Facts& facts)
+{
+    constexpr int kEnough = 4;
+    return facts.internet.timed >= kEnough;
+}
+
 /// Satellites take 600 ms, so only more is slow by itself.
 bool isFarSlow(const Facts& facts)
 {
-    return isSlow(facts.internet.medianMs, facts.evidence.usual.internet, 3, 150, 800);
+    return hasSeenEnough(facts)
+        && isSlow(facts.internet.medianMs, facts.evidence.usual.internet, 3, 150, 800);
 }
 
 /// A router that takes its time only for what it answers itself harms nobody.
 bool isNearSlow(const Facts& facts)
 {
     constexpr double kPassedOn = 0.7;
-    return isSlow(facts.nearMs, facts.evidence.usual.router, 4, 80, 200)
+    return hasSeenEnough(facts) && isSlow(facts.nearMs, facts.evidence.usual.router, 4, 80, 200)
         && facts.internet.medianMs.value_or(0) >= kPassedOn * *facts.nearMs;
 }
 
@@ -160,17 +159,17 @@ std::optional<Finding> lineDown(const Facts& facts)
 
 std::optional<Finding> routerLossy(const Facts& facts)
 {
-    if (!losesFar(facts) || !losesNear(facts))
+    if (!facts.isLossy || facts.sharedLoss.packets == 0)
         return {};
     Finding finding {.cause = Cause::RouterLossy,
-        .certainty = sharedWithRadio(facts, 0.85),
+        .certainty = sharedWithRadio(facts, lossCertainty(facts.nearShare)),
         .severity = Severity::Poor,
         .sentence = u"Your router loses %1; what it answers takes %2."_s.arg(
-            lossWords(facts.nearLoss), routerTime(facts)),
+            lossWords(facts.sharedLoss), routerTime(facts)),
         .advice = facts.isByRadio
             ? u"Move closer to the router. If packets are lost there, too, restart the router."_s
             : u"Try another cable or port at the router. If it does not help, restart the router."_s};
-    addLoss(finding, facts, u"router.loss"_s, u"Router"_s, facts.nearLoss);
+    addLoss(finding, facts, u"router.loss"_s, u"Router"_s, facts.sharedLoss);
     addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
         facts.router.hasAnswered() ? facts.router : facts.firstHop);
     addLoss(finding, facts, u"internet.loss"_s, u"Internet"_s, facts.farLoss);
@@ -179,12 +178,10 @@ std::optional<Finding> routerLossy(const Facts& facts)
 
 std::optional<Finding> lineLossy(const Facts& facts)
 {
-    if (!losesFar(facts))
+    if (!facts.isLossy)
         return {};
-    const bool isNearKnown = facts.nearLoss.packets > 0;
-    double certainty = isNearKnown ? 0.88 : 0.5;
-    if (losesNear(facts))
-        certainty = 0.15;
+    const bool isNearKnown = facts.sharedLoss.packets > 0;
+    const double certainty = isNearKnown ? lossCertainty(1 - facts.nearShare) : 0.5;
     Finding finding {.cause = Cause::LineLossy,
         .certainty = certainty,
         .severity = Severity::Poor,
@@ -200,7 +197,7 @@ std::optional<Finding> lineLossy(const Facts& facts)
     addLoss(finding, facts, u"line.loss"_s, u"Line"_s, facts.farLoss);
     addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
         facts.router.hasAnswered() ? facts.router : facts.firstHop);
-    addLoss(finding, facts, u"router.loss"_s, u"Router"_s, facts.nearLoss);
+    addLoss(finding, facts, u"router.loss"_s, u"Router"_s, facts.sharedLoss);
     return finding;
 }
 

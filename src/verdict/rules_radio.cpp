@@ -49,7 +49,7 @@ bool lacksLink(const Facts& facts)
 /// Packets suffer on their way to the router, and so does what lies behind it.
 bool suffersNear(const Facts& facts)
 {
-    const bool isLossy = facts.nearLoss.isBad() && facts.targetLoss.lost > 0;
+    const bool isLossy = facts.nearLoss.isBad && facts.targetLoss.lost > 0;
     const bool isSlow = facts.nearMs.value_or(0) >= 100
         && facts.internet.medianMs.value_or(0) >= *facts.nearMs * 0.7;
     return isLossy || isSlow || (facts.isDown && !facts.isNearAlive);
@@ -259,7 +259,7 @@ std::optional<Finding> powerSave(const Facts& facts)
     const Track& track = facts.router.hasAnswered() ? facts.router : facts.firstHop;
     const bool hasSpikes = track.medianMs && track.leastMs && *track.medianMs >= 20
         && *track.medianMs <= 400 && *track.leastMs * 3 <= *track.medianMs;
-    if (!hasSpikes || facts.nearLoss.isBad() || facts.internet.medianMs.value_or(0) < 20)
+    if (!hasSpikes || facts.nearLoss.isBad || facts.internet.medianMs.value_or(0) < 20)
         return {};
     Finding finding {.cause = Cause::PowerSave,
         .certainty = 0.87,

@@ -1,12 +1,13 @@
 #include "verdict/track.h"
 
 #include <algorithm>
+#include <cmath>
+#include <iterator>
 
 namespace netvane::verdict {
 namespace {
 
 constexpr size_t kMedianOf = 5;
-constexpr size_t kLossWindow = 12; // questions, half a minute
 
 double median(std::vector<double> values)
 {
@@ -17,7 +18,55 @@ double median(std::vector<double> values)
 
 bool isClean(const Outcome& outcome)
 {
-    return outcome.milliseconds && outcome.retransmissions == 0;
+    return outcome.milliseconds && outcome.retransmissions.value_or(0) == 0;
+}
+
+/// The packets of one question.
+struct Packets {
+    TimePoint at;
+    int lost = 0;
+    int passed = 0;
+};
+
+/// Without those of outages.
+std::vector<Packets> packetsOf(const Outcomes& outcomes)
+{
+    // Of places that refuse, an answer says nothing about losses, so silence does not either.
+    const auto tells
+        = [](const auto& outcome) { return outcome.milliseconds && outcome.retransmissions; };
+    if (std::ranges::none_of(outcomes, tells))
+        return {};
+    constexpr size_t kOutage = 4; // questions in a row without an answer
+    std::vector<Packets> all;
+    size_t unanswered = 0;
+    const auto endSilence = [&] {
+        if (unanswered >= kOutage)
+            all.resize(all.size() - unanswered);
+        unanswered = 0;
+    };
+    for (const auto& outcome : outcomes) {
+        if (outcome.milliseconds)
+            endSilence();
+        else
+            ++unanswered;
+        if (outcome.milliseconds && outcome.retransmissions)
+            all.push_back({outcome.at, *outcome.retransmissions, 1});
+        else if (!outcome.milliseconds)
+            all.push_back({outcome.at, 1, 0});
+    }
+    endSilence();
+    return all;
+}
+
+/// So many questions in a row without a loss are not by chance while so much is lost.
+int cleanAgain(const Loss& loss, int places)
+{
+    constexpr double kChance = 0.005;
+    constexpr double kFewestRounds = 3;
+    constexpr double kMostRounds = 8;
+    const double share = std::clamp(loss.percent() / 100, 0.01, 0.99);
+    const double questions = std::ceil(std::log(kChance) / std::log(1 - share));
+    return int(std::clamp(questions, kFewestRounds * places, kMostRounds * places));
 }
 
 } // namespace
@@ -35,39 +84,63 @@ Track trackOf(const Outcomes& outcomes)
     }
     if (times.empty())
         return track;
+    track.timed = int(times.size());
     track.leastMs = *std::ranges::min_element(times);
     times.erase(times.begin(), times.end() - std::ptrdiff_t(std::min(times.size(), kMedianOf)));
     track.medianMs = median(std::move(times));
     return track;
 }
 
-Loss lossOf(std::initializer_list<const Outcomes*> places)
+Loss lossSince(const Outcomes& outcomes, TimePoint since)
 {
-    Loss loss {.cleanRun = -1};
-    for (const auto* outcomes : places) {
-        if (!trackOf(*outcomes).hasAnswered())
+    Loss loss;
+    for (const auto& packets : packetsOf(outcomes)) {
+        if (packets.at < since)
             continue;
-        const size_t count = std::min(outcomes->size(), kLossWindow);
-        int run = 0;
-        for (auto each = outcomes->end() - std::ptrdiff_t(count); each != outcomes->end(); ++each) {
-            loss.packets += 1 + each->retransmissions;
-            loss.lost += each->retransmissions + (each->milliseconds ? 0 : 1);
-            run = isClean(*each) ? run + 1 : 0;
-        }
-        loss.cleanRun = loss.cleanRun < 0 ? run : std::min(loss.cleanRun, run);
+        loss.packets += packets.lost + packets.passed;
+        loss.lost += packets.lost;
     }
-    loss.cleanRun = std::max(loss.cleanRun, 0);
     return loss;
 }
 
-bool Loss::isBad() const
+/// A cumulative sum test (E. S. Page, 1954): each packet makes a network that loses `kBadShare`
+/// likelier or less likely than one that loses `kGoodShare`, and enough of that is a fault.
+LossTrack lossOf(std::initializer_list<const Outcomes*> places)
 {
-    // One packet in a hundred is lost on many good networks. There three in so many are rare, and
-    // where one in ten is lost, so long a run without a loss is.
-    constexpr int kFewest = 3;
-    constexpr double kLeastPercent = 8;
-    constexpr int kCleanAgain = 8;
-    return lost >= kFewest && percent() >= kLeastPercent && cleanRun < kCleanAgain;
+    constexpr double kGoodShare = 0.01;
+    constexpr double kBadShare = 0.15;
+    constexpr double kEnough = 6; // three losses, not too far apart
+    const double forLost = std::log(kBadShare / kGoodShare);
+    const double forPassed = std::log((1 - kBadShare) / (1 - kGoodShare));
+    std::vector<Packets> all;
+    int answering = 0;
+    for (const auto* outcomes : places) {
+        if (!trackOf(*outcomes).hasAnswered())
+            continue;
+        ++answering;
+        std::ranges::copy(packetsOf(*outcomes), std::back_inserter(all));
+    }
+    std::ranges::stable_sort(all, {}, &Packets::at);
+    LossTrack track;
+    double sum = 0;
+    double highest = 0;
+    int clean = 0;
+    for (const auto& packets : all) {
+        sum += packets.lost * forLost + packets.passed * forPassed;
+        if (sum <= 0) {
+            sum = highest = 0;
+            track = {};
+            continue;
+        }
+        highest = std::max(highest, sum);
+        track.packets += packets.lost + packets.passed;
+        track.lost += packets.lost;
+        clean = packets.lost == 0 ? clean + 1 : 0;
+        if (!track.since)
+            track.since = packets.at;
+    }
+    track.isBad = highest >= kEnough && clean < cleanAgain(track, answering);
+    return track;
 }
 
 } // namespace netvane::verdict

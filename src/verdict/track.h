@@ -10,6 +10,7 @@ namespace netvane::verdict {
 struct Track {
     int asked = 0;
     int unanswered = 0; ///< in a row, up to now
+    int timed = 0; ///< answers that no packet had to be sent again for
     std::optional<double> medianMs; ///< of the last answers that no packet had to be sent again for
     std::optional<double> leastMs;
     std::optional<TimePoint> lastAnswer; ///< when the question was asked that was answered last
@@ -20,17 +21,25 @@ struct Track {
 };
 Track trackOf(const Outcomes& outcomes);
 
-/// How many packets were lost among the last questions to some places.
+/// Packets that were sent to some places, and lost.
 struct Loss {
     int packets = 0;
     int lost = 0;
-    int cleanRun = 0; ///< questions without a loss, in a row, up to now
 
     double percent() const { return packets == 0 ? 0 : 100.0 * lost / packets; }
-    /// Too many to be chance, and not over yet.
-    bool isBad() const;
+};
+
+/// The losses among the last questions to some places, from the first one that may belong to a
+/// fault that goes on. An outage, when a place answers nothing for a while, is no loss in this
+/// sense.
+struct LossTrack : Loss {
+    std::optional<TimePoint> since; ///< the first of these losses
+    bool isBad = false; ///< too many to be chance, and not over yet
 };
 /// Places that never answered are left out: they may never do.
-Loss lossOf(std::initializer_list<const Outcomes*> places);
+LossTrack lossOf(std::initializer_list<const Outcomes*> places);
+
+/// What was sent to a place since then, and lost.
+Loss lossSince(const Outcomes& outcomes, TimePoint since);
 
 } // namespace netvane::verdict

@@ -45,7 +45,7 @@ std::chrono::milliseconds VerdictKeeper::holdAgainst(const Verdict& judged) cons
     if (judged.cause == Cause::Unsure)
         return m_shown.cause == Cause::Healthy ? 5s : 12s;
     if (judged.cause == Cause::Healthy)
-        return m_shown.cause == Cause::Unsure ? 0s : 5s;
+        return m_shown.cause == Cause::Unsure ? 0ms : 2500ms;
     if (segment == Segment::System || segment == Segment::Radio)
         return 2500ms;
     if (m_shown.cause == Cause::Healthy || m_shown.cause == Cause::Unsure)

@@ -8,6 +8,9 @@ WebAnswer webAnswer(const platform::HttpAnswer& answer, const QString& asked)
 {
     using platform::HttpFailure;
     constexpr int kNetworkAuthenticationRequired = 511; // RFC 6585
+    // A portal sends to its own server, which may not even be found.
+    if (!answer.finalUrl.isEmpty() && answer.finalUrl.host() != asked)
+        return WebAnswer::Redirect;
     if (answer.status) {
         if (*answer.status == kNetworkAuthenticationRequired)
             return WebAnswer::OtherPage;
@@ -15,8 +18,7 @@ WebAnswer webAnswer(const platform::HttpAnswer& answer, const QString& asked)
             return WebAnswer::Refused;
         if (!probes::judgePortal(answer).isCaptive)
             return *answer.status == 200 ? WebAnswer::Expected : WebAnswer::OtherPage;
-        return *answer.status >= 300 || answer.finalUrl.host() != asked ? WebAnswer::Redirect
-                                                                        : WebAnswer::OtherPage;
+        return *answer.status >= 300 ? WebAnswer::Redirect : WebAnswer::OtherPage;
     }
     switch (answer.failure.value_or(HttpFailure::Other)) {
     case HttpFailure::NotResolved:

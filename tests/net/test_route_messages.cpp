@@ -128,7 +128,7 @@ private Q_SLOTS:
                 tunnels.push_back(*link);
         }
         const QString router = last == 0 ? QString() : u"192.168.1.%1"_s.arg(last);
-        QCOMPARE(defaultRouterOf(records, nextHops, tunnels).value_or(QString()), router);
+        QCOMPARE(defaultGatewayOf(records, nextHops, tunnels).value_or(Gateway()).address, router);
     }
 };
 

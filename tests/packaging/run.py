@@ -16,6 +16,7 @@ bin/netvane-report
 lib/netvane/netvane-views.so
 share/applications/org.netvane.Netvane.desktop
 share/doc/netvane/examples/autostart/org.netvane.Netvane.desktop
+share/doc/netvane/netvane-report.schema.json
 share/icons/hicolor/scalable/apps/org.netvane.Netvane.svg
 share/icons/hicolor/symbolic/apps/org.netvane.Netvane-symbolic.svg
 share/man/man1/netvane-report.1

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Runs netvane-report in a network namespace of its own, where this script answers for the router and
 for the internet. Usage: run_report.py PROGRAM. Ends with 77 where the system gives no namespaces."""
+import json
 import os
 import pathlib
 import re
@@ -10,6 +11,8 @@ import subprocess
 import sys
 import tempfile
 import threading
+
+import jsonschema
 
 ROUTER, HOST, INTERNET = "10.77.0.1", "10.77.0.2", "1.1.1.1"
 LIMIT = 60  # seconds, for any one run
@@ -84,7 +87,8 @@ def check(program, folder):
     expect("a redacted report in a file", re.fullmatch("\n".join(report(r"\[address 1\]")) + "\n", target.read_text())
            and (result.returncode, result.stdout) == (0, ""), target.read_text())
     for words, status, text in ((f"--seconds 1 --output {folder}/no/folder", 1, "folder"), ("--seconds 0", 2, "1 to 86400"),
-                                ("--seconds 86401", 2, "--help"), ("--redact=yes", 2, "--help"), ("report.md", 2, "--help"),
+                                ("--seconds 86401", 2, "--help"), ("--redact=yes", 2, "--help"), ("--json --watch", 2, "exclude"),
+                                ("--interval 3", 2, "--watch"), ("report.md", 2, "--help"),
                                 ("--help", 0, "--speed-test"), ("--version", 0, "netvane-report ")):
         result = run(words)
         shown, other = (result.stderr, result.stdout)[::-1 if status == 0 else 1]
@@ -101,6 +105,34 @@ def check(program, folder):
            and result.stdout.startswith("# Netvane") and (result.returncode, result.stderr) == (0, ""), result)
     run("", f'ln -s {target} {link}; "$0" --seconds 1 --output {link}')
     expect("what a link leads to", link.is_symlink() and target.read_text().startswith("# Netvane"), target.read_text())
+    check_verdict(run)
+
+
+def check_verdict(run):
+    """Names lead to a private network, where nobody answers."""
+    schema = json.loads((pathlib.Path(__file__).parents[2] / "docs/netvane-report.schema.json").read_text())
+
+    def verdicts(text):
+        objects = [json.loads(line) for line in text.splitlines()]
+        for each in objects:
+            jsonschema.validate(each, schema, format_checker=jsonschema.FormatChecker())
+        return [each["verdict"] for each in objects]
+
+    result = run("--json --redact")
+    [verdict] = verdicts(result.stdout.replace("\n", ""))
+    expect("a verdict as JSON", (result.returncode, verdict["cause"]) == (0, "dns-wrong") and ROUTER not in result.stdout, result)
+    result = run("--watch --interval 2 --seconds 7")
+    said = verdicts(result.stdout)
+    expect("verdicts as they change", len(said) >= 4 and said[0]["cause"] == "unsure" and said[-1]["cause"] == "dns-wrong"
+           and result.returncode == 0, result)
+    result = run("--verdict")
+    expect("a verdict for people", result.stdout.startswith("False answers from DNS")
+           and result.returncode == 14, result)
+    result = run("--prometheus --seconds 5")
+    expect("metrics", 'netvane_verdict_severity{cause="dns-wrong",segment="dns"} 3\n' in result.stdout, result)
+    subprocess.run("ip link delete here".split(), check=True)
+    result = run("--verdict")
+    expect("a verdict with a status", result.returncode == 10 and "adapter" in result.stdout, result)
 
 
 def main():

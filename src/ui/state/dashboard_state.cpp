@@ -23,6 +23,7 @@ DashboardState::DashboardState(const services::Services& services, probes::PingS
     , m_channelAnalysis(services)
     , m_speedTest(*services.speedTestService, loadProbe, *services.platform.clock)
     , m_traceroute(*services.tracerouteService)
+    , m_verdict(services)
     , m_settings(services)
 {
     connect(&m_settings, &SettingsState::backRequested, this, [this] { setShowSettings(false); });

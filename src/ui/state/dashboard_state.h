@@ -11,6 +11,7 @@
 #include "ui/state/settings_state.h"
 #include "ui/state/speed_test_state.h"
 #include "ui/state/traceroute_state.h"
+#include "ui/verdict/verdict_state.h"
 
 namespace netvane::ui {
 
@@ -46,6 +47,7 @@ class DashboardState : public QObject {
     Q_PROPERTY(netvane::ui::ChannelAnalysisState* channelAnalysis READ channelAnalysis CONSTANT)
     Q_PROPERTY(netvane::ui::SpeedTestState* speedTest READ speedTest CONSTANT)
     Q_PROPERTY(netvane::ui::TracerouteState* traceroute READ traceroute CONSTANT)
+    Q_PROPERTY(netvane::ui::VerdictState* verdict READ verdict CONSTANT)
     Q_PROPERTY(netvane::ui::SettingsState* settings READ settings CONSTANT)
 
 public:
@@ -64,6 +66,7 @@ public:
     ChannelAnalysisState* channelAnalysis() { return &m_channelAnalysis; }
     SpeedTestState* speedTest() { return &m_speedTest; }
     TracerouteState* traceroute() { return &m_traceroute; }
+    VerdictState* verdict() { return &m_verdict; }
     SettingsState* settings() { return &m_settings; }
 
     /// Out of the settings, which is what Escape means first. False when they are not shown.
@@ -133,6 +136,7 @@ private:
     ChannelAnalysisState m_channelAnalysis;
     SpeedTestState m_speedTest;
     TracerouteState m_traceroute;
+    VerdictState m_verdict;
     SettingsState m_settings;
     bool m_isShown = false;
     bool m_showSettings = false;

@@ -23,10 +23,18 @@ Item {
         visible: root.note !== "" && !root.viewState.showSettings
         text: root.note
     }
+    VerdictStrip {
+        id: strip
+        x: column.x
+        y: noteText.visible ? noteText.y + noteText.height + 12 : 16
+        width: column.width
+        visible: !root.viewState.showSettings
+        verdict: root.viewState.verdict
+    }
     ScrollArea {
         objectName: "main-content"
         anchors.fill: parent
-        anchors.topMargin: noteText.visible ? noteText.y + noteText.height : 0
+        anchors.topMargin: strip.y + strip.height
         visible: !root.viewState.showSettings
         focus: visible
         showsIndicator: true

@@ -15,7 +15,7 @@ Item {
         case PopoverState.Settings:
             return Math.min(500, settings.implicitHeight)
         default:
-            return Math.min(650, column.implicitHeight + 16)
+            return Math.min(650, column.implicitHeight + 16) + main.y
         }
     }
 
@@ -25,9 +25,19 @@ Item {
     // If it is not handled here, it closes the window.
     Keys.onEscapePressed: event => event.accepted = viewState.goBack()
 
+    VerdictStrip {
+        id: strip
+        x: 16
+        y: 12
+        width: parent.width - 32
+        visible: main.visible && main.opacity > 0
+        verdict: root.viewState.verdict
+    }
     ScrollArea {
+        id: main
         objectName: "main-content"
         anchors.fill: parent
+        anchors.topMargin: strip.y + strip.height
         visible: root.viewState.content === PopoverState.Dashboard
         opacity: root.viewState.content === PopoverState.Onboarding ? 0 : 1
         focus: visible

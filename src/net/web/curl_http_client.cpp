@@ -1,6 +1,6 @@
-#include "net/curl_http_client.h"
+#include "net/web/curl_http_client.h"
 
-#include "net/http_exchange.h"
+#include "net/web/http_exchange.h"
 
 #include <QObject>
 
@@ -34,7 +34,7 @@ public:
     }
 
     /// The limits hold from here on. `deliver` may destroy this.
-    void begin(std::function<void(const HttpExchange&)> deliver)
+    void begin(std::function<void(HttpExchange&)> deliver)
     {
         m_exchange->lastProgress = m_start;
         m_exchange->deliver = [this, deliver = std::move(deliver)] {
@@ -81,6 +81,17 @@ private:
     std::optional<QString> m_lateText; ///< once a limit was reached
 };
 
+/// Whether libcurl finds one there. The name in capitals is not read for http: servers put a
+/// visitor's header into it.
+bool isProxyInEnvironment(const QString& scheme)
+{
+    const QByteArray own = scheme.toLatin1() + "_proxy";
+    const QByteArray names[]
+        = {own, own.startsWith("https") ? own.toUpper() : own, "all_proxy", "ALL_PROXY"};
+    return std::ranges::any_of(
+        names, [](const QByteArray& name) { return !qEnvironmentVariableIsEmpty(name); });
+}
+
 platform::HttpAnswer answerOf(const HttpExchange& exchange)
 {
     platform::HttpAnswer answer {.status = exchange.status,
@@ -88,7 +99,11 @@ platform::HttpAnswer answerOf(const HttpExchange& exchange)
         .truncated = exchange.isTooLong,
         .finalUrl = exchange.request.url,
         .endedAt = exchange.endedAt,
-        .errorText = exchange.errorText};
+        .errorText = exchange.errorText,
+        .usedProxy = exchange.proxy ? !exchange.proxy->isEmpty()
+                                    : isProxyInEnvironment(exchange.request.url.scheme())};
+    if (!answer.status && answer.errorText)
+        answer.failure = exchange.failure.value_or(platform::HttpFailure::Other);
     if (exchange.isTooLong && !exchange.request.keepsBody)
         answer.errorText = u"The server sends far more than it was asked for"_s;
     if (!answer.errorText && answer.status && *answer.status / 100 != 2)
@@ -104,17 +119,6 @@ void blockSignals()
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_BLOCK, &all, nullptr);
-}
-
-/// Whether libcurl finds one there. The name in capitals is not read for http: servers put a
-/// visitor's header into it.
-bool isProxyInEnvironment(const QString& scheme)
-{
-    const QByteArray own = scheme.toLatin1() + "_proxy";
-    const QByteArray names[]
-        = {own, own.startsWith("https") ? own.toUpper() : own, "all_proxy", "ALL_PROXY"};
-    return std::ranges::any_of(
-        names, [](const QByteArray& name) { return !qEnvironmentVariableIsEmpty(name); });
 }
 
 } // namespace
@@ -143,14 +147,14 @@ void CurlHttpClient::send(const platform::HttpRequest& request, QObject* owner,
     exchange->notice = std::exchange(exchange->request.notice, {});
     exchange->authorityFile = m_authorityFile;
     exchange->session = std::exchange(m_session, {});
-    const auto end = [this, deliver = std::move(deliver), host = request.url.host()](
-                         const HttpExchange& ended) {
-        if (ended.request.keepsConnection)
-            m_session = ended.session;
-        if (!ended.status)
-            m_proxies.remove(host);
-        deliver(answerOf(ended));
-    };
+    const auto end
+        = [this, deliver = std::move(deliver), host = request.url.host()](HttpExchange& ended) {
+              if (ended.request.keepsConnection)
+                  m_session = std::exchange(ended.session, {});
+              if (!ended.status)
+                  m_proxies.remove(host);
+              deliver(answerOf(ended));
+          };
     auto* sent = new Request(owner, m_clock, exchange);
     sent->begin(end);
     findProxy(request.url, sent, [this, sent, exchange](const auto& proxy) {

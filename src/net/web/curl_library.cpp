@@ -1,4 +1,4 @@
-#include "net/curl_library.h"
+#include "net/web/curl_library.h"
 
 #include <dlfcn.h>
 

@@ -1,6 +1,6 @@
-#include "net/http_exchange.h"
+#include "net/web/http_exchange.h"
 
-#include "net/curl_library.h"
+#include "net/web/curl_library.h"
 
 #include <QCoreApplication>
 
@@ -178,11 +178,38 @@ private:
             return;
         // libcurl quotes the address of a proxy that it does not like, password included.
         const bool isTold = m_error.front() != '\0' && !std::strchr(m_error.data(), '@');
+        m_exchange.failure = failureOf(result);
         if (m_headerBytes > kHeaderLimit)
             m_exchange.errorText = u"The response headers are too long"_s;
         else
             m_exchange.errorText = QString::fromLocal8Bit(
                 isTold ? m_error.data() : curlLibrary()->easyStrerror(result));
+    }
+
+    platform::HttpFailure failureOf(CURLcode result) const
+    {
+        using platform::HttpFailure;
+        switch (result) {
+        case CURLE_COULDNT_RESOLVE_HOST:
+        case CURLE_COULDNT_RESOLVE_PROXY:
+            return HttpFailure::NotResolved;
+        case CURLE_COULDNT_CONNECT:
+            return HttpFailure::NotConnected;
+        case CURLE_PEER_FAILED_VERIFICATION:
+        case CURLE_SSL_CONNECT_ERROR:
+            return HttpFailure::NotTrusted;
+        case CURLE_ABORTED_BY_CALLBACK: // it took too long: how far did it come?
+            break;
+        default:
+            return HttpFailure::Other;
+        }
+        double lookUp = 0;
+        double connection = 0;
+        curlLibrary()->easyGetinfo(m_easy.get(), CURLINFO_NAMELOOKUP_TIME, &lookUp);
+        curlLibrary()->easyGetinfo(m_easy.get(), CURLINFO_CONNECT_TIME, &connection);
+        if (lookUp <= 0)
+            return HttpFailure::NotResolved;
+        return connection > 0 ? HttpFailure::Silent : HttpFailure::NotConnected;
     }
 
     /// A proxy that does not lead to the server has answered all the same.
@@ -321,6 +348,8 @@ void runExchange(HttpExchange& exchange, const base::Clock& clock)
     } else {
         exchange.errorText = u"Not an http or https address"_s;
     }
+    if (!exchange.request.keepsConnection)
+        exchange.session.reset(); // connections that are still to be closed are closed now
     exchange.endedAt = clock.monotonicNow();
 }
 

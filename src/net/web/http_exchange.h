@@ -35,6 +35,7 @@ struct HttpExchange : std::enable_shared_from_this<HttpExchange> {
     QByteArray body;
     qint64 receivedBytes = 0; ///< of the last response's body
     bool isTooLong = false; ///< the body exceeded the limit
+    std::optional<platform::HttpFailure> failure; ///< the kind of `errorText`
     std::optional<QString> errorText;
     std::chrono::steady_clock::time_point endedAt;
 
