@@ -50,7 +50,9 @@ class Score:
         self.right += is_right
         self.among_two += is_right or any(other in wanted for other in others)
         self.called_healthy += verdict["cause"] == "healthy"
-        self.unnamed += verdict["cause"] not in ("healthy", "unsure", "silence") and named_values(verdict) < 2
+        if verdict["cause"] not in ("healthy", "unsure", "silence") and named_values(verdict) < 2:
+            self.unnamed += 1
+            self.miss(result, f"fewer than two measured values: {verdict['sentence']}")
         begin = stays_from(result, result["onset"], result["end"], wanted)
         if begin is not None:
             self.onsets.append(begin - result["onset"])

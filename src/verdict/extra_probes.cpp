@@ -110,10 +110,21 @@ void ExtraProbes::askHops()
         m_firstPath = m_hops.watchedPathTo(target, interfaceName);
         m_secondPath = m_hops.watchedPathTo(target, interfaceName);
     }
-    ask(&Evidence::firstHop,
-        [this](auto handler) { return m_firstPath->probe(kUnusedPort, 1, std::move(handler)); });
+    if (m_round % 2 == 0 || !sparesRouter())
+        ask(&Evidence::firstHop, [this](auto handler) {
+            return m_firstPath->probe(kUnusedPort, 1, std::move(handler));
+        });
     ask(&Evidence::secondHop,
         [this](auto handler) { return m_secondPath->probe(kUnusedPort, 2, std::move(handler)); });
+}
+
+/// Many routers send one ICMP message a second to each host (icmp(7), icmp_ratelimit). If the
+/// router is asked by datagrams as well, two programs would ask for more than that.
+bool ExtraProbes::sparesRouter() const
+{
+    const auto answered = std::find_if(m_evidence.router.rbegin(), m_evidence.router.rend(),
+        [](const Outcome& outcome) { return outcome.milliseconds.has_value(); });
+    return answered != m_evidence.router.rend() && !answered->retransmissions;
 }
 
 /// Two hosts by turns: one alone may be down, too.

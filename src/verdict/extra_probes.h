@@ -39,6 +39,7 @@ private:
     void closeRound();
     void ask(Outcomes Evidence::*outcomes, const Start& start);
     void askHops();
+    bool sparesRouter() const;
     void askOthers();
     void sendFullPacket();
     bool wantsFullPacket() const;
