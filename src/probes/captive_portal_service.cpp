@@ -5,7 +5,7 @@
 namespace netvane::probes {
 
 CaptivePortalService::CaptivePortalService(
-    platform::HttpClient& http, platform::UrlOpener& opener, base::Clock& clock, QUrl captiveURL)
+    platform::HttpClient& http, platform::UrlOpener* opener, base::Clock& clock, QUrl captiveURL)
     : m_http(http)
     , m_opener(opener)
     , m_clock(clock)
@@ -30,7 +30,8 @@ void CaptivePortalService::checkForCaptivePortal()
 
 void CaptivePortalService::openLoginPage()
 {
-    m_opener.openUrl(m_loginURL.value_or(m_captiveURL));
+    if (m_opener)
+        m_opener->openUrl(m_loginURL.value_or(m_captiveURL));
 }
 
 void CaptivePortalService::publish(const PortalVerdict& verdict)

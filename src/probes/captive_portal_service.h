@@ -23,8 +23,9 @@ public:
     static constexpr std::chrono::milliseconds silenceLimit {5000}; ///< without any progress
     static constexpr std::chrono::milliseconds timeLimit {15000}; ///< a loaded link is no portal
 
-    /// All outlive this. `captiveURL` is the page to fetch; `start` begins to fetch it.
-    CaptivePortalService(platform::HttpClient& http, platform::UrlOpener& opener,
+    /// All outlive this. `opener` is null in a program that opens no page. `captiveURL` is the page
+    /// to fetch; `start` begins to fetch it.
+    CaptivePortalService(platform::HttpClient& http, platform::UrlOpener* opener,
         base::Clock& clock, QUrl captiveURL);
 
     void start();
@@ -52,7 +53,7 @@ private:
     void publish(const PortalVerdict& verdict);
 
     platform::HttpClient& m_http;
-    platform::UrlOpener& m_opener;
+    platform::UrlOpener* m_opener;
     base::Clock& m_clock;
     const QUrl m_captiveURL;
     bool m_isCaptive = false;

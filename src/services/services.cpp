@@ -107,8 +107,8 @@ void Services::makeProbes(const std::optional<QString>& router)
 
 void Services::makeVerdict()
 {
-    captivePortalService = std::make_unique<probes::CaptivePortalService>(
-        *platform.httpClient, *platform.urlOpener, *platform.clock, probes::kCaptivePortalProbe);
+    captivePortalService = std::make_unique<probes::CaptivePortalService>(*platform.httpClient,
+        platform.urlOpener.get(), *platform.clock, probes::kCaptivePortalProbe);
     verdictService = std::make_unique<verdict::VerdictService>(
         platform, *wifiService, *dnsService, *captivePortalService);
 }

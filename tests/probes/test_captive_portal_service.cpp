@@ -77,7 +77,7 @@ private:
     simulated::ManualClock m_clock;
     simulated::HttpClient m_http {m_clock};
     simulated::UrlOpener m_opener;
-    probes::CaptivePortalService m_service {m_http, m_opener, m_clock, kProbe};
+    probes::CaptivePortalService m_service {m_http, &m_opener, m_clock, kProbe};
 };
 
 NETVANE_TEST(TestCaptivePortalService)
