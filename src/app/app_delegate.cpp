@@ -2,7 +2,6 @@
 
 #include "app/notification_center.h"
 #include "app/status_bar_manager.h"
-#include "app/verdict_window.h"
 #include "base/log.h"
 #include "platform/application_activity.h"
 #include "platform/platform.h"
@@ -37,6 +36,8 @@ constexpr std::chrono::milliseconds kStatusAreaLimit = 3s;
 const QString kWayBack
     = u"This desktop has no status area. Netvane keeps running after you close this window. "
       "To open the window again, start Netvane again. To end Netvane, use Quit in its settings."_s;
+const ViewWindow::Look kVerdictLook {u"What is wrong?"_s, {600, 720}, {440, 360}};
+const ViewWindow::Look kTimeLineLook {u"Time line"_s, {980, 760}, {560, 420}};
 constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
 
 /// The resident set of this process, the second field of /proc/self/statm (proc(5)); absent if it
@@ -69,6 +70,7 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
         &AppDelegate::handleOpenInWindow);
     connect(&m_notifications, &NotificationCenter::explainVerdict, this,
         &AppDelegate::openVerdictWindow);
+    connect(&m_notifications, &NotificationCenter::showTimeLine, this, &AppDelegate::openTimeLine);
     connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
         &AppDelegate::popoverDidOpenNotification);
     connect(&m_statusArea, &shell::StatusArea::changed, this, &AppDelegate::noteWayBack);
@@ -142,6 +144,9 @@ void AppDelegate::setupMainMenu()
     open->setShortcut(QKeySequence(u"Ctrl+D"_s));
     connect(open, &QAction::triggered, this, &AppDelegate::handleOpenInWindow);
     base::log(logCategory(), u"Netvane: Global keyboard shortcut ⌘D configured"_s);
+    auto* timeLine = m_mainMenu->addAction(u"Time Line"_s);
+    timeLine->setShortcut(QKeySequence(u"Ctrl+T"_s));
+    connect(timeLine, &QAction::triggered, this, &AppDelegate::openTimeLine);
 }
 
 /// The first answer makes the probes; a later one that is another address leads the router's probe
@@ -174,6 +179,7 @@ void AppDelegate::startServices()
     connect(m_platform.sleepMonitor.get(), &platform::SleepMonitor::didWake,
         m_platform.routeMonitor.get(), &platform::RouteMonitor::routesChanged);
     base::log(logCategory(), u"Netvane: All services started"_s);
+    perform(std::exchange(m_pendingAction, {}));
     m_statusAreaTimer = m_platform.clock->after(kStatusAreaLimit, [this] { followStatusArea(); });
 }
 
@@ -237,21 +243,42 @@ void AppDelegate::openDetailedWindow()
 }
 
 /// As with the detailed window.
-void AppDelegate::openVerdictWindow()
+void AppDelegate::openViewWindow(std::unique_ptr<ViewWindow>& place,
+    std::unique_ptr<shell::HostWindow> (DashboardViews::*make)(), const ViewWindow::Look& look)
 {
     if (!m_popover)
         return;
     m_popover->performClose();
-    if (!m_verdictWindow) {
+    if (!place) {
         if (!views())
             return;
-        m_verdictWindow = std::make_unique<VerdictWindow>(views()->verdictWindow());
+        place = std::make_unique<ViewWindow>((views()->*make)(), look);
         // Not at once: the view itself may have been what closed the window.
         connect(
-            m_verdictWindow.get(), &VerdictWindow::closed, this,
-            [this] { m_verdictWindow.reset(); }, Qt::QueuedConnection);
+            place.get(), &ViewWindow::closed, this, [&place] { place.reset(); },
+            Qt::QueuedConnection);
     }
-    m_verdictWindow->show();
+    place->show();
+}
+
+void AppDelegate::openVerdictWindow()
+{
+    openViewWindow(m_verdictWindow, &DashboardViews::verdictWindow, kVerdictLook);
+}
+
+void AppDelegate::openTimeLine()
+{
+    openViewWindow(m_timeLineWindow, &DashboardViews::timeLineWindow, kTimeLineLook);
+}
+
+void AppDelegate::perform(const QString& action)
+{
+    if (action != platform::kTimeLineAction || m_isTerminated)
+        return;
+    if (m_popover)
+        openTimeLine();
+    else
+        m_pendingAction = action;
 }
 
 /// Closing the window leaves nothing to be seen of a program that has no item.
@@ -276,12 +303,16 @@ void AppDelegate::followStatusArea()
     openDetailedWindow();
 }
 
-void AppDelegate::applicationStartedAgain(const QString& activationToken)
+void AppDelegate::applicationStartedAgain(const platform::StartRequest& request)
 {
-    if (m_isTerminated || m_statusArea.state() == shell::StatusArea::State::Present)
+    const bool hasItem = m_statusArea.state() == shell::StatusArea::State::Present;
+    if (m_isTerminated || (hasItem && request.action.isEmpty()))
         return;
-    shell::useActivationToken(activationToken);
-    openDetailedWindow();
+    shell::useActivationToken(request.activationToken);
+    if (request.action.isEmpty())
+        openDetailedWindow();
+    else
+        perform(request.action);
 }
 
 void AppDelegate::applicationDidBecomeActive()

@@ -5,7 +5,9 @@
 // knows no view.
 
 #include "app/dashboard_views.h"
+#include "app/view_window.h"
 #include "base/clock.h"
+#include "platform/instance_claim.h"
 #include "services/services.h"
 #include "shell/outside_click_monitor.h"
 #include "shell/status_area.h"
@@ -25,7 +27,6 @@ namespace netvane::app {
 
 class NotificationCenter;
 class StatusBarManager;
-class VerdictWindow;
 
 /// The program's one long-lived controller: makes every service once and in a fixed order, wires
 /// them, and stops them at the end. Main thread.
@@ -46,10 +47,11 @@ public:
     void applicationWillTerminate();
     /// What a second start of the program asks of this one: nothing.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
-    /// The program was started once more. Where there is no status area to find it in, that is a
-    /// request for its window, and the token (see `platform::InstanceClaim`) brings it to the
-    /// front.
-    void applicationStartedAgain(const QString& activationToken = {});
+    /// The program was started once more. Without an action, and where there is no status area to
+    /// find it in, that is a request for its window.
+    void applicationStartedAgain(const platform::StartRequest& request = {});
+    /// An action of the desktop entry, at once or when the services run; unknown ones are nothing.
+    void perform(const QString& action);
 
     StatusBarManager* statusBarManager() { return m_statusBarManager.get(); }
     /// Null until the services run.
@@ -57,7 +59,9 @@ public:
     /// That of the last detailed window; null before the first.
     shell::DetailedWindowController* windowController() { return m_windowController.get(); }
     /// There exactly while the verdict is explained.
-    VerdictWindow* verdictWindow() { return m_verdictWindow.get(); }
+    ViewWindow* verdictWindow() { return m_verdictWindow.get(); }
+    /// There exactly while the time line is shown.
+    ViewWindow* timeLineWindow() { return m_timeLineWindow.get(); }
     /// There exactly while the popover is open.
     shell::OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
     const services::Services& services() const { return m_services; }
@@ -115,6 +119,9 @@ private:
     void handleOpenInWindow() { openDetailedWindow(); }
     void openDetailedWindow();
     void openVerdictWindow();
+    void openTimeLine();
+    void openViewWindow(std::unique_ptr<ViewWindow>& place,
+        std::unique_ptr<shell::HostWindow> (DashboardViews::*make)(), const ViewWindow::Look& look);
     DashboardViews* views();
     void followStatusArea();
     void noteWayBack();
@@ -134,11 +141,13 @@ private:
     shell::StatusArea m_statusArea;
     std::unique_ptr<shell::PopoverWindow> m_popover;
     std::unique_ptr<shell::DetailedWindowController> m_windowController;
-    std::unique_ptr<VerdictWindow> m_verdictWindow;
+    std::unique_ptr<ViewWindow> m_verdictWindow;
+    std::unique_ptr<ViewWindow> m_timeLineWindow;
     std::unique_ptr<shell::OutsideClickMonitor> m_popoverMonitor;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<base::Timer> m_memoryTimer;
     std::unique_ptr<base::Timer> m_statusAreaTimer; ///< runs while one is waited for
+    QString m_pendingAction;
     bool m_isTerminated = false;
 };
 

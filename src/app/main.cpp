@@ -63,13 +63,16 @@ void avoidCrashWithoutSeat(const std::vector<char*>& arguments)
     ::execv("/proc/self/exe", arguments.data());
 }
 
-int run(QApplication& application)
+int run(QApplication& application, const QString& action)
 {
     app::ViewsLibrary library(app::ViewsLibrary::defaultPath());
-    return app::runProgram(application, [&application, &library] {
-        return std::make_unique<app::Program>(application, system::makePlatform(),
-            std::bind_front(&app::ViewsLibrary::makeViews, &library));
-    });
+    return app::runProgram(
+        application,
+        [&application, &library] {
+            return std::make_unique<app::Program>(application, system::makePlatform(),
+                std::bind_front(&app::ViewsLibrary::makeViews, &library));
+        },
+        action);
 }
 
 } // namespace
@@ -83,7 +86,8 @@ int main(int argc, char** argv)
     qInstallMessageHandler(app::logOfQt);
     QCoreApplication::setApplicationName(u"netvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(NETVANE_VERSION));
-    if (const auto answer = app::answerTo(wordsOf(argc, argv))) {
+    const auto [answer, action] = app::readCommandLine(wordsOf(argc, argv));
+    if (answer) {
         const int stream = answer->status == 0 ? STDOUT_FILENO : STDERR_FILENO;
         const int error = base::writeAll(stream, answer->text.toUtf8());
         if (error == 0)
@@ -101,7 +105,7 @@ int main(int argc, char** argv)
     avoidCrashWithoutSeat(arguments);
     QGuiApplication::setDesktopFileName(u"org.netvane.Netvane"_s);
     QApplication::setQuitOnLastWindowClosed(false);
-    const int status = run(application);
+    const int status = run(application, action);
     // Not by way of the application's destructor: it waits for Qt's own look-ups of names, many
     // seconds where no name server answers. There is nothing left to save.
     std::fflush(nullptr);

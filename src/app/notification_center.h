@@ -14,6 +14,8 @@ Q_SIGNALS:
     void openInWindow();
     /// The user asked for the window that explains the verdict.
     void explainVerdict();
+    /// The user asked for the time line.
+    void showTimeLine();
     /// The status item has shown the popover.
     void popoverDidOpen();
 };

@@ -15,9 +15,13 @@ struct Answer {
     bool operator==(const Answer&) const = default;
 };
 
-/// The answer to the command line; absent if the program is to start. `arguments` begins with the
-/// program's name and still contains the options of Qt. Needs no application object, and so no
-/// display.
-std::optional<Answer> answerTo(const QStringList& arguments);
+struct CommandLine {
+    std::optional<Answer> answer; ///< absent if the program is to start
+    QString action; ///< as in `platform::StartRequest`
+};
+
+/// `arguments` begins with the program's name and still contains the options of Qt. Needs no
+/// application object, and so no display.
+CommandLine readCommandLine(const QStringList& arguments);
 
 } // namespace netvane::app

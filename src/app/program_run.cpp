@@ -74,9 +74,9 @@ void Program::follow(QApplication& application)
         &AppDelegate::applicationWillTerminate);
     auto* claim = m_platform.instanceClaim.get();
     QObject::connect(claim, &platform::InstanceClaim::startedAgain, &m_delegate,
-        [this](const QString& activationToken) {
+        [this](const platform::StartRequest& request) {
             m_delegate.applicationShouldHandleReopen(false);
-            m_delegate.applicationStartedAgain(activationToken);
+            m_delegate.applicationStartedAgain(request);
         });
     QObject::connect(claim, &platform::InstanceClaim::decided, &m_delegate, [this](bool isFirst) {
         if (!isFirst) {
@@ -88,11 +88,18 @@ void Program::follow(QApplication& application)
         }
         m_delegate.applicationWillFinishLaunching();
         m_delegate.applicationDidFinishLaunching();
+        m_delegate.perform(m_action);
     });
 }
 
-int runProgram(
-    QApplication& application, const std::function<std::unique_ptr<Program>()>& makeProgram)
+void Program::start(const QString& action)
+{
+    m_action = action;
+    m_platform.instanceClaim->claim(action);
+}
+
+int runProgram(QApplication& application,
+    const std::function<std::unique_ptr<Program>()>& makeProgram, const QString& action)
 {
     const base::TerminationSignals terminationSignals;
     QObject::connect(&terminationSignals, &base::TerminationSignals::received, &application,
@@ -100,7 +107,7 @@ int runProgram(
     const auto program = makeProgram();
     s_running = program.get();
     std::atexit(endWithoutDisplay);
-    program->start();
+    program->start(action);
     const int status = QApplication::exec();
     s_running = nullptr;
     return status;

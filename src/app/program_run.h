@@ -31,8 +31,9 @@ public:
     Program(QApplication& application, platform::Platform platform, MakeViews makeViews);
 
     AppDelegate& delegate() { return m_delegate; }
-    /// Claims to be the one running copy; the rest follows from the answer.
-    void start() { m_platform.instanceClaim->claim(); }
+    /// Claims to be the one running copy; the rest follows from the answer. `action` as in
+    /// `platform::StartRequest`.
+    void start(const QString& action = {});
 
 private:
     void follow(QApplication& application);
@@ -41,11 +42,12 @@ private:
     platform::ApplicationActivity m_activity;
     NotificationCenter m_notifications;
     AppDelegate m_delegate;
+    QString m_action; ///< of this start
 };
 
 /// Makes the program and runs it until it is asked to end, by whatever means; returns its status.
 /// Once for the process.
-int runProgram(
-    QApplication& application, const std::function<std::unique_ptr<Program>()>& makeProgram);
+int runProgram(QApplication& application,
+    const std::function<std::unique_ptr<Program>()>& makeProgram, const QString& action = {});
 
 } // namespace netvane::app

@@ -1,10 +1,10 @@
 #include "app/program_run.h"
 #include "base/log.h"
 #include "base/system_clock.h"
+#include "demo/month.h"
 #include "demo/screenshots.h"
 #include "demo/window_mark.h"
 #include "shell/popover_window.h"
-#include "windows/quick_views.h"
 
 #include <QCommandLineParser>
 #include <QSystemTrayIcon>
@@ -78,7 +78,7 @@ int run(QApplication& application, const demo::StageOptions& options, bool shows
         stage = std::make_unique<demo::Stage>(std::make_unique<base::SystemClock>(), options);
         mark = std::make_unique<demo::WindowMark>(application, *stage);
         auto program = std::make_unique<app::Program>(
-            application, std::move(stage->parts.platform), &windows::makeQuickViews);
+            application, std::move(stage->parts.platform), &demo::viewsWithMonth);
         if (showsPopover)
             opening = stage->parts.clock.after(kStartTime, [&delegate = program->delegate()] {
                 if (delegate.popover())

@@ -1,10 +1,11 @@
 #include "demo/screenshots.h"
 
 #include "app/status_bar_manager.h"
-#include "app/verdict_window.h"
+#include "app/view_window.h"
 #include "demo/staged_program.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
+#include "ui/timeline/time_line_state.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -65,6 +66,22 @@ QWindow* verdict(StagedProgram& program)
     stateOf<ui::PopoverState>(popover).verdict()->explain();
     program.pass(1s);
     return &program.delegate().verdictWindow()->window();
+}
+
+/// The time line's window with one of its pages, and the range of this index.
+std::function<QWindow*(StagedProgram&)> timeLine(int page, int range)
+{
+    return [page, range](StagedProgram& program) {
+        program.delegate().mainMenu()->actions().constLast()->trigger();
+        program.pass(1s);
+        auto& window = program.delegate().timeLineWindow()->window();
+        windows::rootOf(window).setProperty("page", page);
+        stateOf<ui::TimeLineState>(window).show(range);
+        program.pass(1s);
+        stateOf<ui::TimeLineState>(window).pointTo(0.8);
+        program.pass(1s);
+        return &window;
+    };
 }
 
 /// The top of the popover: its strip, and the network below that.
@@ -130,7 +147,12 @@ std::vector<Picture> pictures()
             {u"introduction-2"_s, u"first-start"_s, introduction(1)},
             {u"introduction-3"_s, u"first-start"_s, introduction(2)},
             {u"window"_s, u"office"_s, detailedWindow}, {u"performance"_s, u"home"_s, performance},
-            {u"diagnostics"_s, u"home"_s, diagnostics}};
+            {u"diagnostics"_s, u"home"_s, diagnostics},
+            {u"time-line-hour"_s, u"home"_s, timeLine(0, 1)},
+            {u"time-line-day"_s, u"home"_s, timeLine(0, 2)},
+            {u"time-line-month"_s, u"home"_s, timeLine(0, 4)},
+            {u"time-line-hours"_s, u"home"_s, timeLine(1, 4)},
+            {u"time-line-outages"_s, u"home"_s, timeLine(2, 4)}};
     const std::pair<QString, QString> causes[] = {{u"healthy"_s, u"home"_s},
         {u"weak-signal"_s, u"weak"_s}, {u"router-dead"_s, u"router-dead"_s},
         {u"line-down"_s, u"line-down"_s}, {u"dns-dead"_s, u"dns-dead"_s}, {u"portal"_s, u"cafe"_s}};

@@ -1,9 +1,9 @@
 #include "demo/staged_program.h"
 
+#include "demo/month.h"
 #include "probes/dns_service.h"
 #include "shell/detailed_window_controller.h"
 #include "shell/popover_window.h"
-#include "windows/quick_views.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -24,7 +24,7 @@ StagedProgram::StagedProgram(
     if (change)
         change(m_stage);
     m_program = std::make_unique<app::Program>(
-        application, std::move(m_stage.parts.platform), &windows::makeQuickViews);
+        application, std::move(m_stage.parts.platform), &viewsWithMonth);
     m_program->start();
     settle();
     pass(250ms);

@@ -38,14 +38,17 @@ BusNameClaim::BusNameClaim(bus::BusLink& sessionBus, base::Clock& clock)
 {
     connect(&m_sessionBus, &bus::BusLink::stateChanged, this, &BusNameClaim::followSessionBus);
     connect(&m_object, &ApplicationObject::activated, this,
-        [this](const QVariantMap& data) { Q_EMIT startedAgain(tokenOf(data)); });
+        [this](const QString& action, const QVariantMap& data) {
+            Q_EMIT startedAgain({action, tokenOf(data)});
+        });
     connect(&m_lock, &InstanceLock::told, this, &platform::InstanceClaim::startedAgain);
 }
 
-void BusNameClaim::claim()
+void BusNameClaim::claim(const QString& action)
 {
+    m_action = action;
     if (!m_lock.take()) {
-        m_lock.tellOther(ownToken());
+        m_lock.tellOther({action, ownToken()});
         QMetaObject::invokeMethod(
             this, [this] { decide(false); }, Qt::QueuedConnection);
         return;
@@ -86,8 +89,10 @@ void BusNameClaim::activateOther()
     if (m_isDecided) // the bus went away and came back, and now somebody else has the name
         return;
     m_limit = m_clock.after(kDecisionLimit, [this] { decide(false); });
-    auto call = QDBusMessage::createMethodCall(
-        kName, kPath, u"org.freedesktop.Application"_s, u"Activate"_s);
+    auto call = QDBusMessage::createMethodCall(kName, kPath, u"org.freedesktop.Application"_s,
+        m_action.isEmpty() ? u"Activate"_s : u"ActivateAction"_s);
+    if (!m_action.isEmpty())
+        call << m_action << QVariantList();
     call << QVariantMap {{kTokenKey, ownToken()}};
     call.setAutoStartService(false);
     bus::askBus(m_sessionBus.connection(), call, bus::kAnswerLimitMs, this,

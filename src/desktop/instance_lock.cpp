@@ -43,10 +43,11 @@ bool InstanceLock::take()
     return true;
 }
 
-void InstanceLock::tellOther(const QString& activationToken)
+void InstanceLock::tellOther(const platform::StartRequest& request)
 {
     constexpr qsizetype kLongest = 512; // less than what a FIFO takes as one piece
-    const QByteArray line = activationToken.left(kLongest).toUtf8() + '\n';
+    const QByteArray line
+        = request.action.toUtf8() + '\t' + request.activationToken.left(kLongest).toUtf8() + '\n';
     [[maybe_unused]] const auto written
         = ::write(m_fifo.get(), line.constData(), size_t(line.size()));
 }
@@ -57,8 +58,11 @@ void InstanceLock::read()
     const auto count = ::read(m_fifo.get(), bytes.data(), bytes.size());
     if (count <= 0)
         return;
-    const auto lines = QByteArray(bytes.data(), count).trimmed().split('\n');
-    Q_EMIT told(QString::fromUtf8(lines.last()));
+    QByteArray lines(bytes.data(), count);
+    if (lines.endsWith('\n'))
+        lines.chop(1);
+    const QString line = QString::fromUtf8(lines.mid(lines.lastIndexOf('\n') + 1));
+    Q_EMIT told({line.section(u'\t', 0, 0), line.section(u'\t', 1)});
 }
 
 } // namespace netvane::desktop

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/file_descriptor.h"
+#include "platform/instance_claim.h"
 
 #include <QObject>
 #include <QSocketNotifier>
@@ -20,11 +21,11 @@ public:
     /// False when another copy has the lock; true also where there is no folder to have it in.
     bool take();
     /// To the copy that has it: the program was started again. After `take` failed.
-    void tellOther(const QString& activationToken);
+    void tellOther(const platform::StartRequest& request);
 
 Q_SIGNALS:
-    /// In the copy that has the lock, with the last token of those that came.
-    void told(const QString& activationToken);
+    /// In the copy that has the lock, with the last request of those that came.
+    void told(const netvane::platform::StartRequest& request);
 
 private:
     void read();

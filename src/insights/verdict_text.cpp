@@ -64,6 +64,11 @@ QDateTime localTime(std::chrono::system_clock::time_point time)
         std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count());
 }
 
+QString causeName(Cause cause)
+{
+    return kCauseNames.at(size_t(cause));
+}
+
 std::vector<ConsideredCause> consideredCauses(const verdict::Verdict& verdict)
 {
     constexpr double kPossible = 0.6;
@@ -72,7 +77,7 @@ std::vector<ConsideredCause> consideredCauses(const verdict::Verdict& verdict)
     for (const auto& [cause, certainty] : verdict.others) {
         if (cause == Cause::Healthy || cause == Cause::Unsure)
             continue;
-        causes.push_back({kCauseNames.at(size_t(cause)),
+        causes.push_back({causeName(cause),
             certainty >= kPossible       ? u"possible"_s
                 : certainty >= kUnlikely ? u"less likely"_s
                                          : u"unlikely"_s});

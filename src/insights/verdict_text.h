@@ -12,6 +12,9 @@ namespace netvane::insights {
 
 QDateTime localTime(std::chrono::system_clock::time_point time);
 
+/// "The router does not answer"
+QString causeName(verdict::Cause cause);
+
 /// A cause that was considered beside that of a verdict.
 struct ConsideredCause {
     QString name; ///< "The router does not answer"

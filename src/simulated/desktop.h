@@ -46,7 +46,7 @@ private:
 /// Each copy is the first.
 class InstanceClaim final : public platform::InstanceClaim {
 public:
-    void claim() override
+    void claim(const QString& /*action*/) override
     {
         QMetaObject::invokeMethod(
             this, [this] { Q_EMIT decided(true); }, Qt::QueuedConnection);

@@ -6,6 +6,8 @@
 #include "ui/painting/theme.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
+#include "ui/timeline/recorded_source.h"
+#include "ui/timeline/time_line_state.h"
 #include "ui/verdict/verdict_details.h"
 #include "ui/view_engine.h"
 #include "windows/quick_window.h"
@@ -18,10 +20,11 @@ namespace {
 class QuickViews final : public app::DashboardViews {
 public:
     QuickViews(const services::Services& services, const QMenu& menu,
-        app::NotificationCenter& notifications)
+        app::NotificationCenter& notifications, std::shared_ptr<timeline::Source> history)
         : m_services(services)
         , m_menu(menu)
         , m_notifications(notifications)
+        , m_history(std::move(history))
         , m_theme(*services.platform.appearance)
     {
         ui::ViewEngine::prepareRendering();
@@ -37,7 +40,15 @@ public:
     }
     std::unique_ptr<shell::HostWindow> verdictWindow() override
     {
-        return window(u"VerdictView"_s, std::make_shared<ui::VerdictDetails>(m_services));
+        const auto state = std::make_shared<ui::VerdictDetails>(m_services);
+        QObject::connect(state.get(), &ui::VerdictDetails::timeLineWanted, &m_notifications,
+            &app::NotificationCenter::showTimeLine);
+        return window(u"VerdictView"_s, state);
+    }
+    std::unique_ptr<shell::HostWindow> timeLineWindow() override
+    {
+        return window(
+            u"TimeLineView"_s, std::make_shared<ui::TimeLineState>(m_services, m_history));
     }
 
 private:
@@ -65,6 +76,7 @@ private:
     const services::Services& m_services;
     const QMenu& m_menu;
     app::NotificationCenter& m_notifications;
+    const std::shared_ptr<timeline::Source> m_history;
     ui::Theme m_theme;
     ui::ViewEngine m_engine {m_theme};
 };
@@ -74,7 +86,14 @@ private:
 std::unique_ptr<app::DashboardViews> makeQuickViews(
     const services::Services& services, const QMenu& menu, app::NotificationCenter& notifications)
 {
-    return std::make_unique<QuickViews>(services, menu, notifications);
+    return makeQuickViewsWith(services, menu, notifications, ui::recordedSource(services));
+}
+
+std::unique_ptr<app::DashboardViews> makeQuickViewsWith(const services::Services& services,
+    const QMenu& menu, app::NotificationCenter& notifications,
+    std::shared_ptr<timeline::Source> history)
+{
+    return std::make_unique<QuickViews>(services, menu, notifications, std::move(history));
 }
 
 } // namespace netvane::windows

@@ -1,4 +1,4 @@
-#include "app/verdict_window.h"
+#include "app/view_window.h"
 #include "insights/network_notification_service.h"
 #include "insights/onboarding_service.h"
 #include "program_world.h"
@@ -133,6 +133,13 @@ private Q_SLOTS:
         QVERIFY(showsText(*root, verdict.sentence));
         program.key(Qt::Key_Escape);
         QVERIFY(!program.delegate->verdictWindow() && !root);
+
+        program.delegate->applicationStartedAgain({platform::kTimeLineAction, {}});
+        auto& timeLine = program.delegate->timeLineWindow()->window();
+        QVERIFY(QTest::qWaitForWindowActive(&timeLine));
+        QVERIFY(showsText(windows::rootOf(timeLine), u"When is it bad?"_s));
+        program.key(Qt::Key_Escape);
+        QVERIFY(!program.delegate->timeLineWindow());
     }
 
     void windowTellsTheWayBackWithoutAnItem()

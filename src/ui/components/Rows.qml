@@ -5,5 +5,5 @@ import QtQuick
 // In Qt 6.4 a layout removes destroyed items only when it next paints, and uses freed memory if it
 // is resized before.
 Repeater {
-    onModelChanged: parent.ensurePolished()
+    onModelChanged: parent?.ensurePolished()
 }

@@ -90,6 +90,16 @@ FocusScope {
 
         Divider { width: parent.width }
         PushButton {
+            x: column.x
+            anchors.verticalCenter: parent.verticalCenter
+            width: 104
+            text: "Time line"
+            symbol: "chart.line.uptrend.xyaxis"
+            onClicked: root.viewState.showTimeLine()
+
+            HoverTip { text: "Shows what happened in the last 30 days" }
+        }
+        PushButton {
             x: column.x + column.width - width
             anchors.verticalCenter: parent.verticalCenter
             width: 96

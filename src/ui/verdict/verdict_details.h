@@ -90,6 +90,8 @@ public:
     void showAll(const verdict::Verdict& verdict, std::chrono::steady_clock::duration passed = {});
     /// Puts all of it into the clipboard as plain text.
     Q_INVOKABLE void copy();
+    /// Asks for the window with the time line.
+    Q_INVOKABLE void showTimeLine() { Q_EMIT timeLineWanted(); }
 
 Q_SIGNALS:
     void isShownChanged();
@@ -98,6 +100,7 @@ Q_SIGNALS:
     void evidenceChanged();
     void othersChanged();
     void isCopiedChanged();
+    void timeLineWanted();
 
 private:
     template <typename Value>

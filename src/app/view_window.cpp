@@ -1,26 +1,18 @@
-#include "app/verdict_window.h"
+#include "app/view_window.h"
 
 #include "shell/window_frame.h"
 
 #include <QGuiApplication>
 
-using namespace Qt::Literals::StringLiterals;
-
 namespace netvane::app {
-namespace {
 
-constexpr QSize kSize(600, 720);
-constexpr QSize kMinimumSize(440, 360);
-
-} // namespace
-
-VerdictWindow::VerdictWindow(std::unique_ptr<shell::HostWindow> host)
+ViewWindow::ViewWindow(std::unique_ptr<shell::HostWindow> host, const Look& look)
     : m_host(std::move(host))
 {
-    window().setTitle(u"What is wrong?"_s);
+    window().setTitle(look.title);
     const QSize room = shell::frameArea(*QGuiApplication::primaryScreen()).size();
-    window().setMinimumSize(kMinimumSize.boundedTo(room));
-    window().resize(kSize.boundedTo(room));
+    window().setMinimumSize(look.minimumSize.boundedTo(room));
+    window().resize(look.size.boundedTo(room));
     connect(m_host.get(), &shell::HostWindow::cancelled, &window(), &QWindow::close);
     connect(&window(), &QWindow::visibleChanged, this, [this](bool isVisible) {
         if (!isVisible)
@@ -28,12 +20,12 @@ VerdictWindow::VerdictWindow(std::unique_ptr<shell::HostWindow> host)
     });
 }
 
-VerdictWindow::~VerdictWindow()
+ViewWindow::~ViewWindow()
 {
     window().disconnect(this);
 }
 
-void VerdictWindow::show()
+void ViewWindow::show()
 {
     window().show();
     m_host->bringToFront();
