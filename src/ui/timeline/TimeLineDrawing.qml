@@ -21,11 +21,13 @@ FocusScope {
         color: Theme.tertiaryText
     }
     Rows {
-        model: root.timeLine.lanes
+        // Not the texts themselves: they change with every move of the pointer.
+        model: root.timeLine.lanes.length
 
         LaneLabel {
             required property int index
 
+            texts: root.timeLine.lanes[index]
             x: 16
             y: plot.y + root.laneTop + index * root.lanePitch
             width: root.gutter - 20
@@ -101,14 +103,14 @@ FocusScope {
     component LaneLabel: Item {
         id: label
 
-        required property laneLabel modelData
+        required property laneLabel texts
 
         Accessible.role: Accessible.StaticText
-        Accessible.name: modelData.name + ": " + modelData.value
+        Accessible.name: texts.name + ": " + texts.value
 
         PlainText {
             id: name
-            text: label.modelData.name
+            text: label.texts.name
             font: Theme.captionEmphasis
             width: parent.width
             Accessible.ignored: true
@@ -116,7 +118,7 @@ FocusScope {
         PlainText {
             anchors.top: name.bottom
             anchors.topMargin: 1
-            text: label.modelData.value
+            text: label.texts.value
             font: Theme.caption
             color: Theme.secondaryText
             Accessible.ignored: true
@@ -124,7 +126,7 @@ FocusScope {
         // What the upper edge of the lane stands for.
         PlainText {
             anchors.right: parent.right
-            text: label.modelData.top
+            text: label.texts.top
             font: Theme.footnote
             color: Theme.tertiaryText
             Accessible.ignored: true
