@@ -24,6 +24,7 @@ using verdict::Cause;
 using verdict::Severity;
 
 constexpr Milliseconds kMinute = 60'000;
+constexpr int kMinutesOfTrips = 120;
 constexpr double kBusyShare = 0.7; ///< of the minutes of a weekday's evening
 
 class Author {
@@ -53,6 +54,8 @@ public:
                 weaken(minute);
             m_month.minutes.push_back(minute);
             happen();
+            if (i >= m_count - kMinutesOfTrips)
+                send(minute);
         }
         return std::move(m_month);
     }
@@ -123,8 +126,10 @@ private:
     void happen()
     {
         const Milliseconds at = m_now + share() * kMinute;
-        if (m_local.time().minute() % 5 == 2)
+        if (m_local.time().minute() % 5 == 2) {
             m_month.marks.push_back({at, Mark::Kind::Scan, u"Another program scanned"_s});
+            m_month.pauses.push_back({at, at + 3500, Mark::Kind::Scan});
+        }
         if (share() < 1.0 / 180) {
             m_room = 1 - m_room;
             m_month.marks.push_back({at, Mark::Kind::Roam,
@@ -133,6 +138,17 @@ private:
         }
         if (m_now >= m_outageEnd && share() < 1.0 / 2600)
             beginOutage(at);
+    }
+    /// The packets of the minute. Those that meet a scan are late.
+    void send(const Minute& minute)
+    {
+        for (Milliseconds at = m_now; minute.internet.medianMs && at < m_now + kMinute;
+             at += 3000) {
+            const bool isLate = !m_month.pauses.empty() && at >= m_month.pauses.back().from
+                && at <= m_month.pauses.back().to;
+            m_month.trips.push_back(
+                {at, around(*minute.internet.medianMs, 0.1) * (isLate ? 7 : 1)});
+        }
     }
     void beginOutage(Milliseconds at)
     {
@@ -172,13 +188,13 @@ public:
     timeline::Remembered remembered(const timeline::ChartRange& range) const override
     {
         const std::lock_guard lock(m_lock);
-        timeline::Remembered some;
-        std::copy_if(m_month.minutes.begin(), m_month.minutes.end(),
-            std::back_inserter(some.minutes),
-            [&](const Minute& minute) { return minute.at >= range.from && minute.at < range.to; });
-        std::copy_if(m_month.marks.begin(), m_month.marks.end(), std::back_inserter(some.marks),
-            [&](const Mark& mark) { return mark.at >= range.from && mark.at < range.to; });
-        return some;
+        const auto inRange = [&range](auto some) {
+            std::erase_if(some,
+                [&](const auto& each) { return each.at < range.from || each.at >= range.to; });
+            return some;
+        };
+        return {inRange(m_month.minutes), inRange(m_month.marks), inRange(m_month.trips),
+            m_month.pauses};
     }
 
     timeline::ProviderFacts facts(Milliseconds from, Milliseconds to) const override

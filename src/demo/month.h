@@ -14,6 +14,8 @@ struct Month {
     std::vector<timeline::Minute> minutes;
     std::vector<timeline::Mark> marks;
     std::vector<timeline::Outage> outages;
+    std::vector<timeline::RoundTrip> trips; ///< of the last two hours
+    std::vector<timeline::RadioPause> pauses;
 };
 Month month(timeline::Milliseconds end, unsigned seed, int minutes = 30 * 24 * 60);
 

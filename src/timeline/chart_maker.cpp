@@ -115,11 +115,29 @@ void addVerdict(
         bands.push_back({at, at + range.step, *worst->cause, worst->severity});
 }
 
+std::vector<Mark> marksOf(const Remembered& remembered)
+{
+    std::vector<Mark> marks = remembered.marks;
+    for (const auto& spike : spikes(remembered.trips, remembered.pauses)) {
+        if (spike.cause)
+            marks.push_back({spike.at, *spike.cause,
+                u"Internet %1 ms instead of %2 ms: %3"_s.arg(std::lround(spike.milliseconds))
+                    .arg(std::lround(spike.usual))
+                    .arg(*spike.cause == Mark::Kind::Roam ? u"a change of the access point"_s
+                                                          : u"a scan for networks"_s)});
+    }
+    std::stable_sort(marks.begin(), marks.end(),
+        [](const Mark& one, const Mark& other) { return one.at < other.at; });
+    return marks;
+}
+
 } // namespace
 
-Chart chartOf(const std::vector<Minute>& minutes, std::vector<Mark> marks, const ChartRange& range)
+Chart chartOf(const Remembered& remembered, const ChartRange& range)
 {
-    Chart chart {.from = range.from, .to = range.to, .step = range.step, .marks = std::move(marks)};
+    const auto& minutes = remembered.minutes;
+    Chart chart {
+        .from = range.from, .to = range.to, .step = range.step, .marks = marksOf(remembered)};
     const auto sources = laneSources();
     for (const auto& source : sources)
         chart.lanes.push_back({.name = source.name, .unit = source.unit, .kind = source.kind});
@@ -137,19 +155,6 @@ Chart chartOf(const std::vector<Minute>& minutes, std::vector<Mark> marks, const
     for (auto& lane : chart.lanes)
         setRange(lane);
     return chart;
-}
-
-Mark markOf(const Spike& spike, const QString& lane)
-{
-    const QString text = u"%1 %2 ms instead of %3 ms"_s.arg(lane)
-                             .arg(std::lround(spike.milliseconds))
-                             .arg(std::lround(spike.usual));
-    if (!spike.cause)
-        return {spike.at, Mark::Kind::System, text};
-    return {spike.at, *spike.cause,
-        text
-            + (*spike.cause == Mark::Kind::Roam ? u": a change of the access point"_s
-                                                : u": a scan for networks"_s)};
 }
 
 } // namespace netvane::timeline

@@ -26,12 +26,18 @@ struct ChartRange {
     bool operator==(const ChartRange&) const = default;
 };
 
-/// Takes minutes together so that each lane has a point a step: the median of the medians, the
-/// highest of the 95th percentiles, the mean of losses and levels, and the worst verdict. `minutes`
-/// and `marks` are oldest first.
-Chart chartOf(const std::vector<Minute>& minutes, std::vector<Mark> marks, const ChartRange& range);
+/// What is remembered of a time, each oldest first.
+struct Remembered {
+    std::vector<Minute> minutes;
+    std::vector<Mark> marks;
+    std::vector<RoundTrip> trips; ///< to the internet, each packet, where they were kept
+    std::vector<RadioPause> pauses;
+};
 
-/// What a spike is said to be: "Internet 240 ms instead of 8 ms: a scan for networks".
-Mark markOf(const Spike& spike, const QString& lane);
+/// Takes minutes together so that each lane has a point a step: the median of the medians, the
+/// highest of the 95th percentiles, the mean of losses and levels, and the worst verdict. A spike
+/// that comes from a pause of the radio is a mark that says so: "Internet 240 ms instead of 8 ms: a
+/// scan for networks".
+Chart chartOf(const Remembered& remembered, const ChartRange& range);
 
 } // namespace netvane::timeline

@@ -8,12 +8,6 @@
 
 namespace netvane::timeline {
 
-/// What is remembered of a time.
-struct Remembered {
-    std::vector<Minute> minutes; ///< oldest first
-    std::vector<Mark> marks; ///< oldest first
-};
-
 /// The history as the views read it.
 class Source {
 public:

@@ -255,9 +255,8 @@ void TimeLineState::load()
     base::runInBackground(
         m_services.platform.queues->userInitiated, this,
         [source = m_source, range] {
-            auto remembered = source->remembered(range);
             return std::make_shared<const Chart>(
-                timeline::chartOf(remembered.minutes, std::move(remembered.marks), range));
+                timeline::chartOf(source->remembered(range), range));
         },
         [this](const std::shared_ptr<const Chart>& chart) { take(chart); });
 }
