@@ -37,7 +37,7 @@ const QString kWayBack
     = u"This desktop has no status area. Netvane keeps running after you close this window. "
       "To open the window again, start Netvane again. To end Netvane, use Quit in its settings."_s;
 const ViewWindow::Look kVerdictLook {u"What is wrong?"_s, {600, 720}, {440, 360}};
-const ViewWindow::Look kTimeLineLook {u"Time line"_s, {980, 760}, {560, 420}};
+const ViewWindow::Look kTimeLineLook {u"Time line"_s, {980, 760}, {600, 560}};
 constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
 
 /// The resident set of this process, the second field of /proc/self/statm (proc(5)); absent if it

@@ -39,7 +39,7 @@ FocusScope {
         x: root.gutter
         y: 14
         width: parent.width - root.gutter - 16
-        height: parent.height - 24
+        height: parent.height - 24 - legend.height
         focus: true
         activeFocusOnTab: true
         timeLine: root.timeLine
@@ -71,6 +71,18 @@ FocusScope {
                 steps[event.key]()
         }
         FocusRing { control: plot }
+    }
+    PlainText {
+        id: legend
+        x: plot.x
+        anchors.bottom: parent.bottom
+        anchors.bottomMargin: 10
+        width: plot.width
+        text: "Lines are medians; the shade reaches to 95 of 100 packets.   ■ Wi-Fi link   ◆ access point   ● network   ▲ computer   ❘ scan"
+        font: Theme.footnote
+        color: Theme.tertiaryText
+        wrapMode: Text.Wrap
+        horizontalAlignment: Text.AlignLeft
     }
     MouseArea {
         id: pointer
@@ -116,6 +128,7 @@ FocusScope {
             Accessible.ignored: true
         }
         PlainText {
+            visible: label.height > 30
             anchors.top: name.bottom
             anchors.topMargin: 1
             text: label.texts.value

@@ -9,7 +9,7 @@ ScrollArea {
 
     required property TimeLineState timeLine
 
-    readonly property real cell: Math.max(64, (width - 24) / (timeLine.tableHead.cells.length + 3))
+    readonly property real cell: Math.max(64, (width - 24) / (timeLine.tableHead.cells.length + 2))
 
     focus: true
     activeFocusOnTab: true

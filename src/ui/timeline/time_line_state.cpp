@@ -37,7 +37,7 @@ constexpr int kTableRows = 48;
 
 QString valueText(const Lane& lane, double value)
 {
-    const int decimals = lane.kind == Lane::Kind::Delay && value < 10 ? 1 : 0;
+    const int decimals = lane.kind == Lane::Kind::Delay && value < 9.95 ? 1 : 0;
     return QString::number(value, 'f', decimals) + u' ' + lane.unit;
 }
 
