@@ -140,6 +140,30 @@ private Q_SLOTS:
         QVERIFY(window.state.isAtNow()); // there is nothing later
     }
 
+    void pointerAndKeys()
+    {
+        Window window;
+        auto* view = window.view.root().window();
+        const auto span = [&] { return window.state.to() - window.state.from(); };
+        const auto day = span();
+        const auto end = window.state.to();
+        QTest::mousePress(view, Qt::LeftButton, {}, {400, 300});
+        QTest::mouseMove(view, {600, 300});
+        QTest::mouseRelease(view, Qt::LeftButton, {}, {600, 300});
+        QVERIFY(window.state.to() < end && span() == day && window.state.cursorTime());
+        QTest::keyClick(view, Qt::Key_Plus);
+        QCOMPARE(span(), day / 2);
+        const auto before = *window.state.cursorTime();
+        QTest::keyClick(view, Qt::Key_Right);
+        QVERIFY(*window.state.cursorTime() > before);
+        QWheelEvent wheel({500, 300}, {500, 300}, {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+            Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(view, &wheel);
+        QVERIFY(span() > day / 2);
+        QTest::keyClick(view, Qt::Key_End);
+        QCOMPARE(window.state.to(), end);
+    }
+
     void sameAsATable()
     {
         Window window;
