@@ -254,10 +254,9 @@ std::unique_ptr<app::DashboardViews> viewsWithMonth(
     const services::Services& services, const QMenu& menu, app::NotificationCenter& notifications)
 {
     constexpr unsigned kSeed = 7;
-    const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(
-        services.platform.clock->now().time_since_epoch());
     return windows::makeQuickViewsWith(services, menu, notifications,
-        monthSource(month(Milliseconds(now.count()), kSeed), u"Home"_s));
+        monthSource(
+            month(timeline::millisecondsOf(services.platform.clock->now()), kSeed), u"Home"_s));
 }
 
 } // namespace netvane::demo

@@ -178,6 +178,22 @@ QString badHoursSentence(const Week& week)
     return sentence + u'.';
 }
 
+QString recurrence(const Week& week, int hour, Segment segment)
+{
+    constexpr std::array kParts = {"nights"_L1, "mornings"_L1, "afternoons"_L1, "evenings"_L1};
+    constexpr int kLeastDays = 4;
+    int known = 0;
+    int bad = 0;
+    for (const auto& day : week) {
+        const auto& each = day.at(size_t(hour));
+        known += each.isKnown();
+        bad += each.isKnown() && each.badShare() >= kBadShare
+            && verdict::segmentOf(each.culprit) == segment;
+    }
+    const bool comesAgain = known >= kLeastDays && bad * 2 > known;
+    return comesAgain ? u"as on most "_s + kParts.at(size_t(hour / 6)) : QString();
+}
+
 QString hourText(const Week& week, int day, int hour)
 {
     const auto& each = week.at(size_t(day)).at(size_t(hour));

@@ -32,6 +32,10 @@ inline constexpr double kBadShare = 0.1;
 /// slow; Wi-Fi is fine." Where nothing repeats, it says so, and so it does where little is known.
 QString badHoursSentence(const Week& week);
 
+/// Whether a fault of this time of the day comes again: "as on most evenings"; empty where it does
+/// not, or where fewer than four days are known. `hour` is the local one.
+QString recurrence(const Week& week, int hour, verdict::Segment segment);
+
 /// One hour for people: "Monday, 19 to 20 h: bad in 42 of 100 minutes, mostly: The router is slow".
 QString hourText(const Week& week, int day, int hour);
 

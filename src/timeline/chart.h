@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <optional>
 #include <vector>
 
@@ -11,6 +12,15 @@ namespace netvane::timeline {
 
 /// Milliseconds since 1970 (UTC). A drawing needs no more, and QML knows no other time.
 using Milliseconds = double;
+
+inline Milliseconds millisecondsOf(std::chrono::system_clock::time_point time)
+{
+    return Milliseconds(
+        std::chrono::floor<std::chrono::milliseconds>(time).time_since_epoch().count());
+}
+
+/// The history reaches back so far.
+inline constexpr Milliseconds kKept = 30 * 86'400'000.0;
 
 /// A value in the time from `at` on, for as long as a step of its chart.
 struct LanePoint {

@@ -40,7 +40,7 @@ public:
     }
     std::unique_ptr<shell::HostWindow> verdictWindow() override
     {
-        const auto state = std::make_shared<ui::VerdictDetails>(m_services);
+        const auto state = std::make_shared<ui::VerdictDetails>(m_services, m_history);
         QObject::connect(state.get(), &ui::VerdictDetails::timeLineWanted, &m_notifications,
             &app::NotificationCenter::showTimeLine);
         return window(u"VerdictView"_s, state);

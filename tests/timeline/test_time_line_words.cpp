@@ -121,6 +121,16 @@ private Q_SLOTS:
         QTEST(badHoursSentence(week), "sentence");
     }
 
+    void comesAgain()
+    {
+        const Week week = weekWith(0, 4, 19, 23, Cause::LineSlow);
+        QCOMPARE(recurrence(week, 20, verdict::Segment::Line), u"as on most evenings"_s);
+        QCOMPARE(recurrence(week, 20, verdict::Segment::Radio), QString());
+        QCOMPARE(recurrence(week, 12, verdict::Segment::Line), QString());
+        QCOMPARE(recurrence(weekWith(0, 2, 19, 23, Cause::LineSlow), 20, verdict::Segment::Line),
+            QString());
+    }
+
     /// Also on the days on which the clock is changed.
     void ticksFit()
     {

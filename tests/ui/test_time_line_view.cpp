@@ -64,9 +64,8 @@ private:
 
 struct Window {
     World world;
-    std::shared_ptr<TwoHours> source = std::make_shared<TwoHours>(Milliseconds(
-        std::chrono::duration_cast<std::chrono::milliseconds>(world.clock.now().time_since_epoch())
-            .count()));
+    std::shared_ptr<TwoHours> source
+        = std::make_shared<TwoHours>(timeline::millisecondsOf(world.clock.now()));
     ui::TimeLineState state {world.services, source};
     ViewFixture view = world.show(u"TimeLineView"_s, state, 980);
 

@@ -64,14 +64,10 @@ HistoryPages::HistoryPages(
 
 void HistoryPages::load()
 {
-    const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(
-        m_services.platform.clock->now().time_since_epoch());
-    static constexpr std::chrono::milliseconds kKept = std::chrono::hours(24 * 30);
     base::runInBackground(
         m_services.platform.queues->userInitiated, this,
-        [source = m_source, to = now] {
-            return source->facts(
-                timeline::Milliseconds((to - kKept).count()), timeline::Milliseconds(to.count()));
+        [source = m_source, now = timeline::millisecondsOf(m_services.platform.clock->now())] {
+            return source->facts(now - timeline::kKept, now);
         },
         [this](const timeline::ProviderFacts& facts) { take(facts); });
 }

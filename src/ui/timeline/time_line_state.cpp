@@ -103,8 +103,7 @@ TimeLineState::~TimeLineState() = default;
 
 Milliseconds TimeLineState::now() const
 {
-    const auto since = m_services.platform.clock->now().time_since_epoch();
-    return Milliseconds(std::chrono::duration_cast<std::chrono::milliseconds>(since).count());
+    return timeline::millisecondsOf(m_services.platform.clock->now());
 }
 
 void TimeLineState::setShown(bool isShown)

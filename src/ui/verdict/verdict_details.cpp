@@ -1,5 +1,6 @@
 #include "ui/verdict/verdict_details.h"
 
+#include "base/background_work.h"
 #include "base/visible_text.h"
 #include "insights/verdict_text.h"
 #include "platform/platform.h"
@@ -69,9 +70,11 @@ QString ChainItem::summary() const
     return figure.isEmpty() ? u"%1: %2"_s.arg(name, word) : u"%1: %2, %3"_s.arg(name, word, figure);
 }
 
-VerdictDetails::VerdictDetails(const services::Services& services)
+VerdictDetails::VerdictDetails(
+    const services::Services& services, std::shared_ptr<timeline::Source> history)
     : VerdictState(services)
     , m_services(services)
+    , m_history(std::move(history))
     , m_times(*services.platform.clock, [this] { tellTimes(); })
 {
     connect(services.verdictService.get(), &verdict::VerdictService::evidenceChanged, this, [this] {
@@ -85,9 +88,26 @@ void VerdictDetails::setShown(bool isShown)
     if (m_times.isShown() == isShown)
         return;
     m_times.setShown(isShown);
-    if (isShown)
+    if (isShown) {
         follow();
+        readHistory();
+    }
     Q_EMIT isShownChanged();
+}
+
+void VerdictDetails::readHistory()
+{
+    if (!m_history)
+        return;
+    base::runInBackground(
+        m_services.platform.queues->userInitiated, this,
+        [history = m_history, now = timeline::millisecondsOf(m_services.platform.clock->now())] {
+            return history->facts(now - timeline::kKept, now).week;
+        },
+        [this](const timeline::Week& week) {
+            m_week = week;
+            tellTimes();
+        });
 }
 
 void VerdictDetails::follow()
@@ -143,6 +163,12 @@ void VerdictDetails::tellTimes()
         times.push_back(m_verdict.since);
         since = u"Since %1 (%2)"_s.arg(
             clockTime(m_verdict.since, now), m_times.text(m_verdict.since));
+        const QString again = m_verdict.severity >= verdict::Severity::Poor
+            ? timeline::recurrence(
+                m_week, insights::localTime(now).time().hour(), verdict::segmentOf(m_verdict.cause))
+            : QString();
+        if (!again.isEmpty())
+            since += u", "_s + again;
     }
     if (ages != m_ages || since != m_since) {
         m_ages = ages;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "timeline/source.h"
 #include "ui/state/relative_time.h"
 #include "ui/verdict/verdict_state.h"
 #include "verdict/verdict.h"
@@ -79,8 +80,9 @@ class VerdictDetails : public netvane::ui::VerdictState {
 public:
     static constexpr std::chrono::milliseconds copiedTime {2000};
 
-    /// All services exist and outlive this.
-    explicit VerdictDetails(const services::Services& services);
+    /// All services exist and outlive this. Without a history nothing is said of it.
+    explicit VerdictDetails(
+        const services::Services& services, std::shared_ptr<timeline::Source> history = {});
 
     bool isShown() const { return m_times.isShown(); }
     void setShown(bool isShown);
@@ -106,9 +108,12 @@ private:
     template <typename Value>
     void show(Value& shown, const Value& current, void (VerdictDetails::*changed)());
     void follow();
+    void readHistory();
     void tellTimes();
 
     const services::Services& m_services;
+    const std::shared_ptr<timeline::Source> m_history;
+    timeline::Week m_week; ///< nothing known until it is read
     verdict::Verdict m_verdict;
     std::chrono::system_clock::time_point m_judgedAt;
     RelativeTimes m_times;
