@@ -136,13 +136,14 @@ QString providerPage(const ProviderFacts& facts)
             page += u"\nThe last %1 of %2 are listed.\n"_s.arg(kMostListed).arg(ofProvider.size());
     }
     page += u"\n## How it was measured\n\n"
-            "- A program on a computer in the home sent a small packet to the router, to the "
-            "provider's first router and to a host in the internet every few seconds, as long as "
-            "the computer was awake.\n"
-            "- The first two are UDP datagrams with a hop limit of 1 and 2, which these routers "
-            "answer by an ICMP message; the third is a TCP handshake.\n"
+            "- A program on a computer in the home asked the router, the provider's first router "
+            "and a host in the internet every few seconds, as long as the computer was awake.\n"
+            "- The routers were asked by UDP datagrams with a hop limit of 1 and 2, which they "
+            "answer by an ICMP message, and the user's router by TCP handshakes, too; the host in "
+            "the internet was asked by TCP handshakes.\n"
             "- A fault counts as one behind the router only while the router itself answered.\n"
-            "- A minute is bad when the connection worked badly or not at all for most of it.\n"_s;
+            "- A minute is bad when the program found that the connection worked badly or not at "
+            "all.\n"_s;
     return page;
 }
 
