@@ -27,7 +27,7 @@ ScrollArea {
             Accessible.role: Accessible.Heading
         }
         WrappedText {
-            text: "The number is how many of 100 minutes were bad in the last 30 days."
+            text: "The number is how many of 100 minutes were bad in the last 30 days. Of an empty frame too little is known."
         }
         Item {
             id: grid

@@ -16,7 +16,8 @@ FocusScope {
     PlainText {
         anchors.centerIn: plot
         visible: root.timeLine.isEmpty
-        text: "Nothing is remembered of this time."
+        text: root.timeLine.pages.isRecording ? "Nothing is remembered of this time."
+            : "Nothing is remembered: it is switched off."
         font: Theme.body
         color: Theme.tertiaryText
     }
