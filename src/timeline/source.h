@@ -22,6 +22,8 @@ public:
 
     // Main thread.
 
+    /// Whether there is anything that records; without it the switch has no effect.
+    virtual bool canRecord() const { return true; }
     virtual bool isRecording() const = 0;
     virtual void setRecording(bool isRecording) = 0;
     /// The name of the network that is in use, from outside; absent without one that is remembered.

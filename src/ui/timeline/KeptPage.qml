@@ -25,10 +25,16 @@ ScrollArea {
             ToggleSwitch {
                 Layout.fillWidth: true
                 text: "Remember what happens to the connection"
+                enabled: root.pages.canRecord
                 checked: root.pages.isRecording
                 onToggled: root.pages.isRecording = checked
             }
             WrappedText {
+                visible: !root.pages.canRecord
+                text: "This version of Netvane does not remember anything yet."
+            }
+            WrappedText {
+                visible: root.pages.canRecord
                 text: "Netvane keeps one line of values a minute for 30 days and what happened for 90 days, in a file of a few megabytes that only you can read. Nothing of it leaves this computer unless you save a page or a report."
             }
         }

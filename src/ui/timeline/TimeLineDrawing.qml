@@ -17,7 +17,7 @@ FocusScope {
         anchors.centerIn: plot
         visible: root.timeLine.isEmpty
         text: root.timeLine.pages.isRecording ? "Nothing is remembered of this time."
-            : "Nothing is remembered: it is switched off."
+            : "Nothing is remembered: see \"What is kept\"."
         font: Theme.body
         color: Theme.tertiaryText
     }

@@ -43,6 +43,7 @@ class HistoryPages : public QObject {
     /// What came of saving a page; may be empty.
     Q_PROPERTY(QString saved MEMBER m_saved NOTIFY savedChanged)
     Q_PROPERTY(bool isRecording READ isRecording WRITE setRecording NOTIFY isRecordingChanged)
+    Q_PROPERTY(bool canRecord READ canRecord CONSTANT)
     /// The current network's name; may be empty.
     Q_PROPERTY(QString network READ network NOTIFY changed)
     Q_PROPERTY(bool hasNetwork READ hasNetwork NOTIFY changed)
@@ -53,6 +54,7 @@ public:
     /// All services exist and outlive this.
     HistoryPages(const services::Services& services, std::shared_ptr<timeline::Source> source);
 
+    bool canRecord() const { return m_source->canRecord(); }
     bool isRecording() const { return m_source->isRecording(); }
     void setRecording(bool isRecording);
     QString network() const;

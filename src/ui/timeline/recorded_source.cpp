@@ -14,6 +14,7 @@ public:
     {
         return {.from = from, .to = to};
     }
+    bool canRecord() const override { return false; }
     bool isRecording() const override { return false; }
     void setRecording(bool /*isRecording*/) override { }
     std::optional<QString> network() const override { return {}; }

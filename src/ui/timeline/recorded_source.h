@@ -10,7 +10,8 @@ struct Services;
 
 namespace netvane::ui {
 
-/// What the services have recorded. All services exist; the source may outlive them. Main thread.
+/// What the services have recorded, which is nothing yet. All services exist; the source may
+/// outlive them. Main thread.
 std::shared_ptr<timeline::Source> recordedSource(const services::Services& services);
 
 } // namespace netvane::ui
