@@ -86,6 +86,11 @@ public:
                 handler(event);
             });
     }
+    std::unique_ptr<platform::Connection> sendFullPacket(
+        const QString& host, quint16 port, platform::ConnectionHandler handler) override
+    {
+        return m_real.sendFullPacket(host, port, std::move(handler));
+    }
 
     std::atomic<double> roundTripMs = 0; ///< of the last connection that was ready
 

@@ -38,6 +38,11 @@ public:
     {
         return std::make_unique<Instant>(m_clock, std::move(handler));
     }
+    std::unique_ptr<platform::Connection> sendFullPacket(
+        const QString& host, quint16 port, platform::ConnectionHandler handler) override
+    {
+        return connectTcp(host, port, std::move(handler));
+    }
 
 private:
     class Instant : public platform::Connection {
@@ -109,7 +114,7 @@ int main(int argc, char** argv)
     probes::DNSService dns(
         utils, std::make_shared<InstantResolver>(), clock, QStringLiteral("name.test"));
     probes::CaptivePortalService portal(
-        page, browser, clock, QUrl(QStringLiteral("https://probe.test/")));
+        page, &browser, clock, QUrl(QStringLiteral("https://probe.test/")));
     router.start();
     internet.start();
     dns.start();
