@@ -39,9 +39,11 @@ struct TracerouteService::Run {
     std::unique_ptr<base::Timer> timer; ///< the probe's timeout, or the end of the pause
 };
 
-TracerouteService::TracerouteService(base::Clock& clock, platform::HopProbeFactory& probes)
+TracerouteService::TracerouteService(
+    base::Clock& clock, platform::HopProbeFactory& probes, TraceExtent extent)
     : m_clock(clock)
     , m_probes(probes)
+    , m_extent(extent)
 {
 }
 
@@ -86,7 +88,7 @@ void TracerouteService::performTrace()
 {
     // Four numbers are taken for an address whatever their size, and everything else with a dot for
     // a name or an address; resolving is left to the probes.
-    const bool isTarget = m_run->target.contains(u'.');
+    const bool isTarget = m_extent == TraceExtent::WholeWay || m_run->target.contains(u'.');
     if (!isTarget || m_run->isCancelled) {
         if (!m_run->isCancelled)
             m_earlyEnd = u"Nothing to trace: type a name with a dot in it, or an IPv4 address"_s;
@@ -156,8 +158,7 @@ void TracerouteService::finishHop()
 {
     const auto hop = hopOfRun();
     const bool isTarget = hop.ipAddress == m_run->target;
-    const bool isLast
-        = isTarget || (hop.latency ? hop.hopNumber == maxHops : hop.hopNumber > maxSilentStart);
+    const bool isLast = isTarget || isEndedBy(hop);
     if (isLast && !isTarget && !m_run->isCancelled)
         m_earlyEnd = reasonOfEnd(hop);
     const std::weak_ptr<Run> run = m_run;
@@ -195,9 +196,19 @@ TracerouteHop TracerouteService::hopOfRun() const
     return hop;
 }
 
+bool TracerouteService::isEndedBy(const TracerouteHop& hop) const
+{
+    if (hop.latency)
+        return hop.hopNumber == maxHops;
+    if (m_extent == TraceExtent::ToSilence)
+        return hop.hopNumber > maxSilentStart;
+    // What cannot be sent to the next hop cannot be sent to any.
+    return hop.hopNumber == maxHops || !m_run->sendError.isEmpty();
+}
+
 QString TracerouteService::reasonOfEnd(const TracerouteHop& last) const
 {
-    if (last.latency)
+    if (last.latency || last.hopNumber == maxHops)
         return u"The target was not reached within %1 hops"_s.arg(maxHops);
     if (!m_run->sendError.isEmpty())
         return u"No probe could be sent: %1"_s.arg(m_run->sendError);

@@ -12,10 +12,16 @@
 
 namespace netvane::diagnostics {
 
+/// How far a trace goes.
+enum class TraceExtent {
+    ToSilence, ///< the nearest routers may be silent; a later one ends it
+    WholeWay, ///< past routers that are silent, to any host that the resolver knows
+};
+
 /// Finds the routers on the way to a host, on request: three probes for each number of hops, one
 /// after the other, and one published hop as soon as its probes are done. Ends at the target, after
-/// `maxHops`, or with the first hop after `maxSilentStart` that nobody answers. Main thread; probes
-/// report on a network thread, which never touches this.
+/// `maxHops`, or with the first hop after `maxSilentStart` that nobody answers, as its extent says.
+/// Main thread; probes report on a network thread, which never touches this.
 class TracerouteService : public QObject {
     Q_OBJECT
 
@@ -30,7 +36,8 @@ public:
     static constexpr quint16 portBeforeFirst = 33434;
 
     /// Both outlive this. Nothing is sent before `startTrace`.
-    TracerouteService(base::Clock& clock, platform::HopProbeFactory& probes);
+    TracerouteService(base::Clock& clock, platform::HopProbeFactory& probes,
+        TraceExtent extent = TraceExtent::ToSilence);
     ~TracerouteService() override;
 
     /// What is traced when the user names no host.
@@ -45,8 +52,8 @@ public:
     /// when it did reach it, when the user stopped it, and while one runs.
     const QString& earlyEnd() const { return m_earlyEnd; }
 
-    /// `host` is whatever the user typed. Without a dot in it there is nothing to trace and the
-    /// trace ends at once, without hops. Ignored while a trace runs.
+    /// `host` is whatever the user typed. Of an extent `ToSilence`, without a dot in it there is
+    /// nothing to trace and the trace ends at once, without hops. Ignored while a trace runs.
     void startTrace(const QString& host);
     /// The hop under way still has its probes and appears, unless a new trace begins before.
     void stopTrace();
@@ -69,12 +76,14 @@ private:
     void afterPause();
     void finishHop();
     TracerouteHop hopOfRun() const;
+    bool isEndedBy(const TracerouteHop& hop) const;
     QString reasonOfEnd(const TracerouteHop& last) const;
     void endTrace();
     void setRunning(bool isRunning);
 
     base::Clock& m_clock;
     platform::HopProbeFactory& m_probes;
+    const TraceExtent m_extent;
     std::vector<TracerouteHop> m_hops;
     bool m_isRunning = false;
     QString m_targetHost = defaultTarget();

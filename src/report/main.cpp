@@ -8,6 +8,7 @@
 #include "report/report_options.h"
 #include "report/report_output.h"
 #include "report/report_session.h"
+#include "report/trace_session.h"
 #include "report/verdict_object.h"
 #include "report/verdict_session.h"
 #include "system/linux_platform.h"
@@ -137,6 +138,23 @@ int makeVerdict(platform::Platform& platform, const report::ReportOptions& optio
     return QCoreApplication::exec();
 }
 
+int makeTrace(platform::Platform& platform, const report::ReportOptions& options)
+{
+    constexpr int kNotReached = 20;
+    report::TraceSession session(
+        *platform.clock, *platform.hopProbes, options.traceHost, options.redact);
+    QObject::connect(
+        &session, &report::TraceSession::hopFound, qApp, [&] { showProgress(session.lastHop()); });
+    QObject::connect(&session, &report::TraceSession::finished, qApp, [&] {
+        const auto text = options.traceAsJson
+            ? QString::fromUtf8(session.json(platform.clock->now()))
+            : session.text();
+        deliver(text, options, *platform.clock, session.isReached() ? 0 : kNotReached);
+    });
+    session.start();
+    return QCoreApplication::exec();
+}
+
 int run(const report::ReportOptions& options)
 {
     const base::TerminationSignals terminationSignals;
@@ -144,6 +162,8 @@ int run(const report::ReportOptions& options)
     QObject::connect(&terminationSignals, &base::TerminationSignals::received, qApp,
         [ended] { QCoreApplication::exit(ended); });
     auto platform = system::makePlatform();
+    if (options.outlet == report::Outlet::Trace)
+        return makeTrace(platform, options);
     return options.outlet == report::Outlet::Report ? makeReport(platform, options)
                                                     : makeVerdict(platform, options);
 }

@@ -44,6 +44,11 @@ void describe(QCommandLineParser& parser)
         {u"watch"_s, u"Print such an object a line, now and at each change of the verdict."_s},
         {u"interval"_s, u"With --watch: every N seconds, too."_s, u"N"_s},
         {u"prometheus"_s, u"Print metrics for node_exporter's textfile collector."_s},
+        {u"trace"_s,
+            u"Print the routers on the way to HOST, up to 30, and end with 20 if it does not "
+            u"answer; "
+            "as an object with --json."_s,
+            u"HOST"_s},
         {u"seconds"_s, u"Measure for N seconds."_s, u"N"_s},
         {u"output"_s, u"Write to FILE instead of standard output."_s, u"FILE"_s},
         {u"redact"_s, u"Put placeholders in the place of network names and of addresses."_s},
@@ -77,8 +82,16 @@ std::variant<ReportOptions, Message> parseOptions(const QStringList& arguments)
         chosen.append(u"--"_s + name);
         options.outlet = outlet;
     }
+    if (parser.isSet(u"trace"_s)) {
+        options.traceAsJson = chosen.removeOne(u"--json"_s);
+        chosen.append(u"--trace"_s);
+        options.outlet = Outlet::Trace;
+        options.traceHost = parser.value(u"trace"_s);
+    }
     if (chosen.size() > 1)
         return misuse(u"%1 exclude each other."_s.arg(chosen.join(u" and "_s)));
+    if (options.outlet == Outlet::Trace && parser.isSet(u"seconds"_s))
+        return misuse(u"--seconds does not go with --trace."_s);
     if (options.speedTest && !chosen.isEmpty())
         return misuse(u"--speed-test goes with the report only."_s);
     if (parser.isSet(u"interval"_s) && options.outlet != Outlet::Watch)

@@ -16,6 +16,7 @@ enum class Outlet {
     Json, ///< one object
     Watch, ///< an object a line, at the start and at each change
     Prometheus,
+    Trace, ///< the routers on the way to `traceHost`
 };
 
 /// What the command line asks for.
@@ -24,6 +25,8 @@ struct ReportOptions {
     std::optional<std::chrono::seconds> duration; ///< absent: as the outlet needs
     std::optional<std::chrono::seconds> interval; ///< also print so often; only when watching
     std::optional<QString> output; ///< a file instead of standard output
+    QString traceHost;
+    bool traceAsJson = false;
     bool redact = false;
     bool speedTest = false;
 

@@ -16,17 +16,6 @@ using verdict::Evidence;
 using verdict::Outcomes;
 using verdict::Verdict;
 
-QString timeText(std::chrono::system_clock::time_point time)
-{
-    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
-    return QDateTime::fromMSecsSinceEpoch(ms.count(), Qt::UTC).toString(Qt::ISODateWithMs);
-}
-
-double rounded(double value)
-{
-    return double(qRound64(value * 10)) / 10;
-}
-
 /// Fields of an object; absent values are left out.
 class Fields {
 public:
@@ -171,6 +160,17 @@ QJsonArray eventsPart(const Evidence& evidence, std::chrono::system_clock::time_
 }
 
 } // namespace
+
+QString timeText(std::chrono::system_clock::time_point time)
+{
+    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch());
+    return QDateTime::fromMSecsSinceEpoch(ms.count(), Qt::UTC).toString(Qt::ISODateWithMs);
+}
+
+double rounded(double value)
+{
+    return double(qRound64(value * 10)) / 10;
+}
 
 QJsonObject verdictObject(
     const Verdict& verdict, const Evidence& evidence, std::chrono::system_clock::time_point now)

@@ -10,6 +10,11 @@
 
 namespace netvane::report {
 
+/// RFC 3339 in UTC, with milliseconds.
+QString timeText(std::chrono::system_clock::time_point time);
+/// To one decimal place.
+double rounded(double value);
+
 /// A verdict and what it rests on, as docs/netvane-report.schema.json describes it. What is absent
 /// is left out. `now` is the wall clock at `evidence.now`.
 QJsonObject verdictObject(const verdict::Verdict& verdict, const verdict::Evidence& evidence,

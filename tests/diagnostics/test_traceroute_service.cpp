@@ -81,6 +81,27 @@ private Q_SLOTS:
         QCOMPARE(m_clock->timerCount(), 0);
     }
 
+    /// Past routers that are silent.
+    void wholeWay_data()
+    {
+        QTest::addColumn<QByteArray>("answers");
+        QTest::addColumn<QString>("earlyEnd");
+        QTest::newRow("silent routers") << QByteArray(27, '-') + "ttt" << QString();
+        QTest::newRow("a silent host") << QByteArray(90, '-')
+                                       << u"The target was not reached within 30 hops"_s;
+        QTest::newRow("no address") << "xxx"_ba << u"No probe could be sent: No route to host"_s;
+    }
+    void wholeWay()
+    {
+        QFETCH(QByteArray, answers);
+        m_service = std::make_unique<TracerouteService>(*m_clock, *m_network, TraceExtent::WholeWay);
+        start(kTarget);
+        playAll(answers);
+        QVERIFY(!m_service->isRunning());
+        QTEST(m_service->earlyEnd(), "earlyEnd");
+        QCOMPARE(m_service->hops().size(), size_t(answers.size()) / 3);
+    }
+
     /// The answer came while the main thread was busy, which hears of the timeout first. What the
     /// resolver took is not counted.
     void busyMainThread()

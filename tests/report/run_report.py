@@ -88,7 +88,7 @@ def check(program, folder):
            and (result.returncode, result.stdout) == (0, ""), target.read_text())
     for words, status, text in ((f"--seconds 1 --output {folder}/no/folder", 1, "folder"), ("--seconds 0", 2, "1 to 86400"),
                                 ("--seconds 86401", 2, "--help"), ("--redact=yes", 2, "--help"), ("--json --watch", 2, "exclude"),
-                                ("--interval 3", 2, "--watch"), ("report.md", 2, "--help"),
+                                ("--interval 3", 2, "--watch"), ("--trace host --watch", 2, "exclude"), ("report.md", 2, "--help"),
                                 ("--help", 0, "--speed-test"), ("--version", 0, "netvane-report ")):
         result = run(words)
         shown, other = (result.stderr, result.stdout)[::-1 if status == 0 else 1]
@@ -128,6 +128,12 @@ def check_verdict(run):
     result = run("--verdict")
     expect("a verdict for people", result.stdout.startswith("False answers from DNS")
            and result.returncode == 14, result)
+    for words, status, end in ((f"--trace {ROUTER} --json --redact", 0, None), ("--trace not..valid --json", 20, "No probe could be sent")):
+        result = run(words)
+        trace = json.loads(result.stdout)
+        jsonschema.validate(trace, schema["$defs"]["trace"], format_checker=jsonschema.FormatChecker())
+        expect(words, result.returncode == status and trace["reached"] == (status == 0) and trace["host"] != ROUTER
+               and len(trace["hops"]) == 1 and (end is None or trace["end"].startswith(end)), result)
     result = run("--prometheus --seconds 5")
     expect("metrics", 'netvane_verdict_severity{cause="dns-wrong",segment="dns"} 3\n' in result.stdout, result)
     subprocess.run("ip link delete here".split(), check=True)
