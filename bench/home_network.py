@@ -1,4 +1,4 @@
-"""A network as people have it: a router that is the internet too, and a way to it that takes its time.
+"""A healthy network as people have it: a router that is the internet too, and a way to it that takes its time.
 
 Answers that come in no time would be unlike any network: whoever asks then finds them there before going to sleep, and
 is spared the waking up.
@@ -9,17 +9,22 @@ import multiprocessing
 import os
 import select
 import socket
-import ssl
 import struct
 import subprocess
+import sys
 import tempfile
 import threading
 import time
 
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, f"{HERE}/../lab")
+import servers  # noqa: E402
+import world  # noqa: E402
+
 ROUTER = "192.0.2.1"
 INTERNET = "1.1.1.1"
 NEAR = "near"  # this end of the way
-ELSEWHERE = "192.0.2.9"  # every name's address
+ELSEWHERE = "198.51.100.9"  # every name's address
 ONE_WAY = 0.005  # seconds
 TUNSETIFF, IFF_TAP, IFF_NO_PI = 0x400454CA, 0x0002, 0x1000
 LARGEST_FRAME = 2048
@@ -59,35 +64,31 @@ def look_up():
         names.sendto(query[:2] + struct.pack(">5H", 0x8180, 1, found, 0, 0) + question + record, asker)
 
 
-def shake_hands():
-    """TLS with a certificate that nobody trusts: a check for a portal gets as far as that."""
-    with tempfile.TemporaryDirectory() as place:
-        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes",
-                        "-days", "1", "-subj", "/CN=elsewhere", "-keyout", f"{place}/key", "-out", f"{place}/certificate"],
-                       check=True, capture_output=True)
-        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-        context.load_cert_chain(f"{place}/certificate", f"{place}/key")
-    with socket.create_server((ELSEWHERE, 443)) as listener:
+def serve_pages(certificates):
+    """The page that a check for a portal wants, with a certificate that is trusted inside."""
+    with socket.create_server((ELSEWHERE, 443), backlog=64) as listener:
+        answer_page = servers.tls(certificates, "web", servers.http)
         while True:
             connection = listener.accept()[0]
             connection.settimeout(5)
             try:
-                context.wrap_socket(connection, server_side=True).close()
+                answer_page(connection)
             except OSError:
-                connection.close()
+                pass
+            connection.close()
 
 
-def answer():
-    for service in (look_up, shake_hands):
-        threading.Thread(target=service, daemon=True).start()
+def answer(certificates):
+    for service, arguments in ((look_up, ()), (serve_pages, (certificates,))):
+        threading.Thread(target=service, args=arguments, daemon=True).start()
     with socket.create_server(("", 80), backlog=64) as listener:
         while True:
             listener.accept()[0].close()
 
 
-def answer_inside(namespace):
+def answer_inside(namespace, certificates):
     """In a process of its own, in the network namespace of that path."""
-    command = f"import sys; sys.path.insert(0, {os.path.dirname(__file__)!r}); import home_network; home_network.answer()"
+    command = f"import sys; sys.path.insert(0, {HERE!r}); import home_network; home_network.answer({certificates!r})"
     return subprocess.Popen(["nsenter", f"--net={namespace}", "/usr/bin/python3", "-c", command])
 
 
@@ -99,6 +100,9 @@ class HomeNetwork:
         self.resolver.write(f"nameserver {ROUTER}\n")
         self.resolver.flush()
         subprocess.run(["mount", "--bind", self.resolver.name, os.path.realpath("/etc/resolv.conf")], check=True)
+        self.certificates = tempfile.TemporaryDirectory()
+        subprocess.run(["sh", "-ec", world.CERTIFICATES], cwd=self.certificates.name, check=True, capture_output=True)
+        subprocess.run(["mount", "--bind", f"{self.certificates.name}/certs", "/etc/ssl/certs"], check=True)
         peer = subprocess.Popen(["unshare", "--net", "sh", "-c", "echo; exec sleep infinity"], stdout=subprocess.PIPE)
         peer.stdout.readline()
         namespace = f"/proc/{peer.pid}/ns/net"
@@ -115,7 +119,7 @@ class HomeNetwork:
             subprocess.run(command, check=True)
         carrier = multiprocessing.get_context("fork").Process(target=carry, args=(ends,), daemon=True)
         carrier.start()
-        self.processes = [carrier, answer_inside(namespace), peer]
+        self.processes = [carrier, answer_inside(namespace, self.certificates.name), peer]
 
     def cut(self):
         subprocess.run(["ip", "link", "set", NEAR, "down"], check=True)

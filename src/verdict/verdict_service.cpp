@@ -29,7 +29,7 @@ constexpr size_t kLinkReadings = 12; // a minute of the sampler
 constexpr size_t kRadioEvents = 64;
 constexpr auto kEventLife = 2min;
 constexpr qsizetype kNameServers = 3; // what the system's resolver uses
-constexpr int kRoundsBetweenQuestions = 3; // to the primary name server, while all is well
+constexpr int kRoundsBetweenQuestions = 10; // to the primary name server, while all is well
 constexpr auto kPlainWebInterval = 9s;
 
 } // namespace
