@@ -5,6 +5,7 @@
 #include "base/log.h"
 #include "base/write_all.h"
 #include "bus/bus_probe.h"
+#include "history/history_store.h"
 #include "platform/platform.h"
 #include "system/linux_platform.h"
 
@@ -63,13 +64,20 @@ void avoidCrashWithoutSeat(const std::vector<char*>& arguments)
     ::execv("/proc/self/exe", arguments.data());
 }
 
+platform::Platform makePlatform()
+{
+    auto platform = system::makePlatform();
+    platform.historyFile = history::HistoryStore::defaultPath();
+    return platform;
+}
+
 int run(QApplication& application, const QString& action)
 {
     app::ViewsLibrary library(app::ViewsLibrary::defaultPath());
     return app::runProgram(
         application,
         [&application, &library] {
-            return std::make_unique<app::Program>(application, system::makePlatform(),
+            return std::make_unique<app::Program>(application, makePlatform(),
                 std::bind_front(&app::ViewsLibrary::makeViews, &library));
         },
         action);

@@ -2,6 +2,7 @@
 
 #include "platform/platform.h"
 #include "services/services.h"
+#include "timeline/facts.h"
 #include "windows/quick_views.h"
 
 #include <QDateTime>
@@ -200,24 +201,7 @@ public:
     timeline::ProviderFacts facts(Milliseconds from, Milliseconds to) const override
     {
         const std::lock_guard lock(m_lock);
-        timeline::ProviderFacts facts {.from = from,
-            .to = to,
-            .measuredHours = double(m_month.minutes.size()) / 60,
-            .router = {2.6, 6, 0.1},
-            .line = {10.4, 240, 0.4},
-            .internet = {16.8, 262, 0.6},
-            .outages = m_month.outages};
-        for (const auto& minute : m_month.minutes) {
-            const auto time = QDateTime::fromMSecsSinceEpoch(qint64(minute.at));
-            auto& hour
-                = facts.week.at(size_t(time.date().dayOfWeek() - 1)).at(size_t(time.time().hour()));
-            ++hour.minutes;
-            if (minute.severity < Severity::Poor)
-                continue;
-            ++hour.badMinutes;
-            hour.culprit = *minute.cause;
-        }
-        return facts;
+        return timeline::factsOf(m_month.minutes, m_month.outages, from, to);
     }
 
     bool isRecording() const override { return m_isRecording; }

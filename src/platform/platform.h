@@ -58,6 +58,7 @@ struct Platform {
     std::unique_ptr<NameServerClient> nameServers; ///< null without the library for it
     std::shared_ptr<Resolver> resolver; ///< shared with lookups that may outlive all other objects
     std::unique_ptr<UserDefaults> userDefaults;
+    QString historyFile; ///< what is measured is remembered there; empty: nowhere
     std::unique_ptr<UserNotificationCenter> userNotifications;
     std::unique_ptr<Clipboard> clipboard;
     std::unique_ptr<SavePanel> savePanel;

@@ -2,8 +2,10 @@
 #include "base/log.h"
 #include "base/termination_signals.h"
 #include "base/write_all.h"
+#include "history/history_store.h"
 #include "insights/report_text.h"
 #include "platform/platform.h"
+#include "report/history_text.h"
 #include "report/redaction.h"
 #include "report/report_options.h"
 #include "report/report_output.h"
@@ -12,6 +14,8 @@
 #include "report/verdict_object.h"
 #include "report/verdict_session.h"
 #include "system/linux_platform.h"
+#include "timeline/outages.h"
+#include "timeline/recorded_source.h"
 #include "verdict/verdict_service.h"
 
 #include <QCoreApplication>
@@ -146,12 +150,34 @@ int makeTrace(platform::Platform& platform, const report::ReportOptions& options
     QObject::connect(
         &session, &report::TraceSession::hopFound, qApp, [&] { showProgress(session.lastHop()); });
     QObject::connect(&session, &report::TraceSession::finished, qApp, [&] {
-        const auto text = options.traceAsJson
-            ? QString::fromUtf8(session.json(platform.clock->now()))
-            : session.text();
+        const auto text = options.asJson ? QString::fromUtf8(session.json(platform.clock->now()))
+                                         : session.text();
         deliver(text, options, *platform.clock, session.isReached() ? 0 : kNotReached);
     });
     session.start();
+    return QCoreApplication::exec();
+}
+
+/// Measures nothing: what the desktop program recorded.
+int printHistory(platform::Platform& platform, const report::ReportOptions& options)
+{
+    using std::chrono::duration_cast;
+    const auto time
+        = duration_cast<std::chrono::milliseconds>(platform.clock->now().time_since_epoch());
+    const auto to = history::Milliseconds(time.count());
+    const auto from = to - duration_cast<std::chrono::milliseconds>(options.history).count();
+    history::HistoryStore store(history::HistoryStore::defaultPath());
+    QByteArray text;
+    if (options.asJson || options.asCsv) {
+        const auto batch = store.read(from, to);
+        text = options.asJson ? report::historyJson(batch, options.redact)
+                              : report::historyCsv(batch, options.redact);
+    } else {
+        text = timeline::providerPage(
+            timeline::factsOf(store, timeline::Milliseconds(from), timeline::Milliseconds(to)))
+                   .toUtf8();
+    }
+    deliver(QString::fromUtf8(text), options, *platform.clock);
     return QCoreApplication::exec();
 }
 
@@ -162,6 +188,8 @@ int run(const report::ReportOptions& options)
     QObject::connect(&terminationSignals, &base::TerminationSignals::received, qApp,
         [ended] { QCoreApplication::exit(ended); });
     auto platform = system::makePlatform();
+    if (options.outlet == report::Outlet::History)
+        return printHistory(platform, options);
     if (options.outlet == report::Outlet::Trace)
         return makeTrace(platform, options);
     return options.outlet == report::Outlet::Report ? makeReport(platform, options)

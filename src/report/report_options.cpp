@@ -28,6 +28,26 @@ std::variant<std::optional<std::chrono::seconds>, QString> secondsOf(
     return std::optional(std::chrono::seconds(count));
 }
 
+/// "7d", "24h", "90m"; at most ten years. Absent for anything else.
+std::optional<std::chrono::seconds> spanOf(const QString& text)
+{
+    constexpr int kMost = 100'000;
+    bool isNumber = false;
+    const int count = text.chopped(text.isEmpty() ? 0 : 1).toInt(&isNumber);
+    if (!isNumber || count < 1 || count > kMost)
+        return {};
+    switch (text.back().unicode()) {
+    case u'd':
+        return count <= 3650 ? std::optional(std::chrono::days(count)) : std::nullopt;
+    case u'h':
+        return std::chrono::hours(count);
+    case u'm':
+        return std::chrono::minutes(count);
+    default:
+        return {};
+    }
+}
+
 const std::pair<QString, Outlet> kOutlets[] = {{u"verdict"_s, Outlet::Verdict},
     {u"json"_s, Outlet::Json}, {u"watch"_s, Outlet::Watch}, {u"prometheus"_s, Outlet::Prometheus}};
 
@@ -49,6 +69,12 @@ void describe(QCommandLineParser& parser)
             u"answer; "
             "as an object with --json."_s,
             u"HOST"_s},
+        {u"history"_s,
+            u"Print what Netvane remembers of the last SPAN (7d, 24h, 90m), as a page for a "
+            u"provider; "
+            "with --json or --csv all of it."_s,
+            u"SPAN"_s},
+        {u"csv"_s, u"With --history: the minutes as a table."_s},
         {u"seconds"_s, u"Measure for N seconds."_s, u"N"_s},
         {u"output"_s, u"Write to FILE instead of standard output."_s, u"FILE"_s},
         {u"redact"_s, u"Put placeholders in the place of network names and of addresses."_s},
@@ -82,16 +108,27 @@ std::variant<ReportOptions, Message> parseOptions(const QStringList& arguments)
         chosen.append(u"--"_s + name);
         options.outlet = outlet;
     }
-    if (parser.isSet(u"trace"_s)) {
-        options.traceAsJson = chosen.removeOne(u"--json"_s);
-        chosen.append(u"--trace"_s);
-        options.outlet = Outlet::Trace;
-        options.traceHost = parser.value(u"trace"_s);
+    for (const auto& [name, outlet] :
+        {std::pair(u"trace"_s, Outlet::Trace), {u"history"_s, Outlet::History}}) {
+        if (!parser.isSet(name))
+            continue;
+        options.asJson = chosen.removeOne(u"--json"_s);
+        chosen.append(u"--"_s + name);
+        options.outlet = outlet;
     }
+    options.traceHost = parser.value(u"trace"_s);
+    options.asCsv = parser.isSet(u"csv"_s);
+    if (options.asCsv && (options.outlet != Outlet::History || options.asJson))
+        return misuse(u"--csv goes with --history only, and not with --json."_s);
+    if (const auto span = spanOf(parser.value(u"history"_s)))
+        options.history = *span;
+    else if (options.outlet == Outlet::History)
+        return misuse(u"--history wants a time such as 7d, 24h or 90m."_s);
     if (chosen.size() > 1)
         return misuse(u"%1 exclude each other."_s.arg(chosen.join(u" and "_s)));
-    if (options.outlet == Outlet::Trace && parser.isSet(u"seconds"_s))
-        return misuse(u"--seconds does not go with --trace."_s);
+    if ((options.outlet == Outlet::Trace || options.outlet == Outlet::History)
+        && parser.isSet(u"seconds"_s))
+        return misuse(u"--seconds does not go with %1."_s.arg(chosen.constLast()));
     if (options.speedTest && !chosen.isEmpty())
         return misuse(u"--speed-test goes with the report only."_s);
     if (parser.isSet(u"interval"_s) && options.outlet != Outlet::Watch)

@@ -16,6 +16,7 @@ enum class Outlet {
     Json, ///< one object
     Watch, ///< an object a line, at the start and at each change
     Prometheus,
+    History, ///< of the time before now
     Trace, ///< the routers on the way to `traceHost`
 };
 
@@ -26,7 +27,9 @@ struct ReportOptions {
     std::optional<std::chrono::seconds> interval; ///< also print so often; only when watching
     std::optional<QString> output; ///< a file instead of standard output
     QString traceHost;
-    bool traceAsJson = false;
+    std::chrono::seconds history {}; ///< how far back
+    bool asJson = false; ///< a trace or the history
+    bool asCsv = false; ///< the history
     bool redact = false;
     bool speedTest = false;
 

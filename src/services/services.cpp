@@ -4,6 +4,7 @@
 #include "diagnostics/channel_analysis_service.h"
 #include "diagnostics/speed_test_service.h"
 #include "diagnostics/traceroute_service.h"
+#include "history/recorder.h"
 #include "insights/network_notification_service.h"
 #include "insights/onboarding_service.h"
 #include "insights/report_service.h"
@@ -60,6 +61,7 @@ void Services::makeAll(platform::ApplicationActivity& activity)
     makeNameLookups();
     makeSpeedTest();
     makeVerdict();
+    makeRecorder();
     channelAnalysisService
         = std::make_unique<diagnostics::ChannelAnalysisService>(*platform.networkScanner, clock);
     channelAnalysisService->setLocationPermissionService(locationPermissionService.get());
@@ -111,6 +113,23 @@ void Services::makeVerdict()
         platform.urlOpener.get(), *platform.clock, probes::kCaptivePortalProbe);
     verdictService = std::make_unique<verdict::VerdictService>(
         platform, *wifiService, *dnsService, *captivePortalService);
+}
+
+void Services::makeRecorder()
+{
+    recorder = std::make_unique<history::Recorder>(platform, *verdictService);
+    QObject::connect(captivePortalService.get(), &probes::CaptivePortalService::isCaptiveChanged,
+        recorder.get(), [this] {
+            if (captivePortalService->isCaptive())
+                recorder->note(u"portal"_s);
+        });
+    QObject::connect(speedTestService.get(), &diagnostics::SpeedTestService::resultChanged,
+        recorder.get(), [this] {
+            if (const auto& result = speedTestService->result())
+                recorder->note(u"speed-test"_s,
+                    u"%1 Mbps down, %2 Mbps up"_s.arg(result->downloadSpeed.value_or(0), 0, 'f', 1)
+                        .arg(result->uploadSpeed.value_or(0), 0, 'f', 1));
+        });
 }
 
 void Services::makeSpeedTest()

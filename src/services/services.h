@@ -12,6 +12,9 @@ class ChannelAnalysisService;
 class SpeedTestService;
 class TracerouteService;
 } // namespace netvane::diagnostics
+namespace netvane::history {
+class Recorder;
+} // namespace netvane::history
 namespace netvane::insights {
 class NetworkNotificationService;
 class OnboardingService;
@@ -86,9 +89,11 @@ struct Services {
     std::unique_ptr<insights::OnboardingService> onboardingService;
     std::unique_ptr<insights::ReportService> reportService;
     std::unique_ptr<verdict::VerdictService> verdictService;
+    std::unique_ptr<history::Recorder> recorder;
 
 private:
     void makeLink();
+    void makeRecorder();
     void makeNameLookups();
 };
 

@@ -3,10 +3,10 @@
 #include "app/notification_center.h"
 #include "platform/platform.h"
 #include "services/services.h"
+#include "timeline/recorded_source.h"
 #include "ui/painting/theme.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
-#include "ui/timeline/recorded_source.h"
 #include "ui/timeline/time_line_state.h"
 #include "ui/verdict/verdict_details.h"
 #include "ui/view_engine.h"
@@ -86,7 +86,8 @@ private:
 std::unique_ptr<app::DashboardViews> makeQuickViews(
     const services::Services& services, const QMenu& menu, app::NotificationCenter& notifications)
 {
-    return makeQuickViewsWith(services, menu, notifications, ui::recordedSource(services));
+    return makeQuickViewsWith(
+        services, menu, notifications, timeline::recordedSource(*services.recorder));
 }
 
 std::unique_ptr<app::DashboardViews> makeQuickViewsWith(const services::Services& services,

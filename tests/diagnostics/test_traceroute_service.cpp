@@ -87,14 +87,15 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("answers");
         QTest::addColumn<QString>("earlyEnd");
         QTest::newRow("silent routers") << QByteArray(27, '-') + "ttt" << QString();
-        QTest::newRow("a silent host") << QByteArray(90, '-')
-                                       << u"The target was not reached within 30 hops"_s;
+        QTest::newRow("a silent host")
+            << QByteArray(90, '-') << u"The target was not reached within 30 hops"_s;
         QTest::newRow("no address") << "xxx"_ba << u"No probe could be sent: No route to host"_s;
     }
     void wholeWay()
     {
         QFETCH(QByteArray, answers);
-        m_service = std::make_unique<TracerouteService>(*m_clock, *m_network, TraceExtent::WholeWay);
+        m_service
+            = std::make_unique<TracerouteService>(*m_clock, *m_network, TraceExtent::WholeWay);
         start(kTarget);
         playAll(answers);
         QVERIFY(!m_service->isRunning());

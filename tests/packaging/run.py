@@ -17,6 +17,12 @@ lib/netvane/netvane-views.so
 share/applications/org.netvane.Netvane.desktop
 share/doc/netvane/examples/autostart/org.netvane.Netvane.desktop
 share/doc/netvane/netvane-report.schema.json
+share/doc/netvane/examples/README.md
+share/doc/netvane/examples/netvane-line
+share/doc/netvane/examples/node_exporter/netvane-metrics.service
+share/doc/netvane/examples/node_exporter/netvane-metrics.timer
+share/doc/netvane/examples/waybar/config.jsonc
+share/doc/netvane/examples/waybar/style.css
 share/icons/hicolor/scalable/apps/org.netvane.Netvane.svg
 share/icons/hicolor/symbolic/apps/org.netvane.Netvane-symbolic.svg
 share/man/man1/netvane-report.1

@@ -88,7 +88,8 @@ def check(program, folder):
            and (result.returncode, result.stdout) == (0, ""), target.read_text())
     for words, status, text in ((f"--seconds 1 --output {folder}/no/folder", 1, "folder"), ("--seconds 0", 2, "1 to 86400"),
                                 ("--seconds 86401", 2, "--help"), ("--redact=yes", 2, "--help"), ("--json --watch", 2, "exclude"),
-                                ("--interval 3", 2, "--watch"), ("--trace host --watch", 2, "exclude"), ("report.md", 2, "--help"),
+                                ("--interval 3", 2, "--watch"), ("--trace host --watch", 2, "exclude"),
+                                ("--history 7x", 2, "7d, 24h"), ("--csv", 2, "--history"), ("report.md", 2, "--help"),
                                 ("--help", 0, "--speed-test"), ("--version", 0, "netvane-report ")):
         result = run(words)
         shown, other = (result.stderr, result.stdout)[::-1 if status == 0 else 1]
@@ -128,6 +129,9 @@ def check_verdict(run):
     result = run("--verdict")
     expect("a verdict for people", result.stdout.startswith("False answers from DNS")
            and result.returncode == 14, result)
+    result = run("--history 7d --json")
+    jsonschema.validate(json.loads(result.stdout), schema["$defs"]["history"], format_checker=jsonschema.FormatChecker())
+    expect("an empty history", result.returncode == 0, result)
     for words, status, end in ((f"--trace {ROUTER} --json --redact", 0, None), ("--trace not..valid --json", 20, "No probe could be sent")):
         result = run(words)
         trace = json.loads(result.stdout)

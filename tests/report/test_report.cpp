@@ -1,3 +1,4 @@
+#include "report/history_text.h"
 #include "report/redaction.h"
 #include "report/report_session.h"
 #include "simulated/manual_clock.h"
@@ -26,6 +27,29 @@ private Q_SLOTS:
         QCOMPARE(input.dnsServer, std::optional(u"[address 1]"_s));
         QCOMPARE(
             report::redacted({.dnsServer = u"Unknown"_s}).dnsServer, std::optional(u"Unknown"_s));
+    }
+
+    /// Names are quoted, harmless to a spreadsheet, and left out where that is asked for.
+    void historyForOthers()
+    {
+        const history::Batch batch {.minutes = {{.at = 1'700'000'040'000,
+                                        .network = u"=Café, \"home\""_s,
+                                        .internet = {12.34, {}, {}, 0},
+                                        .cause = u"healthy"_s}},
+            .events = {{1'700'000'040'000, u"gateway"_s, u"192.0.2.1"_s, {}, -50,
+                u"02:00:00:00:01:00"_s, u"02:00:00:00:02:00"_s}}};
+        const auto csv = report::historyCsv(batch, false);
+        QVERIFY2(
+            csv.contains(
+                "\r\n\"2023-11-14T22:14:00.000Z\",\"'=Café, \"\"home\"\"\",,,,,,,,,12.3,,,0,,"),
+            csv.constData());
+        QVERIFY(csv.endsWith(",\"healthy\",\"fine\"\r\n"));
+        for (const auto& text :
+            {report::historyJson(batch, true), report::historyCsv(batch, true)}) {
+            for (const auto* secret : {"Caf", "192.0.2.1", "02:00:00"})
+                QVERIFY(!text.contains(secret));
+        }
+        QVERIFY(report::historyJson(batch, false).contains("\"before\": \"02:00:00:00:02:00\""));
     }
 
     /// The fourth is lost, so that the fifth is published later than it is recorded.

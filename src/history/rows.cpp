@@ -1,0 +1,245 @@
+#include "history/rows.h"
+
+#include "history/database.h"
+
+#include <QHash>
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <iterator>
+
+namespace netvane::history {
+namespace {
+
+constexpr Milliseconds kDay = 24 * 60 * kMinute;
+
+/// Gives names their random identifiers. Minutes and events hold these and no name, so that they
+/// say nothing about places without the tables of names.
+class Names {
+public:
+    Names(Database& database, const char* find, const char* add)
+        : m_find(database, find)
+        , m_add(database, add)
+    {
+    }
+
+    /// Absent for an empty name.
+    std::optional<int> idOf(const QString& name)
+    {
+        if (name.isEmpty())
+            return {};
+        if (const auto known = m_ids.constFind(name); known != m_ids.cend())
+            return *known;
+        m_find.reset();
+        m_find.bind(name);
+        const auto stored = m_find.step() ? m_find.small(0) : std::nullopt;
+        const int id = stored ? *stored : add(name);
+        m_ids.insert(name, id);
+        return id;
+    }
+
+private:
+    int add(const QString& name)
+    {
+        const int id = int(QRandomGenerator::system()->bounded(1, 1 << 30));
+        m_add.reset();
+        m_add.bind(std::int64_t(id)).bind(name).step();
+        return id;
+    }
+
+    Statement m_find;
+    Statement m_add;
+    QHash<QString, int> m_ids;
+};
+
+void bindPath(Statement& statement, const PathMinute& path)
+{
+    statement.bind(path.medianMs).bind(path.farMs).bind(path.jitterMs).bind(path.lossPercent);
+}
+
+PathMinute pathAt(const Statement& statement, int column)
+{
+    return {statement.hundredths(column), statement.hundredths(column + 1),
+        statement.hundredths(column + 2), statement.hundredths(column + 3)};
+}
+
+void writeMinutes(Database& database, const std::vector<Minute>& minutes)
+{
+    Names networks(database, "SELECT id FROM network WHERE name = ?",
+        "INSERT OR IGNORE INTO network VALUES (?, ?)");
+    Statement statement(database,
+        "INSERT OR IGNORE INTO minute VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+        "?, ?, ?, ?, ?, ?, ?, ?)");
+    for (const auto& minute : minutes) {
+        statement.reset();
+        statement.bind(minute.at / kMinute).bind(networks.idOf(minute.network));
+        for (const auto* path : {&minute.router, &minute.line, &minute.internet})
+            bindPath(statement, *path);
+        for (const auto& value : {minute.signalDbm, minute.leastSignalDbm, minute.noiseDbm})
+            statement.bind(value);
+        statement.bind(minute.sendMbps).bind(minute.receiveMbps).bind(minute.lookupMs);
+        for (const auto& value : {minute.failedLookups, minute.retries, minute.failed})
+            statement.bind(value);
+        statement.bind(std::int64_t(minute.severity)).bind(minute.cause).step();
+    }
+}
+
+void writeEvents(Database& database, const std::vector<Event>& events)
+{
+    Names points(database, "SELECT id FROM access_point WHERE bssid = ?",
+        "INSERT OR IGNORE INTO access_point VALUES (?, ?)");
+    Statement statement(database, "INSERT INTO event VALUES (NULL, ?, ?, ?, ?, ?, ?, ?)");
+    for (const auto& event : events) {
+        statement.reset();
+        statement.bind(event.at).bind(event.kind).bind(event.text).bind(event.code);
+        statement.bind(event.signalDbm).bind(points.idOf(event.accessPoint));
+        statement.bind(points.idOf(event.before)).step();
+    }
+}
+
+void readMinutes(
+    Database& database, Milliseconds from, Milliseconds to, int most, std::vector<Minute>& minutes)
+{
+    Statement names(database, "SELECT id, name FROM network LIMIT 1000");
+    QHash<std::int64_t, QString> networks;
+    while (names.step())
+        networks.insert(names.integer(0), names.text(1));
+    Statement rows(
+        database, "SELECT * FROM minute WHERE at BETWEEN ? AND ? ORDER BY at DESC LIMIT ?");
+    rows.bind(from / kMinute).bind(to / kMinute).bind(std::int64_t(most));
+    while (rows.step()) {
+        minutes.push_back({.at = rows.integer(0) * kMinute,
+            .network = networks.value(rows.integer(1)),
+            .router = pathAt(rows, 2),
+            .line = pathAt(rows, 6),
+            .internet = pathAt(rows, 10),
+            .signalDbm = rows.small(14),
+            .leastSignalDbm = rows.small(15),
+            .noiseDbm = rows.small(16),
+            .sendMbps = rows.hundredths(17),
+            .receiveMbps = rows.hundredths(18),
+            .lookupMs = rows.hundredths(19),
+            .failedLookups = rows.small(20),
+            .retries = rows.small(21),
+            .failed = rows.small(22),
+            .severity = std::clamp(rows.small(23).value_or(0), 0, 3)});
+        if (const auto cause = rows.text(24); !cause.isEmpty())
+            minutes.back().cause = cause;
+    }
+    std::ranges::reverse(minutes);
+}
+
+void readEvents(
+    Database& database, Milliseconds from, Milliseconds to, int most, std::vector<Event>& events)
+{
+    Statement rows(database,
+        "SELECT event.at, kind, text, code, signal, now.bssid, past.bssid FROM event "
+        "LEFT JOIN access_point AS now ON now.id = event.access_point "
+        "LEFT JOIN access_point AS past ON past.id = event.before "
+        "WHERE event.at BETWEEN ? AND ? ORDER BY event.at DESC, event.id DESC LIMIT ?");
+    rows.bind(from).bind(to).bind(std::int64_t(most));
+    while (rows.step())
+        events.push_back({rows.integer(0), rows.text(1), rows.text(2), rows.small(3), rows.small(4),
+            rows.text(5), rows.text(6)});
+    std::ranges::reverse(events);
+}
+
+} // namespace
+
+bool writeRows(Database& database, const Batch& batch)
+{
+    writeMinutes(database, batch.minutes);
+    writeEvents(database, batch.events);
+    Statement outage(database, "INSERT OR REPLACE INTO outage VALUES (?, ?, ?)");
+    for (const auto& each : batch.outages) {
+        outage.reset();
+        outage.bind(each.from).bind(each.to).bind(each.cause).step();
+    }
+    Statement sample(database, "INSERT INTO sample VALUES (NULL, ?, ?, ?)");
+    for (const auto& each : batch.samples) {
+        sample.reset();
+        sample.bind(each.at).bind(std::int64_t(each.path)).bind(each.milliseconds).step();
+    }
+    return database.problem().isEmpty();
+}
+
+bool forgetOld(Database& database, int days, int eventDays)
+{
+    // By the newest row, not by the clock, which may be wrong; and not much at a time.
+    const Milliseconds newest = database.number("SELECT max(at) FROM minute") * kMinute;
+    if (newest < 0)
+        return true;
+    const auto forget = [&](const char* sql, std::int64_t before) {
+        Statement statement(database, sql);
+        statement.bind(before).step();
+    };
+    forget("DELETE FROM minute WHERE at IN (SELECT at FROM minute WHERE at < ? ORDER BY at "
+           "LIMIT 100)",
+        (newest - days * kDay) / kMinute);
+    forget("DELETE FROM sample WHERE id IN (SELECT id FROM sample WHERE at < ? ORDER BY at "
+           "LIMIT 300)",
+        newest - days * kDay);
+    forget("DELETE FROM event WHERE id IN (SELECT id FROM event WHERE at < ? ORDER BY at "
+           "LIMIT 100)",
+        newest - eventDays * kDay);
+    forget("DELETE FROM outage WHERE since IN (SELECT since FROM outage WHERE since < ? LIMIT 20)",
+        newest - eventDays * kDay);
+    // However many there were in these days.
+    return database.execute("DELETE FROM sample WHERE id <= (SELECT max(id) FROM sample) - 20000")
+        && database.execute("DELETE FROM event WHERE id <= (SELECT max(id) FROM event) - 20000")
+        && database.problem().isEmpty();
+}
+
+bool forgetNetworkRows(Database& database, const QString& name)
+{
+    const auto run = [&](const char* sql) {
+        Statement statement(database, sql);
+        if (!name.isEmpty())
+            statement.bind(name);
+        statement.step();
+    };
+    if (name.isEmpty()) {
+        run("DELETE FROM minute WHERE network IS NULL");
+        return database.problem().isEmpty();
+    }
+    // Events and outages are those of the minutes around them.
+    for (const auto* sql :
+        {"DELETE FROM event WHERE at / 60000 IN (SELECT at FROM minute WHERE network = (SELECT id "
+         "FROM network WHERE name = ?))",
+            "DELETE FROM outage WHERE since / 60000 IN (SELECT at FROM minute WHERE network = "
+            "(SELECT id FROM network WHERE name = ?))",
+            "DELETE FROM sample WHERE at / 60000 IN (SELECT at FROM minute WHERE network = (SELECT "
+            "id FROM network WHERE name = ?))",
+            "DELETE FROM minute WHERE network = (SELECT id FROM network WHERE name = ?)",
+            "DELETE FROM network WHERE name = ?"})
+        run(sql);
+    return database.execute("DELETE FROM access_point WHERE id NOT IN (SELECT access_point FROM "
+                            "event WHERE access_point IS NOT NULL UNION SELECT before FROM event "
+                            "WHERE before IS NOT NULL)")
+        && database.problem().isEmpty();
+}
+
+Batch readRows(Database& database, Milliseconds from, Milliseconds to, int most)
+{
+    Batch batch;
+    readMinutes(database, from, to, most, batch.minutes);
+    readEvents(database, from, to, most, batch.events);
+    Statement outages(database,
+        "SELECT since, until, cause FROM outage WHERE until >= ? AND since <= ? ORDER BY since "
+        "DESC LIMIT 2000");
+    outages.bind(from).bind(to);
+    while (outages.step())
+        batch.outages.push_back({outages.integer(0),
+            std::max(outages.integer(0), outages.integer(1)), outages.text(2)});
+    std::ranges::reverse(batch.outages);
+    Statement samples(database,
+        "SELECT at, path, ms FROM sample WHERE at BETWEEN ? AND ? ORDER BY at, id LIMIT 30000");
+    samples.bind(from).bind(to);
+    while (samples.step()) {
+        batch.samples.push_back({samples.integer(0),
+            Path(std::clamp<std::int64_t>(samples.integer(1), 0, 2)), samples.hundredths(2)});
+    }
+    return batch;
+}
+
+} // namespace netvane::history
