@@ -63,7 +63,7 @@ Statement& Statement::bind(const std::optional<QString>& value)
 Statement& Statement::bind(const std::optional<double>& value)
 {
     if (value && std::isfinite(*value))
-        return bind(std::int64_t(std::llround(*value * 100)));
+        return bind(std::int64_t(std::llround(*value * 10)));
     ++m_bound;
     return *this;
 }
@@ -106,11 +106,11 @@ QString Statement::text(int column) const
                 : QString();
 }
 
-std::optional<double> Statement::hundredths(int column) const
+std::optional<double> Statement::tenths(int column) const
 {
     if (sqlite3_column_type(m_statement, column) != SQLITE_INTEGER)
         return {};
-    return double(sqlite3_column_int64(m_statement, column)) / 100;
+    return double(sqlite3_column_int64(m_statement, column)) / 10;
 }
 
 std::optional<int> Statement::small(int column) const

@@ -25,7 +25,7 @@ public:
     Statement& bind(std::int64_t value);
     Statement& bind(const QString& value); ///< an empty text is stored as absent
     Statement& bind(const std::optional<QString>& value);
-    /// A fraction of a hundredth is dropped: numbers are stored as whole hundredths.
+    /// Numbers are stored as whole tenths.
     Statement& bind(const std::optional<double>& value);
     Statement& bind(const std::optional<int>& value);
 
@@ -36,7 +36,7 @@ public:
 
     std::int64_t integer(int column) const; ///< 0 for what is no number
     QString text(int column) const; ///< at most 512 characters
-    std::optional<double> hundredths(int column) const;
+    std::optional<double> tenths(int column) const;
     std::optional<int> small(int column) const; ///< absent also for what no int can hold
 
 private:

@@ -23,7 +23,7 @@ QString kindOf(platform::RadioEvent::Kind kind)
     case Kind::ScanStarted:
         return u"scan"_s;
     case Kind::ScanEnded:
-        return u"scan-ended"_s;
+        return {};
     }
     return {};
 }

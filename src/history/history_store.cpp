@@ -37,12 +37,14 @@ CREATE TABLE event (id INTEGER PRIMARY KEY, at INTEGER, kind TEXT, text TEXT, co
     signal INTEGER, access_point INTEGER, before INTEGER);
 CREATE INDEX event_at ON event (at);
 CREATE TABLE outage (since INTEGER PRIMARY KEY, until INTEGER, cause TEXT);
-CREATE TABLE sample (id INTEGER PRIMARY KEY, at INTEGER, path INTEGER, ms INTEGER);
-CREATE INDEX sample_at ON sample (at);
+CREATE TABLE sample (at_path INTEGER PRIMARY KEY, ms INTEGER);
 )"};
 constexpr int kVersion = int(kMigrations.size());
-/// The log of changes is written into the file from this many pages on.
-constexpr auto kLogPages = "PRAGMA wal_autocheckpoint = 128";
+/// Bytes of the log of changes, from which on it is moved into the file.
+constexpr qint64 kLongestLog = 256 * 1024L;
+/// And emptied: SQLite's own way leaves it as it is, and finds out at the next opening only that it
+/// has to be moved again.
+constexpr auto kMoveLog = "PRAGMA wal_checkpoint(TRUNCATE)";
 
 template <typename Row>
 void join(std::vector<Row>& rows, std::vector<Row>& more, size_t most)
@@ -119,10 +121,14 @@ QString HistoryStore::change(const std::function<bool(Database&)>& edit)
                 return u"it was made by a newer version"_s;
             const bool isSound = !database.isOpen() || isUsable(database);
             const bool isDone = database.isOpen() && isSound && migrate(database)
-                && database.execute(kLogPages) && database.execute("BEGIN IMMEDIATE")
-                && edit(database) && database.execute("COMMIT");
-            if (isDone)
+                && database.execute("PRAGMA wal_autocheckpoint = 0")
+                && database.execute("BEGIN IMMEDIATE") && edit(database)
+                && database.execute("COMMIT");
+            if (isDone) {
+                if (QFileInfo(m_path + u"-wal"_s).size() > kLongestLog)
+                    database.execute(kMoveLog);
                 return {};
+            }
             problem = database.problem();
             if ((isSound && !database.isDamaged()) || isSecond)
                 return problem.isEmpty() ? u"unknown"_s : problem;
@@ -145,7 +151,7 @@ void HistoryStore::add(Batch batch)
 
 QString HistoryStore::flush()
 {
-    const QString notForgotten = forgetNow();
+    QString notForgotten = forgetNow();
     Batch batch;
     {
         const std::lock_guard lock(m_pendingLock);
@@ -153,7 +159,7 @@ QString HistoryStore::flush()
     }
     if (batch.isEmpty())
         return notForgotten;
-    const QString problem = change([&batch](Database& database) {
+    QString problem = change([&batch](Database& database) {
         return writeRows(database, batch) && forgetOld(database, keptDays, keptEventDays);
     });
     if (!problem.isEmpty()) {
@@ -208,7 +214,7 @@ QString HistoryStore::forgetNow()
         // What was forgotten stands in the log of changes, too.
         const std::lock_guard lock(m_lock);
         if (name)
-            Database(m_path, false).execute("PRAGMA wal_checkpoint(TRUNCATE)");
+            Database(m_path, false).execute(kMoveLog);
         if (!own.isEmpty())
             problem = own;
     }

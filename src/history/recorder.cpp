@@ -273,6 +273,14 @@ void Recorder::takeRadio(const platform::RadioEvent& event)
 {
     if (!m_isRecording)
         return;
+    using Kind = platform::RadioEvent::Kind;
+    if (event.kind == Kind::ScanEnded) { // a scan is one event, with its length
+        const auto scan = std::ranges::find(
+            m_batch.events.rbegin(), m_batch.events.rend(), u"scan"_s, &Event::kind);
+        if (scan != m_batch.events.rend() && !scan->code)
+            scan->code = int(std::clamp<Milliseconds>(wallAt(event.at) - scan->at, 0, kMinute));
+        return;
+    }
     Event kept {.at = wallAt(event.at),
         .kind = kindOf(event.kind),
         .code = event.code,
@@ -280,10 +288,10 @@ void Recorder::takeRadio(const platform::RadioEvent& event)
     const auto& links = m_verdicts.evidence().links;
     if (!links.empty() && links.back().value.ssid) {
         kept.signalDbm = links.back().value.signalDbm;
-        if (event.kind == platform::RadioEvent::Kind::Roamed)
+        if (event.kind == Kind::Roamed)
             kept.before = links.back().value.bssid.value_or(QString());
     }
-    if (event.kind == platform::RadioEvent::Kind::Disconnected && event.code)
+    if (event.kind == Kind::Disconnected && event.code)
         kept.text = (event.byAccessPoint ? u"The access point ended it: "_s : QString())
             + reasonText(*event.code);
     addEvent(std::move(kept));
@@ -309,7 +317,7 @@ void Recorder::finishMinute(Milliseconds next)
         m_batch.minutes.push_back(*minute);
     m_batch.outages = m_outages.take();
     m_store->add(std::exchange(m_batch, {}));
-    constexpr Milliseconds kDay = 24 * 60 * kMinute;
+    constexpr Milliseconds kDay = kMinute * 60 * 24;
     if (next / kDay != m_state->minute / kDay)
         m_samplesToday = 0;
     m_state->minute = next;

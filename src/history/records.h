@@ -56,7 +56,7 @@ struct Event {
     /// "vpn-off", "verdict", "speed-test"
     QString kind;
     QString text; ///< in words, or what it changed to
-    std::optional<int> code; ///< of the standard: a reason or a status
+    std::optional<int> code; ///< of the standard: a reason or a status; of a scan its ms
     std::optional<int> signalDbm;
     QString accessPoint; ///< BSSID
     QString before; ///< the BSSID before a roam

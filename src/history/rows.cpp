@@ -11,7 +11,10 @@
 namespace netvane::history {
 namespace {
 
-constexpr Milliseconds kDay = 24 * 60 * kMinute;
+constexpr Milliseconds kDay = kMinute * 60 * 24;
+
+constexpr int kPaths = 3; // of a sample's key: its time times this, plus the path
+const QString kHealthy = QStringLiteral("healthy");
 
 /// Gives names their random identifiers. Minutes and events hold these and no name, so that they
 /// say nothing about places without the tables of names.
@@ -59,8 +62,8 @@ void bindPath(Statement& statement, const PathMinute& path)
 
 PathMinute pathAt(const Statement& statement, int column)
 {
-    return {statement.hundredths(column), statement.hundredths(column + 1),
-        statement.hundredths(column + 2), statement.hundredths(column + 3)};
+    return {statement.tenths(column), statement.tenths(column + 1), statement.tenths(column + 2),
+        statement.tenths(column + 3)};
 }
 
 void writeMinutes(Database& database, const std::vector<Minute>& minutes)
@@ -80,7 +83,10 @@ void writeMinutes(Database& database, const std::vector<Minute>& minutes)
         statement.bind(minute.sendMbps).bind(minute.receiveMbps).bind(minute.lookupMs);
         for (const auto& value : {minute.failedLookups, minute.retries, minute.failed})
             statement.bind(value);
-        statement.bind(std::int64_t(minute.severity)).bind(minute.cause).step();
+        // Nearly all are healthy, so that is not spelled out.
+        statement.bind(minute.cause ? std::optional(minute.severity) : std::nullopt);
+        statement.bind(minute.cause == kHealthy ? QString() : minute.cause.value_or(QString()));
+        statement.step();
     }
 }
 
@@ -107,24 +113,30 @@ void readMinutes(
     Statement rows(
         database, "SELECT * FROM minute WHERE at BETWEEN ? AND ? ORDER BY at DESC LIMIT ?");
     rows.bind(from / kMinute).bind(to / kMinute).bind(std::int64_t(most));
+    minutes.reserve(size_t(std::clamp<std::int64_t>((to - from) / kMinute, 0, most)));
+    std::pair<std::int64_t, QString> network {0, {}};
     while (rows.step()) {
+        if (const auto id = rows.integer(1); id != network.first)
+            network = {id, networks.value(id)};
         minutes.push_back({.at = rows.integer(0) * kMinute,
-            .network = networks.value(rows.integer(1)),
+            .network = network.second,
             .router = pathAt(rows, 2),
             .line = pathAt(rows, 6),
             .internet = pathAt(rows, 10),
             .signalDbm = rows.small(14),
             .leastSignalDbm = rows.small(15),
             .noiseDbm = rows.small(16),
-            .sendMbps = rows.hundredths(17),
-            .receiveMbps = rows.hundredths(18),
-            .lookupMs = rows.hundredths(19),
+            .sendMbps = rows.tenths(17),
+            .receiveMbps = rows.tenths(18),
+            .lookupMs = rows.tenths(19),
             .failedLookups = rows.small(20),
             .retries = rows.small(21),
             .failed = rows.small(22),
             .severity = std::clamp(rows.small(23).value_or(0), 0, 3)});
         if (const auto cause = rows.text(24); !cause.isEmpty())
             minutes.back().cause = cause;
+        else if (rows.small(23) == 0)
+            minutes.back().cause = kHealthy;
     }
     std::ranges::reverse(minutes);
 }
@@ -155,10 +167,10 @@ bool writeRows(Database& database, const Batch& batch)
         outage.reset();
         outage.bind(each.from).bind(each.to).bind(each.cause).step();
     }
-    Statement sample(database, "INSERT INTO sample VALUES (NULL, ?, ?, ?)");
+    Statement sample(database, "INSERT OR IGNORE INTO sample VALUES (?, ?)");
     for (const auto& each : batch.samples) {
         sample.reset();
-        sample.bind(each.at).bind(std::int64_t(each.path)).bind(each.milliseconds).step();
+        sample.bind(each.at * kPaths + int(each.path)).bind(each.milliseconds).step();
     }
     return database.problem().isEmpty();
 }
@@ -176,16 +188,17 @@ bool forgetOld(Database& database, int days, int eventDays)
     forget("DELETE FROM minute WHERE at IN (SELECT at FROM minute WHERE at < ? ORDER BY at "
            "LIMIT 100)",
         (newest - days * kDay) / kMinute);
-    forget("DELETE FROM sample WHERE id IN (SELECT id FROM sample WHERE at < ? ORDER BY at "
-           "LIMIT 300)",
-        newest - days * kDay);
+    forget("DELETE FROM sample WHERE at_path IN (SELECT at_path FROM sample WHERE at_path < ? "
+           "ORDER BY at_path LIMIT 300)",
+        (newest - days * kDay) * kPaths);
     forget("DELETE FROM event WHERE id IN (SELECT id FROM event WHERE at < ? ORDER BY at "
            "LIMIT 100)",
         newest - eventDays * kDay);
     forget("DELETE FROM outage WHERE since IN (SELECT since FROM outage WHERE since < ? LIMIT 20)",
         newest - eventDays * kDay);
     // However many there were in these days.
-    return database.execute("DELETE FROM sample WHERE id <= (SELECT max(id) FROM sample) - 20000")
+    return database.execute("DELETE FROM sample WHERE at_path <= (SELECT at_path FROM sample ORDER "
+                            "BY at_path DESC LIMIT 1 OFFSET 20000)")
         && database.execute("DELETE FROM event WHERE id <= (SELECT max(id) FROM event) - 20000")
         && database.problem().isEmpty();
 }
@@ -208,7 +221,8 @@ bool forgetNetworkRows(Database& database, const QString& name)
          "FROM network WHERE name = ?))",
             "DELETE FROM outage WHERE since / 60000 IN (SELECT at FROM minute WHERE network = "
             "(SELECT id FROM network WHERE name = ?))",
-            "DELETE FROM sample WHERE at / 60000 IN (SELECT at FROM minute WHERE network = (SELECT "
+            "DELETE FROM sample WHERE at_path / 180000 IN (SELECT at FROM minute WHERE network = "
+            "(SELECT "
             "id FROM network WHERE name = ?))",
             "DELETE FROM minute WHERE network = (SELECT id FROM network WHERE name = ?)",
             "DELETE FROM network WHERE name = ?"})
@@ -233,11 +247,13 @@ Batch readRows(Database& database, Milliseconds from, Milliseconds to, int most)
             std::max(outages.integer(0), outages.integer(1)), outages.text(2)});
     std::ranges::reverse(batch.outages);
     Statement samples(database,
-        "SELECT at, path, ms FROM sample WHERE at BETWEEN ? AND ? ORDER BY at, id LIMIT 30000");
-    samples.bind(from).bind(to);
+        "SELECT at_path, ms FROM sample WHERE at_path BETWEEN ? AND ? ORDER BY at_path LIMIT "
+        "30000");
+    samples.bind(from * kPaths).bind(to * kPaths + 2);
     while (samples.step()) {
-        batch.samples.push_back({samples.integer(0),
-            Path(std::clamp<std::int64_t>(samples.integer(1), 0, 2)), samples.hundredths(2)});
+        const auto key = samples.integer(0);
+        batch.samples.push_back(
+            {key / kPaths, Path(std::max<std::int64_t>(key % kPaths, 0)), samples.tenths(1)});
     }
     return batch;
 }

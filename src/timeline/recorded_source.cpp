@@ -97,17 +97,12 @@ std::vector<Mark> marksOf(const std::vector<history::Event>& events)
 std::vector<RadioPause> pausesOf(const std::vector<history::Event>& events)
 {
     std::vector<RadioPause> pauses;
-    std::optional<size_t> scan;
     for (const auto& event : events) {
-        if (event.kind == u"scan"_s) {
-            scan = pauses.size();
-            pauses.push_back({Milliseconds(event.at), Milliseconds(event.at)});
-        } else if (event.kind == u"scan-ended"_s && scan) {
-            pauses[*scan].to = Milliseconds(event.at);
-            scan.reset();
-        } else if (event.kind == u"roamed"_s) {
-            pauses.push_back({Milliseconds(event.at), Milliseconds(event.at), Mark::Kind::Roam});
-        }
+        const auto at = Milliseconds(event.at);
+        if (event.kind == u"scan"_s)
+            pauses.push_back({at, at + std::clamp(event.code.value_or(0), 0, 60'000)});
+        else if (event.kind == u"roamed"_s)
+            pauses.push_back({at, at, Mark::Kind::Roam});
     }
     return pauses;
 }

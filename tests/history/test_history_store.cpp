@@ -27,10 +27,10 @@ Minute minuteAt(int number, const QString& network = u"Home"_s)
 {
     return {.at = kBegin + number * kMinute,
         .network = network,
-        .router = {2.5, 8, 0.25, 0},
+        .router = {2.5, 8, 0.2, 0},
         .internet = {{}, {}, {}, 100},
         .signalDbm = -61,
-        .sendMbps = 433.25,
+        .sendMbps = 433.3,
         .retries = 12,
         .cause = u"line-down"_s,
         .severity = 3};
@@ -65,7 +65,7 @@ private Q_SLOTS:
             = {{kBegin, u"roamed"_s, {}, 16, -70, u"02:00:00:00:01:00"_s, u"02:00:00:00:02:00"_s},
                 {kBegin + 1, u"left"_s, QString(600, u'x'), {}, {}, {}, {}}};
         batch.outages = {{kBegin, kBegin + 5000, u"line-down"_s}};
-        batch.samples = {{kBegin, Path::Line, 12.25}, {kBegin + 3, Path::Internet, {}}};
+        batch.samples = {{kBegin, Path::Line, 12.3}, {kBegin + 3, Path::Internet, {}}};
         m_store->add(batch);
         batch.events[1].text.truncate(512);
         const Batch read = m_store->read(kBegin, kBegin + 10 * kMinute);

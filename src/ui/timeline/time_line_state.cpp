@@ -52,6 +52,21 @@ Milliseconds stepFor(Milliseconds span)
     return std::max(kMinute, std::ceil(span / kMostPoints / kMinute) * kMinute);
 }
 
+/// The mean of the points in this time; absent in a gap.
+std::optional<double> meanOf(
+    const Lane& lane, Milliseconds from, Milliseconds span, Milliseconds step)
+{
+    double sum = 0;
+    int count = 0;
+    for (int i = 0; i * step < span; ++i) {
+        if (const auto* point = timeline::pointAt(lane, from + i * step, step)) {
+            sum += double(point->value);
+            ++count;
+        }
+    }
+    return count > 0 ? std::optional(sum / count) : std::nullopt;
+}
+
 /// One row: the time, the verdict in words and each lane's value.
 TableRow rowAt(const Chart& chart, Milliseconds from, Milliseconds span)
 {
@@ -66,16 +81,9 @@ TableRow rowAt(const Chart& chart, Milliseconds from, Milliseconds span)
     row.cells.append(worst ? insights::causeName(worst->cause) : u"–"_s);
     QStringList said = row.cells;
     for (const auto& lane : chart.lanes) {
-        double sum = 0;
-        int count = 0;
-        for (auto at = from; at < from + span; at += chart.step) {
-            if (const auto* point = timeline::pointAt(lane, at, chart.step)) {
-                sum += double(point->value);
-                ++count;
-            }
-        }
-        row.cells.append(count > 0 ? valueText(lane, sum / count) : u"–"_s);
-        if (count > 0)
+        const auto mean = meanOf(lane, from, span, chart.step);
+        row.cells.append(mean ? valueText(lane, *mean) : u"–"_s);
+        if (mean)
             said.append(lane.name + u' ' + row.cells.constLast());
     }
     row.summary = said.join(u", "_s);
@@ -166,8 +174,9 @@ QList<TableRow> TimeLineState::table() const
         = std::max(m_chart->step, std::ceil(m_span / kTableRows / m_chart->step) * m_chart->step);
     if (isEmpty())
         return rows;
-    for (auto at = std::floor(to() / each) * each; at >= from(); at -= each)
-        rows.append(rowAt(*m_chart, at, each));
+    const Milliseconds last = std::floor(to() / each) * each;
+    for (int i = 0; last - i * each >= from(); ++i)
+        rows.append(rowAt(*m_chart, last - i * each, each));
     return rows;
 }
 
