@@ -33,15 +33,14 @@ CREATE TABLE minute (at INTEGER PRIMARY KEY, network INTEGER,
     signal INTEGER, signal_least INTEGER, noise INTEGER, send_rate INTEGER, receive_rate INTEGER,
     lookup_ms INTEGER, lookup_failed INTEGER, retries INTEGER, failed INTEGER,
     severity INTEGER, cause TEXT);
-CREATE TABLE event (id INTEGER PRIMARY KEY, at INTEGER, kind TEXT, text TEXT, code INTEGER,
+CREATE TABLE event (at_number INTEGER PRIMARY KEY, kind TEXT, text TEXT, code INTEGER,
     signal INTEGER, access_point INTEGER, before INTEGER);
-CREATE INDEX event_at ON event (at);
 CREATE TABLE outage (since INTEGER PRIMARY KEY, until INTEGER, cause TEXT);
 CREATE TABLE sample (at_path INTEGER PRIMARY KEY, ms INTEGER);
 )"};
 constexpr int kVersion = int(kMigrations.size());
 /// Bytes of the log of changes, from which on it is moved into the file.
-constexpr qint64 kLongestLog = 256 * 1024L;
+constexpr qint64 kLongestLog = 384 * 1024L;
 /// And emptied: SQLite's own way leaves it as it is, and finds out at the next opening only that it
 /// has to be moved again.
 constexpr auto kMoveLog = "PRAGMA wal_checkpoint(TRUNCATE)";
@@ -113,29 +112,31 @@ QString HistoryStore::change(const std::function<bool(Database&)>& edit)
     const QString folder = QFileInfo(m_path).path();
     if (!QFileInfo::exists(folder) && QDir().mkpath(folder))
         ::chmod(QFile::encodeName(folder).constData(), 0700);
-    for (bool isSecond = false;; isSecond = true) {
-        QString problem;
-        {
-            Database database(m_path, true);
-            if (database.isOpen() && database.number("PRAGMA user_version") > kVersion)
-                return u"it was made by a newer version"_s;
-            const bool isSound = !database.isOpen() || isUsable(database);
-            const bool isDone = database.isOpen() && isSound && migrate(database)
-                && database.execute("PRAGMA wal_autocheckpoint = 0")
-                && database.execute("BEGIN IMMEDIATE") && edit(database)
-                && database.execute("COMMIT");
-            if (isDone) {
-                if (QFileInfo(m_path + u"-wal"_s).size() > kLongestLog)
-                    database.execute(kMoveLog);
-                return {};
-            }
-            problem = database.problem();
-            if ((isSound && !database.isDamaged()) || isSecond)
-                return problem.isEmpty() ? u"unknown"_s : problem;
-        }
+    auto attempt = changeOnce(edit);
+    if (attempt.isDamaged) {
         m_isChecked = false;
         setAside();
+        attempt = changeOnce(edit);
     }
+    return attempt.problem;
+}
+
+HistoryStore::Attempt HistoryStore::changeOnce(const std::function<bool(Database&)>& edit)
+{
+    Database database(m_path, true);
+    if (!database.isOpen())
+        return {database.problem(), database.isDamaged()};
+    if (database.number("PRAGMA user_version") > kVersion)
+        return {u"it was made by a newer version"_s};
+    if (!isUsable(database))
+        return {u"it is damaged"_s, true};
+    if (!migrate(database) || !database.execute("PRAGMA wal_autocheckpoint = 0")
+        || !database.execute("BEGIN IMMEDIATE") || !edit(database) || !database.execute("COMMIT"))
+        return {
+            database.problem().isEmpty() ? u"unknown"_s : database.problem(), database.isDamaged()};
+    if (QFileInfo(m_path + u"-wal"_s).size() > kLongestLog)
+        database.execute(kMoveLog);
+    return {};
 }
 
 void HistoryStore::add(Batch batch)

@@ -31,7 +31,7 @@ public:
     /// is kept for the next time.
     QString flush();
     /// What is known of this time, with what was added; empty if there is no file or it cannot be
-    /// read. At most `kMostRows` of each kind, the newest.
+    /// read. At most `kMostRows` of each kind.
     Batch read(Milliseconds from, Milliseconds to);
     static constexpr int kMostRows = 60'000;
 
@@ -43,7 +43,12 @@ public:
 private:
     QString forgetNow();
     QString removeFiles() const;
+    struct Attempt {
+        QString problem; ///< empty: it is done
+        bool isDamaged = false;
+    };
     QString change(const std::function<bool(Database&)>& edit);
+    Attempt changeOnce(const std::function<bool(Database&)>& edit);
     bool isUsable(Database& database);
     void setAside() const;
 

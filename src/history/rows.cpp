@@ -14,6 +14,7 @@ namespace {
 constexpr Milliseconds kDay = kMinute * 60 * 24;
 
 constexpr int kPaths = 3; // of a sample's key: its time times this, plus the path
+constexpr int kNumbers = 16; // of an event's key, for those of one millisecond
 const QString kHealthy = QStringLiteral("healthy");
 
 /// Gives names their random identifiers. Minutes and events hold these and no name, so that they
@@ -94,10 +95,14 @@ void writeEvents(Database& database, const std::vector<Event>& events)
 {
     Names points(database, "SELECT id FROM access_point WHERE bssid = ?",
         "INSERT OR IGNORE INTO access_point VALUES (?, ?)");
-    Statement statement(database, "INSERT INTO event VALUES (NULL, ?, ?, ?, ?, ?, ?, ?)");
+    Statement statement(database, "INSERT OR IGNORE INTO event VALUES (?, ?, ?, ?, ?, ?, ?)");
+    int number = 0;
     for (const auto& event : events) {
         statement.reset();
-        statement.bind(event.at).bind(event.kind).bind(event.text).bind(event.code);
+        statement.bind(event.at * kNumbers + number++ % kNumbers)
+            .bind(event.kind)
+            .bind(event.text)
+            .bind(event.code);
         statement.bind(event.signalDbm).bind(points.idOf(event.accessPoint));
         statement.bind(points.idOf(event.before)).step();
     }
@@ -110,8 +115,7 @@ void readMinutes(
     QHash<std::int64_t, QString> networks;
     while (names.step())
         networks.insert(names.integer(0), names.text(1));
-    Statement rows(
-        database, "SELECT * FROM minute WHERE at BETWEEN ? AND ? ORDER BY at DESC LIMIT ?");
+    Statement rows(database, "SELECT * FROM minute WHERE at BETWEEN ? AND ? ORDER BY at LIMIT ?");
     rows.bind(from / kMinute).bind(to / kMinute).bind(std::int64_t(most));
     minutes.reserve(size_t(std::clamp<std::int64_t>((to - from) / kMinute, 0, most)));
     std::pair<std::int64_t, QString> network {0, {}};
@@ -138,21 +142,20 @@ void readMinutes(
         else if (rows.small(23) == 0)
             minutes.back().cause = kHealthy;
     }
-    std::ranges::reverse(minutes);
 }
 
 void readEvents(
     Database& database, Milliseconds from, Milliseconds to, int most, std::vector<Event>& events)
 {
     Statement rows(database,
-        "SELECT event.at, kind, text, code, signal, now.bssid, past.bssid FROM event "
+        "SELECT at_number, kind, text, code, signal, now.bssid, past.bssid FROM event "
         "LEFT JOIN access_point AS now ON now.id = event.access_point "
         "LEFT JOIN access_point AS past ON past.id = event.before "
-        "WHERE event.at BETWEEN ? AND ? ORDER BY event.at DESC, event.id DESC LIMIT ?");
-    rows.bind(from).bind(to).bind(std::int64_t(most));
+        "WHERE at_number BETWEEN ? AND ? ORDER BY at_number DESC LIMIT ?");
+    rows.bind(from * kNumbers).bind(to * kNumbers + kNumbers - 1).bind(std::int64_t(most));
     while (rows.step())
-        events.push_back({rows.integer(0), rows.text(1), rows.text(2), rows.small(3), rows.small(4),
-            rows.text(5), rows.text(6)});
+        events.push_back({rows.integer(0) / kNumbers, rows.text(1), rows.text(2), rows.small(3),
+            rows.small(4), rows.text(5), rows.text(6)});
     std::ranges::reverse(events);
 }
 
@@ -191,15 +194,16 @@ bool forgetOld(Database& database, int days, int eventDays)
     forget("DELETE FROM sample WHERE at_path IN (SELECT at_path FROM sample WHERE at_path < ? "
            "ORDER BY at_path LIMIT 300)",
         (newest - days * kDay) * kPaths);
-    forget("DELETE FROM event WHERE id IN (SELECT id FROM event WHERE at < ? ORDER BY at "
-           "LIMIT 100)",
-        newest - eventDays * kDay);
+    forget("DELETE FROM event WHERE at_number IN (SELECT at_number FROM event WHERE at_number < ? "
+           "ORDER BY at_number LIMIT 100)",
+        (newest - eventDays * kDay) * kNumbers);
     forget("DELETE FROM outage WHERE since IN (SELECT since FROM outage WHERE since < ? LIMIT 20)",
         newest - eventDays * kDay);
     // However many there were in these days.
     return database.execute("DELETE FROM sample WHERE at_path <= (SELECT at_path FROM sample ORDER "
                             "BY at_path DESC LIMIT 1 OFFSET 20000)")
-        && database.execute("DELETE FROM event WHERE id <= (SELECT max(id) FROM event) - 20000")
+        && database.execute("DELETE FROM event WHERE at_number <= (SELECT at_number FROM event "
+                            "ORDER BY at_number DESC LIMIT 1 OFFSET 20000)")
         && database.problem().isEmpty();
 }
 
@@ -216,16 +220,16 @@ bool forgetNetworkRows(Database& database, const QString& name)
         return database.problem().isEmpty();
     }
     // Events and outages are those of the minutes around them.
-    for (const auto* sql :
-        {"DELETE FROM event WHERE at / 60000 IN (SELECT at FROM minute WHERE network = (SELECT id "
-         "FROM network WHERE name = ?))",
-            "DELETE FROM outage WHERE since / 60000 IN (SELECT at FROM minute WHERE network = "
-            "(SELECT id FROM network WHERE name = ?))",
-            "DELETE FROM sample WHERE at_path / 180000 IN (SELECT at FROM minute WHERE network = "
-            "(SELECT "
-            "id FROM network WHERE name = ?))",
-            "DELETE FROM minute WHERE network = (SELECT id FROM network WHERE name = ?)",
-            "DELETE FROM network WHERE name = ?"})
+    for (const auto* sql : {"DELETE FROM event WHERE at_number / 960000 IN (SELECT at FROM minute "
+                            "WHERE network = (SELECT id "
+                            "FROM network WHERE name = ?))",
+             "DELETE FROM outage WHERE since / 60000 IN (SELECT at FROM minute WHERE network = "
+             "(SELECT id FROM network WHERE name = ?))",
+             "DELETE FROM sample WHERE at_path / 180000 IN (SELECT at FROM minute WHERE network = "
+             "(SELECT "
+             "id FROM network WHERE name = ?))",
+             "DELETE FROM minute WHERE network = (SELECT id FROM network WHERE name = ?)",
+             "DELETE FROM network WHERE name = ?"})
         run(sql);
     return database.execute("DELETE FROM access_point WHERE id NOT IN (SELECT access_point FROM "
                             "event WHERE access_point IS NOT NULL UNION SELECT before FROM event "

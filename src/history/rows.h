@@ -15,7 +15,7 @@ bool writeRows(Database& database, const Batch& batch);
 bool forgetOld(Database& database, int days, int eventDays);
 /// An empty name stands for cables.
 bool forgetNetworkRows(Database& database, const QString& name);
-/// The newest `most` of each kind, oldest first.
+/// At most so many of each kind.
 Batch readRows(Database& database, Milliseconds from, Milliseconds to, int most);
 
 } // namespace netvane::history
