@@ -47,15 +47,17 @@ def radio_events(report, world, watcher):
     path = os.path.join(os.environ['NETVANE_RADIO_LOGS'], 'iw_event.log')
     with open(path, 'wb') as log, subprocess.Popen(['iw', 'event'], stdout=log) as other:
         time.sleep(1)
-        every = []
+        every, later = [], []
         for name, before, last, after in STEPS:
             for command in before:
                 world.do(*command.split())
-            told, end = [], time.monotonic() + 60
+            told, end = later, time.monotonic() + 60
             while not any(event.startswith(last) for event in told) and time.monotonic() < end:
                 told += watcher.ask('link')['events']
-            report.check(f'{name}: {", ".join(told)}',
-                         any(event.startswith(last) for event in told), True)
+            # On a slow machine the events of the next step are among them already.
+            length = next((i for i, event in enumerate(told, 1) if event.startswith(last)), 0)
+            told, later = (told[:length], told[length:]) if length else (told, [])
+            report.check(f'{name}: {", ".join(told)}', length > 0, True)
             every += told
             for command in after:
                 world.do(*command.split())
@@ -63,6 +65,8 @@ def radio_events(report, world, watcher):
     with open(path, encoding='utf-8') as log:
         ours = [_in_words_of_iw(event) for event in every]
         report.check('as iw tells it', ours, _by_iw(log.read())[:len(ours)])
+    # The kernel remembers the access point that has ended for a while.
+    subprocess.run(['iw', 'dev', 'wlan0', 'scan', 'flush'], stdout=subprocess.DEVNULL, check=False)
     world.leave()
 
 
