@@ -78,7 +78,7 @@ HistoryStore::HistoryStore(QString path)
 
 QString HistoryStore::defaultPath()
 {
-    // QStandardPaths knows this folder from Qt 6.7 on (XDG Base Directory Specification).
+    // QStandardPaths knows this folder from Qt 6.7 on.
     const QString folder = qEnvironmentVariable("XDG_STATE_HOME");
     return (QDir::isAbsolutePath(folder) ? folder : QDir::homePath() + u"/.local/state"_s)
         + u"/netvane/history.sqlite"_s;

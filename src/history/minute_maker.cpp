@@ -17,12 +17,6 @@ std::optional<Value> quantile(std::vector<Value> values, double share)
     return *at;
 }
 
-/// Zero where a counter is absent or began anew.
-double grown(const std::optional<std::uint64_t>& from, const std::optional<std::uint64_t>& to)
-{
-    return from && to && *to >= *from ? double(*to - *from) : 0;
-}
-
 } // namespace
 
 void MinuteMaker::addProbe(Path path, const verdict::Outcome& outcome)
@@ -49,8 +43,8 @@ void MinuteMaker::addLink(const platform::LinkReading& link)
     if (link.signalDbm && m_hasLink)
         m_signals.push_back(*link.signalDbm);
     if (m_link && m_link->bssid == link.bssid) {
-        m_retries += grown(m_link->counters.retries, link.counters.retries);
-        m_failed += grown(m_link->counters.failed, link.counters.failed);
+        m_retries += platform::grown(m_link->counters.retries, link.counters.retries);
+        m_failed += platform::grown(m_link->counters.failed, link.counters.failed);
     }
     m_link = link;
 }

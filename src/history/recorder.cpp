@@ -194,11 +194,9 @@ void Recorder::takeSample(Path path, const verdict::Outcome& outcome)
     keep(sample);
     if (path != Path::Internet || !outcome.milliseconds)
         return;
-    constexpr double kSpike = 3;
-    constexpr double kLeastSpikeMs = 15;
     auto& usual = m_state->usualMs;
     const double time = *outcome.milliseconds;
-    if (usual && time > std::max(kSpike * *usual, kLeastSpikeMs))
+    if (usual && time > std::max(kSpikeFactor * *usual, kLeastSpikeMs))
         beginIncident(kAroundSpike, kAroundSpike);
     else
         usual = usual ? *usual + (time - *usual) * 0.1 : time;

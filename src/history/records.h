@@ -16,6 +16,11 @@ namespace netvane::history {
 using Milliseconds = std::int64_t;
 inline constexpr Milliseconds kMinute = 60'000;
 
+/// A spike takes more than so many times the usual time.
+inline constexpr double kSpikeFactor = 3;
+/// A round trip in a house takes a few ms, and three times that is nothing to explain.
+inline constexpr double kLeastSpikeMs = 15;
+
 /// How one part of the way was in a minute. Each value may be absent without the others.
 struct PathMinute {
     std::optional<double> medianMs;

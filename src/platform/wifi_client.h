@@ -38,6 +38,13 @@ struct LinkCounters {
     bool operator==(const LinkCounters&) const = default;
 };
 
+/// How much a counter grew; zero where it is absent or began anew.
+inline double grown(
+    const std::optional<std::uint64_t>& from, const std::optional<std::uint64_t>& to)
+{
+    return from && to && *to >= *from ? double(*to - *from) : 0;
+}
+
 /// One reading of a Wi-Fi link. Each field is absent if the driver does not report it or there is
 /// no link; each may be absent without the others. There is a link once the access point has let
 /// the interface in: it is associated, and authorized as far as the driver knows.

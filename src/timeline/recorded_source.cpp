@@ -11,15 +11,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::timeline {
 namespace {
 
-std::optional<verdict::Cause> causeOf(const QString& identifier)
-{
-    for (int i = 0; i < verdict::kCauseCount; ++i) {
-        if (verdict::identifier(verdict::Cause(i)) == identifier)
-            return verdict::Cause(i);
-    }
-    return {};
-}
-
 PathFigures figuresOf(const history::PathMinute& path)
 {
     return {path.medianMs, path.farMs, path.lossPercent};
@@ -35,7 +26,7 @@ std::vector<Minute> minutesOf(const std::vector<history::Minute>& kept)
         const QString name = minute.cause.value_or(QString());
         if (name != lastName) {
             lastName = name;
-            lastCause = causeOf(name);
+            lastCause = verdict::causeOf(name);
         }
         minutes.push_back({.at = Milliseconds(minute.at),
             .router = figuresOf(minute.router),
@@ -169,7 +160,7 @@ ProviderFacts factsOf(history::HistoryStore& store, Milliseconds from, Milliseco
     std::vector<Outage> outages;
     for (const auto& outage : batch.outages)
         outages.push_back({Milliseconds(outage.from), Milliseconds(outage.to),
-            causeOf(outage.cause).value_or(verdict::Cause::Unsure)});
+            verdict::causeOf(outage.cause).value_or(verdict::Cause::Unsure)});
     return factsOf(minutesOf(batch.minutes), std::move(outages), from, to);
 }
 

@@ -1,13 +1,12 @@
 #include "timeline/spikes.h"
 
+#include "history/records.h"
+
 #include <algorithm>
 
 namespace netvane::timeline {
 namespace {
 
-constexpr double kFactor = 3;
-/// A round trip in a house takes a few milliseconds, and three times that is nothing to explain.
-constexpr double kLeast = 15;
 /// On each side: enough that a few spikes do not move the median.
 constexpr size_t kNeighbours = 15;
 
@@ -46,7 +45,7 @@ std::vector<Spike> spikes(
     for (size_t i = 0; i < trips.size(); ++i) {
         const double usual = medianAround(trips, i);
         const double time = trips[i].milliseconds;
-        if (time > std::max(kFactor * usual, kLeast))
+        if (time > std::max(history::kSpikeFactor * usual, history::kLeastSpikeMs))
             found.push_back({trips[i].at, time, usual, causeOf(trips[i], pauses)});
     }
     return found;

@@ -1,5 +1,6 @@
 #include "verdict/cause.h"
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::Literals::StringLiterals;
@@ -58,6 +59,13 @@ const Entry& entryOf(Cause cause)
 QString identifier(Cause cause)
 {
     return entryOf(cause).name;
+}
+
+std::optional<Cause> causeOf(const QString& identifier)
+{
+    const auto* found = std::ranges::find_if(
+        kEntries, [&](const Entry& entry) { return entry.name == identifier; });
+    return found == kEntries.end() ? std::nullopt : std::optional(found->cause);
 }
 
 QString identifier(Segment segment)

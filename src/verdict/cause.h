@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace netvane::verdict {
 
 /// Where a fault lies, in the order in which a packet passes.
@@ -69,6 +71,8 @@ enum class Severity {
 
 /// "line-lossy", "ipv6-broken".
 QString identifier(Cause cause);
+/// The inverse; absent for an identifier of another version.
+std::optional<Cause> causeOf(const QString& identifier);
 /// "none", "system", "radio", ...
 QString identifier(Segment segment);
 /// "fine", "notice", "poor", "broken".

@@ -10,12 +10,6 @@ using namespace std::chrono_literals;
 
 constexpr auto kRadioWindow = 20s;
 
-/// Zero where a counter is absent or began anew.
-double grown(const std::optional<std::uint64_t>& from, const std::optional<std::uint64_t>& to)
-{
-    return from && to && *to >= *from ? double(*to - *from) : 0;
-}
-
 std::optional<RadioChange> radioChange(const Evidence& evidence)
 {
     const auto& links = evidence.links;
@@ -31,16 +25,16 @@ std::optional<RadioChange> radioChange(const Evidence& evidence)
     RadioChange change {.signalDbm = last.value.signalDbm,
         .transmitRateMbps = last.value.transmitRateMbps,
         .seconds = std::chrono::duration<double>(last.at - first->at).count(),
-        .sentPackets = grown(from.sentPackets, to.sentPackets),
-        .failedPackets = grown(from.failed, to.failed),
-        .retries = grown(from.retries, to.retries),
-        .beaconsLost = grown(from.beaconsLost, to.beaconsLost),
+        .sentPackets = platform::grown(from.sentPackets, to.sentPackets),
+        .failedPackets = platform::grown(from.failed, to.failed),
+        .retries = platform::grown(from.retries, to.retries),
+        .beaconsLost = platform::grown(from.beaconsLost, to.beaconsLost),
         .powerSave = last.value.powerSave.value_or(false),
         .at = last.at};
-    const double active = grown(from.channelActiveMs, to.channelActiveMs);
+    const double active = platform::grown(from.channelActiveMs, to.channelActiveMs);
     if (active > 0)
         change.busyPercent
-            = 100 * std::min(1.0, grown(from.channelBusyMs, to.channelBusyMs) / active);
+            = 100 * std::min(1.0, platform::grown(from.channelBusyMs, to.channelBusyMs) / active);
     return change;
 }
 
