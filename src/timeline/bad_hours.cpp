@@ -154,7 +154,7 @@ QString badHoursSentence(const Week& week)
         known += int(std::count_if(
             day.begin(), day.end(), [](const HourOfWeek& hour) { return hour.isKnown(); }));
     if (known == 0)
-        return u"Nothing is remembered yet."_s;
+        return u"Too little is remembered yet to say when it is bad."_s;
     std::optional<BadTime> worst;
     for (const auto& days : groupsOfDays()) {
         const auto time = longestOn(week, days);

@@ -62,8 +62,8 @@ QString summary(const ProviderFacts& facts, const std::vector<Outage>& ofProvide
     for (const auto& outage : ofProvider)
         total += outage.to.value_or(facts.to) - outage.from;
     QString text
-        = u"The connection was measured for %1 hours between %2 and %3. "_s
-              .arg(qRound(facts.measuredHours))
+        = u"The connection was measured for %1 between %2 and %3. "_s
+              .arg(durationText(facts.measuredHours * 3'600'000))
               .arg(formatted(facts.from, u"d MMM yyyy"_s), formatted(facts.to, u"d MMM yyyy"_s));
     text += ofProvider.empty() ? u"There was no outage behind the router. "_s
                                : u"Behind the router it was interrupted %1, %2 in all. "_s.arg(

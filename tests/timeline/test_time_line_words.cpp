@@ -99,7 +99,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("sentence");
         Week one;
         one[2][20] = {60, 60, Cause::LineDown};
-        QTest::newRow("nothing") << Week() << u"Nothing is remembered yet."_s;
+        QTest::newRow("nothing") << Week()
+                                 << u"Too little is remembered yet to say when it is bad."_s;
         QTest::newRow("a first hour")
             << one << u"Some hours were bad; after some days this says whether they come again."_s;
         QTest::newRow("good") << weekWith(7, 7, 0, 0, Cause::Healthy)
