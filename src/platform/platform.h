@@ -6,6 +6,7 @@
 
 #include "base/clock.h"
 #include "base/work_queues.h"
+#include "platform/air.h"
 #include "platform/appearance.h"
 #include "platform/connection.h"
 #include "platform/exports.h"
@@ -42,6 +43,7 @@ struct Platform {
     std::unique_ptr<QObject> systemBus; ///< only owned here; the members below use it
     std::unique_ptr<QObject> sessionBus; ///< likewise
     std::shared_ptr<WiFiClient> wifiClient; ///< null if the kernel offers no netlink
+    std::shared_ptr<AirReader> airReader; ///< likewise; shared with reads in the background
     std::unique_ptr<NetworkScanner> networkScanner;
     std::unique_ptr<RadioMonitor> radioMonitor; ///< null if the kernel offers no netlink
     std::unique_ptr<LocationManager> locationManager;

@@ -29,6 +29,7 @@ struct SimulatedPlatform {
     NameServerClient& nameServers;
     platform::RadioMonitor& radioEvents;
     WiFiClient& wifi; ///< has the one interface
+    AirReader& air;
     NetworkScanner& scanner;
     LocationManager& location;
     Appearance& appearance;

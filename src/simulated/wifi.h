@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/air.h"
 #include "platform/location_manager.h"
 #include "platform/network_scanner.h"
 #include "platform/wifi_client.h"
@@ -40,6 +41,21 @@ public:
     std::vector<std::shared_ptr<platform::WiFiInterface>> interfaces() override { return list; }
 
     std::vector<std::shared_ptr<platform::WiFiInterface>> list;
+};
+
+/// Reads `reading`, which is set only while no read runs.
+class AirReader final : public platform::AirReader {
+public:
+    base::Result<platform::AirReading> read(const QString& interfaceName) override
+    {
+        lastName = interfaceName;
+        ++reads;
+        return reading;
+    }
+
+    base::Result<platform::AirReading> reading = platform::AirReading {};
+    QString lastName; ///< what the last read asked for
+    std::atomic<int> reads = 0;
 };
 
 /// Scans wait for `finish`. Main thread.
