@@ -37,6 +37,7 @@ class Score:
         self.worlds = [result for result in results if "onset" not in result]
         self.confused = collections.Counter()
         self.misses, self.onsets, self.repairs = [], [], []
+        self.missed = {(result["scenario"], result["seed"]) for result in self.broken}
         self.right = self.among_two = self.called_healthy = self.blames = self.unnamed = 0
         for result in sorted(self.faults, key=lambda each: (each["scenario"], str(each["seed"]))):
             self.count_fault(result)
@@ -74,7 +75,13 @@ class Score:
             self.miss(result, f"a healthy world, but: {last['cause']}: {last.get('sentence', '')}")
 
     def miss(self, result, text):
+        self.missed.add((result["scenario"], result["seed"]))
         self.misses.append(f"- `{result['scenario']}` seed {result['seed']}: {text}")
+
+
+def missed(results):
+    """The pairs of scenario and seed that something was wrong with."""
+    return Score(results).missed
 
 
 def percentile(values, share):

@@ -131,14 +131,11 @@ QString wordOf(Cause cause)
 std::vector<ChainLink> chainOf(const Facts& facts, Cause cause, Severity severity)
 {
     const auto lookups = trackOf(facts.evidence.lookups);
-    const Track& near = facts.router.medianMs && facts.router.medianMs == facts.nearMs
-        ? facts.router
-        : facts.firstHop;
     std::vector<ChainLink> chain(kPlaces);
     const bool showsRadio
         = facts.isByRadio || (!facts.evidence.network && facts.evidence.radioOn.has_value());
     chain[Air] = {.name = showsRadio ? u"Wi-Fi"_s : u"Cable"_s, .figure = airFigure(facts)};
-    chain[Router] = {.name = u"Router"_s, .figure = timeFigure(near)};
+    chain[Router] = {.name = u"Router"_s, .figure = timeFigure(facts.near())};
     chain[Line] = {.name = u"Line"_s, .figure = timeFigure(facts.secondHop)};
     chain[Internet] = {.name = u"Internet"_s, .figure = timeFigure(facts.internet)};
     chain[Dns] = {.name = u"DNS"_s, .figure = timeFigure(lookups)};

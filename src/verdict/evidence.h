@@ -98,6 +98,8 @@ struct Evidence {
     Outcomes firstHop, secondHop;
     Outcomes internet; ///< handshakes with the internet target, over IPv4
     Outcomes internet6; ///< the same over IPv6, where there is a route
+    /// Further handshakes with it between two rounds, while packets may be lost.
+    Outcomes between;
     Outcomes otherHosts; ///< handshakes with others, only while the internet target is silent
     QString routerAddress; ///< may be empty
 

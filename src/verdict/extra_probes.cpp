@@ -2,10 +2,12 @@
 
 #include "probes/history.h"
 #include "probes/probe_targets.h"
+#include "verdict/track.h"
 
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace netvane::verdict {
 namespace {
@@ -14,6 +16,8 @@ constexpr quint16 kUnusedPort = 33434; // nobody listens; the datagrams do not g
 constexpr quint16 kHttpPort = 80;
 constexpr quint16 kHttpsPort = 443;
 constexpr int kRoundsBetweenFullPackets = 10;
+constexpr auto kHalfRound = 1500ms;
+constexpr auto kPatience = 2500ms; // less than a round, so that its end counts
 
 } // namespace
 
@@ -29,7 +33,8 @@ ExtraProbes::ExtraProbes(base::Clock& clock, platform::ConnectionFactory& connec
 
 void ExtraProbes::nextRound()
 {
-    closeRound();
+    closeOldQuestions();
+    m_between.reset();
     ++m_round;
     const auto& network = m_evidence.network;
     if (network && !network->value.route4 && !network->value.route6)
@@ -45,25 +50,42 @@ void ExtraProbes::nextRound()
         askOthers();
     if (wantsFullPacket())
         sendFullPacket();
+    const Outcomes& target
+        = network && !network->value.route4 ? m_evidence.internet6 : m_evidence.internet;
+    if (lossOf({&target, &m_evidence.secondHop, &m_evidence.between}).since)
+        m_between = m_clock.after(kHalfRound, [this] { askBetween(); });
 }
 
 void ExtraProbes::forget()
 {
     m_questions.clear();
+    m_between.reset();
     m_fullPacket.reset();
     m_lostFullPackets = 0;
     m_fullPacketWait = 1;
     m_pathKey.clear();
 }
 
-void ExtraProbes::closeRound()
+void ExtraProbes::closeOldQuestions()
 {
-    for (const auto& question : m_questions) {
-        if (!question->isAnswered)
-            probes::appendBounded(m_evidence.*question->outcomes,
-                Outcome {.at = question->askedAt, .milliseconds = {}}, kOutcomes);
-    }
-    m_questions.clear();
+    const auto now = m_clock.monotonicNow();
+    std::erase_if(m_questions, [&](const auto& question) {
+        const bool isOld = now - question->askedAt >= kPatience;
+        if (isOld && !question->isAnswered)
+            add(question->outcomes, {.at = question->askedAt, .milliseconds = {}});
+        return isOld || question->isAnswered;
+    });
+}
+
+/// In the order in which the questions were asked: an answer may come before an older loss is
+/// known.
+void ExtraProbes::add(Outcomes Evidence::*outcomes, const Outcome& outcome)
+{
+    Outcomes& all = m_evidence.*outcomes;
+    probes::appendBounded(all, outcome, kOutcomes);
+    const auto place
+        = std::ranges::upper_bound(all.begin(), all.end() - 1, outcome.at, {}, &Outcome::at);
+    std::rotate(place, all.end() - 1, all.end());
 }
 
 void ExtraProbes::ask(Outcomes Evidence::*outcomes, const Start& start)
@@ -79,11 +101,10 @@ void ExtraProbes::ask(Outcomes Evidence::*outcomes, const Start& start)
               held->isAnswered = true;
               const std::chrono::duration<double, std::milli> time
                   = event.at - event.askedAt.value_or(held->askedAt);
-              probes::appendBounded(m_evidence.*held->outcomes,
-                  Outcome {.at = held->askedAt,
+              add(held->outcomes,
+                  {.at = held->askedAt,
                       .milliseconds = time.count(),
-                      .retransmissions = held->isDatagram ? 0 : event.retransmissions},
-                  kOutcomes);
+                      .retransmissions = held->isDatagram ? 0 : event.retransmissions});
               held->connection->cancel();
               if ((m_evidence.*held->outcomes).size() == 1)
                   m_note();
@@ -114,8 +135,29 @@ void ExtraProbes::askHops()
         ask(&Evidence::firstHop, [this](auto handler) {
             return m_firstPath->probe(kUnusedPort, 1, std::move(handler));
         });
+    askSecondHop();
+}
+
+void ExtraProbes::askSecondHop()
+{
     ask(&Evidence::secondHop,
         [this](auto handler) { return m_secondPath->probe(kUnusedPort, 2, std::move(handler)); });
+}
+
+void ExtraProbes::askBetween()
+{
+    const auto& network = m_evidence.network;
+    ask(&Evidence::between, [&](auto handler) {
+        return m_connections.connectTcp(
+            network && !network->value.route4 ? probes::kInternetTarget6 : probes::kInternetTarget,
+            kHttpPort, std::move(handler));
+    });
+    askSecondHop();
+    // Where packets are lost is as important as that they are.
+    if (!sparesRouter())
+        ask(&Evidence::firstHop, [this](auto handler) {
+            return m_firstPath->probe(kUnusedPort, 1, std::move(handler));
+        });
 }
 
 /// Many routers send one ICMP message a second to each host (icmp(7), icmp_ratelimit). If the

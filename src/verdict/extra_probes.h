@@ -14,14 +14,15 @@
 namespace netvane::verdict {
 
 /// The questions that only the verdict asks, besides those of the services. They are sent together
-/// once a round, and what has no answer by the next round is lost. Main thread.
+/// once a round, and what has no answer by the end of the next round is lost. While packets may be
+/// lost, a few more follow half a round later, so that it is clear sooner. Main thread.
 class ExtraProbes {
 public:
     /// All outlive this. What comes back is written to `evidence`; `note` is called after a loss.
     ExtraProbes(base::Clock& clock, platform::ConnectionFactory& connections,
         platform::HopProbeFactory& hops, Evidence& evidence, std::function<void()> note);
 
-    /// Ends the last round and begins the next one. Main thread.
+    /// Begins the next round. Main thread.
     void nextRound();
     /// What is under way counts as nothing: the network is another one.
     void forget();
@@ -36,9 +37,12 @@ private:
     };
     using Start = std::function<std::unique_ptr<platform::Connection>(platform::ConnectionHandler)>;
 
-    void closeRound();
+    void closeOldQuestions();
+    void add(Outcomes Evidence::*outcomes, const Outcome& outcome);
     void ask(Outcomes Evidence::*outcomes, const Start& start);
     void askHops();
+    void askSecondHop();
+    void askBetween();
     bool sparesRouter() const;
     void askOthers();
     void sendFullPacket();
@@ -49,11 +53,12 @@ private:
     platform::HopProbeFactory& m_hops;
     Evidence& m_evidence;
     const std::function<void()> m_note;
-    std::vector<std::shared_ptr<Question>> m_questions; ///< of this round
+    std::vector<std::shared_ptr<Question>> m_questions; ///< of the last seconds
     QString m_pathKey; ///< target and interface of the two paths
     std::unique_ptr<platform::HopPath> m_firstPath;
     std::unique_ptr<platform::HopPath> m_secondPath;
     std::unique_ptr<platform::Connection> m_fullPacket;
+    std::unique_ptr<base::Timer> m_between;
     const std::unique_ptr<QObject> m_owner = std::make_unique<QObject>(); ///< of delayed work
     int m_lostFullPackets = 0;
     int m_fullPacketWait = 1; ///< rounds until the next one

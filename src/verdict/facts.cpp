@@ -68,28 +68,36 @@ const platform::LinkReading* Facts::link() const
     return evidence.links.empty() ? nullptr : &evidence.links.back().value;
 }
 
+const Track& Facts::near() const
+{
+    return router.medianMs && router.medianMs == nearMs ? router : firstHop;
+}
+
 /// Packets that are lost before the router are missing from both; what is lost behind it is not.
 /// The share is that of two hypotheses which are equally likely at first.
 void Facts::findShare()
 {
-    constexpr double kByChance = 0.01;
-    constexpr int kEnough = 6;
-    for (const auto* outcomes : {&evidence.router, &evidence.firstHop}) {
-        if (!trackOf(*outcomes).hasAnswered())
-            continue;
-        const Loss loss = lossSince(*outcomes, *farLoss.since);
-        // A router may answer one kind of question only now and then.
-        if (loss.packets >= kEnough && loss.lost == 0) {
-            sharedLoss = loss;
-            break;
-        }
-        sharedLoss.packets += loss.packets;
-        sharedLoss.lost += loss.lost;
-    }
     const double rate = std::clamp(farLoss.percent() / 100, 0.05, 0.95);
-    const double odds = sharedLoss.lost * std::log(rate / kByChance)
-        + (sharedLoss.packets - sharedLoss.lost) * std::log((1 - rate) / (1 - kByChance));
+    const auto oddsOf = [&](const Loss& loss) {
+        constexpr double kByChance = 0.01;
+        return loss.lost * std::log(rate / kByChance)
+            + (loss.packets - loss.lost) * std::log((1 - rate) / (1 - kByChance));
+    };
+    const auto lossTo = [&](const Outcomes& outcomes) {
+        return trackOf(outcomes).hasAnswered() ? lossSince(outcomes, *farLoss.since) : Loss {};
+    };
+    const Loss handshakes = lossTo(evidence.router);
+    const Loss datagrams = lossTo(evidence.firstHop);
+    double odds = oddsOf(datagrams);
+    if (handshakes.packets > 0) {
+        // One router of ten answers datagrams only now and then, and handshakes always.
+        static const double kMost = std::log(10);
+        odds = std::min(odds, kMost) + oddsOf(handshakes);
+    }
     nearShare = 1 / (1 + std::exp(-odds));
+    sharedLoss = handshakes.packets > 0 ? handshakes : datagrams;
+    if (nearShare >= 0.5 && handshakes.packets > 0)
+        sharedLoss = {handshakes.packets + datagrams.packets, handshakes.lost + datagrams.lost};
 }
 
 Facts::Facts(const Evidence& given)
@@ -116,8 +124,8 @@ Facts::Facts(const Evidence& given)
     const Outcomes& target = isByIPv6 ? given.internet6 : given.internet;
     internet = trackOf(target);
     internetLoss = lossSince(target, {});
-    targetLoss = lossOf({&target});
-    farLoss = lossOf({&target, &given.secondHop});
+    targetLoss = lossOf({&target, &given.between});
+    farLoss = lossOf({&target, &given.between, &given.secondHop});
     if (farLoss.since)
         findShare();
     for (const auto& ms : {router.medianMs, firstHop.medianMs}) {

@@ -52,6 +52,8 @@ struct Facts {
     bool isRecent(TimePoint at, std::chrono::seconds limit) const;
     /// The last reading of the Wi-Fi link; null without one.
     const platform::LinkReading* link() const;
+    /// The quicker of the two ways to the router.
+    const Track& near() const;
 
 private:
     void findShare();

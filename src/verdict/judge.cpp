@@ -29,8 +29,7 @@ Finding unsure(const Facts& facts)
                   .arg(std::max(0, facts.internet.asked - facts.internet.unanswered))
                   .arg(facts.internet.asked),
         .advice = isNew ? QString() : u"Wait a few seconds."_s};
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.hasAnswered() ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     addSilence(finding, facts, u"internet.unanswered"_s, u"The internet"_s, facts.internet);
     return finding;
 }

@@ -37,8 +37,7 @@ std::optional<Finding> portal(const Facts& facts)
     finding.evidence.push_back(item(facts, u"portal.replacedPages"_s, 1, {}, page->at,
         isRedirect ? u"A check of the web was sent to another server"_s
                    : u"A check of the web brought another page"_s));
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.medianMs == facts.nearMs ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
     return finding;
 }
@@ -99,8 +98,7 @@ std::optional<Finding> targetUnreachable(const Facts& facts)
     addSilence(finding, facts, u"target.unanswered"_s, u"1.1.1.1"_s, facts.internet);
     addLatency(finding, facts, u"internet.latency"_s, u"Another host"_s, facts.others);
     if (!facts.others.medianMs)
-        addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-            facts.router.medianMs == facts.nearMs ? facts.router : facts.firstHop);
+        addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     return finding;
 }
 
@@ -118,8 +116,7 @@ std::optional<Finding> healthy(const Facts& facts)
     if (facts.radio && facts.radio->signalDbm)
         finding.evidence.push_back(item(facts, u"radio.signal"_s, *facts.radio->signalDbm, u"dBm"_s,
             facts.radio->at, u"Signal: %1 dBm"_s.arg(*facts.radio->signalDbm)));
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.hasAnswered() ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     addLatency(finding, facts, u"line.latency"_s, u"The provider"_s, facts.secondHop);
     addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
     addLatency(finding, facts, u"dns.lookup"_s, u"DNS"_s, lookups);

@@ -147,8 +147,7 @@ std::optional<Finding> lineDown(const Facts& facts)
             = u"Your router is there, but the internet left %1 packets unanswered (%2 s)."_s
                   .arg(facts.internet.unanswered)
                   .arg(silentSeconds(facts));
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.isAlive() ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     addLatency(finding, facts, u"line.latency"_s, u"The provider"_s, facts.secondHop);
     addSilence(finding, facts, u"internet.unanswered"_s, u"The internet"_s, facts.internet);
     finding.evidence.push_back(
@@ -170,8 +169,7 @@ std::optional<Finding> routerLossy(const Facts& facts)
             ? u"Move closer to the router. If packets are lost there, too, restart the router."_s
             : u"Try another cable or port at the router. If it does not help, restart the router."_s};
     addLoss(finding, facts, u"router.loss"_s, u"Router"_s, facts.sharedLoss);
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.hasAnswered() ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     addLoss(finding, facts, u"internet.loss"_s, u"Internet"_s, facts.farLoss);
     return finding;
 }
@@ -195,8 +193,7 @@ std::optional<Finding> lineLossy(const Facts& facts)
                   .arg(facts.farLoss.lost)
                   .arg(facts.farLoss.packets);
     addLoss(finding, facts, u"line.loss"_s, u"Line"_s, facts.farLoss);
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.hasAnswered() ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     addLoss(finding, facts, u"router.loss"_s, u"Router"_s, facts.sharedLoss);
     return finding;
 }
@@ -212,8 +209,7 @@ std::optional<Finding> routerSlow(const Facts& facts)
             inMs(*facts.nearMs), inMs(*facts.internet.medianMs)),
         .advice = u"Restart the router. Large uploads by anyone on this network slow it down, "
                   "too."_s};
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.medianMs == facts.nearMs ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
     return finding;
 }
@@ -234,8 +230,7 @@ std::optional<Finding> lineSlow(const Facts& facts)
             routerTime(facts), inMs(*facts.internet.medianMs)),
         .advice = u"Your Wi-Fi and router are fine. If nobody on this network is busy, the delay "
                   "is your provider's."_s};
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.medianMs == facts.nearMs ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
     if (const auto& usual = facts.evidence.usual.internet)
         finding.evidence.push_back(item(facts, u"internet.usual"_s, *usual, u"ms"_s,
@@ -263,8 +258,7 @@ std::optional<Finding> lagUnderLoad(const Facts& facts)
     finding.evidence.push_back(item(facts, u"system.load"_s, mbps, u"Mbps"_s, load.at,
         u"This computer transfers %1 Mbit/s"_s.arg(mbps, 0, 'f', 1)));
     addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.medianMs == facts.nearMs ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
     return finding;
 }
 

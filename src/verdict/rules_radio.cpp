@@ -89,8 +89,7 @@ void addRadio(Finding& finding, const Facts& facts)
         finding.evidence.push_back(item(facts, u"radio.busy"_s, *radio.busyPercent, u"%"_s,
             radio.at, u"The channel is busy %1 % of the time"_s.arg(qRound(*radio.busyPercent))));
     addLoss(finding, facts, u"router.loss"_s, u"Router"_s, facts.nearLoss);
-    addLatency(finding, facts, u"router.latency"_s, u"The router"_s,
-        facts.router.medianMs == facts.nearMs ? facts.router : facts.firstHop);
+    addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
 }
 
 void addEvent(Finding& finding, const Facts& facts, const RadioEvent& event)
@@ -266,7 +265,7 @@ std::optional<Finding> powerSave(const Facts& facts)
         return {};
     // The access point holds packets back for one that sleeps, for some beacon intervals of about
     // 100 ms at most. Now and then the radio is awake, and the answer quick.
-    const Track& track = facts.router.hasAnswered() ? facts.router : facts.firstHop;
+    const Track& track = facts.near();
     const bool hasSpikes = track.medianMs && track.leastMs && *track.medianMs >= 20
         && *track.medianMs <= 400 && *track.leastMs * 3 <= *track.medianMs;
     if (!hasSpikes || facts.nearLoss.isBad || facts.internet.medianMs.value_or(0) < 20)
