@@ -18,15 +18,16 @@ const QString kHostile = u"<img src='http://127.0.0.1/x'>"_s.leftJustified(120, 
 /// Two hours that end at `end`, with a gap of half an hour in the middle and an outage at the end.
 class TwoHours final : public timeline::Source {
 public:
-    explicit TwoHours(Milliseconds end)
+    TwoHours(Milliseconds end, int firstMinute)
         : m_begin(end - 120 * 60'000)
+        , m_firstMinute(firstMinute)
     {
     }
 
     timeline::Remembered remembered(const timeline::ChartRange& range) const override
     {
         timeline::Remembered some;
-        for (int i = 0; !isForgotten && i < 120; ++i) {
+        for (int i = m_firstMinute; !isForgotten && i < 120; ++i) {
             const Milliseconds at = m_begin + i * 60'000;
             if (at < range.from || at >= range.to || (i >= 45 && i < 75))
                 continue;
@@ -60,16 +61,21 @@ public:
 
 private:
     const Milliseconds m_begin;
+    const int m_firstMinute;
 };
 
 struct Window {
     World world;
-    std::shared_ptr<TwoHours> source
-        = std::make_shared<TwoHours>(timeline::millisecondsOf(world.clock.now()));
+    std::shared_ptr<TwoHours> source;
     ui::TimeLineState state {world.services, source};
     ViewFixture view = world.show(u"TimeLineView"_s, state, 980);
 
-    Window() { settle(); }
+    explicit Window(int firstMinute = 0)
+        : source(
+            std::make_shared<TwoHours>(timeline::millisecondsOf(world.clock.now()), firstMinute))
+    {
+        settle();
+    }
     void settle()
     {
         for (int round = 0; round < 3; ++round) {
@@ -108,6 +114,14 @@ private Q_SLOTS:
                 window.show(page);
                 QCOMPARE(window.view.problems(), QStringList());
             }
+        }
+    }
+
+    void beginsWithAllThatThereIs()
+    {
+        for (const auto& [firstMinute, range] : {std::pair {0, 2}, {65, 1}, {110, 0}}) {
+            Window window(firstMinute);
+            QCOMPARE(window.state.range(), range);
         }
     }
 

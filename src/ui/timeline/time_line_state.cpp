@@ -275,8 +275,22 @@ void TimeLineState::take(std::shared_ptr<const Chart> chart)
     m_chart = std::move(chart);
     Q_EMIT chartChanged();
     Q_EMIT tableChanged();
+    fitFirst();
     if (m_isStale)
         load();
+}
+
+/// The first view is the shortest range that holds all, so that a young history can be seen.
+void TimeLineState::fitFirst()
+{
+    if (isEmpty() || std::exchange(m_hasFitted, true))
+        return;
+    Milliseconds oldest = to();
+    for (const auto& lane : m_chart->lanes)
+        oldest = lane.points.empty() ? oldest : std::min(oldest, lane.points.front().at);
+    const auto range = std::find_if(kRanges.begin(), kRanges.begin() + kFirstRange,
+        [&](Milliseconds span) { return to() - oldest <= span; });
+    setView(now(), *range);
 }
 
 /// The texts beside the lanes and of the moment.

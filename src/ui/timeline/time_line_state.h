@@ -124,6 +124,7 @@ private:
     void loadIfNeeded();
     void load();
     void take(std::shared_ptr<const timeline::Chart> chart);
+    void fitFirst();
     void tell();
 
     const services::Services& m_services;
@@ -134,6 +135,7 @@ private:
     bool m_isAtNow = true;
     std::optional<timeline::Milliseconds> m_cursor;
     std::shared_ptr<const timeline::Chart> m_chart;
+    bool m_hasFitted = false;
     bool m_isLoading = false;
     bool m_isStale = false; ///< what is being read is not what is wanted any more
     QList<LaneLabel> m_lanes;
