@@ -25,6 +25,13 @@ struct WiFiChannel {
     bool operator==(const WiFiChannel&) const = default;
 };
 
+/// The band of a channel by its centre. 6 GHz begins at 5925 MHz, 5 GHz above 4900 MHz.
+ChannelBand bandOf(std::uint32_t frequencyMhz);
+
+/// The channel with this centre (IEEE 802.11-2020, Annex E); absent where the three bands have
+/// none.
+std::optional<WiFiChannel> channelOf(std::uint32_t frequencyMhz);
+
 /// Counters of a link, each since the association or since some earlier moment: only differences
 /// mean something, and a value below the one before means that it began anew.
 struct LinkCounters {

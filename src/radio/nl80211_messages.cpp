@@ -223,40 +223,6 @@ std::optional<QByteArray> ssidElement(const QByteArray& elements)
     return {};
 }
 
-platform::ChannelBand bandOf(std::uint32_t frequencyMhz)
-{
-    if (frequencyMhz >= 5925 && frequencyMhz < 7250)
-        return platform::ChannelBand::SixGHz;
-    if (frequencyMhz > 4900 && frequencyMhz < 5925)
-        return platform::ChannelBand::FiveGHz;
-    if (frequencyMhz >= 2400 && frequencyMhz < 2500)
-        return platform::ChannelBand::TwoGHz;
-    return platform::ChannelBand::Unknown;
-}
-
-std::optional<platform::WiFiChannel> channelOf(std::uint32_t frequencyMhz)
-{
-    const int mhz = int(std::min(frequencyMhz, 100'000U));
-    const platform::ChannelBand band = bandOf(frequencyMhz);
-    const auto counted = [mhz, band](int base, int last) -> std::optional<platform::WiFiChannel> {
-        const int number = (mhz - base) / 5;
-        if (number < 1 || number > last)
-            return {};
-        return platform::WiFiChannel {number, band};
-    };
-    switch (band) {
-    case platform::ChannelBand::TwoGHz: // 14 stands apart
-        return mhz == 2484 ? platform::WiFiChannel {14, band} : counted(2407, 13);
-    case platform::ChannelBand::FiveGHz:
-        return mhz >= 4910 && mhz <= 4980 ? counted(4000, 196) : counted(5000, 196);
-    case platform::ChannelBand::SixGHz: // 2 lies below 1
-        return mhz == 5935 ? platform::WiFiChannel {2, band} : counted(5950, 233);
-    case platform::ChannelBand::Unknown:
-        break;
-    }
-    return {};
-}
-
 bool isStation(const InterfaceRecord& interface)
 {
     return interface.type == NL80211_IFTYPE_STATION && interface.index && interface.name;
@@ -316,8 +282,8 @@ platform::LinkReading linkReading(const InterfaceRecord& interface,
     reading.transmitRateMbps
         = firstPresent(stations, isAccessPoint, &StationRecord::transmitRateMbps);
     if (frequency) {
-        reading.band = bandOf(*frequency);
-        reading.channel = channelOf(*frequency);
+        reading.band = platform::bandOf(*frequency);
+        reading.channel = platform::channelOf(*frequency);
     }
     return reading;
 }

@@ -102,13 +102,6 @@ QString addressText(const QByteArray& bytes);
 /// 9.4.2.1); absent when there is none before the first element that does not fit.
 std::optional<QByteArray> ssidElement(const QByteArray& elements);
 
-/// The band of a channel by its centre. 6 GHz begins at 5925 MHz, 5 GHz above 4900 MHz.
-platform::ChannelBand bandOf(std::uint32_t frequencyMhz);
-
-/// The channel with this centre (IEEE 802.11-2020, Annex E); absent where the three bands have
-/// none.
-std::optional<platform::WiFiChannel> channelOf(std::uint32_t frequencyMhz);
-
 /// Whether it is an interface that joins networks, and has a name.
 bool isStation(const InterfaceRecord& interface);
 

@@ -16,7 +16,7 @@ platform::NearbyNetwork networkOf(const BssRecord& record)
     if (record.bssid)
         network.bssid = addressText(*record.bssid);
     if (record.frequencyMhz)
-        network.channel = channelOf(*record.frequencyMhz);
+        network.channel = platform::channelOf(*record.frequencyMhz);
     return network;
 }
 
