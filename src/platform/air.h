@@ -45,6 +45,7 @@ struct AirSecurity {
     bool enterprise = false; ///< an account (802.1X)
     bool enterprise192 = false; ///< an account by the suite of 192 bits
     bool owe = false; ///< encrypted without a key
+    bool other = false; ///< something that is not known here, or that came cut off
     bool protectsManagement = false; ///< protection of management frames is offered
     bool requiresProtection = false; ///< and nobody joins without it
 

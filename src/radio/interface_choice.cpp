@@ -24,6 +24,13 @@ QByteArray readRoutes()
                                                                   : QByteArray();
 }
 
+std::vector<InterfaceRecord> readStations(Nl80211Socket& wifi)
+{
+    auto stations = wifi.dump(NL80211_CMD_GET_INTERFACE, 0, parseInterface);
+    std::erase_if(stations, [](const auto& record) { return !isStation(record); });
+    return stations;
+}
+
 std::pair<int, std::uint32_t> orderOf(const RankedInterface& ranked)
 {
     if (!ranked.hasLink)
@@ -72,10 +79,20 @@ std::optional<std::uint32_t> defaultRouteMetric(
 
 std::vector<InterfaceRecord> InterfaceChoice::inOrder(Nl80211Socket& wifi) const
 {
-    auto stations = wifi.dump(NL80211_CMD_GET_INTERFACE, 0, parseInterface);
-    std::erase_if(stations, [](const auto& record) { return !isStation(record); });
-    if (stations.size() < 2)
-        return stations;
+    auto stations = readStations(wifi);
+    if (stations.size() >= 2)
+        std::ranges::transform(rank(wifi, stations), stations.begin(), &RankedInterface::interface);
+    return stations;
+}
+
+std::vector<RankedInterface> InterfaceChoice::ranked(Nl80211Socket& wifi) const
+{
+    return rank(wifi, readStations(wifi));
+}
+
+std::vector<RankedInterface> InterfaceChoice::rank(
+    Nl80211Socket& wifi, const std::vector<InterfaceRecord>& stations) const
+{
     const QByteArray routes = readRoutes();
     std::vector<RankedInterface> ranked;
     for (const InterfaceRecord& interface : stations) {
@@ -88,8 +105,7 @@ std::vector<InterfaceRecord> InterfaceChoice::inOrder(Nl80211Socket& wifi) const
             .isOn = isRadioOn(*interface.name)});
     }
     sortByUse(ranked);
-    std::ranges::transform(ranked, stations.begin(), &RankedInterface::interface);
-    return stations;
+    return ranked;
 }
 
 } // namespace netvane::radio

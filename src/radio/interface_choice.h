@@ -38,10 +38,15 @@ public:
     /// The interfaces in station mode, the one to use first. With more than one, what ranks them is
     /// read as well.
     std::vector<InterfaceRecord> inOrder(Nl80211Socket& wifi) const;
+    /// The same with what ranks them, which is read for a single one, too.
+    std::vector<RankedInterface> ranked(Nl80211Socket& wifi) const;
     /// The link of the interface with this index was read: it stays the first while it has it.
     void keep(std::uint32_t index) { m_kept = index; }
 
 private:
+    std::vector<RankedInterface> rank(
+        Nl80211Socket& wifi, const std::vector<InterfaceRecord>& stations) const;
+
     std::atomic<std::uint32_t> m_kept {0}; ///< 0 is no interface's index
 };
 

@@ -1,6 +1,9 @@
 #include "radio/nl80211_messages.h"
 
 #include "base/visible_text.h"
+#include "radio/air/air_messages.h"
+#include "radio/air/air_rate.h"
+#include "radio/air/elements.h"
 
 #include <algorithm>
 #include <functional>
@@ -10,18 +13,6 @@ namespace {
 
 constexpr int kAddressSize = 6;
 constexpr double kMbmPerDbm = 100.0;
-constexpr double kMbpsPerRateUnit = 0.1; // rates count in 100 kbit/s
-
-/// BITRATE32 first: the 16 bits of BITRATE end at 6.5 Gbit/s, and drivers leave it out above that.
-std::optional<double> parseRate(netlink::AttributeBytes attributes)
-{
-    const netlink::Attributes<NL80211_RATE_INFO_MAX> rate(attributes);
-    if (const auto wide = rate.number<std::uint32_t>(NL80211_RATE_INFO_BITRATE32))
-        return *wide * kMbpsPerRateUnit;
-    if (const auto narrow = rate.number<std::uint16_t>(NL80211_RATE_INFO_BITRATE))
-        return *narrow * kMbpsPerRateUnit;
-    return {};
-}
 
 std::optional<QByteArray> addressIn(std::optional<QByteArray> bytes)
 {
@@ -31,19 +22,12 @@ std::optional<QByteArray> addressIn(std::optional<QByteArray> bytes)
 /// An interface with several links has no channel of its own; each link in the list has one.
 std::optional<std::uint32_t> firstLinkFrequency(netlink::AttributeBytes links)
 {
-    const auto* link = reinterpret_cast<const nlattr*>(links.data());
-    for (int left = int(links.size()); nla_ok(link, left); link = nla_next(link, &left)) {
-        const netlink::Attributes<NL80211_ATTR_MAX> attributes(
-            {static_cast<const std::byte*>(nla_data(link)), size_t(nla_len(link))});
-        if (const auto frequency = attributes.number<std::uint32_t>(NL80211_ATTR_WIPHY_FREQ))
-            return frequency;
-    }
-    return {};
-}
-
-bool isAccessPoint(const StationRecord& station)
-{
-    return !station.directPeer && station.associated.value_or(true);
+    std::optional<std::uint32_t> first;
+    forEachNested(links, [&first](int, netlink::AttributeBytes link) {
+        if (const auto span = parseSpan(link); span && !first)
+            first = span->primaryMhz;
+    });
+    return first;
 }
 
 /// The first value in the records that count. The kernel may send a peer in several messages of
@@ -56,16 +40,6 @@ auto firstPresent(const std::vector<Record>& records, Counts counts, ValueOf val
             return std::invoke(valueOf, record);
     }
     return std::decay_t<std::invoke_result_t<ValueOf, const Record&>>();
-}
-
-/// The channel in use; empty where it is not listed.
-SurveyRecord currentChannel(
-    const std::vector<SurveyRecord>& survey, std::optional<std::uint32_t> frequencyMhz)
-{
-    auto current = std::ranges::find_if(survey, &SurveyRecord::inUse);
-    if (current == survey.end() && frequencyMhz)
-        current = std::ranges::find(survey, frequencyMhz, &SurveyRecord::frequencyMhz);
-    return current == survey.end() ? SurveyRecord {} : *current;
 }
 
 platform::LinkCounters countersOf(
@@ -81,8 +55,8 @@ platform::LinkCounters countersOf(
         .retries = count(&LinkCounters::retries),
         .failed = count(&LinkCounters::failed),
         .beaconsLost = count(&LinkCounters::beaconsLost),
-        .channelActiveMs = channel.activeMs,
-        .channelBusyMs = channel.busyMs,
+        .channelActiveMs = channel.counts.activeMs,
+        .channelBusyMs = channel.counts.busyMs,
     };
 }
 
@@ -136,17 +110,28 @@ StationRecord parseStation(netlink::AttributeBytes bytes)
         }
     }
     if (info.has(NL80211_STA_INFO_TX_BITRATE))
-        record.transmitRateMbps = parseRate(info.nested(NL80211_STA_INFO_TX_BITRATE));
+        record.transmitRateMbps = parseAirRate(info.nested(NL80211_STA_INFO_TX_BITRATE)).mbps;
     if (info.has(NL80211_STA_INFO_RX_BITRATE))
-        record.receiveRateMbps = parseRate(info.nested(NL80211_STA_INFO_RX_BITRATE));
+        record.receiveRateMbps = parseAirRate(info.nested(NL80211_STA_INFO_RX_BITRATE)).mbps;
     record.address = addressIn(attributes.bytes(NL80211_ATTR_MAC));
-    record.counters = {
+    record.counters = parseCounters(attributes.nested(NL80211_ATTR_STA_INFO));
+    return record;
+}
+
+bool isAccessPoint(const StationRecord& station)
+{
+    return !station.directPeer && station.associated.value_or(true);
+}
+
+platform::LinkCounters parseCounters(netlink::AttributeBytes stationInfo)
+{
+    const netlink::Attributes<NL80211_STA_INFO_MAX> info(stationInfo);
+    return {
         .sentPackets = info.number<std::uint32_t>(NL80211_STA_INFO_TX_PACKETS),
         .retries = info.number<std::uint32_t>(NL80211_STA_INFO_TX_RETRIES),
         .failed = info.number<std::uint32_t>(NL80211_STA_INFO_TX_FAILED),
         .beaconsLost = info.number<std::uint32_t>(NL80211_STA_INFO_BEACON_LOSS),
     };
-    return record;
 }
 
 SurveyRecord parseSurvey(netlink::AttributeBytes bytes)
@@ -156,10 +141,15 @@ SurveyRecord parseSurvey(netlink::AttributeBytes bytes)
         attributes.nested(NL80211_ATTR_SURVEY_INFO));
     return {
         .frequencyMhz = info.number<std::uint32_t>(NL80211_SURVEY_INFO_FREQUENCY),
-        .noiseDbm = info.number<std::int8_t>(NL80211_SURVEY_INFO_NOISE),
         .inUse = info.has(NL80211_SURVEY_INFO_IN_USE),
-        .activeMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME),
-        .busyMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME_BUSY),
+        .counts = {
+            .activeMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME),
+            .busyMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME_BUSY),
+            .transmitMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME_TX),
+            .receiveMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME_RX),
+            .ownReceiveMs = info.number<std::uint64_t>(NL80211_SURVEY_INFO_TIME_BSS_RX),
+            .noiseDbm = info.number<std::int8_t>(NL80211_SURVEY_INFO_NOISE),
+        },
     };
 }
 
@@ -211,21 +201,32 @@ QString addressText(const QByteArray& bytes)
 
 std::optional<QByteArray> ssidElement(const QByteArray& elements)
 {
-    for (qsizetype at = 0; at + 2 <= elements.size();) {
-        const int number = uchar(elements[at]);
-        const qsizetype length = uchar(elements[at + 1]);
-        if (at + 2 + length > elements.size())
-            return {};
-        if (number == 0)
-            return elements.sliced(at + 2, length);
-        at += 2 + length;
-    }
-    return {};
+    std::optional<QByteArray> ssid;
+    forEachElement(elementsOf(elements), [&ssid](int number, ElementBytes body) {
+        if (number == kSsid && !ssid)
+            ssid = QByteArray(reinterpret_cast<const char*>(body.data()), qsizetype(body.size()));
+    });
+    return ssid;
 }
 
 bool isStation(const InterfaceRecord& interface)
 {
     return interface.type == NL80211_IFTYPE_STATION && interface.index && interface.name;
+}
+
+SurveyRecord currentChannel(
+    const std::vector<SurveyRecord>& survey, std::optional<std::uint32_t> frequencyMhz)
+{
+    auto current = std::ranges::find_if(survey, &SurveyRecord::inUse);
+    if (current == survey.end() && frequencyMhz)
+        current = std::ranges::find(survey, frequencyMhz, &SurveyRecord::frequencyMhz);
+    return current == survey.end() ? SurveyRecord {} : *current;
+}
+
+bool hasLink(const std::vector<StationRecord>& stations, const std::vector<BssRecord>& networks)
+{
+    return isAssociated(stations, networks)
+        && firstPresent(stations, isAccessPoint, &StationRecord::authorized).value_or(true);
 }
 
 bool needsScanTable(const InterfaceRecord& interface, const std::vector<StationRecord>& stations)
@@ -260,10 +261,9 @@ platform::LinkReading linkReading(const InterfaceRecord& interface,
     if (!ssid)
         ssid = firstPresent(networks, &BssRecord::associated, &BssRecord::ssid);
     const auto name = ssid ? base::ssidText(*ssid) : std::nullopt;
-    const auto authorized = firstPresent(stations, isAccessPoint, &StationRecord::authorized);
     // While an interface scans or is joining a network, it has a channel but no link. With a wrong
     // password it is associated again and again, and never authorized.
-    if (!isAssociated(stations, networks) || !authorized.value_or(true)) {
+    if (!hasLink(stations, networks)) {
         reading.joiningSsid = name;
         return reading;
     }
@@ -273,7 +273,7 @@ platform::LinkReading linkReading(const InterfaceRecord& interface,
     reading.ssid = name;
     reading.signalDbm = firstPresent(stations, isAccessPoint, &StationRecord::signalDbm);
     const auto channel = currentChannel(survey, frequency);
-    reading.noiseDbm = channel.noiseDbm;
+    reading.noiseDbm = channel.counts.noiseDbm;
     reading.counters = countersOf(stations, channel);
     if (const auto bssid = bssidOf(stations, networks))
         reading.bssid = addressText(*bssid);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "netlink/netlink_attributes.h"
-#include "platform/wifi_client.h"
+#include "platform/air.h"
 
 #include <QByteArray>
 
@@ -47,14 +47,16 @@ struct StationRecord {
     bool operator==(const StationRecord&) const = default;
 };
 StationRecord parseStation(netlink::AttributeBytes attributes);
+/// Or else a neighbour, or one that only asks.
+bool isAccessPoint(const StationRecord& station);
+/// The counters in NL80211_ATTR_STA_INFO.
+platform::LinkCounters parseCounters(netlink::AttributeBytes stationInfo);
 
 /// NL80211_CMD_NEW_SURVEY_RESULTS: one channel.
 struct SurveyRecord {
     std::optional<std::uint32_t> frequencyMhz;
-    std::optional<int> noiseDbm;
     bool inUse = false; ///< many drivers never set it
-    std::optional<std::uint64_t> activeMs;
-    std::optional<std::uint64_t> busyMs;
+    platform::AirSurvey counts;
 
     bool operator==(const SurveyRecord&) const = default;
 };
@@ -118,6 +120,13 @@ std::optional<QByteArray> bssidOf(
 platform::LinkReading linkReading(const InterfaceRecord& interface,
     const std::vector<StationRecord>& stations, const std::vector<SurveyRecord>& survey,
     const std::vector<BssRecord>& networks);
+
+/// The survey of the channel in use; empty where it is not listed.
+SurveyRecord currentChannel(
+    const std::vector<SurveyRecord>& survey, std::optional<std::uint32_t> frequencyMhz);
+
+/// Whether there is a link: associated, and not known to be without permission to send.
+bool hasLink(const std::vector<StationRecord>& stations, const std::vector<BssRecord>& networks);
 
 /// Whether the table of networks is needed: to complete the reading of an associated interface, or
 /// to tell whether one without stations that has a network's name is associated.

@@ -25,7 +25,10 @@ netlink::NetlinkMessage Nl80211Socket::newMessage(
     netlink::NetlinkMessage message(nlmsg_alloc());
     if (!message
         || !genlmsg_put(message.get(), NL_AUTO_PORT, NL_AUTO_SEQ, m_family, 0, flags, command, 0)
-        || (index != 0 && nla_put_u32(message.get(), NL80211_ATTR_IFINDEX, index) < 0))
+        || (index != 0 && nla_put_u32(message.get(), NL80211_ATTR_IFINDEX, index) < 0)
+        // In one piece the kernel leaves out what is newer, such as the channels of 6 GHz.
+        || (command == NL80211_CMD_GET_WIPHY
+            && nla_put_flag(message.get(), NL80211_ATTR_SPLIT_WIPHY_DUMP) < 0))
         return nullptr;
     return message;
 }

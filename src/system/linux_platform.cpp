@@ -17,6 +17,7 @@
 #include "net/socket_hop_probes.h"
 #include "net/system_resolver.h"
 #include "net/web/curl_http_client.h"
+#include "radio/air/nl80211_air_reader.h"
 #include "radio/interface_choice.h"
 #include "radio/linux_network_scanner.h"
 #include "radio/linux_radio_monitor.h"
@@ -37,6 +38,7 @@ platform::Platform makePlatform()
     auto sessionBus = linkTo(QDBusConnection::SessionBus);
     const auto choice = std::make_shared<radio::InterfaceChoice>();
     platform.wifiClient = radio::Nl80211WiFiClient::create(choice);
+    platform.airReader = std::make_shared<radio::Nl80211AirReader>(choice);
     platform.networkScanner = std::make_unique<radio::LinuxNetworkScanner>(
         radio::ScanContext {*systemBus, *platform.clock, platform.queues->userInitiated,
             std::make_shared<radio::Nl80211ScanKernel>(choice)},
