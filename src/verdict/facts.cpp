@@ -73,6 +73,53 @@ const Track& Facts::near() const
     return router.medianMs && router.medianMs == nearMs ? router : firstHop;
 }
 
+bool Facts::lacksLink() const
+{
+    const auto& network = evidence.network;
+    const bool isByCable
+        = network && std::ranges::any_of(network->value.interfaces, [](const auto& each) {
+              return !each.isTunnel && !each.isWireless && each.isUp && each.hasCarrier;
+          });
+    if (!evidence.radioOn.value_or(false) || isByCable)
+        return false;
+    const auto* last = link();
+    // A link whose name the driver does not tell has a signal.
+    if (!last || (!last->ssid && (!last->signalDbm || last->joiningSsid)))
+        return true;
+    // It ended since it was read.
+    using Kind = platform::RadioEvent::Kind;
+    const auto tells = [&](const auto& event) {
+        return (event.kind == Kind::Connected || event.kind == Kind::Disconnected)
+            && (event.interfaceName.isEmpty() || event.interfaceName == last->interfaceName);
+    };
+    const auto& events = evidence.radioEvents;
+    const auto event = std::find_if(events.rbegin(), events.rend(), tells);
+    return event != events.rend() && event->kind == Kind::Disconnected
+        && event->at > evidence.links.back().at;
+}
+
+bool Facts::isEvent(const platform::RadioEvent& event, platform::RadioEvent::Kind kind,
+    std::chrono::seconds limit) const
+{
+    return event.kind == kind && isRecent(event.at, limit)
+        && (kind != platform::RadioEvent::Kind::SignInFailed || event.code);
+}
+
+const platform::RadioEvent* Facts::newestEvent(
+    platform::RadioEvent::Kind kind, std::chrono::seconds limit) const
+{
+    const auto& events = evidence.radioEvents;
+    const auto found = std::find_if(events.rbegin(), events.rend(),
+        [&](const auto& event) { return isEvent(event, kind, limit); });
+    return found == events.rend() ? nullptr : &*found;
+}
+
+int Facts::countOfEvents(platform::RadioEvent::Kind kind, std::chrono::seconds limit) const
+{
+    return int(std::ranges::count_if(
+        evidence.radioEvents, [&](const auto& event) { return isEvent(event, kind, limit); }));
+}
+
 /// Packets that are lost before the router are missing from both; what is lost behind it is not.
 /// The share is that of two hypotheses which are equally likely at first.
 void Facts::findShare()

@@ -21,6 +21,9 @@ struct RadioChange {
     double failedPercent() const;
 };
 
+/// Events of a minute are counted, but what stopped a while ago does no harm now.
+inline constexpr std::chrono::seconds kEventGoesOn {20};
+
 /// The evidence, summed up for the rules. Refers to the evidence.
 struct Facts {
     explicit Facts(const Evidence& evidence);
@@ -54,9 +57,19 @@ struct Facts {
     const platform::LinkReading* link() const;
     /// The quicker of the two ways to the router.
     const Track& near() const;
+    /// Wi-Fi is the way out, or the only one there could be, and it has no link.
+    bool lacksLink() const;
+    /// Of the radio's events of this kind within the limit; null without one. A sign-in that failed
+    /// without a code was not answered at all, as by an access point that is gone: nobody refused
+    /// it, and it does not count.
+    const platform::RadioEvent* newestEvent(
+        platform::RadioEvent::Kind kind, std::chrono::seconds limit) const;
+    int countOfEvents(platform::RadioEvent::Kind kind, std::chrono::seconds limit) const;
 
 private:
     void findShare();
+    bool isEvent(const platform::RadioEvent& event, platform::RadioEvent::Kind kind,
+        std::chrono::seconds limit) const;
 };
 
 } // namespace netvane::verdict

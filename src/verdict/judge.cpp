@@ -11,10 +11,10 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::verdict {
 namespace {
 
-constexpr std::array<Rule, 27> kRules = {noAdapter, radioOff, noAddress, noRoute, vpnDown, noLink,
-    weakSignal, airLossy, airBusy, powerSave, scanning, roaming, routerDead, routerSlow,
-    routerLossy, lineDown, lineSlow, lineLossy, lagUnderLoad, dnsDead, dnsSlow, dnsWrong, portal,
-    mtu, ipv6Broken, targetUnreachable, healthy};
+constexpr std::array<Rule, 28> kRules = {noAdapter, radioOff, noAddress, noRoute, vpnDown, noLink,
+    unsteadyLink, weakSignal, airLossy, airBusy, powerSave, scanning, roaming, routerDead,
+    routerSlow, routerLossy, lineDown, lineSlow, lineLossy, lagUnderLoad, dnsDead, dnsSlow,
+    dnsWrong, portal, mtu, ipv6Broken, targetUnreachable, healthy};
 constexpr size_t kMostOthers = 4;
 
 Finding unsure(const Facts& facts)

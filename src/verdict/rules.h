@@ -25,8 +25,10 @@ std::optional<Finding> radioOff(const Facts& facts);
 std::optional<Finding> noAddress(const Facts& facts);
 std::optional<Finding> noRoute(const Facts& facts);
 std::optional<Finding> vpnDown(const Facts& facts);
-// rules_radio.cpp: the way to the access point.
+// rules_link.cpp: there is no Wi-Fi link, or none that lasts.
 std::optional<Finding> noLink(const Facts& facts); ///< with its reason: five causes
+std::optional<Finding> unsteadyLink(const Facts& facts);
+// rules_radio.cpp: the way to the access point.
 std::optional<Finding> weakSignal(const Facts& facts);
 std::optional<Finding> airLossy(const Facts& facts);
 std::optional<Finding> airBusy(const Facts& facts);

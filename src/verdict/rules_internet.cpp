@@ -111,8 +111,11 @@ std::optional<Finding> healthy(const Facts& facts)
     Finding finding {.cause = Cause::Healthy,
         .certainty = isNamed && facts.internet.asked >= 2 ? 0.8 : 0.5,
         .severity = Severity::Fine,
-        .sentence = facts.isByRadio ? u"Wi-Fi, router and internet are fine."_s
-                                    : u"Cable, router and internet are fine."_s};
+        .sentence = u"Router and internet are fine."_s};
+    if (facts.isByRadio)
+        finding.sentence = u"Wi-Fi, router and internet are fine."_s;
+    else if (facts.evidence.network)
+        finding.sentence = u"Cable, router and internet are fine."_s;
     if (facts.radio && facts.radio->signalDbm)
         finding.evidence.push_back(item(facts, u"radio.signal"_s, *facts.radio->signalDbm, u"dBm"_s,
             facts.radio->at, u"Signal: %1 dBm"_s.arg(*facts.radio->signalDbm)));

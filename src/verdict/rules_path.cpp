@@ -56,15 +56,15 @@ bool isLoaded(const Facts& facts)
         && std::max(load->value.receivedMbps, load->value.sentMbps) >= kBusyMbps;
 }
 
-/// The radio is a better explanation, if it loses packets itself.
+/// The radio is a better explanation, if it loses packets itself or has no link.
 double sharedWithRadio(const Facts& facts, double certainty)
 {
     constexpr double kSuspectPercent = 3;
     constexpr int kWeakDbm = -78;
-    const bool isSuspect = facts.radio
+    const bool isLosing = facts.radio
         && (facts.radio->failedPercent() >= kSuspectPercent || facts.radio->beaconsLost > 0
             || facts.radio->signalDbm.value_or(0) <= kWeakDbm);
-    return isSuspect ? certainty / 2 : certainty;
+    return isLosing || facts.lacksLink() ? certainty / 2 : certainty;
 }
 
 QString routerTime(const Facts& facts)

@@ -13,49 +13,6 @@ using platform::RadioEvent;
 constexpr int kWeakDbm = -78;
 constexpr double kLossyPercent = 3;
 
-// Reasons and states of IEEE 802.11-2020, 9.4.1.7 and 9.4.1.9.
-constexpr int kInactivity = 4; // also given for beacons that stopped
-constexpr int kFourWayTimeout = 15;
-constexpr int kGroupKeyTimeout = 16;
-constexpr int kAuthenticationFailed = 23; // by 802.1X
-
-/// Of the events of this kind those of the last `limit`. A sign-in that failed without a code was
-/// not answered at all, as by an access point that is gone: nobody refused it.
-auto isRecent(const Facts& facts, RadioEvent::Kind kind, std::chrono::seconds limit)
-{
-    return [&facts, kind, limit](const RadioEvent& event) {
-        return event.kind == kind && facts.isRecent(event.at, limit)
-            && (kind != RadioEvent::Kind::SignInFailed || event.code);
-    };
-}
-
-/// Null without one.
-const RadioEvent* newest(const Facts& facts, RadioEvent::Kind kind, std::chrono::seconds limit)
-{
-    const auto& events = facts.evidence.radioEvents;
-    const auto found = std::find_if(events.rbegin(), events.rend(), isRecent(facts, kind, limit));
-    return found == events.rend() ? nullptr : &*found;
-}
-
-int countOf(const Facts& facts, RadioEvent::Kind kind, std::chrono::seconds limit)
-{
-    return int(std::ranges::count_if(facts.evidence.radioEvents, isRecent(facts, kind, limit)));
-}
-
-/// Wi-Fi is the way out, or the only one there could be, and it has no link.
-bool lacksLink(const Facts& facts)
-{
-    const auto& network = facts.evidence.network;
-    const bool isConnected
-        = network && std::ranges::any_of(network->value.interfaces, [](const auto& each) {
-              return !each.isTunnel && !each.isWireless && each.isUp && each.hasCarrier;
-          });
-    const auto* link = facts.link();
-    // A link whose name the driver does not tell has a signal.
-    const bool hasLink = link && (link->ssid || (link->signalDbm && !link->joiningSsid));
-    return facts.evidence.radioOn.value_or(false) && !isConnected && !hasLink;
-}
-
 /// Packets suffer on their way to the router, and so does what lies behind it.
 bool suffersNear(const Facts& facts)
 {
@@ -92,107 +49,7 @@ void addRadio(Finding& finding, const Facts& facts)
     addLatency(finding, facts, u"router.latency"_s, u"The router"_s, facts.near());
 }
 
-void addEvent(Finding& finding, const Facts& facts, const RadioEvent& event)
-{
-    finding.evidence.push_back(item(facts, u"radio.code"_s, event.code.value_or(0), {}, event.at,
-        u"The connection ended with code %1"_s.arg(event.code.value_or(0))));
-    finding.evidence.push_back(item(facts, u"radio.endedAgo"_s, facts.ageOf(event.at), u"s"_s,
-        event.at, u"That was %1 seconds ago"_s.arg(qRound(facts.ageOf(event.at)))));
-}
-
-std::optional<Finding> refusedLink(const Facts& facts)
-{
-    const auto* failed = newest(facts, RadioEvent::Kind::SignInFailed, 60s);
-    const auto* ended = newest(facts, RadioEvent::Kind::Disconnected, 60s);
-    const bool isWrongKey = ended && ended->code
-        && (*ended->code == kFourWayTimeout || *ended->code == kAuthenticationFailed);
-    if (!failed && !isWrongKey)
-        return {};
-    const auto& event = failed ? *failed : *ended;
-    const int times = countOf(facts, RadioEvent::Kind::SignInFailed, 60s)
-        + (isWrongKey ? countOf(facts, RadioEvent::Kind::Disconnected, 60s) : 0);
-    Finding finding {.cause = Cause::SignInRefused,
-        .certainty = 0.93,
-        .sentence
-        = u"The network refuses this computer: %1 failures in a minute (code %2)."_s.arg(times).arg(
-            event.code.value_or(0)),
-        .advice = u"Type the password again. If it is right, the network may allow only devices "
-                  "that it knows."_s};
-    addEvent(finding, facts, event);
-    finding.evidence.push_back(item(facts, u"radio.refusals"_s, times, {}, event.at,
-        u"The network refused this computer %1 times"_s.arg(times)));
-    return finding;
-}
-
-std::optional<Finding> lostLink(const Facts& facts)
-{
-    const auto* ended = newest(facts, RadioEvent::Kind::Disconnected, 120s);
-    const bool isLost = ended && (ended->byAccessPoint || ended->code == kInactivity);
-    if (!isLost)
-        return {};
-    const int seconds = qRound(facts.ageOf(ended->at));
-    const int code = ended->code.value_or(0);
-    Finding finding {.cause = Cause::AccessPointLost,
-        .certainty = 0.9,
-        .sentence
-        = u"The access point is gone since %1 seconds (reason %2)."_s.arg(seconds).arg(code),
-        .advice = u"Check that the access point has power and is in range. This computer joins "
-                  "again by itself once it is back."_s};
-    if (ended->byAccessPoint)
-        finding.sentence
-            = u"The access point ended the connection %1 seconds ago (reason %2)."_s.arg(seconds)
-                  .arg(code);
-    if (code == kGroupKeyTimeout)
-        finding.sentence
-            = u"The access point ended the link %1 s ago: a key was not renewed (reason %2)."_s
-                  .arg(seconds)
-                  .arg(code);
-    addEvent(finding, facts, *ended);
-    return finding;
-}
-
 } // namespace
-
-std::optional<Finding> noLink(const Facts& facts)
-{
-    if (!lacksLink(facts))
-        return {};
-    if (auto refused = refusedLink(facts))
-        return refused;
-    const auto* link = facts.link();
-    if (link && link->joiningSsid) {
-        const double since = facts.evidence.links.empty() ? 0 : [&] {
-            auto first = facts.evidence.links.end();
-            while (first != facts.evidence.links.begin()
-                && std::prev(first)->value.joiningSsid == link->joiningSsid)
-                --first;
-            return facts.ageOf(first->at);
-        }();
-        Finding finding {.cause = Cause::SigningIn,
-            .certainty = 0.9,
-            .advice = u"Wait a moment. If it takes longer than half a minute, type the password "
-                      "again."_s};
-        finding.sentence = u"Signing in to \"%1\" for %2 seconds: 0 links so far."_s
-                               .arg(inSentence(*link->joiningSsid))
-                               .arg(qRound(since));
-        finding.evidence.push_back(item(facts, u"radio.signingIn"_s, qRound(since), u"s"_s,
-            facts.evidence.links.back().at, u"Signing in since %1 seconds"_s.arg(qRound(since))));
-        finding.evidence.push_back(
-            item(facts, u"radio.links"_s, 0, {}, facts.evidence.links.back().at, u"Links: 0"_s));
-        return finding;
-    }
-    if (auto lost = lostLink(facts))
-        return lost;
-    Finding finding {.cause = Cause::NotConnected,
-        .certainty = 0.92,
-        .sentence = u"Wi-Fi is on, but connected to no network (1 adapter, 0 links)."_s,
-        .advice = u"Choose your network in the system's menu."_s};
-    finding.evidence.push_back(
-        item(facts, u"radio.on"_s, 1, {}, facts.evidence.now, u"Wi-Fi adapters that are on: 1"_s));
-    finding.evidence.push_back(
-        item(facts, u"radio.links"_s, 0, {}, facts.evidence.now, u"Links: 0"_s));
-    return finding;
-}
 
 std::optional<Finding> weakSignal(const Facts& facts)
 {
@@ -263,18 +120,24 @@ std::optional<Finding> powerSave(const Facts& facts)
 {
     if (!facts.isByRadio || !facts.radio || !facts.radio->powerSave || facts.isDown)
         return {};
-    // The access point holds packets back for one that sleeps, for some beacon intervals of about
-    // 100 ms at most. Now and then the radio is awake, and the answer quick.
-    const Track& track = facts.near();
-    const bool hasSpikes = track.medianMs && track.leastMs && *track.medianMs >= 20
-        && *track.medianMs <= 400 && *track.leastMs * 3 <= *track.medianMs;
-    if (!hasSpikes || facts.nearLoss.isBad || facts.internet.medianMs.value_or(0) < 20)
+    // The access point holds packets back for one that sleeps, for ten beacon intervals of about
+    // 100 ms at most. Packets come at any moment of such a time, so that some wait a little and
+    // some long. A router that is slow itself is about equally slow each time.
+    constexpr double kMostMs = 1000;
+    constexpr double kUneven = 2.5;
+    const auto hasSpikes = [&](const Track& each) {
+        return each.medianMs && *each.medianMs >= 20 && *each.medianMs <= kMostMs
+            && *each.leastMs * 3 <= *each.medianMs && each.uneven >= kUneven
+            && facts.internet.medianMs.value_or(0) >= *each.medianMs / 2;
+    };
+    const Track& track = hasSpikes(facts.router) ? facts.router : facts.firstHop;
+    if (!hasSpikes(track) || facts.nearLoss.isBad || facts.internet.medianMs.value_or(0) < 20)
         return {};
     Finding finding {.cause = Cause::PowerSave,
         .certainty = 0.87,
         .severity = Severity::Notice,
         .sentence = u"Wi-Fi power saving delays packets: the router takes %1 to %2."_s.arg(
-            inMs(*track.leastMs), inMs(*facts.nearMs)),
+            inMs(*track.leastMs), inMs(*track.medianMs)),
         .advice = u"It saves battery. To switch it off, ask your system's help for \"Wi-Fi power "
                   "saving\"."_s};
     addRadio(finding, facts);
@@ -286,18 +149,31 @@ std::optional<Finding> powerSave(const Facts& facts)
 std::optional<Finding> scanning(const Facts& facts)
 {
     constexpr double kSpikeMs = 80;
-    const int scans = countOf(facts, RadioEvent::Kind::ScanStarted, 60s);
-    if (!facts.isByRadio || scans < 2 || facts.isDown)
+    // Before it had this link it had to look for a network itself.
+    const auto* joined = facts.newestEvent(RadioEvent::Kind::Connected, 120s);
+    const auto isSinceJoined = [&](TimePoint at) { return !joined || at > joined->at; };
+    const int scans
+        = int(std::ranges::count_if(facts.evidence.radioEvents, [&](const RadioEvent& event) {
+              return event.kind == RadioEvent::Kind::ScanStarted && facts.isRecent(event.at, 60s)
+                  && isSinceJoined(event.at);
+          }));
+    const auto& events = facts.evidence.radioEvents;
+    const auto last = std::find_if(events.rbegin(), events.rend(), [](const RadioEvent& event) {
+        return event.kind == RadioEvent::Kind::ScanStarted
+            || event.kind == RadioEvent::Kind::ScanEnded;
+    });
+    const bool goesOn = facts.newestEvent(RadioEvent::Kind::ScanStarted, kEventGoesOn)
+        || (last != events.rend() && last->kind == RadioEvent::Kind::ScanStarted);
+    if (!facts.isByRadio || scans < 2 || facts.isDown || facts.lacksLink() || !goesOn)
         return {};
     // Scans that took part in what was slow or lost.
-    const auto& events = facts.evidence.radioEvents;
     const auto isDuringScan = [&](TimePoint at) {
         for (auto start = events.begin(); start != events.end(); ++start) {
             if (start->kind != RadioEvent::Kind::ScanStarted)
                 continue;
             const auto end = std::ranges::find(
                 start, events.end(), RadioEvent::Kind::ScanEnded, &RadioEvent::kind);
-            const auto endedAt = end == events.end() ? start->at + 5s : end->at;
+            const auto endedAt = end == events.end() ? facts.evidence.now : end->at;
             if (at > start->at - 3s && at < endedAt)
                 return true;
         }
@@ -306,7 +182,8 @@ std::optional<Finding> scanning(const Facts& facts)
     int bad = 0;
     int duringScan = 0;
     for (const auto& outcome : facts.evidence.router) {
-        const bool isBad = outcome.milliseconds.value_or(1e9) >= kSpikeMs;
+        const bool isBad
+            = outcome.milliseconds.value_or(1e9) >= kSpikeMs && isSinceJoined(outcome.at);
         bad += isBad;
         duringScan += isBad && isDuringScan(outcome.at);
     }
@@ -316,8 +193,8 @@ std::optional<Finding> scanning(const Facts& facts)
         .certainty = 0.91,
         .severity = Severity::Poor,
         .sentence
-        = u"A program scans for networks: %1 scans a minute held up %2 packets."_s.arg(scans).arg(
-            duringScan),
+        = u"Another program scans for networks: %1 scans a minute held up %2 packets."_s.arg(scans)
+              .arg(duringScan),
         .advice = u"Close the list of Wi-Fi networks and programs that show or use nearby "
                   "networks."_s};
     finding.evidence.push_back(item(facts, u"radio.scans"_s, scans, {}, facts.evidence.now,
@@ -329,8 +206,8 @@ std::optional<Finding> scanning(const Facts& facts)
 
 std::optional<Finding> roaming(const Facts& facts)
 {
-    const int roams = countOf(facts, RadioEvent::Kind::Roamed, 60s);
-    if (!facts.isByRadio || roams < 2)
+    const int roams = facts.countOfEvents(RadioEvent::Kind::Roamed, 60s);
+    if (!facts.isByRadio || roams < 2 || !facts.newestEvent(RadioEvent::Kind::Roamed, kEventGoesOn))
         return {};
     const auto* link = facts.link();
     Finding finding {.cause = Cause::Roaming,

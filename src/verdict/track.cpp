@@ -87,6 +87,8 @@ Track trackOf(const Outcomes& outcomes)
     track.timed = int(times.size());
     track.leastMs = *std::ranges::min_element(times);
     times.erase(times.begin(), times.end() - std::ptrdiff_t(std::min(times.size(), kMedianOf)));
+    const auto [least, most] = std::ranges::minmax(times);
+    track.uneven = most / std::max(least, 0.1);
     track.medianMs = median(std::move(times));
     return track;
 }

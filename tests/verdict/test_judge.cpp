@@ -302,6 +302,16 @@ void TestJudge::addRadio()
             addEvent(e, Disconnected, 9s, 4);
             addEvent(e, kind, 5s, code, kind == Disconnected);
         });
+    add("lost a moment ago", Cause::AccessPointLost, wifi(), [](auto& e) {
+        noInternet(e);
+        e.router = e.firstHop = dead(2);
+        addEvent(e, Disconnected, 0s, 7, true);
+    });
+    add("sign-in that is tried again", Cause::SigningIn, wifi(), [](auto& e) {
+        withoutLink(e);
+        e.links.insert(e.links.begin(), {{.joiningSsid = u"home"_s}, kNow - 9s});
+        addEvent(e, Disconnected, 8s, 3);
+    });
     add("weak", Cause::WeakSignal, wifi(), [](auto& e) {
         lossyNear(e);
         e.links = {{link(-86, 100, 0), kNow - 9s}, {link(-86, 200, 20), kNow}};
@@ -319,8 +329,26 @@ void TestJudge::addRadio()
     add("power saving", Cause::PowerSave, wifi(), [](auto& e) {
         e.router = e.firstHop = outcomes(120);
         e.router[2].milliseconds = 3;
+        e.router[kRounds - 2].milliseconds = 30;
         e.internet = outcomes(130);
         e.links.back().value.powerSave = true;
+    });
+    add("slow while the radio saves power", Cause::RouterSlow, wifi(), [](auto& e) {
+        e.router = e.firstHop = outcomes(320);
+        e.router[2].milliseconds = 3;
+        e.internet = outcomes(330);
+        e.links.back().value.powerSave = true;
+    });
+    add("comes and goes", Cause::AccessPointLost, wifi(), [](auto& e) {
+        addEvent(e, Disconnected, 15s, 7, true);
+        addEvent(e, Disconnected, 8s, 7, true);
+    });
+    add("came and went, and a program scanned", Cause::Healthy, wifi(), [](auto& e) {
+        for (const auto kind : {Disconnected, Roamed, ScanStarted})
+            for (const auto age : {40s, 25s})
+                addEvent(e, kind, age, 7, true);
+        for (auto& outcome : e.router)
+            outcome.milliseconds = outcome.at < kNow - 24s ? 300 : 2;
     });
     add("scanned", Cause::Scanning, wifi(), [](auto& e) {
         for (const int round : {2, 7}) {
