@@ -141,6 +141,8 @@ std::optional<Finding> powerSave(const Facts& facts)
         .advice = u"It saves battery. To switch it off, ask your system's help for \"Wi-Fi power "
                   "saving\"."_s};
     addRadio(finding, facts);
+    finding.evidence.push_back(item(facts, u"router.delay"_s, *track.medianMs, u"ms"_s,
+        *track.lastAnswer, u"Every other answer takes %1 or more"_s.arg(inMs(*track.medianMs))));
     finding.evidence.push_back(item(facts, u"router.least"_s, *track.leastMs, u"ms"_s,
         *track.lastAnswer, u"The quickest answer took %1"_s.arg(inMs(*track.leastMs))));
     return finding;
