@@ -230,8 +230,8 @@ void TestJudge::addRadio()
         addEvent(e, Disconnected, 8s, 7, true);
     });
     add("came and went, and a program scanned", Cause::Healthy, wifi(), [](auto& e) {
-        for (const auto kind : {Disconnected, Roamed, ScanStarted})
-            for (const auto age : {40s, 25s})
+        for (const auto age : {40s, 25s})
+            for (const auto kind : {Disconnected, Roamed, ScanStarted, ScanEnded})
                 addEvent(e, kind, age, 7, true);
         for (auto& outcome : e.router)
             outcome.milliseconds = outcome.at < kNow - 24s ? 300 : 2;
