@@ -199,8 +199,8 @@ public:
     virtual ~AirReader() = default;
 
     /// About the interface with this name, or the one in use when it is empty or not there. May
-    /// wait for a driver, for a bounded time: for background threads, one call at a time. The kind
-    /// NotFound means that there is no Wi-Fi interface; NotAvailable, no Wi-Fi in the kernel.
+    /// wait for a driver, for a bounded time: for background threads, several at once. A failure is
+    /// a sentence for the user without its full stop.
     virtual base::Result<AirReading> read(const QString& interfaceName) = 0;
 };
 

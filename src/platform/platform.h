@@ -43,7 +43,7 @@ struct Platform {
     std::unique_ptr<QObject> systemBus; ///< only owned here; the members below use it
     std::unique_ptr<QObject> sessionBus; ///< likewise
     std::shared_ptr<WiFiClient> wifiClient; ///< null if the kernel offers no netlink
-    std::shared_ptr<AirReader> airReader; ///< likewise; shared with reads in the background
+    std::shared_ptr<AirReader> airReader; ///< shared with reads in the background
     std::unique_ptr<NetworkScanner> networkScanner;
     std::unique_ptr<RadioMonitor> radioMonitor; ///< null if the kernel offers no netlink
     std::unique_ptr<LocationManager> locationManager;

@@ -5,6 +5,10 @@
 #include "history/history_store.h"
 #include "insights/report_text.h"
 #include "platform/platform.h"
+#include "radio/air/air_recorder.h"
+#include "radio/air/recording_redaction.h"
+#include "report/air_session.h"
+#include "report/air_text.h"
 #include "report/history_text.h"
 #include "report/redaction.h"
 #include "report/report_options.h"
@@ -20,6 +24,7 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QFile>
 #include <QJsonDocument>
 #include <QLocale>
 
@@ -28,6 +33,7 @@
 #include <cstdlib>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 using namespace netvane;
 
 namespace {
@@ -96,9 +102,70 @@ int makeReport(platform::Platform& platform, const report::ReportOptions& option
     return QCoreApplication::exec();
 }
 
+platform::AirReading shown(
+    const platform::AirReading& reading, const report::ReportOptions& options)
+{
+    return options.redact ? report::redacted(reading) : reading;
+}
+
+QString airWords(const platform::AirReading& reading, const platform::AirChange& change,
+    const report::ReportOptions& options)
+{
+    return options.asJson ? QString::fromUtf8(
+               QJsonDocument(report::airObject(shown(reading, options), change)).toJson())
+                          : report::airText(shown(reading, options), change);
+}
+
+int printAir(platform::Platform& platform, const report::ReportOptions& options)
+{
+    report::AirSession session(platform);
+    QObject::connect(&session, &report::AirSession::finished, qApp, [&] {
+        if (const auto& air = session.reading())
+            deliver(airWords(air.value(), session.change(), options), options, *platform.clock);
+        else
+            QCoreApplication::exit(complain(air.failure().text));
+    });
+    showProgress(u"Counting"_s);
+    session.start(options.duration.value_or(report::AirSession::kDuration));
+    return QCoreApplication::exec();
+}
+
+int printReplay(platform::Platform& platform, const report::ReportOptions& options)
+{
+    QFile file(options.file);
+    if (!file.open(QIODevice::ReadOnly))
+        return complain(options.file + u": "_s + file.errorString());
+    const auto recording = radio::recordingOf(file.read(radio::kLongestRecording));
+    const auto passes = recording ? radio::passesOf(*recording) : std::vector<size_t>();
+    if (passes.empty())
+        return complain(options.file + u": is no recording"_s);
+    const auto last = radio::readingAt(*recording, passes.back());
+    const auto change = platform::changeBetween(radio::readingAt(*recording, passes.front()), last);
+    deliver(airWords(last, change, options), options, *platform.clock);
+    return QCoreApplication::exec();
+}
+
+int makeRecording(platform::Platform& platform, const report::ReportOptions& options)
+{
+    const auto duration = options.duration.value_or(60s);
+    radio::AirRecorder recorder(*platform.clock, platform.queues->utility);
+    QObject::connect(&recorder, &radio::AirRecorder::finished, qApp, [&] {
+        auto target = options;
+        target.output = options.file;
+        if (const auto& made = recorder.recording())
+            deliver(QString::fromLatin1(radio::recordingText(radio::redacted(made.value()))),
+                target, *platform.clock);
+        else
+            QCoreApplication::exit(complain(made.failure().text));
+    });
+    showProgress(u"Recording for %1 seconds"_s.arg(duration.count()));
+    recorder.start(duration);
+    return QCoreApplication::exec();
+}
+
 /// The verdict as it is now, in the form that was asked for.
 QString verdictNow(const verdict::VerdictService& verdicts, const report::ReportOptions& options,
-    const base::Clock& clock)
+    const base::Clock& clock, const report::AirSession& session)
 {
     using report::Outlet;
     const auto& verdict = verdicts.verdict();
@@ -109,7 +176,11 @@ QString verdictNow(const verdict::VerdictService& verdicts, const report::Report
     } else if (options.outlet == Outlet::Prometheus) {
         text = report::prometheusText(verdict, evidence);
     } else {
-        const QJsonDocument object(report::verdictObject(verdict, evidence, clock.now()));
+        auto whole = report::verdictObject(verdict, evidence, clock.now());
+        if (const auto& air = session.reading())
+            whole.insert(
+                u"air"_s, report::airObject(shown(air.value(), options), session.change()));
+        const QJsonDocument object(whole);
         const bool isLine = options.outlet == Outlet::Watch;
         text = QString::fromUtf8(
             object.toJson(isLine ? QJsonDocument::Compact : QJsonDocument::Indented));
@@ -123,7 +194,8 @@ int makeVerdict(platform::Platform& platform, const report::ReportOptions& optio
 {
     report::VerdictSession session(platform, options);
     const bool isWatching = options.outlet == report::Outlet::Watch;
-    const auto text = [&] { return verdictNow(session.verdicts(), options, *platform.clock); };
+    report::AirSession air(platform);
+    const auto text = [&] { return verdictNow(session.verdicts(), options, *platform.clock, air); };
     if (isWatching)
         QObject::connect(&session, &report::VerdictSession::changed, qApp, [&] {
             if (const int error = print(STDOUT_FILENO, text()); error != 0)
@@ -135,9 +207,15 @@ int makeVerdict(platform::Platform& platform, const report::ReportOptions& optio
             : 0;
         if (isWatching)
             QCoreApplication::exit(status);
+        else if (options.outlet == report::Outlet::Json)
+            air.finish();
         else
             deliver(text(), options, *platform.clock, status);
     });
+    QObject::connect(&air, &report::AirSession::finished, qApp,
+        [&] { deliver(text(), options, *platform.clock); });
+    if (options.outlet == report::Outlet::Json)
+        air.start({});
     session.start();
     return QCoreApplication::exec();
 }
@@ -190,6 +268,11 @@ int run(const report::ReportOptions& options)
     auto platform = system::makePlatform();
     if (options.outlet == report::Outlet::History)
         return printHistory(platform, options);
+    if (options.outlet == report::Outlet::Record)
+        return makeRecording(platform, options);
+    if (options.outlet == report::Outlet::Air)
+        return options.file.isEmpty() ? printAir(platform, options)
+                                      : printReplay(platform, options);
     if (options.outlet == report::Outlet::Trace)
         return makeTrace(platform, options);
     return options.outlet == report::Outlet::Report ? makeReport(platform, options)

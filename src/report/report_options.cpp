@@ -48,8 +48,9 @@ std::optional<std::chrono::seconds> spanOf(const QString& text)
     }
 }
 
-const std::pair<QString, Outlet> kOutlets[] = {{u"verdict"_s, Outlet::Verdict},
-    {u"json"_s, Outlet::Json}, {u"watch"_s, Outlet::Watch}, {u"prometheus"_s, Outlet::Prometheus}};
+const std::pair<QString, Outlet> kOutlets[]
+    = {{u"verdict"_s, Outlet::Verdict}, {u"json"_s, Outlet::Json}, {u"watch"_s, Outlet::Watch},
+        {u"prometheus"_s, Outlet::Prometheus}, {u"record"_s, Outlet::Record}};
 
 void describe(QCommandLineParser& parser)
 {
@@ -60,10 +61,19 @@ void describe(QCommandLineParser& parser)
             u"Say who is to blame for a bad connection, and end with 0 if nobody is, 10 for this "
             "computer, 11 for the radio, 12 for the router, 13 for the line, 14 for DNS, 15 for a "
             "log-in page, 16 for the internet, 20 if that is not sure."_s},
-        {u"json"_s, u"Print the verdict and what it rests on as a JSON object."_s},
+        {u"json"_s, u"Print the verdict, what it rests on and the air as a JSON object."_s},
         {u"watch"_s, u"Print such an object a line, now and at each change of the verdict."_s},
         {u"interval"_s, u"With --watch: every N seconds, too."_s, u"N"_s},
         {u"prometheus"_s, u"Print metrics for node_exporter's textfile collector."_s},
+        {u"air"_s,
+            u"Print what the radio and the access points in reach tell: the link in detail, "
+            u"adapters, "
+            "networks, channels; as an object with --json. Starts no scan."_s},
+        {u"replay"_s, u"With --air: of a recording instead."_s, u"FILE"_s},
+        {u"record"_s,
+            u"Write what the kernel says of the radio for a minute to FILE, without names and "
+            "addresses, to improve Netvane."_s,
+            u"FILE"_s},
         {u"trace"_s,
             u"Print the routers on the way to HOST, up to 30, and end with 20 if it does not "
             u"answer; "
@@ -108,8 +118,8 @@ std::variant<ReportOptions, Message> parseOptions(const QStringList& arguments)
         chosen.append(u"--"_s + name);
         options.outlet = outlet;
     }
-    for (const auto& [name, outlet] :
-        {std::pair(u"trace"_s, Outlet::Trace), {u"history"_s, Outlet::History}}) {
+    for (const auto& [name, outlet] : {std::pair(u"trace"_s, Outlet::Trace),
+             {u"history"_s, Outlet::History}, {u"air"_s, Outlet::Air}}) {
         if (!parser.isSet(name))
             continue;
         options.asJson = chosen.removeOne(u"--json"_s);
@@ -117,6 +127,11 @@ std::variant<ReportOptions, Message> parseOptions(const QStringList& arguments)
         options.outlet = outlet;
     }
     options.traceHost = parser.value(u"trace"_s);
+    options.file = parser.value(parser.isSet(u"record"_s) ? u"record"_s : u"replay"_s);
+    if (parser.isSet(u"replay"_s) && options.outlet != Outlet::Air)
+        return misuse(u"--replay goes with --air only."_s);
+    if (parser.isSet(u"output"_s) && options.outlet == Outlet::Record)
+        return misuse(u"--record names its file itself."_s);
     options.asCsv = parser.isSet(u"csv"_s);
     if (options.asCsv && (options.outlet != Outlet::History || options.asJson))
         return misuse(u"--csv goes with --history only, and not with --json."_s);

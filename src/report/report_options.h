@@ -16,6 +16,8 @@ enum class Outlet {
     Json, ///< one object
     Watch, ///< an object a line, at the start and at each change
     Prometheus,
+    Air, ///< what the radio and the access points tell
+    Record, ///< the messages of nl80211, to `file`
     History, ///< of the time before now
     Trace, ///< the routers on the way to `traceHost`
 };
@@ -27,8 +29,9 @@ struct ReportOptions {
     std::optional<std::chrono::seconds> interval; ///< also print so often; only when watching
     std::optional<QString> output; ///< a file instead of standard output
     QString traceHost;
+    QString file; ///< to record to, or the recording that takes the place of the radio
     std::chrono::seconds history {}; ///< how far back
-    bool asJson = false; ///< a trace or the history
+    bool asJson = false; ///< a trace, the history or the air
     bool asCsv = false; ///< the history
     bool redact = false;
     bool speedTest = false;

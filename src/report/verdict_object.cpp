@@ -1,5 +1,6 @@
 #include "report/verdict_object.h"
 
+#include "report/json_fields.h"
 #include "verdict/track.h"
 
 #include <QDateTime>
@@ -15,34 +16,6 @@ namespace {
 using verdict::Evidence;
 using verdict::Outcomes;
 using verdict::Verdict;
-
-/// Fields of an object; absent values are left out.
-class Fields {
-public:
-    Fields& add(const QString& name, const QJsonValue& value)
-    {
-        m_object.insert(name, value);
-        return *this;
-    }
-    Fields& add(const QString& name, const QString& value)
-    {
-        if (!value.isEmpty())
-            m_object.insert(name, value);
-        return *this;
-    }
-    template <typename Value>
-    Fields& add(const QString& name, const std::optional<Value>& value)
-    {
-        if constexpr (std::is_floating_point_v<Value>)
-            return value ? add(name, QJsonValue(rounded(*value))) : *this;
-        else
-            return value ? add(name, *value) : *this;
-    }
-    const QJsonObject& object() const { return m_object; }
-
-private:
-    QJsonObject m_object;
-};
 
 void addTrack(Fields& fields, const Outcomes& outcomes)
 {

@@ -17,6 +17,7 @@ import jsonschema
 ROUTER, HOST, INTERNET = "10.77.0.1", "10.77.0.2", "1.1.1.1"
 LIMIT = 60  # seconds, for any one run
 RESOLV_CONF = str(pathlib.Path("/etc/resolv.conf").resolve())
+SCHEMA = pathlib.Path(__file__).parents[2] / "docs/netvane-report.schema.json"
 connections = []  # the addresses that were connected to
 failures = []
 
@@ -89,7 +90,7 @@ def check(program, folder):
     for words, status, text in ((f"--seconds 1 --output {folder}/no/folder", 1, "folder"), ("--seconds 0", 2, "1 to 86400"),
                                 ("--seconds 86401", 2, "--help"), ("--redact=yes", 2, "--help"), ("--json --watch", 2, "exclude"),
                                 ("--interval 3", 2, "--watch"), ("--trace host --watch", 2, "exclude"),
-                                ("--history 7x", 2, "7d, 24h"), ("--csv", 2, "--history"), ("report.md", 2, "--help"),
+                                ("--history 7x", 2, "7d, 24h"), ("--csv", 2, "--history"), ("--replay x", 2, "--air"), ("report.md", 2, "--help"),
                                 ("--help", 0, "--speed-test"), ("--version", 0, "netvane-report ")):
         result = run(words)
         shown, other = (result.stderr, result.stdout)[::-1 if status == 0 else 1]
@@ -106,12 +107,29 @@ def check(program, folder):
            and result.stdout.startswith("# Netvane") and (result.returncode, result.stderr) == (0, ""), result)
     run("", f'ln -s {target} {link}; "$0" --seconds 1 --output {link}')
     expect("what a link leads to", link.is_symlink() and target.read_text().startswith("# Netvane"), target.read_text())
+    check_air(run)
     check_verdict(run)
+
+
+def check_air(run):
+    """Recordings take the place of a radio."""
+    schema = json.loads(SCHEMA.read_text())
+    for text in sorted((SCHEMA.parents[1] / "tests/data/air").glob("*.txt")):
+        recording = text.with_suffix(".json")
+        result = run(f"--air --replay {recording}")
+        expect(f"the air of {text.name}", (result.returncode, result.stdout) == (0, text.read_text()), result.stdout)
+        result = run(f"--air --json --redact --replay {recording}")
+        # References lead from the root of a schema.
+        jsonschema.validate(json.loads(result.stdout), schema["$defs"]["air"] | {"$defs": schema["$defs"]})
+        expect(f"redacted, of {recording.name}", '"02:00:' not in result.stdout and '"network 1"' not in result.stdout, result)
+    for words, text in (("--air", "No Wi-Fi"), ("--record /tmp/none --seconds 2", "No Wi-Fi"), (f"--air --replay {SCHEMA}", "no recording")):
+        result = run(words)
+        expect(words, result.returncode == 1 and text in result.stderr and not result.stdout, result)
 
 
 def check_verdict(run):
     """Names lead to a private network, where nobody answers."""
-    schema = json.loads((pathlib.Path(__file__).parents[2] / "docs/netvane-report.schema.json").read_text())
+    schema = json.loads(SCHEMA.read_text())
 
     def verdicts(text):
         objects = [json.loads(line) for line in text.splitlines()]

@@ -143,13 +143,14 @@ void addStation(AirLink& link, AttributeBytes bytes)
         [&link](int, AttributeBytes one) { addSubLink(link, one); });
 }
 
-/// What the table of networks knows of the link.
+/// What the table of networks knows of the link. Of several links' the newest standard counts.
 void addNetworks(AirLink& link, const std::vector<platform::AirNetwork>& networks)
 {
     for (const auto& network : networks) {
         if (!network.isOurs)
             continue;
-        complete(link.accessPoint, std::optional(network));
+        if (!link.accessPoint || network.standard > link.accessPoint->standard)
+            link.accessPoint = network;
         complete(link.ssid, network.ssid);
         complete(link.span, network.span);
         complete(link.bssid, network.deviceAddress ? network.deviceAddress : network.bssid);
@@ -161,10 +162,12 @@ void addNetworks(AirLink& link, const std::vector<platform::AirNetwork>& network
         complete(subLink->span, network.span);
         complete(subLink->signalDbm, network.signalDbm);
     }
+    std::ranges::sort(link.links, {}, &AirSubLink::id);
 }
 
+/// Marks the link's access point in `networks` where the driver does not.
 std::optional<AirLink> linkOf(
-    const AirMessages& messages, const std::vector<platform::AirNetwork>& networks)
+    const AirMessages& messages, std::vector<platform::AirNetwork>& networks)
 {
     const auto stations = answersOf(messages, NL80211_CMD_GET_STATION, parseStation);
     if (!hasLink(stations, answersOf(messages, NL80211_CMD_GET_SCAN, parseBss)))
@@ -179,6 +182,8 @@ std::optional<AirLink> linkOf(
         else if (message.command == NL80211_CMD_GET_POWER_SAVE)
             complete(link.powerSave, parsePowerSave(bytes));
     }
+    for (auto& network : networks)
+        network.isOurs = network.isOurs || (link.bssid && network.bssid == link.bssid);
     addNetworks(link, networks);
     const auto survey = answersOf(messages, NL80211_CMD_GET_SURVEY, parseSurvey);
     link.survey
@@ -260,6 +265,11 @@ AttributeBytes attributesOf(const AirMessage& message)
 {
     return std::as_bytes(
         std::span(message.attributes.constData(), size_t(message.attributes.size())));
+}
+
+QByteArray bytesOf(AttributeBytes attributes)
+{
+    return {reinterpret_cast<const char*>(attributes.data()), qsizetype(attributes.size())};
 }
 
 void forEachNested(

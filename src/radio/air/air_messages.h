@@ -24,6 +24,7 @@ using AirMessages = std::vector<AirMessage>;
 platform::AirReading airReading(const AirMessages& messages);
 
 netlink::AttributeBytes attributesOf(const AirMessage& message);
+QByteArray bytesOf(netlink::AttributeBytes attributes);
 
 /// Calls `take` for each attribute of a list, until one does not fit.
 void forEachNested(netlink::AttributeBytes list,

@@ -44,18 +44,15 @@ AirAdapter adapterOf(const RankedInterface& ranked)
 AirMessages messagesAbout(Nl80211Socket& wifi, std::uint32_t index)
 {
     AirMessages messages;
-    const auto keep = [](netlink::AttributeBytes bytes) {
-        return QByteArray(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
-    };
     for (const std::uint8_t command : kAsked) {
-        for (const auto& attributes : wifi.dump(command, index, keep)) {
+        for (const auto& attributes : wifi.dump(command, index, bytesOf)) {
             // The kernel lists all interfaces, whatever is asked for.
             if (command != NL80211_CMD_GET_INTERFACE
                 || parseInterface(attributesOf({command, attributes})).index == index)
                 messages.push_back({command, attributes});
         }
     }
-    if (const auto powerSave = wifi.get(NL80211_CMD_GET_POWER_SAVE, index, keep);
+    if (const auto powerSave = wifi.get(NL80211_CMD_GET_POWER_SAVE, index, bytesOf);
         !powerSave.isEmpty())
         messages.push_back({NL80211_CMD_GET_POWER_SAVE, powerSave});
     return messages;
@@ -67,7 +64,7 @@ base::Result<AirPass> readAirPass(const InterfaceChoice& choice, const QString& 
 {
     auto wifi = Nl80211Socket::open();
     if (!wifi)
-        return wifi.failure();
+        return base::Failure {wifi.failure().kind, u"No Wi-Fi in this system"_s};
     const auto ranked = choice.ranked(wifi.value());
     if (ranked.empty())
         return base::Failure {base::FailureKind::NotFound, u"No Wi-Fi interface available"_s};
