@@ -174,7 +174,7 @@ QString HistoryStore::flush()
     return problem;
 }
 
-Batch HistoryStore::read(Milliseconds from, Milliseconds to)
+Batch HistoryStore::read(Milliseconds from, Milliseconds to, const Wanted& wanted)
 {
     flush();
     const std::lock_guard lock(m_lock);
@@ -183,7 +183,7 @@ Batch HistoryStore::read(Milliseconds from, Milliseconds to)
     Database database(m_path, false);
     if (!database.isOpen() || database.number("PRAGMA user_version") != kVersion)
         return {};
-    return readRows(database, from, to, kMostRows);
+    return readRows(database, from, to, kMostRows, wanted);
 }
 
 void HistoryStore::forgetNetwork(const QString& name)

@@ -32,7 +32,7 @@ public:
     QString flush();
     /// What is known of this time, with what was added; empty if there is no file or it cannot be
     /// read. At most `kMostRows` of each kind.
-    Batch read(Milliseconds from, Milliseconds to);
+    Batch read(Milliseconds from, Milliseconds to, const Wanted& wanted = {});
     static constexpr int kMostRows = 60'000;
 
     /// All minutes of the network and its name, and what happened in them; or all that there is.

@@ -89,6 +89,13 @@ struct Sample {
     bool operator==(const Sample&) const = default;
 };
 
+/// What to read besides the minutes.
+struct Wanted {
+    bool events = true;
+    bool outages = true;
+    bool samples = true;
+};
+
 /// What is written or read together. Each list is oldest first.
 struct Batch {
     std::vector<Minute> minutes;

@@ -159,6 +159,33 @@ void readEvents(
     std::ranges::reverse(events);
 }
 
+void readOutages(
+    Database& database, Milliseconds from, Milliseconds to, std::vector<Outage>& outages)
+{
+    Statement rows(database,
+        "SELECT since, until, cause FROM outage WHERE until >= ? AND since <= ? ORDER BY since "
+        "DESC LIMIT 2000");
+    rows.bind(from).bind(to);
+    while (rows.step())
+        outages.push_back(
+            {rows.integer(0), std::max(rows.integer(0), rows.integer(1)), rows.text(2)});
+    std::ranges::reverse(outages);
+}
+
+void readSamples(
+    Database& database, Milliseconds from, Milliseconds to, std::vector<Sample>& samples)
+{
+    Statement rows(database,
+        "SELECT at_path, ms FROM sample WHERE at_path BETWEEN ? AND ? ORDER BY at_path LIMIT "
+        "30000");
+    rows.bind(from * kPaths).bind(to * kPaths + 2);
+    while (rows.step()) {
+        const auto key = rows.integer(0);
+        samples.push_back(
+            {key / kPaths, Path(std::max<std::int64_t>(key % kPaths, 0)), rows.tenths(1)});
+    }
+}
+
 } // namespace
 
 bool writeRows(Database& database, const Batch& batch)
@@ -239,28 +266,17 @@ bool forgetNetworkRows(Database& database, const QString& name)
         && database.problem().isEmpty();
 }
 
-Batch readRows(Database& database, Milliseconds from, Milliseconds to, int most)
+Batch readRows(
+    Database& database, Milliseconds from, Milliseconds to, int most, const Wanted& wanted)
 {
     Batch batch;
     readMinutes(database, from, to, most, batch.minutes);
-    readEvents(database, from, to, most, batch.events);
-    Statement outages(database,
-        "SELECT since, until, cause FROM outage WHERE until >= ? AND since <= ? ORDER BY since "
-        "DESC LIMIT 2000");
-    outages.bind(from).bind(to);
-    while (outages.step())
-        batch.outages.push_back({outages.integer(0),
-            std::max(outages.integer(0), outages.integer(1)), outages.text(2)});
-    std::ranges::reverse(batch.outages);
-    Statement samples(database,
-        "SELECT at_path, ms FROM sample WHERE at_path BETWEEN ? AND ? ORDER BY at_path LIMIT "
-        "30000");
-    samples.bind(from * kPaths).bind(to * kPaths + 2);
-    while (samples.step()) {
-        const auto key = samples.integer(0);
-        batch.samples.push_back(
-            {key / kPaths, Path(std::max<std::int64_t>(key % kPaths, 0)), samples.tenths(1)});
-    }
+    if (wanted.events)
+        readEvents(database, from, to, most, batch.events);
+    if (wanted.outages)
+        readOutages(database, from, to, batch.outages);
+    if (wanted.samples)
+        readSamples(database, from, to, batch.samples);
     return batch;
 }
 

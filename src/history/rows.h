@@ -16,6 +16,7 @@ bool forgetOld(Database& database, int days, int eventDays);
 /// An empty name stands for cables.
 bool forgetNetworkRows(Database& database, const QString& name);
 /// At most so many of each kind.
-Batch readRows(Database& database, Milliseconds from, Milliseconds to, int most);
+Batch readRows(
+    Database& database, Milliseconds from, Milliseconds to, int most, const Wanted& wanted);
 
 } // namespace netvane::history
