@@ -6,7 +6,7 @@ export DESTDIR
 
 .PHONY: help setup build run demo screenshots install uninstall deb test test-fresh check check-format check-layers check-share \
     check-qml check-packaging check-tidy check-sanitizers check-hardening check-fuzz fuzz soak test-desktop test-radio \
-    bench lab clean
+    bench lab lab-radio clean
 
 help:
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' Makefile | expand -t 20
@@ -122,6 +122,11 @@ test-radio: ## end to end on simulated radios in a virtual machine
 lab: build ## plays faults of networks against the built program, as root; writes docs/lab.md
 	@scripts/setup build run test
 	@lab/run --subject "$(BUILD)/netvane-report --watch" --seeds 5 --out docs/lab.md
+
+lab-radio: build ## likewise faults of Wi-Fi, on simulated radios in a virtual machine; writes docs/lab-radio.md
+	@scripts/setup build run test radio
+	@cmake --build $(BUILD) -j $(JOBS) --target netvane netvane-report wifi_watch
+	@lab/radio/run --build $(BUILD) --out docs/lab-radio.md
 
 bench: ## docs/figures.md: the figures, each beside what it is compared with, and BEFORE, a checkout with its bench build
 	@scripts/setup build run test display bench radio

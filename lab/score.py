@@ -62,8 +62,9 @@ class Score:
             self.miss(result, f"wanted {'/'.join(wanted)}, said {verdict['cause']}"
                       f" (then {', '.join(others) or 'nothing'}): {verdict.get('sentence', '')}")
         if "over" in result:
-            healthy = stays_from(result, result["end"], result["over"], ("healthy",))
-            self.repairs.append(healthy - result["end"] if healthy is not None else float("inf"))
+            repaired = result.get("repaired", result["end"])
+            healthy = stays_from(result, repaired, result["over"], ("healthy",))
+            self.repairs.append(healthy - repaired if healthy is not None else float("inf"))
             if healthy is None:
                 self.miss(result, f"not healthy after the repair: {at(result, result['over']).get('sentence', '')}")
 
@@ -88,7 +89,7 @@ def percentile(values, share):
     return sorted(values)[min(len(values) - 1, int(len(values) * share))] if values else float("nan")
 
 
-def table(results, options):
+def table(results, options, written_by="lab/run"):
     score = Score(results)
     faults, worlds = max(1, len(score.faults)), len(score.worlds)
 
@@ -109,7 +110,7 @@ def table(results, options):
     lines = ["# The fault lab's score", "",
              f"{datetime.date.today()}, `{' '.join(options.subject.split('/')[-1:])}`, seeds {options.first_seed} to "
              f"{options.first_seed + options.seeds - 1}: {len(names)} faults, {len({w['scenario'] for w in score.worlds})} healthy "
-             f"worlds, {len(results)} runs. Written by `lab/run`.", "",
+             f"worlds, {len(results)} runs. Written by `{written_by}`.", "",
              "| measure | measured | wanted |", "|---|---:|---:|"]
     lines += [f"| {name} | {value if good else f'**{value}**'} | {wanted} |" for name, value, wanted, good in rows]
     if score.confused:

@@ -3,8 +3,8 @@
 #
 #   namespace "air"   192.168.N.1  the routers
 #   namespace "far"   1.1.1.1      the public resolver's address
-#                     10.9.2.1     the name service, which gives every name the address 10.9.2.2
-#                     10.9.2.2     the web: the probe for portals
+#                     10.9.2.1     the name service, which gives every name the address 198.51.100.2
+#                     198.51.100.2 the web: the probe for portals
 pki=$state/pki
 
 authority_up() { # trusted by every program that is started from now on
@@ -27,20 +27,20 @@ internet_up() {
         ip -n far addr add 10.9.0.2/30 dev to-air && ip -n far link set to-air up &&
         ip -n far link set lo up && ip -n far route add default via 10.9.0.1 &&
         ip -n air route add default via 10.9.0.2 || return 1
-    for address in 1.1.1.1 10.9.2.1 10.9.2.2; do
+    for address in 1.1.1.1 10.9.2.1 198.51.100.2; do
         ip -n far addr add $address/32 dev lo || return 1
     done
     ip netns exec air sysctl -qw net.ipv4.ip_forward=1
     authority_up || return 1
     ip netns exec far dnsmasq --conf-file=/dev/null --no-resolv --no-hosts --bind-interfaces \
-        --listen-address=10.9.2.1 --local=/#/ --address=/#/10.9.2.2 --user=root --pid-file= \
+        --listen-address=10.9.2.1 --local=/#/ --address=/#/198.51.100.2 --user=root --pid-file= \
         --log-facility="$logs/dnsmasq.log" || return 1
     ip netns exec far /usr/bin/python3 web.py $pki $state/portal >"$logs/web.log" 2>&1 &
     # A router's own page: its reachability is timed by it.
     mkdir -p $state/page
     ip netns exec air /usr/bin/python3 -m http.server -d $state/page 80 >/dev/null 2>&1 &
     echo nameserver 10.9.2.1 >/etc/resolv.conf
-    wait_for 60 'ip netns exec far curl -sf --resolve captive.apple.com:443:10.9.2.2 \
+    wait_for 60 'ip netns exec far curl -sf --resolve captive.apple.com:443:198.51.100.2 \
         https://captive.apple.com/hotspot-detect.html'
 }
 portal() { # portal on|off: whether a login page stands before the web

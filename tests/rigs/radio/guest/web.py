@@ -6,7 +6,7 @@ import ssl
 import sys
 import threading
 
-WEB = '10.9.2.2'
+WEB = '198.51.100.2'
 
 
 class Answers(http.server.BaseHTTPRequestHandler):
