@@ -21,6 +21,9 @@ enum class ScanSignal { Unrelated, Finished, Failed };
 class BusScanPath : public ScanPath {
     Q_OBJECT
 
+public:
+    QString silentService() const override { return m_isAccepted ? QString() : m_title; }
+
 protected:
     /// `title` is the service's name in messages to the user.
     BusScanPath(const QDBusConnection& systemBus, QString service, QString title);

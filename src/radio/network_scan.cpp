@@ -120,12 +120,17 @@ void NetworkScan::serviceFinished()
 /// A service may be set up to scan few channels: then what it scanned is all that there will be.
 void NetworkScan::limitReached()
 {
-    if (m_isReported)
+    if (m_isReported) {
         finish();
-    else
-        fail(base::FailureKind::TimedOut,
-            m_isRunning ? u"The scan took more than 30 seconds"_s
-                        : u"No scan within 30 seconds. A connection may be in progress"_s);
+        return;
+    }
+    const QString silent = m_asked > 0 ? m_paths[m_asked - 1]->silentService() : QString();
+    QString text = u"No scan within 30 seconds. A connection may be in progress"_s;
+    if (m_isRunning)
+        text = u"The scan took more than 30 seconds"_s;
+    else if (!silent.isEmpty())
+        text = silent + u" did not answer within 30 seconds"_s;
+    fail(base::FailureKind::TimedOut, text);
 }
 
 void NetworkScan::finish()

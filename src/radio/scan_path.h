@@ -23,6 +23,8 @@ class ScanPath : public QObject {
 public:
     /// Requests one scan of all channels.
     virtual void requestScan(const ScanInterface& interface) = 0;
+    /// The service that has not said yet that it will scan; empty once it has.
+    virtual QString silentService() const { return {}; }
 
 Q_SIGNALS:
     /// The service is not running or does not own the interface. No scan was requested.

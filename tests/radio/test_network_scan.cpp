@@ -220,13 +220,16 @@ private Q_SLOTS:
                 tell(eventMessage(NL80211_CMD_TRIGGER_SCAN)
                     + eventMessage(NL80211_CMD_SCAN_ABORTED));
             });
+        const auto wait = [this] {
+            m_clock->advance(29'999ms);
+            settle();
+            QVERIFY(m_results.empty());
+            m_clock->advance(1ms);
+        };
         row(u"no answer to the request"_s, {{kManager, manager(kSilence)}}, FailureKind::TimedOut,
-            u"No scan within 30 seconds. A connection may be in progress"_s, [this] {
-                m_clock->advance(29'999ms);
-                settle();
-                QVERIFY(m_results.empty());
-                m_clock->advance(1ms);
-            });
+            u"NetworkManager did not answer within 30 seconds"_s, wait);
+        row(u"no scan after the answer"_s, {{kManager, manager()}}, FailureKind::TimedOut,
+            u"No scan within 30 seconds. A connection may be in progress"_s, wait);
         for (const auto& [service, script] : everyService()) {
             const QString title = kTraits.at(service).title;
             row(title + u" goes"_s, {{service, script}}, FailureKind::NotAvailable,

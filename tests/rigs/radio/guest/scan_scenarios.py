@@ -129,5 +129,21 @@ def scan_by_manager(report, world):
     _end(report, 'scan by NetworkManager', nobody)
 
 
+def scan_of_silent_manager(report, world):
+    """It is stopped while the user scans, for less and for more than a scan may take."""
+    world.start_manager()
+    world.start_eleven()
+    world.grant_scans('YES', 'yes')
+    nobody = _watcher('unprivileged')
+    world.do('manager_pauses', 5)
+    _scans(report, 'NetworkManager answers late', nobody)
+    world.do('manager_pauses', 40)
+    _refused(report, 'NetworkManager does not answer', nobody,
+             'NetworkManager did not answer within 30 seconds')
+    world.wait_for(30, 'manager_permission')
+    _scans(report, 'NetworkManager answers again', nobody)
+    _end(report, 'NetworkManager was silent', nobody)
+
+
 SCENARIOS = (scan_by_kernel, scan_by_supplicant, scan_by_iwd)
-MANAGED_SCENARIOS = (scan_by_manager,)
+MANAGED_SCENARIOS = (scan_by_manager, scan_of_silent_manager)

@@ -169,7 +169,12 @@ manager_up() {
     wpa_supplicant -B -u -s -O /run/wpa_supplicant -f "$logs/wpa_supplicant_dbus.log" || return 1
     # --debug: it stays in the foreground and logs to standard error.
     NetworkManager --debug --log-level=INFO >"$logs/NetworkManager.log" 2>&1 &
+    echo $! >$state/manager.pid
     wait_for 90 'nmcli -t -f DEVICE,STATE device | grep -qx wlan0:disconnected'
+}
+manager_pauses() { # manager_pauses SECONDS: it answers nobody meanwhile
+    kill -STOP "$(<$state/manager.pid)"
+    (sleep "$1"; kill -CONT "$(<$state/manager.pid)") &
 }
 manager_permission() { # what NetworkManager answers to the unprivileged user: 'yes' and so on
     setpriv --reuid=65534 --regid=65534 --clear-groups gdbus call --system \
