@@ -146,7 +146,9 @@ std::optional<Finding> unsteadyLink(const Facts& facts)
               return event.kind == RadioEvent::Kind::Disconnected && facts.isRecent(event.at, 60s)
                   && isLost(event);
           }));
-    if (!facts.isByRadio || facts.lacksLink() || !ended || !isLost(*ended) || times < 2)
+    const bool isHarmed = facts.isDown || facts.isLossy; // once is enough then
+    if (!facts.isByRadio || facts.lacksLink() || !ended || !isLost(*ended)
+        || (times < 2 && !isHarmed))
         return {};
     Finding finding {.cause = Cause::AccessPointLost,
         .certainty = 0.9,
@@ -155,7 +157,11 @@ std::optional<Finding> unsteadyLink(const Facts& facts)
               .arg(ended->code.value_or(0)),
         .advice = u"Restart the access point. If it does so again, it may be overloaded or too far "
                   "away."_s};
-    if (ended->code == kGroupKeyTimeout)
+    if (times < 2)
+        finding.sentence = u"The link to the access point was lost %1 seconds ago (reason %2)."_s
+                               .arg(qRound(facts.ageOf(ended->at)))
+                               .arg(ended->code.value_or(0));
+    else if (ended->code == kGroupKeyTimeout)
         finding.sentence
             = u"The access point ended the link %1 times: a key was not renewed (reason %2)."_s
                   .arg(times)

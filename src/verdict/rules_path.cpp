@@ -56,7 +56,7 @@ bool isLoaded(const Facts& facts)
         && std::max(load->value.receivedMbps, load->value.sentMbps) >= kBusyMbps;
 }
 
-/// The radio is a better explanation, if it loses packets itself or has no link.
+/// The radio is a better explanation, if it loses packets itself, or lost its link a moment ago.
 double sharedWithRadio(const Facts& facts, double certainty)
 {
     constexpr double kSuspectPercent = 3;
@@ -64,7 +64,9 @@ double sharedWithRadio(const Facts& facts, double certainty)
     const bool isLosing = facts.radio
         && (facts.radio->failedPercent() >= kSuspectPercent || facts.radio->beaconsLost > 0
             || facts.radio->signalDbm.value_or(0) <= kWeakDbm);
-    return isLosing || facts.lacksLink() ? certainty / 2 : certainty;
+    const bool lostLink = facts.isByRadio
+        && facts.newestEvent(platform::RadioEvent::Kind::Disconnected, kEventGoesOn);
+    return isLosing || lostLink || facts.lacksLink() ? certainty / 2 : certainty;
 }
 
 QString routerTime(const Facts& facts)

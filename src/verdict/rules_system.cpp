@@ -7,6 +7,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace netvane::verdict {
 namespace {
 
+using namespace std::chrono_literals;
 using platform::NetworkInterface;
 
 /// What the network state is about, if it was read: interfaces that lead to other machines.
@@ -87,6 +88,9 @@ std::optional<Finding> noAddress(const Facts& facts)
         return {};
     const auto* link = facts.link();
     if (link && link->joiningSsid) // it is not let in yet
+        return {};
+    constexpr auto kLease = 8s; // an address takes its time, too
+    if (facts.newestEvent(platform::RadioEvent::Kind::Connected, kLease))
         return {};
     Finding finding {.cause = Cause::NoAddress,
         .certainty = 0.95,
