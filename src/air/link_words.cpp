@@ -152,7 +152,7 @@ void addSubLink(Lines& lines, const platform::AirSubLink& link)
         texts.append(channelText(*link.span));
     if (link.signalDbm)
         texts.append(dbm(*link.signalDbm));
-    const auto band = link.span ? platform::bandOf(link.span->primaryMhz) : ChannelBand::Unknown;
+    const auto band = bandOf(link.span);
     for (const auto& [word, rate] :
         {std::pair(u"sends at "_s, link.transmit), std::pair(u"receives at "_s, link.receive)}) {
         if (rate.mbps)
@@ -162,6 +162,11 @@ void addSubLink(Lines& lines, const platform::AirSubLink& link)
 }
 
 } // namespace
+
+ChannelBand bandOf(const std::optional<platform::AirSpan>& span)
+{
+    return span ? platform::bandOf(span->primaryMhz) : ChannelBand::Unknown;
+}
 
 QString channelText(const platform::AirSpan& span)
 {
@@ -186,6 +191,8 @@ QString securityText(const platform::AirSecurity& security)
         ways.append(u"encrypted without a key"_s);
     if (security.enterprise || security.enterprise192)
         ways.append(u"account"_s);
+    if (security.other)
+        ways.append(u"a way that is not known"_s);
     return ways.isEmpty() ? u"open"_s : ways.join(u" or "_s);
 }
 
@@ -231,13 +238,14 @@ std::vector<Line> linkLines(const platform::AirReading& reading, const platform:
         return {};
     const auto& link = *reading.link;
     const auto same = [](const QString& text) { return text; };
-    const auto band = link.span ? platform::bandOf(link.span->primaryMhz) : ChannelBand::Unknown;
+    const auto band = bandOf(link.span);
     lines.add(u"Network"_s, link.ssid, same);
     lines.add(u"Access point"_s, link.bssid, same);
     lines.add(u"Channel"_s, link.span, channelText);
     if (link.accessPoint)
         lines.add(u"Standard of the access point"_s, link.accessPoint->standard,
-            [&](AirStandard standard) { return standardText(standard, band); });
+            [span = link.accessPoint->span](
+                AirStandard standard) { return standardText(standard, bandOf(span)); });
     lines.add(u"Sends at"_s, rateText(link.transmit, band));
     lines.add(u"Receives at"_s, rateText(link.receive, band));
     lines.add(u"Expected throughput"_s, link.expectedMbps,

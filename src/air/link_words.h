@@ -16,6 +16,8 @@ struct Line {
 /// Everything that is known of the link, for users. `change` is how it went since some moment.
 std::vector<Line> linkLines(const platform::AirReading& reading, const platform::AirChange& change);
 
+/// Unknown without a span, too.
+platform::ChannelBand bandOf(const std::optional<platform::AirSpan>& span);
 /// "36 of 5 GHz, 80 MHz wide"
 QString channelText(const platform::AirSpan& span);
 /// "WPA2 or WPA3", "open", "WPA2 with an account"

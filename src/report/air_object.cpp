@@ -1,6 +1,5 @@
 #include "report/air_text.h"
 #include "report/json_fields.h"
-#include "wifi/air_words.h"
 
 #include <QJsonArray>
 
@@ -188,10 +187,12 @@ QJsonObject linkObject(const platform::AirLink& link, const platform::AirChange&
 
 QJsonObject adapterObject(const platform::AirAdapter& adapter)
 {
+    constexpr std::array kStates {
+        "kept-link"_L1, "default-route"_L1, "linked"_L1, "signing-in"_L1, "on"_L1, "off"_L1};
     return Fields()
         .add(u"interface"_s, adapter.name)
         .add(u"used"_s, QJsonValue(adapter.isUsed))
-        .add(u"state"_s, wifi::stateText(adapter.state))
+        .add(u"state"_s, QString(kStates.at(size_t(adapter.state))))
         .add(u"driver"_s, adapter.driver)
         .add(u"driverVersion"_s, adapter.driverVersion)
         .add(u"firmware"_s, adapter.firmware)
