@@ -126,6 +126,9 @@ std::optional<Finding> noLink(const Facts& facts)
         return lost;
     if (auto joining = signingIn(facts))
         return joining;
+    if (link
+        && link->ssid) // read before the link ended: the next reading tells whether by a switch
+        return {};
     Finding finding {.cause = Cause::NotConnected,
         .certainty = 0.92,
         .sentence = u"Wi-Fi is on, but connected to no network (1 adapter, 0 links)."_s,

@@ -56,7 +56,8 @@ bool isLoaded(const Facts& facts)
         && std::max(load->value.receivedMbps, load->value.sentMbps) >= kBusyMbps;
 }
 
-/// The radio is a better explanation, if it loses packets itself, or lost its link a moment ago.
+/// The radio is a better explanation, if it loses packets itself. Where it lost its link a moment
+/// ago nobody behind it can be blamed.
 double sharedWithRadio(const Facts& facts, double certainty)
 {
     constexpr double kSuspectPercent = 3;
@@ -66,7 +67,9 @@ double sharedWithRadio(const Facts& facts, double certainty)
             || facts.radio->signalDbm.value_or(0) <= kWeakDbm);
     const bool lostLink = facts.isByRadio
         && facts.newestEvent(platform::RadioEvent::Kind::Disconnected, kEventGoesOn);
-    return isLosing || lostLink || facts.lacksLink() ? certainty / 2 : certainty;
+    if (lostLink || facts.lacksLink())
+        return certainty * 0.4;
+    return isLosing ? certainty / 2 : certainty;
 }
 
 QString routerTime(const Facts& facts)
