@@ -89,7 +89,8 @@ bool Facts::lacksLink() const
     // It ended since it was read.
     using Kind = platform::RadioEvent::Kind;
     const auto tells = [&](const auto& event) {
-        return (event.kind == Kind::Connected || event.kind == Kind::Disconnected)
+        return (event.kind == Kind::Connected || event.kind == Kind::Roamed
+                   || event.kind == Kind::Disconnected)
             && (event.interfaceName.isEmpty() || event.interfaceName == last->interfaceName);
     };
     const auto& events = evidence.radioEvents;

@@ -126,9 +126,10 @@ std::optional<Finding> powerSave(const Facts& facts)
     constexpr double kMostMs = 1000;
     constexpr double kUneven = 2.5;
     const auto hasSpikes = [&](const Track& each) {
-        return each.medianMs && *each.medianMs >= 20 && *each.medianMs <= kMostMs
-            && *each.leastMs * 3 <= *each.medianMs && each.uneven >= kUneven
-            && facts.internet.medianMs.value_or(0) >= *each.medianMs / 2;
+        const double usual = facts.evidence.usual.router.value_or(0);
+        return each.medianMs && *each.medianMs >= std::max(20.0, kUneven * usual)
+            && *each.medianMs <= kMostMs && *each.leastMs * 3 <= *each.medianMs
+            && each.uneven >= kUneven && facts.internet.medianMs.value_or(0) >= *each.medianMs / 2;
     };
     const Track& track = hasSpikes(facts.router) ? facts.router : facts.firstHop;
     if (!hasSpikes(track) || facts.nearLoss.isBad || facts.internet.medianMs.value_or(0) < 20)
@@ -150,7 +151,8 @@ std::optional<Finding> powerSave(const Facts& facts)
 
 std::optional<Finding> scanning(const Facts& facts)
 {
-    constexpr double kSpikeMs = 80;
+    constexpr double kSpikeMs = 40; // a radio is away for some 110 ms on each channel
+    constexpr int kFewest = 3;
     // Before it had this link it had to look for a network itself.
     const auto* joined = facts.newestEvent(RadioEvent::Kind::Connected, 120s);
     const auto isSinceJoined = [&](TimePoint at) { return !joined || at > joined->at; };
@@ -183,13 +185,16 @@ std::optional<Finding> scanning(const Facts& facts)
     };
     int bad = 0;
     int duringScan = 0;
-    for (const auto& outcome : facts.evidence.router) {
-        const bool isBad
-            = outcome.milliseconds.value_or(1e9) >= kSpikeMs && isSinceJoined(outcome.at);
-        bad += isBad;
-        duringScan += isBad && isDuringScan(outcome.at);
+    for (const auto* outcomes : {&facts.evidence.router, &facts.evidence.firstHop}) {
+        const double spikeMs = std::max(kSpikeMs, 3 * trackOf(*outcomes).leastMs.value_or(0));
+        for (const auto& outcome : *outcomes) {
+            const bool isBad
+                = outcome.milliseconds.value_or(1e9) >= spikeMs && isSinceJoined(outcome.at);
+            bad += isBad;
+            duringScan += isBad && isDuringScan(outcome.at);
+        }
     }
-    if (duringScan < 2 || duringScan * 4 < bad * 3)
+    if (duringScan < kFewest || duringScan * 4 < bad * 3)
         return {};
     Finding finding {.cause = Cause::Scanning,
         .certainty = 0.91,

@@ -3,17 +3,34 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <span>
 
 namespace netvane::verdict {
 namespace {
 
 constexpr size_t kMedianOf = 5;
+constexpr size_t kUnevenOf = 6;
 
 double median(std::vector<double> values)
 {
     const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
     std::ranges::nth_element(values, middle);
     return *middle;
+}
+
+/// By which factor the times both rise and fall, in any order. A change that stays does one of
+/// them.
+double uneven(std::span<const double> times)
+{
+    double rise = 1;
+    double fall = 1;
+    for (size_t later = 1; later < times.size(); ++later) {
+        for (size_t earlier = 0; earlier < later; ++earlier) {
+            rise = std::max(rise, times[later] / std::max(times[earlier], 0.1));
+            fall = std::max(fall, times[earlier] / std::max(times[later], 0.1));
+        }
+    }
+    return std::min(rise, fall);
 }
 
 bool isClean(const Outcome& outcome)
@@ -86,9 +103,8 @@ Track trackOf(const Outcomes& outcomes)
         return track;
     track.timed = int(times.size());
     track.leastMs = *std::ranges::min_element(times);
+    track.uneven = uneven(std::span(times).last(std::min(times.size(), kUnevenOf)));
     times.erase(times.begin(), times.end() - std::ptrdiff_t(std::min(times.size(), kMedianOf)));
-    const auto [least, most] = std::ranges::minmax(times);
-    track.uneven = most / std::max(least, 0.1);
     track.medianMs = median(std::move(times));
     return track;
 }

@@ -13,7 +13,7 @@ struct Track {
     int timed = 0; ///< answers that no packet had to be sent again for
     std::optional<double> medianMs; ///< of the last answers that no packet had to be sent again for
     std::optional<double> leastMs;
-    double uneven = 1; ///< how often the shortest of the last times fits into the longest
+    double uneven = 1; ///< by which factor the last times both rise and fall
     std::optional<TimePoint> lastAnswer; ///< when the question was asked that was answered last
 
     bool hasAnswered() const { return lastAnswer.has_value(); }
