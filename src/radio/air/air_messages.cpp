@@ -225,8 +225,10 @@ std::vector<AirChannel> channelsOf(const AirMessages& messages)
                 Attributes(attributesOf(message)).nested(NL80211_ATTR_WIPHY_BANDS), takeBand);
     }
     std::ranges::stable_sort(channels, {}, &AirChannel::frequencyMhz);
-    const auto again = std::ranges::unique(channels, {}, &AirChannel::frequencyMhz);
-    channels.erase(again.begin(), again.end());
+    const auto isSame = [](const AirChannel& one, const AirChannel& other) {
+        return one.frequencyMhz == other.frequencyMhz;
+    };
+    channels.erase(std::unique(channels.begin(), channels.end(), isSame), channels.end());
     for (const auto& survey : answersOf(messages, NL80211_CMD_GET_SURVEY, parseSurvey)) {
         const auto channel = std::ranges::find(channels, survey.frequencyMhz,
             [](const AirChannel& one) { return std::optional(one.frequencyMhz); });
