@@ -91,6 +91,7 @@ struct Sample {
 
 /// What to read besides the minutes.
 struct Wanted {
+    bool details = true; ///< of the minutes: what no picture shows
     bool events = true;
     bool outages = true;
     bool samples = true;

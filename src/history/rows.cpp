@@ -61,10 +61,23 @@ void bindPath(Statement& statement, const PathMinute& path)
     statement.bind(path.medianMs).bind(path.farMs).bind(path.jitterMs).bind(path.lossPercent);
 }
 
+/// Without its jitter.
 PathMinute pathAt(const Statement& statement, int column)
 {
-    return {statement.tenths(column), statement.tenths(column + 1), statement.tenths(column + 2),
-        statement.tenths(column + 3)};
+    return {.medianMs = statement.tenths(column),
+        .farMs = statement.tenths(column + 1),
+        .lossPercent = statement.tenths(column + 2)};
+}
+
+void readDetails(const Statement& rows, int column, Minute& minute)
+{
+    for (auto* path : {&minute.router, &minute.line, &minute.internet})
+        path->jitterMs = rows.tenths(column++);
+    minute.receiveMbps = rows.tenths(column++);
+    minute.lookupMs = rows.tenths(column++);
+    for (auto* value : {&minute.leastSignalDbm, &minute.noiseDbm, &minute.failedLookups,
+             &minute.retries, &minute.failed})
+        *value = rows.small(column++);
 }
 
 void writeMinutes(Database& database, const std::vector<Minute>& minutes)
@@ -108,39 +121,47 @@ void writeEvents(Database& database, const std::vector<Event>& events)
     }
 }
 
-void readMinutes(
-    Database& database, Milliseconds from, Milliseconds to, int most, std::vector<Minute>& minutes)
+/// A month has 43,200 rows, and each column takes its time.
+void readMinutes(Database& database, Milliseconds from, Milliseconds to, int most, bool withDetails,
+    std::vector<Minute>& minutes)
 {
+    constexpr int kDetails = 15;
+    constexpr auto kAll
+        = "SELECT at, network, router_ms, router_far, router_loss, line_ms, line_far, line_loss, "
+          "internet_ms, internet_far, internet_loss, signal, send_rate, severity, cause, "
+          "router_jitter, line_jitter, internet_jitter, receive_rate, lookup_ms, signal_least, "
+          "noise, lookup_failed, retries, failed FROM minute "
+          "WHERE at BETWEEN ? AND ? ORDER BY at LIMIT ?";
+    constexpr auto kShown
+        = "SELECT at, network, router_ms, router_far, router_loss, line_ms, line_far, line_loss, "
+          "internet_ms, internet_far, internet_loss, signal, send_rate, severity, cause "
+          "FROM minute WHERE at BETWEEN ? AND ? ORDER BY at LIMIT ?";
     Statement names(database, "SELECT id, name FROM network LIMIT 1000");
     QHash<std::int64_t, QString> networks;
     while (names.step())
         networks.insert(names.integer(0), names.text(1));
-    Statement rows(database, "SELECT * FROM minute WHERE at BETWEEN ? AND ? ORDER BY at LIMIT ?");
+    Statement rows(database, withDetails ? kAll : kShown);
     rows.bind(from / kMinute).bind(to / kMinute).bind(std::int64_t(most));
     minutes.reserve(size_t(std::clamp<std::int64_t>((to - from) / kMinute, 0, most)));
     std::pair<std::int64_t, QString> network {0, {}};
     while (rows.step()) {
         if (const auto id = rows.integer(1); id != network.first)
             network = {id, networks.value(id)};
+        const auto severity = rows.small(13);
         minutes.push_back({.at = rows.integer(0) * kMinute,
             .network = network.second,
             .router = pathAt(rows, 2),
-            .line = pathAt(rows, 6),
-            .internet = pathAt(rows, 10),
-            .signalDbm = rows.small(14),
-            .leastSignalDbm = rows.small(15),
-            .noiseDbm = rows.small(16),
-            .sendMbps = rows.tenths(17),
-            .receiveMbps = rows.tenths(18),
-            .lookupMs = rows.tenths(19),
-            .failedLookups = rows.small(20),
-            .retries = rows.small(21),
-            .failed = rows.small(22),
-            .severity = std::clamp(rows.small(23).value_or(0), 0, 3)});
-        if (const auto cause = rows.text(24); !cause.isEmpty())
+            .line = pathAt(rows, 5),
+            .internet = pathAt(rows, 8),
+            .signalDbm = rows.small(11),
+            .sendMbps = rows.tenths(12),
+            .severity = std::clamp(severity.value_or(0), 0, 3)});
+        if (const auto cause = rows.text(14); !cause.isEmpty())
             minutes.back().cause = cause;
-        else if (rows.small(23) == 0)
+        else if (severity == 0)
             minutes.back().cause = kHealthy;
+        if (withDetails)
+            readDetails(rows, kDetails, minutes.back());
     }
 }
 
@@ -270,7 +291,7 @@ Batch readRows(
     Database& database, Milliseconds from, Milliseconds to, int most, const Wanted& wanted)
 {
     Batch batch;
-    readMinutes(database, from, to, most, batch.minutes);
+    readMinutes(database, from, to, most, wanted.details, batch.minutes);
     if (wanted.events)
         readEvents(database, from, to, most, batch.events);
     if (wanted.outages)

@@ -149,15 +149,16 @@ std::shared_ptr<Source> recordedSource(history::Recorder& recorder)
 
 Remembered rememberedOf(history::HistoryStore& store, Milliseconds from, Milliseconds to)
 {
-    const auto batch = store.read(std::int64_t(from), std::int64_t(to), {.outages = false});
+    const auto batch
+        = store.read(std::int64_t(from), std::int64_t(to), {.details = false, .outages = false});
     return {minutesOf(batch.minutes), marksOf(batch.events), tripsOf(batch.samples),
         pausesOf(batch.events)};
 }
 
 ProviderFacts factsOf(history::HistoryStore& store, Milliseconds from, Milliseconds to)
 {
-    const auto batch
-        = store.read(std::int64_t(from), std::int64_t(to), {.events = false, .samples = false});
+    const auto batch = store.read(std::int64_t(from), std::int64_t(to),
+        {.details = false, .events = false, .samples = false});
     std::vector<Outage> outages;
     for (const auto& outage : batch.outages)
         outages.push_back({Milliseconds(outage.from), Milliseconds(outage.to),
