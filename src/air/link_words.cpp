@@ -200,7 +200,7 @@ QString standardText(AirStandard standard, ChannelBand band)
 {
     switch (standard) {
     case AirStandard::Legacy:
-        return band == ChannelBand::FiveGHz ? u"802.11a"_s : u"802.11b/g"_s;
+        return band == ChannelBand::TwoGHz ? u"802.11b/g"_s : u"802.11a"_s;
     case AirStandard::Ht:
         return u"Wi-Fi 4"_s;
     case AirStandard::Vht:

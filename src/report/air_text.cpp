@@ -54,8 +54,6 @@ QString networkLine(const AirNetwork& network)
 QString ruleText(const AirChannel& channel)
 {
     QStringList parts;
-    if (!channel.isAllowed)
-        return u"not allowed here"_s;
     if (channel.maximumDbm)
         parts.append(u"up to %1 dBm"_s.arg(*channel.maximumDbm));
     if (channel.isPassive)
@@ -68,7 +66,7 @@ QString ruleText(const AirChannel& channel)
         if (channel.survey->noiseDbm)
             parts.append(u"noise %1 dBm"_s.arg(*channel.survey->noiseDbm));
     }
-    return parts.isEmpty() ? u"allowed"_s : parts.join(u", "_s);
+    return parts.join(u", "_s);
 }
 
 } // namespace
@@ -89,9 +87,12 @@ QString airText(const AirReading& reading, const platform::AirChange& change)
     for (const auto& network : networks)
         text += networkLine(network);
     if (!reading.channels.empty())
-        text += u"\nChannels\n"_s;
-    for (const auto& channel : reading.channels)
-        text += lineOf(air::channelText({.primaryMhz = channel.frequencyMhz}), ruleText(channel));
+        text += u"\nChannels that are allowed here\n"_s;
+    for (const auto& channel : reading.channels) {
+        if (channel.isAllowed)
+            text += lineOf(
+                air::channelText({.primaryMhz = channel.frequencyMhz}), ruleText(channel));
+    }
     return text;
 }
 
