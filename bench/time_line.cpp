@@ -47,7 +47,7 @@ std::vector<double> framesOf(demo::StagedProgram& program, QQuickWindow& window,
 
 QQuickWindow& open(demo::StagedProgram& program)
 {
-    program.delegate().mainMenu()->actions().constLast()->trigger();
+    program.delegate().mainMenu()->actions().at(1)->trigger();
     auto& root = windows::rootOf(program.delegate().timeLineWindow()->window());
     root.window()->grabWindow();
     return *root.window();

@@ -155,21 +155,20 @@ private:
         return std::min(1000, std::max(measured, assumed));
     }
 
-    /// The busiest of the radio's own counts of the channels in it.
+    /// The busiest of the radio's own counts of the channels in it; of ours, that of just now.
     Airtime surveyed(const Range& range) const
     {
-        Airtime most = 0;
+        const auto isInside
+            = [&range](std::uint32_t mhz) { return int(mhz) > range.low && int(mhz) < range.high; };
+        const auto primary = m_ours->span->primaryMhz;
+        const auto& now = m_surroundings.change.busy;
+        Airtime most = now && isInside(primary) ? thousandths(*now) : 0;
         for (const auto& channel : m_surroundings.channels) {
-            const int middle = int(channel.frequencyMhz);
-            if (middle <= range.low || middle >= range.high || !channel.survey)
+            if (!isInside(channel.frequencyMhz) || (now && channel.frequencyMhz == primary)
+                || !channel.survey || channel.survey->activeMs.value_or(0) < kLeastListeningMs)
                 continue;
-            const bool isOurs = channel.frequencyMhz == m_ours->span->primaryMhz;
-            const auto sinceBegin = channel.survey->activeMs.value_or(0) >= kLeastListeningMs
-                ? platform::busyShare({}, *channel.survey)
-                : std::nullopt;
-            const auto share
-                = isOurs && m_surroundings.change.busy ? m_surroundings.change.busy : sinceBegin;
-            most = std::max(most, thousandths(share.value_or(0)));
+            if (const auto share = platform::busyShare({}, *channel.survey))
+                most = std::max(most, thousandths(*share));
         }
         return most;
     }

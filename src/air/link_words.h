@@ -24,7 +24,7 @@ QString channelText(const platform::AirSpan& span);
 QString securityText(const platform::AirSecurity& security);
 /// "Wi-Fi 6", "Wi-Fi 6E"
 QString standardText(platform::AirStandard standard, platform::ChannelBand band);
-/// "wlan0: in use, because it carries the default route; driver iwlwifi, firmware 77"
+/// "In use: it carries the default route, driver iwlwifi, firmware 77"
 QString adapterText(const platform::AirAdapter& adapter);
 
 } // namespace netvane::air

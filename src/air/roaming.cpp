@@ -28,7 +28,7 @@ bool isSameNetwork(const AirNetwork& one, const AirNetwork& other)
     const auto hasKey = [](const auto& each) { return each.wpa || each.wpa2 || each.wpa3; };
     const auto hasAccount = [](const auto& each) { return each.enterprise || each.enterprise192; };
     return hasKey(a) == hasKey(b) && hasAccount(a) == hasAccount(b) && a.owe == b.owe
-        && a.wep == b.wep;
+        && a.wep == b.wep && a.other == b.other;
 }
 
 } // namespace

@@ -38,6 +38,7 @@ const QString kWayBack
       "To open the window again, start Netvane again. To end Netvane, use Quit in its settings."_s;
 const ViewWindow::Look kVerdictLook {u"What is wrong?"_s, {600, 720}, {440, 360}};
 const ViewWindow::Look kTimeLineLook {u"Time line"_s, {980, 760}, {600, 560}};
+const ViewWindow::Look kAirLook {u"The air"_s, {900, 760}, {640, 420}};
 constexpr double kBytesPerMebibyte = 1024.0 * 1024.0;
 
 /// The resident set of this process, the second field of /proc/self/statm (proc(5)); absent if it
@@ -71,6 +72,7 @@ AppDelegate::AppDelegate(platform::Platform& platform, platform::ApplicationActi
     connect(&m_notifications, &NotificationCenter::explainVerdict, this,
         &AppDelegate::openVerdictWindow);
     connect(&m_notifications, &NotificationCenter::showTimeLine, this, &AppDelegate::openTimeLine);
+    connect(&m_notifications, &NotificationCenter::showAir, this, &AppDelegate::openAir);
     connect(&m_notifications, &NotificationCenter::popoverDidOpen, this,
         &AppDelegate::popoverDidOpenNotification);
     connect(&m_statusArea, &shell::StatusArea::changed, this, &AppDelegate::noteWayBack);
@@ -147,6 +149,9 @@ void AppDelegate::setupMainMenu()
     auto* timeLine = m_mainMenu->addAction(u"Time Line"_s);
     timeLine->setShortcut(QKeySequence(u"Ctrl+T"_s));
     connect(timeLine, &QAction::triggered, this, &AppDelegate::openTimeLine);
+    auto* air = m_mainMenu->addAction(u"The Air"_s);
+    air->setShortcut(QKeySequence(u"Ctrl+E"_s));
+    connect(air, &QAction::triggered, this, &AppDelegate::openAir);
 }
 
 /// The first answer makes the probes; a later one that is another address leads the router's probe
@@ -271,14 +276,22 @@ void AppDelegate::openTimeLine()
     openViewWindow(m_timeLineWindow, &DashboardViews::timeLineWindow, kTimeLineLook);
 }
 
+void AppDelegate::openAir()
+{
+    openViewWindow(m_airWindow, &DashboardViews::airWindow, kAirLook);
+}
+
 void AppDelegate::perform(const QString& action)
 {
-    if (action != platform::kTimeLineAction || m_isTerminated)
+    const bool isAir = action == platform::kAirAction;
+    if ((!isAir && action != platform::kTimeLineAction) || m_isTerminated)
         return;
-    if (m_popover)
-        openTimeLine();
-    else
+    if (!m_popover)
         m_pendingAction = action;
+    else if (isAir)
+        openAir();
+    else
+        openTimeLine();
 }
 
 /// Closing the window leaves nothing to be seen of a program that has no item.

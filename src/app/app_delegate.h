@@ -62,6 +62,8 @@ public:
     ViewWindow* verdictWindow() { return m_verdictWindow.get(); }
     /// There exactly while the time line is shown.
     ViewWindow* timeLineWindow() { return m_timeLineWindow.get(); }
+    /// There exactly while the air is shown.
+    ViewWindow* airWindow() { return m_airWindow.get(); }
     /// There exactly while the popover is open.
     shell::OutsideClickMonitor* popoverMonitor() { return m_popoverMonitor.get(); }
     const services::Services& services() const { return m_services; }
@@ -120,6 +122,7 @@ private:
     void openDetailedWindow();
     void openVerdictWindow();
     void openTimeLine();
+    void openAir();
     void openViewWindow(std::unique_ptr<ViewWindow>& place,
         std::unique_ptr<shell::HostWindow> (DashboardViews::*make)(), const ViewWindow::Look& look);
     DashboardViews* views();
@@ -143,6 +146,7 @@ private:
     std::unique_ptr<shell::DetailedWindowController> m_windowController;
     std::unique_ptr<ViewWindow> m_verdictWindow;
     std::unique_ptr<ViewWindow> m_timeLineWindow;
+    std::unique_ptr<ViewWindow> m_airWindow;
     std::unique_ptr<shell::OutsideClickMonitor> m_popoverMonitor;
     std::unique_ptr<StatusBarManager> m_statusBarManager;
     std::unique_ptr<base::Timer> m_memoryTimer;

@@ -25,6 +25,7 @@ public:
     virtual std::unique_ptr<shell::HostWindow> detailedWindow() = 0;
     virtual std::unique_ptr<shell::HostWindow> verdictWindow() = 0;
     virtual std::unique_ptr<shell::HostWindow> timeLineWindow() = 0;
+    virtual std::unique_ptr<shell::HostWindow> airWindow() = 0;
 };
 
 /// Makes the views of services that all exist. The shortcuts of `menu` work in each window, and

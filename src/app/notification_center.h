@@ -16,6 +16,8 @@ Q_SIGNALS:
     void explainVerdict();
     /// The user asked for the time line.
     void showTimeLine();
+    /// The user asked for the window about the air.
+    void showAir();
     /// The status item has shown the popover.
     void popoverDidOpen();
 };

@@ -10,11 +10,12 @@ namespace netvane::app {
 namespace {
 
 const QString kHelp
-    = u"Usage: netvane [--time-line | --help | --version]\n"
+    = u"Usage: netvane [--air | --time-line | --help | --version]\n"
       "Says in plain words what is wrong with the Wi-Fi, from the status area of the desktop.\n"
       "On a desktop without a status area, starting it again shows the window of the copy that\n"
       "runs.\n\n"
       "Options:\n"
+      "  --air        Open the window \"The air\", in the copy that runs if there is one.\n"
       "  --time-line  Open the window \"Time line\", in the copy that runs if there is one.\n"
       "  --help       Show this text.\n"
       "  --version    Show the version.\n"_s;
@@ -39,8 +40,9 @@ CommandLine readCommandLine(const QStringList& arguments)
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     const QCommandLineOption help(u"help"_s);
     const QCommandLineOption version(u"version"_s);
+    const QCommandLineOption air(platform::kAirAction);
     const QCommandLineOption timeLine(platform::kTimeLineAction);
-    parser.addOptions({help, version, timeLine, QCommandLineOption(kQtOption)});
+    parser.addOptions({help, version, air, timeLine, QCommandLineOption(kQtOption)});
     for (const QString& name : kQtOptionsWithValue)
         parser.addOption(QCommandLineOption(name, {}, u"value"_s));
     if (!parser.parse(arguments))
@@ -51,7 +53,10 @@ CommandLine readCommandLine(const QStringList& arguments)
         return {Answer {u"netvane "_s + QStringLiteral(NETVANE_VERSION) + u'\n'}, {}};
     if (!parser.positionalArguments().isEmpty())
         return misuse(u"Unexpected argument '%1'."_s.arg(parser.positionalArguments().first()));
-    return {{}, parser.isSet(timeLine) ? platform::kTimeLineAction : QString()};
+    return {{},
+        parser.isSet(air)            ? platform::kAirAction
+            : parser.isSet(timeLine) ? platform::kTimeLineAction
+                                     : QString()};
 }
 
 } // namespace netvane::app

@@ -72,7 +72,7 @@ QWindow* verdict(StagedProgram& program)
 std::function<QWindow*(StagedProgram&)> timeLine(int page, int range)
 {
     return [page, range](StagedProgram& program) {
-        program.delegate().mainMenu()->actions().constLast()->trigger();
+        program.delegate().mainMenu()->actions().at(1)->trigger();
         program.pass(1s);
         auto& window = program.delegate().timeLineWindow()->window();
         windows::rootOf(window).setProperty("page", page);
@@ -80,6 +80,19 @@ std::function<QWindow*(StagedProgram&)> timeLine(int page, int range)
         program.pass(1s);
         stateOf<ui::TimeLineState>(window).pointTo(0.8);
         program.pass(1s);
+        return &window;
+    };
+}
+
+/// The window about the air with one of its pages.
+std::function<QWindow*(StagedProgram&)> air(int page)
+{
+    return [page](StagedProgram& program) {
+        program.delegate().mainMenu()->actions().constLast()->trigger();
+        program.pass(1s);
+        auto& window = program.delegate().airWindow()->window();
+        windows::rootOf(window).setProperty("page", page);
+        program.pass(30s);
         return &window;
     };
 }
@@ -152,7 +165,9 @@ std::vector<Picture> pictures()
             {u"time-line-day"_s, u"home"_s, timeLine(0, 2)},
             {u"time-line-month"_s, u"home"_s, timeLine(0, 4)},
             {u"time-line-hours"_s, u"home"_s, timeLine(1, 4)},
-            {u"time-line-outages"_s, u"home"_s, timeLine(2, 4)}};
+            {u"time-line-outages"_s, u"home"_s, timeLine(2, 4)},
+            {u"air-channels"_s, u"home"_s, air(0)}, {u"air-networks"_s, u"home"_s, air(1)},
+            {u"air-link"_s, u"home"_s, air(2)}, {u"air-roaming"_s, u"weak"_s, air(3)}};
     const std::pair<QString, QString> causes[] = {{u"healthy"_s, u"home"_s},
         {u"weak-signal"_s, u"weak"_s}, {u"router-dead"_s, u"router-dead"_s},
         {u"line-down"_s, u"line-down"_s}, {u"dns-dead"_s, u"dns-dead"_s}, {u"portal"_s, u"cafe"_s}};

@@ -1,6 +1,7 @@
 #include "demo/stage.h"
 
 #include "base/log.h"
+#include "demo/air.h"
 #include "diagnostics/speed_test_json.h"
 #include "diagnostics/speed_test_service.h"
 #include "insights/onboarding_service.h"
@@ -155,6 +156,7 @@ platform::LinkReading Stage::link() const
 void Stage::writeScripts()
 {
     parts.interface->script = [this] { return link(); };
+    parts.air.script = [this] { return airReading(scene(), link(), parts.clock.monotonicNow()); };
     parts.scanner.waiting.whenAsked = [this] {
         m_scanEnd
             = parts.clock.after(kScanTime, [this] { parts.scanner.finish(nearbyNetworks()); });

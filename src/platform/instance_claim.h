@@ -14,6 +14,7 @@ struct StartRequest {
 
     bool operator==(const StartRequest&) const = default;
 };
+inline const QString kAirAction = QStringLiteral("air");
 inline const QString kTimeLineAction = QStringLiteral("time-line");
 
 /// The claim to be the only running copy of the program in this desktop session. Without it each

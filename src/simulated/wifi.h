@@ -43,17 +43,19 @@ public:
     std::vector<std::shared_ptr<platform::WiFiInterface>> list;
 };
 
-/// Reads `reading`, which is set only while no read runs.
+/// Reads `reading`, which is set only while no read runs, or the result of `script`.
 class AirReader final : public platform::AirReader {
 public:
     base::Result<platform::AirReading> read(const QString& interfaceName) override
     {
         lastName = interfaceName;
         ++reads;
-        return reading;
+        return script ? script() : reading;
     }
 
     base::Result<platform::AirReading> reading = platform::AirReading {};
+    /// Set before the first read; runs on its thread.
+    std::function<platform::AirReading()> script;
     QString lastName; ///< what the last read asked for
     std::atomic<int> reads = 0;
 };

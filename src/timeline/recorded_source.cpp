@@ -77,7 +77,8 @@ std::vector<Mark> marksOf(const std::vector<history::Event>& events)
             continue;
         QStringList text {words->words};
         if (words->mark == Mark::Kind::Roam)
-            text.append(event.accessPoint);
+            text.append(event.before.isEmpty() ? event.accessPoint
+                                               : event.accessPoint + u" from "_s + event.before);
         else if (!event.text.isEmpty())
             text = {words->words + u": "_s + event.text};
         marks.push_back({Milliseconds(event.at), words->mark, text.join(u' ')});

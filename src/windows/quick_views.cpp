@@ -4,6 +4,7 @@
 #include "platform/platform.h"
 #include "services/services.h"
 #include "timeline/recorded_source.h"
+#include "ui/air/air_state.h"
 #include "ui/painting/theme.h"
 #include "ui/state/detailed_window_state.h"
 #include "ui/state/popover_state.h"
@@ -43,12 +44,18 @@ public:
         const auto state = std::make_shared<ui::VerdictDetails>(m_services, m_history);
         QObject::connect(state.get(), &ui::VerdictDetails::timeLineWanted, &m_notifications,
             &app::NotificationCenter::showTimeLine);
+        QObject::connect(state.get(), &ui::VerdictDetails::airWanted, &m_notifications,
+            &app::NotificationCenter::showAir);
         return window(u"VerdictView"_s, state);
     }
     std::unique_ptr<shell::HostWindow> timeLineWindow() override
     {
         return window(
             u"TimeLineView"_s, std::make_shared<ui::TimeLineState>(m_services, m_history));
+    }
+    std::unique_ptr<shell::HostWindow> airWindow() override
+    {
+        return window(u"AirView"_s, std::make_shared<ui::AirState>(m_services, m_history));
     }
 
 private:

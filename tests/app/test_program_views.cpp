@@ -140,6 +140,9 @@ private Q_SLOTS:
         QVERIFY(showsText(windows::rootOf(timeLine), u"When is it bad?"_s));
         program.key(Qt::Key_Escape);
         QVERIFY(!program.delegate->timeLineWindow());
+
+        program.delegate->mainMenu()->actions().constLast()->trigger();
+        QVERIFY(showsText(windows::rootOf(program.delegate->airWindow()->window()), u"Roaming"_s));
     }
 
     void windowTellsTheWayBackWithoutAnItem()

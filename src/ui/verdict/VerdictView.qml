@@ -90,6 +90,7 @@ FocusScope {
 
         Divider { width: parent.width }
         PushButton {
+            id: timeLine
             x: column.x
             anchors.verticalCenter: parent.verticalCenter
             width: 104
@@ -98,6 +99,17 @@ FocusScope {
             onClicked: root.viewState.showTimeLine()
 
             HoverTip { text: "Shows what happened in the last 30 days" }
+        }
+        PushButton {
+            anchors.left: timeLine.right
+            anchors.leftMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            width: 84
+            text: "The air"
+            symbol: "wifi"
+            onClicked: root.viewState.showAir()
+
+            HoverTip { text: "Shows the link, the channels and the networks around" }
         }
         PushButton {
             x: column.x + column.width - width

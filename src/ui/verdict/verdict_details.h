@@ -94,6 +94,8 @@ public:
     Q_INVOKABLE void copy();
     /// Asks for the window with the time line.
     Q_INVOKABLE void showTimeLine() { Q_EMIT timeLineWanted(); }
+    /// Asks for the window about the air.
+    Q_INVOKABLE void showAir() { Q_EMIT airWanted(); }
 
 Q_SIGNALS:
     void isShownChanged();
@@ -103,6 +105,7 @@ Q_SIGNALS:
     void othersChanged();
     void isCopiedChanged();
     void timeLineWanted();
+    void airWanted();
 
 private:
     template <typename Value>
