@@ -40,8 +40,13 @@ Verdict judge(const Evidence& evidence)
 {
     const Facts facts(evidence);
     std::vector<Finding> findings;
+    const bool isBlind = facts.lacksLink(); // for all that lies behind the radio
     for (const auto rule : kRules) {
-        if (auto finding = rule(facts))
+        auto finding = rule(facts);
+        if (!finding)
+            continue;
+        const auto segment = segmentOf(finding->cause);
+        if (!isBlind || segment == Segment::System || segment == Segment::Radio)
             findings.push_back(std::move(*finding));
     }
     std::ranges::stable_sort(findings, std::ranges::greater {}, &Finding::certainty);

@@ -67,7 +67,7 @@ double sharedWithRadio(const Facts& facts, double certainty)
             || facts.radio->signalDbm.value_or(0) <= kWeakDbm);
     const bool lostLink = facts.isByRadio
         && facts.newestEvent(platform::RadioEvent::Kind::Disconnected, kEventGoesOn);
-    if (lostLink || facts.lacksLink())
+    if (lostLink)
         return certainty * 0.4;
     return isLosing ? certainty / 2 : certainty;
 }

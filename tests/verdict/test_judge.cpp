@@ -193,6 +193,10 @@ void TestJudge::addRadio()
         e.router = e.firstHop = dead(2);
         addEvent(e, Disconnected, 0s, 7, true);
     });
+    add("left a moment ago", Cause::Unsure, wifi(), [](auto& e) {
+        e.lookupPendingSince = kNow - 4s;
+        addEvent(e, Disconnected, 0s, 3);
+    });
     add("sign-in that is tried again", Cause::SigningIn, wifi(), [](auto& e) {
         withoutLink(e);
         e.links.insert(e.links.begin(), {{.joiningSsid = u"home"_s}, kNow - 9s});
