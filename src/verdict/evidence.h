@@ -33,8 +33,9 @@ struct Reading {
 struct Outcome {
     TimePoint at; ///< when it was asked
     std::optional<double> milliseconds; ///< until the answer; absent: none came in time
-    /// Packets that were sent again on the way (tcpi_total_retrans, tcp(7)). Absent where a packet
-    /// may have been lost unseen, so that the answer says nothing about losses.
+    /// Packets that were lost and sent again (tcpi_total_retrans, tcp(7), less those whose answer
+    /// was only late). Absent where a packet may have been lost unseen, so that the answer says
+    /// nothing about losses.
     std::optional<int> retransmissions = 0;
 
     bool operator==(const Outcome&) const = default;

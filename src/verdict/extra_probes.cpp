@@ -101,10 +101,11 @@ void ExtraProbes::ask(Outcomes Evidence::*outcomes, const Start& start)
               held->isAnswered = true;
               const std::chrono::duration<double, std::milli> time
                   = event.at - event.askedAt.value_or(held->askedAt);
+              auto lost = held->isDatagram ? 0 : event.retransmissions;
+              if (lost)
+                  lost = lostInHandshake(m_evidence.*held->outcomes, time.count(), *lost);
               add(held->outcomes,
-                  {.at = held->askedAt,
-                      .milliseconds = time.count(),
-                      .retransmissions = held->isDatagram ? 0 : event.retransmissions});
+                  {.at = held->askedAt, .milliseconds = time.count(), .retransmissions = lost});
               held->connection->cancel();
               if ((m_evidence.*held->outcomes).size() == 1)
                   m_note();

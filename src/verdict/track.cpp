@@ -109,6 +109,26 @@ Track trackOf(const Outcomes& outcomes)
     return track;
 }
 
+int lostInHandshake(const Outcomes& before, double milliseconds, int sentAgain)
+{
+    constexpr std::ptrdiff_t kWindow = 8;
+    constexpr double kSecond = 1000; // the first wait
+    const auto isUsual = [&](double rest) {
+        const auto fits = [rest](const Outcome& outcome) {
+            return isClean(outcome) && rest >= 0.6 * *outcome.milliseconds
+                && rest <= 2 * *outcome.milliseconds + 50;
+        };
+        const auto window = std::min(std::ptrdiff_t(before.size()), kWindow);
+        return std::any_of(before.end() - window, before.end(), fits);
+    };
+    for (int lost = std::min(sentAgain, 8); lost > 0; --lost) {
+        if (isUsual(milliseconds - lost * kSecond)
+            || isUsual(milliseconds - (std::exp2(lost) - 1) * kSecond))
+            return lost;
+    }
+    return 0;
+}
+
 Loss lossSince(const Outcomes& outcomes, TimePoint since)
 {
     Loss loss;

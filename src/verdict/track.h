@@ -22,6 +22,12 @@ struct Track {
 };
 Track trackOf(const Outcomes& outcomes);
 
+/// How many packets of a handshake were lost, of those that were sent again. One is sent again,
+/// too, when its answer only takes long: then the time does not fit the usual one and the waits of
+/// the kernel (RFC 6298, and one second each from Linux 6.5 on). `before`: earlier questions to the
+/// same place.
+int lostInHandshake(const Outcomes& before, double milliseconds, int sentAgain);
+
 /// Packets that were sent to some places, and lost.
 struct Loss {
     int packets = 0;

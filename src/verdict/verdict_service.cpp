@@ -68,10 +68,13 @@ void VerdictService::followProbes(probes::PingService* router, probes::PingServi
     const auto follow = [this](probes::PingService& service, Outcomes Evidence::*outcomes) {
         connect(&service, &probes::PingService::probeEnded, this,
             [this, outcomes](const probes::ProbeOutcome& outcome) {
+                auto lost = outcome.retransmissions;
+                if (lost && outcome.latencyMs)
+                    lost = lostInHandshake(m_evidence.*outcomes, *outcome.latencyMs, *lost);
                 probes::appendBounded(m_evidence.*outcomes,
                     Outcome {.at = outcome.startedAt,
                         .milliseconds = outcome.latencyMs,
-                        .retransmissions = outcome.retransmissions},
+                        .retransmissions = lost},
                     kOutcomes);
                 // Good news can wait for the round.
                 if (!outcome.latencyMs || (m_evidence.*outcomes).size() == 1)

@@ -2,6 +2,7 @@
 #include "support/test_main.h"
 #include "verdict/evidence_made.h"
 #include "verdict/judge.h"
+#include "verdict/track.h"
 #include "verdict/verdict_keeper.h"
 
 #include <QRegularExpression>
@@ -21,6 +22,7 @@ private Q_SLOTS:
     void blames_data();
     void blames();
     void keepsCalm();
+    void tellsLateFromLost();
 
 private:
     static void addHealthy();
@@ -311,6 +313,25 @@ void TestJudge::keepsCalm()
     withoutRoute(away);
     QCOMPARE(show(away, 1s), u"healthy"_s); // between two networks
     QCOMPARE(show(away, 3s), u"no-route"_s);
+}
+
+void TestJudge::tellsLateFromLost()
+{
+    struct Row {
+        double usual, milliseconds;
+        int sentAgain, lost;
+    };
+    for (const auto& [usual, milliseconds, sentAgain, lost] : std::initializer_list<Row> {
+             {20, 1021, 1, 1}, // lost
+             {20, 3020, 2, 2}, // with waits that double
+             {20, 2030, 2, 2}, // with waits of a second each
+             {620, 1625, 1, 1}, // lost on a satellite's line
+             {620, 1080, 1, 0}, // late on it
+             {620, 2640, 2, 2}, {900, 1100, 1, 0}, // a queue that fills
+             {20, 1300, 1, 0}, {1300, 1302, 1, 0}, // always so late
+         })
+        QCOMPARE(lostInHandshake(outcomes(usual), milliseconds, sentAgain), lost);
+    QCOMPARE(lostInHandshake({}, 1300, 1), 0);
 }
 
 NETVANE_TEST(TestJudge)
