@@ -199,7 +199,7 @@ QString sentence(const ChannelAdvice& advice)
     case Kind::NoAccessPoint:
         return u"Your access point is not in this band."_s;
     case Kind::NothingHeard:
-        return u"Nobody has looked at the other channels in the last two minutes. A scan does."_s;
+        return u"Nobody has looked at the other channels in the last two minutes. A scan would."_s;
     case Kind::RulesUnknown:
         return u"No other channel of this band is known to be allowed here."_s;
     case Kind::Stay:

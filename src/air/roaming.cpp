@@ -61,18 +61,20 @@ std::optional<BetterAccessPoint> betterAccessPoint(
     return best ? std::optional(BetterAccessPoint {*best, *signal}) : std::nullopt;
 }
 
-QString sentence(const BetterAccessPoint& better)
+QString sentence(const std::optional<BetterAccessPoint>& better)
 {
-    const auto channel
-        = better.network.span ? platform::channelOf(better.network.span->primaryMhz) : std::nullopt;
+    if (!better)
+        return u"No access point of this network is heard much better than the one in use."_s;
+    const auto& span = better->network.span;
+    const auto channel = span ? platform::channelOf(span->primaryMhz) : std::nullopt;
     const QString where = channel
         ? u" on channel %1 of %2"_s.arg(channel->number).arg(bandName(channel->band))
         : QString();
     return u"The computer stays with a weak access point: %1 dBm. Another one of this network is "
            "much stronger: %2 dBm (%3%4). Switching Wi-Fi off and on may help."_s
-               .arg(better.ourSignalDbm)
-               .arg(*better.network.signalDbm)
-               .arg(better.network.bssid.value_or(u"no address"_s), where);
+               .arg(better->ourSignalDbm)
+               .arg(*better->network.signalDbm)
+               .arg(better->network.bssid.value_or(u"no address"_s), where);
 }
 
 } // namespace netvane::air

@@ -21,7 +21,7 @@ struct BetterAccessPoint {
 std::optional<BetterAccessPoint> betterAccessPoint(
     const AirLink& link, const std::vector<AirNetwork>& networks);
 
-/// "The computer stays with a weak access point: ..."; for users.
-QString sentence(const BetterAccessPoint& better);
+/// "The computer stays with a weak access point: ...", or that none is better; for users.
+QString sentence(const std::optional<BetterAccessPoint>& better);
 
 } // namespace netvane::air

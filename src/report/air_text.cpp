@@ -1,6 +1,8 @@
 #include "report/air_text.h"
 
+#include "air/channel_advice.h"
 #include "air/link_words.h"
+#include "air/roaming.h"
 
 #include <algorithm>
 
@@ -69,6 +71,22 @@ QString ruleText(const AirChannel& channel)
     return parts.join(u", "_s);
 }
 
+/// For the band of the link, and whether another access point would be better.
+QString adviceText(const AirReading& reading, const platform::AirChange& change)
+{
+    const air::Surroundings around {
+        .networks = reading.networks, .channels = reading.channels, .change = change};
+    QString text = u"\nAdvice\n"_s;
+    for (const auto band : air::kBands) {
+        const auto advice = air::adviseChannel(band, around);
+        if (advice.kind != air::ChannelAdvice::Kind::NoAccessPoint)
+            text += lineOf(air::bandName(band), air::sentence(advice));
+    }
+    return text
+        + lineOf(u"Access points"_s,
+            air::sentence(air::betterAccessPoint(*reading.link, reading.networks)));
+}
+
 } // namespace
 
 QString airText(const AirReading& reading, const platform::AirChange& change)
@@ -86,6 +104,8 @@ QString airText(const AirReading& reading, const platform::AirChange& change)
     std::ranges::stable_sort(networks, std::ranges::greater {}, &AirNetwork::signalDbm);
     for (const auto& network : networks)
         text += networkLine(network);
+    if (reading.link)
+        text += adviceText(reading, change);
     if (!reading.channels.empty())
         text += u"\nChannels that are allowed here\n"_s;
     for (const auto& channel : reading.channels) {

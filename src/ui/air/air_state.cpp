@@ -175,14 +175,8 @@ void AirState::tellBands()
 
 void AirState::tellRoaming()
 {
-    if (!m_reading.link) {
-        m_roaming = u"There is no link."_s;
-        return;
-    }
-    const auto better = air::betterAccessPoint(*m_reading.link, networks());
-    m_roaming = better ? air::sentence(*better)
-                       : u"No access point of this network is heard much better than the one in "
-                         "use."_s;
+    m_roaming = m_reading.link ? air::sentence(air::betterAccessPoint(*m_reading.link, networks()))
+                               : u"There is no link."_s;
 }
 
 void AirState::readMoves()
