@@ -157,7 +157,8 @@ void forEachElement(
 
 void readElements(ElementBytes elements, AirNetwork& network)
 {
-    std::bitset<2 * (kExtension + 1)> seen;
+    constexpr size_t kNumbers = 512; // those of elements and of their extensions
+    std::bitset<kNumbers> seen;
     ChannelElements channel;
     SecurityElements security;
     forEachElement(elements, [&](int number, ElementBytes body) {
