@@ -50,7 +50,7 @@ std::vector<RouteRecord> readDefaultRoutes(netlink::NetlinkSocket& socket)
         const auto route = parseRoute(message);
         return route && isDefaultRoute(*route) ? route : std::nullopt;
     };
-    auto routes = dump(socket, RTM_GETROUTE, RTM_NEWROUTE, header, parse);
+    auto routes = ask(socket, {RTM_GETROUTE, RTM_NEWROUTE}, header, parse);
     const int off = 0;
     (void)::setsockopt(descriptor, SOL_NETLINK, NETLINK_GET_STRICT_CHK, &off, sizeof off);
     return routes;
@@ -61,10 +61,10 @@ std::optional<Gateway> readDefaultGateway(netlink::NetlinkSocket& socket)
     const auto routes = readDefaultRoutes(socket);
     std::vector<NextHopRecord> nextHops;
     if (std::ranges::any_of(routes, needsNextHops))
-        nextHops = dump(socket, RTM_GETNEXTHOP, RTM_NEWNEXTHOP, nhmsg {}, parseNextHop);
+        nextHops = ask(socket, {RTM_GETNEXTHOP, RTM_NEWNEXTHOP}, nhmsg {}, parseNextHop);
     std::vector<LinkRecord> tunnels;
     if (routes.size() > 1) { // with one there is no choice
-        tunnels = dump(socket, RTM_GETLINK, RTM_NEWLINK, ifinfomsg {}, parseLink);
+        tunnels = ask(socket, {RTM_GETLINK, RTM_NEWLINK}, ifinfomsg {}, parseLink);
         std::erase_if(tunnels, [](const auto& link) { return !link.isTunnel; });
     }
     return defaultGatewayOf(routes, nextHops, tunnels);

@@ -6,7 +6,6 @@
 #include <netlink/msg.h>
 #include <netlink/netlink.h>
 
-#include <algorithm>
 #include <optional>
 #include <span>
 #include <type_traits>
@@ -14,47 +13,35 @@
 
 namespace netvane::net {
 
-/// The fixed header of a message; absent if the message is shorter.
-template <typename Header>
-std::optional<Header> headerOf(netlink::AttributeBytes message)
-{
-    if (message.size() < sizeof(Header))
-        return {};
-    Header header {};
-    std::memcpy(&header, message.data(), sizeof header);
-    return header;
-}
+using netlink::attributesAfter;
+using netlink::headerOf;
 
-template <typename Header>
-netlink::AttributeBytes attributesAfter(netlink::AttributeBytes message)
-{
-    return message.subspan(std::min(message.size(), size_t(NLMSG_ALIGN(sizeof(Header)))));
-}
-
-/// An attribute of a request.
-struct RequestAttribute {
-    int type = 0;
+/// What the kernel is asked about.
+struct Question {
+    int type = 0; ///< of the request
+    int answer = 0; ///< type of the answers; others are ignored
+    /// An attribute of the request, for the one answer that it asks for. Without bytes: all that
+    /// the kernel has.
+    int attribute = 0;
     std::span<const std::byte> bytes {};
 };
 
-/// The records in the answers of the type `answer`, those that `parse` leaves out aside. Records
-/// before a failure count.
+/// The records in the answers, those that `parse` leaves out aside. Records before a failure count.
 template <typename Header, typename Parse>
-auto request(netlink::NetlinkSocket& socket, int flags, int type, int answer, const Header& header,
-    const RequestAttribute& attribute, Parse parse)
+auto ask(
+    netlink::NetlinkSocket& socket, const Question& question, const Header& header, Parse parse)
 {
     std::vector<typename std::invoke_result_t<Parse, netlink::AttributeBytes>::value_type> records;
-    const netlink::NetlinkMessage message(nlmsg_alloc_simple(type, flags));
+    const auto& [type, answer, attribute, bytes] = question;
+    const netlink::NetlinkMessage message(nlmsg_alloc_simple(type, bytes.empty() ? NLM_F_DUMP : 0));
     if (!message
         || nlmsg_append(message.get(), const_cast<Header*>(&header), sizeof header, NLMSG_ALIGNTO)
             < 0
-        || (!attribute.bytes.empty()
-            && nla_put(message.get(), attribute.type, int(attribute.bytes.size()),
-                   attribute.bytes.data())
-                < 0))
+        || (!bytes.empty()
+            && nla_put(message.get(), attribute, int(bytes.size()), bytes.data()) < 0))
         return records;
-    const auto take = [&](const nlmsghdr& received) {
-        if (received.nlmsg_type != answer)
+    const auto take = [&, wanted = answer](const nlmsghdr& received) {
+        if (received.nlmsg_type != wanted)
             return;
         auto record = parse({static_cast<const std::byte*>(nlmsg_data(&received)),
             size_t(nlmsg_datalen(&received))});
@@ -63,21 +50,6 @@ auto request(netlink::NetlinkSocket& socket, int flags, int type, int answer, co
     };
     (void)socket.request(*message, take, [&records] { records.clear(); });
     return records;
-}
-
-/// All that the kernel has.
-template <typename Header, typename Parse>
-auto dump(netlink::NetlinkSocket& socket, int type, int answer, const Header& header, Parse parse)
-{
-    return request(socket, NLM_F_DUMP, type, answer, header, {}, parse);
-}
-
-/// The one that the attribute asks for.
-template <typename Header, typename Parse>
-auto ask(netlink::NetlinkSocket& socket, int type, int answer, const Header& header,
-    const RequestAttribute& attribute, Parse parse)
-{
-    return request(socket, 0, type, answer, header, attribute, parse);
 }
 
 } // namespace netvane::net

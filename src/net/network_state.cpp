@@ -45,7 +45,7 @@ QString addressText(int family, const std::optional<QByteArray>& address)
 /// RTA_GATEWAY, or RTA_VIA for a router of the other family; empty without one.
 QString gatewayText(int family, const netlink::Attributes<RTA_MAX>& attributes)
 {
-    if (const QString text = addressText(family, attributes.bytes(RTA_GATEWAY)); !text.isEmpty())
+    if (QString text = addressText(family, attributes.bytes(RTA_GATEWAY)); !text.isEmpty())
         return text;
     const auto via = attributes.bytes(RTA_VIA);
     rtvia header {};
@@ -81,8 +81,9 @@ std::optional<WayRecord> wayTo(
         const size_t length = family == AF_INET ? sizeof(in_addr) : sizeof(in6_addr);
         const rtmsg header {
             .rtm_family = std::uint8_t(family), .rtm_dst_len = std::uint8_t(length * 8)};
-        const auto found = ask(socket, RTM_GETROUTE, RTM_NEWROUTE, header,
-            {RTA_DST, std::span(bytes).first(length)}, parseWay);
+        const auto found
+            = ask(socket, {RTM_GETROUTE, RTM_NEWROUTE, RTA_DST, std::span(bytes).first(length)},
+                header, parseWay);
         if (!found.empty())
             return found.front();
     }
@@ -109,7 +110,8 @@ NeighbourState stateOf(netlink::NetlinkSocket& socket, const std::vector<Interfa
         links, [&](const auto& each) { return each.interface.name == route.interfaceName; });
     const ndmsg header {
         .ndm_family = std::uint8_t(route.gateway.contains(u':') ? AF_INET6 : AF_INET)};
-    for (const auto& neighbour : dump(socket, RTM_GETNEIGH, RTM_NEWNEIGH, header, parseNeighbour)) {
+    for (const auto& neighbour :
+        ask(socket, {RTM_GETNEIGH, RTM_NEWNEIGH}, header, parseNeighbour)) {
         if (neighbour.index == link->index && neighbour.address == route.gateway)
             return neighbour.state;
     }
@@ -189,10 +191,11 @@ std::optional<WayRecord> parseWay(netlink::AttributeBytes message)
 std::optional<NetworkState> readNetworkState(
     netlink::NetlinkSocket& socket, const std::optional<Gateway>& defaultRouter)
 {
-    auto links = dump(socket, RTM_GETLINK, RTM_NEWLINK, ifinfomsg {}, parseInterfaceLink);
+    auto links = ask(socket, {RTM_GETLINK, RTM_NEWLINK}, ifinfomsg {}, parseInterfaceLink);
     if (links.empty()) // the loopback is always there
         return {};
-    for (const auto& address : dump(socket, RTM_GETADDR, RTM_NEWADDR, ifaddrmsg {}, parseAddress)) {
+    for (const auto& address :
+        ask(socket, {RTM_GETADDR, RTM_NEWADDR}, ifaddrmsg {}, parseAddress)) {
         const auto link = std::ranges::find(links, address.index, &InterfaceRecord::index);
         if (link != links.end())
             (address.isIPv6 ? link->interface.hasIPv6 : link->interface.hasIPv4) = true;

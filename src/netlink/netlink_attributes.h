@@ -74,7 +74,7 @@ public:
     {
         auto whole = bytes(number);
         if (whole)
-            whole->truncate(qstrnlen(whole->constData(), uint(whole->size())));
+            whole->truncate(qsizetype(qstrnlen(whole->constData(), uint(whole->size()))));
         return whole;
     }
 
