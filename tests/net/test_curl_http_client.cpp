@@ -83,6 +83,7 @@ private Q_SLOTS:
         row("without an end", {head + "\r\nx", Script::Then::Endless}, 200, longest);
         row("60 KiB of headers", {head + line.repeated(1'000) + "\r\nhello"}, 200, "hello");
         row("too many headers", {head + line.repeated(1'200) + "\r\nhello"}, 0, "");
+        row("ends in its headers", {head + line}, 0, "");
         row("endless header", {head + "X: y", Script::Then::Endless}, 0, "");
         row("to another page", movedTo("/end"), 200, "end", "/end");
         row("in a circle", movedTo("/"), 302, "");

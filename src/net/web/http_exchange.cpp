@@ -54,6 +54,9 @@ public:
         set(CURLOPT_HTTPHEADER, m_headers.get());
         noteError(perform());
         noteRefusal();
+        // libcurl is content with an end inside the headers.
+        if (!m_exchange.status && !m_exchange.errorText)
+            m_exchange.errorText = u"The response headers are not complete"_s;
         return redirect();
     }
 

@@ -1,6 +1,6 @@
 // The report of a socket's error queue. Anyone who claims to be a router can send the quoted data.
 #include "fuzz_target.h"
-#include "net/error_queue.h"
+#include "net/socket_hop_probes.h"
 
 #include <sys/socket.h>
 
@@ -37,5 +37,15 @@ void netvane::fuzz::tryInput(FuzzedDataProvider& input)
     if (error->offender) {
         const auto family = error->offender->storage.ss_family;
         require(family == AF_INET || family == AF_INET6, "of a family that is known");
+    }
+    net::SocketAddress peer {.length = sizeof(sockaddr_in)};
+    const sockaddr_in asked {.sin_family = AF_INET,
+        .sin_port = htons(33434),
+        .sin_addr = {htonl(0x01010101)},
+        .sin_zero = {}};
+    std::memcpy(&peer.storage, &asked, sizeof asked);
+    if (net::meaningOf(*error, peer) != net::HopAnswer::None) {
+        require(error->offender.has_value(), "somebody sent it");
+        require(net::isSamePeer(error->sentTo, peer), "it quotes the datagram that was sent");
     }
 }

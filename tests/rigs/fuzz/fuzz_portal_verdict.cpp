@@ -1,6 +1,7 @@
 // What anyone on the way may answer to the probe for captive portals.
 #include "fuzz_target.h"
 #include "probes/portal_verdict.h"
+#include "verdict/web_answer.h"
 
 void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {
@@ -22,4 +23,7 @@ void netvane::fuzz::tryInput(FuzzedDataProvider& input)
         require(url.scheme() == u"http" || url.scheme() == u"https", "it is a page");
     }
     require(probes::judgePortal(answer) == verdict, "it does not change its mind");
+    const bool isExpected
+        = verdict::webAnswer(answer, answer.finalUrl.host()) == verdict::WebAnswer::Expected;
+    require(!isExpected || (!verdict.isCaptive && answer.status == 200), "a portal is no page");
 }
