@@ -1,3 +1,4 @@
+#include "desktop/bus_verdict.h"
 #include "desktop/portal_appearance.h"
 #include "desktop/portal_proxies.h"
 #include "desktop/session_status_notifier_host.h"
@@ -6,9 +7,13 @@
 #include "support/private_bus.h"
 #include "support/test_main.h"
 
+#include <QDBusArgument>
 #include <QDBusVariant>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
+
+#include <malloc.h>
 
 using namespace netvane;
 using namespace Qt::Literals::StringLiterals;
@@ -99,6 +104,54 @@ private Q_SLOTS:
         }
         panel.reset();
         QTRY_COMPARE(host.isPresent(), std::optional(false));
+    }
+
+    /// A program may ask as often as it likes. It changes nothing, keeps no memory here, and leaves
+    /// the thread time for its own work.
+    void verdictForAnyone()
+    {
+        constexpr int kAtOnce = 100; // the bus allows 128
+        const QString name = u"org.netvane.Netvane1"_s, path = u"/org/netvane/Netvane"_s;
+        QObject object;
+        desktop::BusVerdict outlet(object, *m_link);
+        QTRY_COMPARE(m_link->state(), bus::BusLink::State::Connected);
+        QDBusConnection own(m_link->connection());
+        QVERIFY(own.registerObject(path, &object, QDBusConnection::ExportAdaptors));
+        auto peer = QDBusConnection::connectToBus(m_world.bus.address(), u"peer"_s);
+        const auto call = [&](const QString& method, const QVariantList& arguments) {
+            auto made = QDBusMessage::createMethodCall(
+                own.baseService(), path, u"org.freedesktop.DBus.Properties"_s, method);
+            made.setArguments(arguments);
+            return made;
+        };
+        int answered = 0, wanted = 0;
+        const std::function<void(const QDBusMessage&)> askAgain = [&](const QDBusMessage& answer) {
+            const auto values = qdbus_cast<QVariantMap>(answer.arguments().value(0));
+            if (values[u"Cause"_s] == outlet.cause() && ++answered <= wanted)
+                bus::askBus(peer, call(u"GetAll"_s, {name}), bus::kAnswerLimitMs, this, askAgain);
+        };
+        size_t heldBefore = 0;
+        for (const int questions : {1'000, 10'000}) {
+            outlet.publish({.cause = QString::number(questions)});
+            answered = 0;
+            wanted = questions;
+            for (int i = 0; i < kAtOnce; ++i)
+                bus::askBus(peer, call(u"GetAll"_s, {name}), bus::kAnswerLimitMs, this, askAgain);
+            int answeredAtWork = questions;
+            QTimer::singleShot(1, this, [&] { answeredAtWork = answered; });
+            QTRY_COMPARE_WITH_TIMEOUT(answered, questions + kAtOnce, 120'000);
+            QVERIFY(answeredAtWork < questions / 2);
+            const size_t held = mallinfo2().uordblks;
+            QVERIFY(heldBefore == 0 || held < heldBefore + 200'000);
+            heldBefore = held;
+        }
+        std::optional<QDBusMessage> refused;
+        bus::askBus(peer, call(u"Set"_s, {name, u"Cause"_s, wrapped(u"x"_s)}), bus::kAnswerLimitMs,
+            this, [&](const QDBusMessage& answer) { refused = answer; });
+        QTRY_VERIFY(refused);
+        QCOMPARE(refused->type(), QDBusMessage::ErrorMessage);
+        QCOMPARE(outlet.cause(), u"10000"_s);
+        QDBusConnection::disconnectFromBus(u"peer"_s);
     }
 
     void onlyASleepWakes()
