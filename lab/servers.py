@@ -5,7 +5,8 @@
   dns       a DNS server
   router    a DNS server, and TCP 80: a page
   portal    the router's DNS server; TCP 80 sends to a log-in page and 443 has another certificate; or what FOLDER/portal says
-FOLDER/NAME.dns holds how the DNS server of NAME behaves: ok, silent, servfail, nxdomain, delay MS, address A.
+FOLDER/NAME.dns holds how the DNS server of NAME behaves: ok, silent, servfail, nxdomain, delay MS, address A (of every name),
+filter NAME A (of one name), other (answers another question), stranger (answers from another address), huge (4000 bytes).
 """
 import os
 import socket
@@ -41,6 +42,8 @@ def name_in(query):
 def answer(query, mode, has_ipv6):
     name, kind, question = name_in(query)
     code, address = 0, b""
+    if mode.startswith("filter") and mode.split()[1] == name:
+        mode = f"address {mode.split()[2]}"
     if kind == 1 and name in ZONE:
         address = socket.inet_aton(mode.split()[1] if mode.startswith("address") else ZONE[name])
     elif kind == 28 and name in ZONE6 and has_ipv6 and not mode.startswith("address"):
@@ -49,9 +52,12 @@ def answer(query, mode, has_ipv6):
         code = 3
     if mode in ("servfail", "nxdomain"):
         code, address = (2 if mode == "servfail" else 3), b""
-    head = query[:2] + struct.pack("!HHHHH", 0x8180 | code, 1, 1 if address else 0, 0, 0)
-    record = b"\xc0\x0c" + struct.pack("!HHIH", kind, 1, 60, len(address)) + address if address else b""
-    return head + question + record
+    if mode == "other":
+        question = b"\x05other\x07example\x00" + question[-4:]
+    count = (250 if mode == "huge" else 1) if address else 0
+    head = query[:2] + struct.pack("!HHHHH", 0x8180 | code, 1, count, 0, 0)
+    record = b"\xc0\x0c" + struct.pack("!HHIH", kind, 1, 60, len(address)) + address
+    return head + question + record * count
 
 
 def serve_dns(folder, name, family, host):
@@ -69,7 +75,10 @@ def serve_dns(folder, name, family, host):
         if mode.startswith("delay"):
             time.sleep(float(mode.split()[1]) / 1000)
         has_ipv6 = os.path.exists(f"{folder}/ipv6")
-        server.sendmsg([answer(query, mode, has_ipv6)], info, 0, peer)
+        if mode == "stranger":
+            socket.socket(family, socket.SOCK_DGRAM).sendto(answer(query, mode, has_ipv6), peer)
+        else:
+            server.sendmsg([answer(query, mode, has_ipv6)], info, 0, peer)
 
     while True:
         query, info, _, peer = server.recvmsg(4096, 256)

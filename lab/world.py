@@ -122,7 +122,7 @@ class World:
             child.stdout.readline()
 
     def act(self, line):
-        """One line of a scenario: `PLACE COMMAND`, where PLACE is a namespace, wire, dns, portal, load or tunnel."""
+        """One line of a scenario: `PLACE COMMAND`, where PLACE is a namespace, wire, dns, portal, load, stranger or tunnel."""
         place, _, command = self.fill(line).partition(" ")
         if place == "wire":
             with open(f"{self.folder}/wires", "w") as control:
@@ -145,6 +145,9 @@ class World:
                     f"    s.sendall(b'{command[0]}')\n    while {use}: pass\n"
                     "for _ in range(8): threading.Thread(target=use).start()")
             self.load = self.spawn("client", sys.executable, "-c", code)
+        elif place == "stranger":
+            space = "router" if command == "errors" else "client"
+            self.spawn(space, sys.executable, f"{HERE}/stranger.py", command, f"192.168.{self.net}.23").stdout.readline()
         elif place == "unload":
             self.load.kill()
         elif place == "tunnel":

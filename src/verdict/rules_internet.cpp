@@ -1,5 +1,7 @@
 #include "verdict/rules.h"
 
+#include <tuple>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace netvane::verdict {
@@ -12,11 +14,39 @@ bool isPortalPage(const std::optional<Reading<WebAnswer>>& web)
     return web && (web->value == WebAnswer::Redirect || web->value == WebAnswer::OtherPage);
 }
 
+/// Somebody takes every connection and packets of every size, and says nothing on any of them. A
+/// fault of the MTU looks alike until a packet of full size passed.
+bool isMute(const Facts& facts)
+{
+    const auto& [web, plainWeb, passed]
+        = std::tie(facts.evidence.web, facts.evidence.plainWeb, facts.evidence.fullSizePassed);
+    const auto isSilent = [](const auto& page) { return page && page->value == WebAnswer::Silent; };
+    return isSilent(web) && isSilent(plainWeb) && passed && passed->value && passed->at > web->at
+        && facts.internet.isAlive() && !facts.isLossy;
+}
+
+Finding mutePortal(const Facts& facts)
+{
+    Finding finding {.cause = Cause::Portal,
+        .certainty = 0.7,
+        .sentence
+        = u"Connections open (%1), but 2 of 2 pages do not come. A log-in may be needed."_s.arg(
+            inMs(facts.internet.medianMs.value_or(0))),
+        .advice = u"Open any web page whose address begins with http, and look for a log-in. "
+                  "Otherwise restart the router."_s};
+    finding.evidence.push_back(item(facts, u"portal.silentPages"_s, 2, {},
+        facts.evidence.plainWeb->at, u"2 checks of the web brought a connection, but no page"_s));
+    addLatency(finding, facts, u"internet.latency"_s, u"The internet"_s, facts.internet);
+    return finding;
+}
+
 } // namespace
 
 std::optional<Finding> portal(const Facts& facts)
 {
     const auto& evidence = facts.evidence;
+    if (facts.hasRoute && isMute(facts))
+        return mutePortal(facts);
     if (!facts.hasRoute || (!isPortalPage(evidence.web) && !isPortalPage(evidence.plainWeb)))
         return {};
     // The page itself, asked for later, is the better witness.
@@ -104,7 +134,7 @@ std::optional<Finding> targetUnreachable(const Facts& facts)
 
 std::optional<Finding> healthy(const Facts& facts)
 {
-    if (!facts.hasRoute || !facts.isReached || facts.isLossy)
+    if (!facts.hasRoute || !facts.isReached || facts.isLossy || isMute(facts))
         return {};
     const auto lookups = trackOf(facts.evidence.lookups);
     const bool isNamed = lookups.isAlive() && !facts.evidence.lookupPendingSince;

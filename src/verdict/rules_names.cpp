@@ -1,9 +1,7 @@
+#include "verdict/answers.h"
 #include "verdict/rules.h"
 
-#include <arpa/inet.h>
-
 #include <algorithm>
-#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -84,32 +82,6 @@ std::optional<double> slowestOfLastTwo(const Outcomes& lookups)
     return last && before ? std::optional(std::min(*last, *before)) : std::nullopt;
 }
 
-/// A name on the internet must not lead here: to no host, to this host or to a private network
-/// (RFC 6890).
-bool isBogus(const QString& address)
-{
-    in_addr ipv4 {};
-    if (::inet_pton(AF_INET, qPrintable(address), &ipv4) == 1) {
-        const auto bits = ntohl(ipv4.s_addr);
-        struct Network {
-            std::uint32_t prefix;
-            int length;
-        };
-        constexpr std::array<Network, 7> kNetworks
-            = {{{0x00000000, 8}, {0x0a000000, 8}, {0x7f000000, 8}, {0xa9fe0000, 16},
-                {0xac100000, 12}, {0xc0a80000, 16}, {0xe0000000, 3}}};
-        return std::ranges::any_of(kNetworks, [bits](const auto& network) {
-            return (bits >> (32 - network.length)) == (network.prefix >> (32 - network.length));
-        });
-    }
-    in6_addr ipv6 {};
-    if (::inet_pton(AF_INET6, qPrintable(address), &ipv6) != 1)
-        return true;
-    constexpr std::uint8_t kGlobalUnicast = 0x20; // 2000::/3, all that is in use
-    return (ipv6.s6_addr[0] & 0xe0) != kGlobalUnicast
-        && !(ipv6.s6_addr[0] == 0 && ipv6.s6_addr[1] == 0x64); // 64:ff9b::/96, RFC 6052
-}
-
 void addPath(Finding& finding, const Facts& facts)
 {
     finding.evidence.push_back(item(facts, u"internet.latency"_s, pathMs(facts), u"ms"_s,
@@ -130,6 +102,13 @@ void addServer(Finding& finding, const Facts& facts, const ServerTrack& track, i
             item(facts, name + u"latency"_s, *track.milliseconds, u"ms"_s, at,
                 u"DNS server %1 answers in %2"_s.arg(
                     track.server->address, inMs(*track.milliseconds))));
+}
+
+/// The page of the portal check came, over TLS, so names lead where they should.
+bool isWebFound(const Facts& facts)
+{
+    const auto& web = facts.evidence.web;
+    return web && (web->value == WebAnswer::Expected || web->value == WebAnswer::Refused);
 }
 
 } // namespace
@@ -218,17 +197,21 @@ std::optional<Finding> dnsSlow(const Facts& facts)
     return finding;
 }
 
+/// Many networks have reasons of their own for what they answer: names of the house, filters, a
+/// cache of pages. That is nobody's fault as long as pages come. The page is asked for again when
+/// such answers begin.
 std::optional<Finding> dnsWrong(const Facts& facts)
 {
-    if (!facts.isReached || facts.isWebFine)
+    if (!facts.isReached || !facts.evidence.web || isWebFound(facts))
         return {};
     const auto& found = facts.evidence.lookupAddresses;
     const auto tracks = serverTracks(facts);
-    const bool isDenied
-        = std::ranges::any_of(tracks, [](const auto& track) { return track.deniesName; })
-        || facts.evidence.lookupNameUnknown;
+    // What one server of several denies, or a cache still knows, harms nobody yet.
+    const bool isMissed = found.isEmpty() || facts.evidence.web->value == WebAnswer::NotResolved;
+    const bool isDenied = facts.evidence.lookupNameUnknown
+        || (isMissed && std::ranges::any_of(tracks, &ServerTrack::deniesName));
     const bool isBogusAnswer
-        = !found.isEmpty() && std::ranges::all_of(found, isBogus) && !hasTrouble(facts);
+        = !found.isEmpty() && std::ranges::none_of(found, isPublic) && !hasTrouble(facts);
     if (!isDenied && !isBogusAnswer)
         return {};
     const QString server = tracks.empty() ? u"DNS"_s : tracks.front().server->address;

@@ -8,9 +8,9 @@
 #include "probes/history.h"
 #include "probes/ping_service.h"
 #include "probes/probe_targets.h"
+#include "verdict/answers.h"
 #include "verdict/judge.h"
 #include "verdict/track.h"
-#include "verdict/web_answer.h"
 #include "wifi/wifi_service.h"
 
 #include <netdb.h>
@@ -30,7 +30,7 @@ constexpr size_t kRadioEvents = 64;
 constexpr auto kEventLife = 2min;
 constexpr qsizetype kNameServers = 3; // what the system's resolver uses
 constexpr int kRoundsBetweenQuestions = 10; // to the primary name server, while all is well
-constexpr auto kPlainWebInterval = 9s;
+constexpr auto kWebInterval = 9s;
 
 } // namespace
 
@@ -96,7 +96,7 @@ void VerdictService::beginRound()
     if (isSuspicious())
         readNetwork();
     askNameServers();
-    checkPlainWeb();
+    checkWeb();
     judgeNow();
     learn();
 }
@@ -158,7 +158,8 @@ void VerdictService::forget()
     m_evidence = std::move(fresh);
     m_extraProbes.forget();
     m_lastCounters.reset();
-    m_plainWebAskedAt.reset();
+    m_webAskedAt.reset();
+    m_namesDoubtedSince.reset();
 }
 
 void VerdictService::measureLoad(const platform::NetworkState& state)
@@ -217,6 +218,13 @@ void VerdictService::takeLookup(TimePoint startedAt, const probes::TimedResoluti
     m_evidence.lookupAddresses.clear();
     for (const auto& address : resolution.addresses)
         m_evidence.lookupAddresses.append(QString::fromStdString(address));
+    const bool isDoubted = m_evidence.lookupNameUnknown
+        || (!m_evidence.lookupAddresses.isEmpty()
+            && std::ranges::none_of(m_evidence.lookupAddresses, isPublic));
+    if (!isDoubted)
+        m_namesDoubtedSince.reset();
+    else if (!std::exchange(m_namesDoubtedSince, m_namesDoubtedSince.value_or(startedAt)))
+        checkWeb();
     if (!isAnswer || m_evidence.lookupNameUnknown)
         judgeNow();
 }
@@ -277,8 +285,9 @@ void VerdictService::askNameServers()
 }
 
 /// A portal can answer a page without TLS. It is asked when the one with TLS did not come, and when
-/// the way to the internet changed under the same route, as it does when a portal steps in.
-void VerdictService::checkPlainWeb()
+/// the way to the internet changed under the same route, as it does when a portal steps in. The one
+/// with TLS tells whether names that seem false do any harm, and whether a silent page is alone.
+void VerdictService::checkWeb()
 {
     const auto internet = trackOf(m_evidence.internet);
     const auto& web = m_evidence.web;
@@ -287,15 +296,27 @@ void VerdictService::checkPlainWeb()
     const bool isHopGone = secondHop.hasAnswered() && secondHop.unanswered >= 1;
     const double usual = m_evidence.usual.internet.value_or(0);
     const bool isCloser = internet.medianMs && *m_evidence.internet.back().milliseconds < usual / 2;
-    if (!internet.isAlive() || !(isWebBad || isHopGone || isCloser))
-        return;
+    const bool wantsPlain = internet.isAlive() && (isWebBad || isHopGone || isCloser);
+    const auto& plainWeb = m_evidence.plainWeb;
+    const bool isPlainBad = plainWeb && plainWeb->value != WebAnswer::Expected;
+    const auto isNewsSince = [&](TimePoint at) { return !web || isWebBad || web->at < at; };
+    const bool wantsTls = (m_namesDoubtedSince && isNewsSince(*m_namesDoubtedSince))
+        || (isPlainBad && isNewsSince(plainWeb->at));
     const auto now = m_clock.monotonicNow();
-    if (m_plainWebAskedAt && now - *m_plainWebAskedAt < kPlainWebInterval)
+    if ((!wantsPlain && !wantsTls) || (m_webAskedAt && now - *m_webAskedAt < kWebInterval))
         return;
-    m_plainWebAskedAt = now;
+    m_webAskedAt = now;
+    if (wantsPlain)
+        ask(probes::kPlainPortalProbe, &Evidence::plainWeb);
+    if (wantsTls)
+        ask(probes::kCaptivePortalProbe, &Evidence::web);
+}
+
+void VerdictService::ask(const QUrl& page, std::optional<Reading<WebAnswer>> Evidence::*place)
+{
     m_platform.httpClient->send(
-        {.url = probes::kPlainPortalProbe}, this, [this](const platform::HttpAnswer& answer) {
-            takeWeb(&Evidence::plainWeb, answer, probes::kPlainPortalProbe.host());
+        {.url = page}, this, [this, place, host = page.host()](const platform::HttpAnswer& answer) {
+            takeWeb(place, answer, host);
         });
 }
 

@@ -64,7 +64,8 @@ private:
     void takeWeb(std::optional<Reading<WebAnswer>> Evidence::*place,
         const platform::HttpAnswer& answer, const QString& asked);
     void askNameServers();
-    void checkPlainWeb();
+    void checkWeb();
+    void ask(const QUrl& page, std::optional<Reading<WebAnswer>> Evidence::*place);
     void measureLoad(const platform::NetworkState& state);
     void learn();
     void forget();
@@ -81,7 +82,9 @@ private:
     VerdictKeeper m_keeper;
     std::optional<platform::DefaultRoute> m_lastRoute; ///< of the network that was learned
     std::optional<Reading<platform::NetworkInterface>> m_lastCounters;
-    std::optional<TimePoint> m_plainWebAskedAt;
+    std::optional<TimePoint> m_webAskedAt;
+    /// Since when the system's resolver denies the test name or leads it where it cannot be.
+    std::optional<TimePoint> m_namesDoubtedSince;
     int m_rounds = 0;
 };
 

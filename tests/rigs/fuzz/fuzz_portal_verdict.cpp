@@ -1,7 +1,7 @@
 // What anyone on the way may answer to the probe for captive portals.
 #include "fuzz_target.h"
 #include "probes/portal_verdict.h"
-#include "verdict/web_answer.h"
+#include "verdict/answers.h"
 
 void netvane::fuzz::tryInput(FuzzedDataProvider& input)
 {

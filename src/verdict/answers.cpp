@@ -1,6 +1,11 @@
-#include "verdict/web_answer.h"
+#include "verdict/answers.h"
 
 #include "probes/portal_verdict.h"
+
+#include <arpa/inet.h>
+
+#include <algorithm>
+#include <array>
 
 namespace netvane::verdict {
 
@@ -32,6 +37,30 @@ WebAnswer webAnswer(const platform::HttpAnswer& answer, const QString& asked)
         break;
     }
     return WebAnswer::NotConnected;
+}
+
+bool isPublic(const QString& address)
+{
+    in_addr ipv4 {};
+    if (::inet_pton(AF_INET, qPrintable(address), &ipv4) == 1) {
+        const auto bits = ntohl(ipv4.s_addr);
+        struct Network {
+            std::uint32_t prefix;
+            int length;
+        };
+        constexpr std::array<Network, 7> kNetworks
+            = {{{0x00000000, 8}, {0x0a000000, 8}, {0x7f000000, 8}, {0xa9fe0000, 16},
+                {0xac100000, 12}, {0xc0a80000, 16}, {0xe0000000, 3}}};
+        return std::ranges::none_of(kNetworks, [bits](const auto& network) {
+            return (bits >> (32 - network.length)) == (network.prefix >> (32 - network.length));
+        });
+    }
+    in6_addr ipv6 {};
+    if (::inet_pton(AF_INET6, qPrintable(address), &ipv6) != 1)
+        return false;
+    constexpr std::uint8_t kGlobalUnicast = 0x20; // 2000::/3, all that is in use
+    return (ipv6.s6_addr[0] & 0xe0) == kGlobalUnicast
+        || (ipv6.s6_addr[0] == 0 && ipv6.s6_addr[1] == 0x64); // 64:ff9b::/96, RFC 6052
 }
 
 } // namespace netvane::verdict
