@@ -134,13 +134,18 @@ def http(connection):
 def tls(folder, certificate, handle):
     context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
     context.load_cert_chain(f"{folder}/{certificate}.pem")
-    return lambda connection: handle(context.wrap_socket(connection, server_side=True))
+
+    def secured(connection):
+        if certificate == "stranger" and text_of(f"{folder}/portal", "") == "mute":
+            time.sleep(30)
+        handle(context.wrap_socket(connection, server_side=True))
+    return secured
 
 
 def portal(folder):
     def handle(connection):
         kind = text_of(f"{folder}/portal", "redirect")
-        if kind == "silent":
+        if kind in ("silent", "mute"):
             time.sleep(30)
         elif request_on(connection) and kind == "redirect":
             connection.sendall(page("", "302 Found", "Location: http://login.hotel.example/\r\n"))

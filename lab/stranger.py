@@ -1,6 +1,6 @@
 """Somebody who means no good, in the namespace where it runs. Usage: stranger.py KIND CLIENT
 
-  errors   forges ICMP errors about every datagram that the client may have sent to 1.1.1.1, from an address of nobody
+  errors   forges three ICMP errors about every datagram that the client sends to 1.1.1.1, from an address of nobody
   routes   changes a default route that is not used several hundred times a second
 """
 import os
@@ -25,16 +25,18 @@ def header(source, to, protocol, length):
 
 
 def forge_errors(client):
+    heard = socket.socket(socket.AF_PACKET, socket.SOCK_DGRAM, socket.htons(0x0800))
     raw = socket.socket(socket.AF_INET, socket.SOCK_RAW, socket.IPPROTO_RAW)
-    outer, quoted = header("10.9.8.7", client, 1, 56), header(client, "1.1.1.1", 17, 28)
+    outer, count = header("10.9.8.7", client, 1, 56), 0
     while True:
-        for kind, code in KINDS:
-            for port in range(32768, 61000):
-                body = quoted + struct.pack("!HHHH", port, 33434, 8, 0)
-                message = struct.pack("!BBHHH", kind, code, 0, 0, 576) + body
-                message = message[:2] + struct.pack("!H", checksum(message)) + message[4:]
-                raw.sendto(outer + message, (client, 0))
-            time.sleep(0.2)
+        packet = heard.recv(2048)
+        if packet[9] != 17 or packet[12:20] != socket.inet_aton(client) + socket.inet_aton("1.1.1.1"):
+            continue
+        count += 1
+        message = struct.pack("!BBHHH", *KINDS[count % len(KINDS)], 0, 0, 576) + packet[:28].ljust(28, b"\0")
+        message = message[:2] + struct.pack("!H", checksum(message)) + message[4:]
+        for _ in range(3):
+            raw.sendto(outer + message, (client, 0))
 
 
 def change_routes():

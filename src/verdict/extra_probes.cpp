@@ -5,6 +5,7 @@
 #include "verdict/track.h"
 
 #include <algorithm>
+#include <tuple>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -186,7 +187,10 @@ bool ExtraProbes::wantsFullPacket() const
 {
     const bool isReached
         = !m_evidence.internet.empty() && m_evidence.internet.back().milliseconds.has_value();
-    const bool isWebSilent = m_evidence.web && m_evidence.web->value == WebAnswer::Silent;
+    const auto& [web, plainWeb] = std::tie(m_evidence.web, m_evidence.plainWeb);
+    const auto& newer = plainWeb && (!web || web->at < plainWeb->at) ? plainWeb : web;
+    const bool isWebSilent
+        = (web && web->value == WebAnswer::Silent) || (newer && newer->value == WebAnswer::Silent);
     return isReached && !m_fullPacket
         && (m_round >= m_fullPacketWait || m_lostFullPackets > 0 || isWebSilent);
 }

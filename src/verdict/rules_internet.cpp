@@ -1,5 +1,6 @@
 #include "verdict/rules.h"
 
+#include <algorithm>
 #include <tuple>
 
 using namespace Qt::Literals::StringLiterals;
@@ -14,15 +15,17 @@ bool isPortalPage(const std::optional<Reading<WebAnswer>>& web)
     return web && (web->value == WebAnswer::Redirect || web->value == WebAnswer::OtherPage);
 }
 
-/// Somebody takes every connection and packets of every size, and says nothing on any of them. A
-/// fault of the MTU looks alike until a packet of full size passed.
+/// Somebody takes every connection and gives no page on any of them. A fault of the MTU looks alike
+/// until a packet of full size passed, or a certificate came.
 bool isMute(const Facts& facts)
 {
     const auto& [web, plainWeb, passed]
         = std::tie(facts.evidence.web, facts.evidence.plainWeb, facts.evidence.fullSizePassed);
-    const auto isSilent = [](const auto& page) { return page && page->value == WebAnswer::Silent; };
-    return isSilent(web) && isSilent(plainWeb) && passed && passed->value && passed->at > web->at
-        && facts.internet.isAlive() && !facts.isLossy;
+    if (!web || !plainWeb || plainWeb->value != WebAnswer::Silent || !facts.internet.isAlive()
+        || facts.isLossy)
+        return false;
+    const bool hasPassed = passed && passed->value && passed->at > std::min(web->at, plainWeb->at);
+    return web->value == WebAnswer::NotTrusted || (web->value == WebAnswer::Silent && hasPassed);
 }
 
 Finding mutePortal(const Facts& facts)

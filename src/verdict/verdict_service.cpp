@@ -159,6 +159,7 @@ void VerdictService::forget()
     m_extraProbes.forget();
     m_lastCounters.reset();
     m_webAskedAt.reset();
+    m_plainWebAskedAt.reset();
     m_namesDoubtedSince.reset();
 }
 
@@ -237,8 +238,10 @@ void VerdictService::takeWeb(std::optional<Reading<WebAnswer>> Evidence::*place,
     m_evidence.usesProxy = answer.usedProxy;
     if (kind == WebAnswer::Redirect)
         m_evidence.portalHost = answer.finalUrl.host();
-    if (kind != WebAnswer::Expected)
+    if (kind != WebAnswer::Expected) {
+        checkWeb(); // the other page, too
         judgeNow();
+    }
 }
 
 /// The primary one now and then, all of them while look-ups fail, hang or are slow.
@@ -302,18 +305,19 @@ void VerdictService::checkWeb()
     const auto isNewsSince = [&](TimePoint at) { return !web || isWebBad || web->at < at; };
     const bool wantsTls = (m_namesDoubtedSince && isNewsSince(*m_namesDoubtedSince))
         || (isPlainBad && isNewsSince(plainWeb->at));
-    const auto now = m_clock.monotonicNow();
-    if ((!wantsPlain && !wantsTls) || (m_webAskedAt && now - *m_webAskedAt < kWebInterval))
-        return;
-    m_webAskedAt = now;
     if (wantsPlain)
-        ask(probes::kPlainPortalProbe, &Evidence::plainWeb);
+        ask(probes::kPlainPortalProbe, &Evidence::plainWeb, m_plainWebAskedAt);
     if (wantsTls)
-        ask(probes::kCaptivePortalProbe, &Evidence::web);
+        ask(probes::kCaptivePortalProbe, &Evidence::web, m_webAskedAt);
 }
 
-void VerdictService::ask(const QUrl& page, std::optional<Reading<WebAnswer>> Evidence::*place)
+void VerdictService::ask(const QUrl& page, std::optional<Reading<WebAnswer>> Evidence::*place,
+    std::optional<TimePoint>& askedAt)
 {
+    const auto now = m_clock.monotonicNow();
+    if (askedAt && now - *askedAt < kWebInterval)
+        return;
+    askedAt = now;
     m_platform.httpClient->send(
         {.url = page}, this, [this, place, host = page.host()](const platform::HttpAnswer& answer) {
             takeWeb(place, answer, host);

@@ -65,7 +65,8 @@ private:
         const platform::HttpAnswer& answer, const QString& asked);
     void askNameServers();
     void checkWeb();
-    void ask(const QUrl& page, std::optional<Reading<WebAnswer>> Evidence::*place);
+    void ask(const QUrl& page, std::optional<Reading<WebAnswer>> Evidence::*place,
+        std::optional<TimePoint>& askedAt);
     void measureLoad(const platform::NetworkState& state);
     void learn();
     void forget();
@@ -82,7 +83,7 @@ private:
     VerdictKeeper m_keeper;
     std::optional<platform::DefaultRoute> m_lastRoute; ///< of the network that was learned
     std::optional<Reading<platform::NetworkInterface>> m_lastCounters;
-    std::optional<TimePoint> m_webAskedAt;
+    std::optional<TimePoint> m_webAskedAt, m_plainWebAskedAt;
     /// Since when the system's resolver denies the test name or leads it where it cannot be.
     std::optional<TimePoint> m_namesDoubtedSince;
     int m_rounds = 0;

@@ -157,10 +157,12 @@ void TestJudge::addNames()
     for (const auto* address : {"0.0.0.0", "10.0.0.7", "fd00::7"})
         add("a filter, or names of the house", Cause::Healthy, cable(),
             [=](auto& e) { e.lookupAddresses = {QString::fromLatin1(address)}; });
-    add("all accepted, nothing answered", Cause::Portal, cable(), [](auto& e) {
-        e.web = e.plainWeb = {{WebAnswer::Silent, kNow - 9s}};
-        e.fullSizePassed = {{true, kNow - 3s}};
-    });
+    for (const auto web : {WebAnswer::Silent, WebAnswer::NotTrusted})
+        add("all accepted, nothing answered", Cause::Portal, cable(), [=](auto& e) {
+            e.web = {{web, kNow - 9s}};
+            e.plainWeb = {{WebAnswer::Silent, kNow - 9s}};
+            e.fullSizePassed = {{true, kNow - 3s}};
+        });
     add("portal", Cause::Portal, cable(), [](auto& e) {
         e.web = {{WebAnswer::NotTrusted, kNow - 3s}};
         e.plainWeb = {{WebAnswer::Redirect, kNow}};
