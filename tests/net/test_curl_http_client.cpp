@@ -130,6 +130,7 @@ private Q_SLOTS:
             m_clock.advance(1ms);
             QTRY_COMPARE(m_answers.size(), size_t(1));
             QVERIFY(m_answers.front().errorText && !m_answers.front().status);
+            QCOMPARE(m_answers.front().failure, std::optional(platform::HttpFailure::Silent));
             QTRY_COMPARE(peer->state(), QTcpSocket::UnconnectedState);
             QCOMPARE(m_clock.timerCount(), 0);
         }

@@ -30,6 +30,15 @@ struct FreeList {
     void operator()(curl_slist* list) const { curlLibrary()->slistFreeAll(list); }
 };
 
+bool isAnyIn(const fd_set& descriptors, int highest)
+{
+    for (int each = 0; each <= highest; ++each) {
+        if (FD_ISSET(each, &descriptors))
+            return true;
+    }
+    return false;
+}
+
 /// One response, which may be a redirect. libcurl calls the static functions; a result other than
 /// the number of bytes ends the transfer.
 class Hop {
@@ -161,6 +170,7 @@ private:
         long due = -1; // ms; negative: nothing is
         curlLibrary()->multiFdset(multi, &readable, &writable, &other, &highest);
         curlLibrary()->multiTimeout(multi, &due);
+        m_awaitsBytes = isAnyIn(readable, highest) && !isAnyIn(writable, highest);
         if (due == 0)
             return false;
         const int wake = m_exchange.wake.get();
@@ -207,12 +217,10 @@ private:
             return HttpFailure::Other;
         }
         double lookUp = 0;
-        double connection = 0;
         curlLibrary()->easyGetinfo(m_easy.get(), CURLINFO_NAMELOOKUP_TIME, &lookUp);
-        curlLibrary()->easyGetinfo(m_easy.get(), CURLINFO_CONNECT_TIME, &connection);
         if (lookUp <= 0)
             return HttpFailure::NotResolved;
-        return connection > 0 ? HttpFailure::Silent : HttpFailure::NotConnected;
+        return m_awaitsBytes ? HttpFailure::Silent : HttpFailure::NotConnected;
     }
 
     /// A proxy that does not lead to the server has answered all the same.
@@ -288,6 +296,8 @@ private:
     const std::unique_ptr<CURL, FreeEasy> m_easy {curlLibrary()->easyInit()};
     qsizetype m_headerBytes = 0;
     qint64 m_toSend = 0;
+    /// It is connected, and all is sent. libcurl's own time of the connection includes that of TLS.
+    bool m_awaitsBytes = false;
 };
 
 bool isWebAddress(const QUrl& url)
