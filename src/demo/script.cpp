@@ -209,7 +209,7 @@ std::vector<platform::NearbyNetwork> nearbyNetworks()
     constexpr auto six = ChannelBand::SixGHz;
     static constexpr Row kRows[] = {{u"Harbour Lane", 36, five, -51},
         {u"Harbour Lane", 6, two, -58}, {u"Harbour Lane", 37, six, -63},
-        {u"Birch & Sons", 1, two, -61}, {u"FRITZI-7", 1, two, -66}, {u"Flat 4b", 1, two, -70},
+        {u"Birch & Sons", 1, two, -61}, {u"Attic", 1, two, -66}, {u"Flat 4b", 1, two, -70},
         {{}, 1, two, -74}, {u"printer-9a41", 1, two, -77}, {u"Solveig", 1, two, -83},
         {u"Third floor", 3, two, -79}, {u"kitchen radio", 6, two, -64}, {u"Okonkwo", 6, two, -69},
         {u"Nordlys", 6, two, -72}, {{}, 6, two, -75}, {u"Flat 2a", 6, two, -80},
