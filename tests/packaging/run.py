@@ -16,7 +16,9 @@ bin/netvane-report
 lib/netvane/netvane-views.so
 share/applications/org.netvane.Netvane.desktop
 share/doc/netvane/examples/autostart/org.netvane.Netvane.desktop
+share/bash-completion/completions/netvane-report
 share/doc/netvane/netvane-report.schema.json
+share/doc/netvane/recordings.md
 share/doc/netvane/examples/README.md
 share/doc/netvane/examples/netvane-line
 share/doc/netvane/examples/node_exporter/netvane-metrics.service
