@@ -24,6 +24,11 @@ void addEvent(Finding& finding, const Facts& facts, const RadioEvent& event)
         event.at, u"That was %1 seconds ago"_s.arg(qRound(facts.ageOf(event.at)))));
 }
 
+QString timesWords(int times)
+{
+    return times == 1 ? u"1 time"_s : u"%1 times"_s.arg(times);
+}
+
 /// The sign-in itself failed, by a wrong key.
 bool isRefusal(const RadioEvent& ended)
 {
@@ -49,13 +54,13 @@ std::optional<Finding> refusedLink(const Facts& facts)
     Finding finding {.cause = Cause::SignInRefused,
         .certainty = 0.93,
         .sentence
-        = u"The network refuses this computer: %1 failures in a minute (code %2)."_s.arg(times).arg(
-            event.code.value_or(0)),
+        = u"The network refused this computer %1 in a minute (code %2)."_s.arg(timesWords(times))
+              .arg(event.code.value_or(0)),
         .advice = u"Type the password again. If it is right, the network may allow only devices "
                   "that it knows."_s};
     addEvent(finding, facts, event);
     finding.evidence.push_back(item(facts, u"radio.refusals"_s, times, {}, event.at,
-        u"The network refused this computer %1 times"_s.arg(times)));
+        u"The network refused this computer %1"_s.arg(timesWords(times))));
     return finding;
 }
 
@@ -93,9 +98,9 @@ std::optional<Finding> signingIn(const Facts& facts)
     const auto newest = std::find_if(readings.rbegin(), readings.rend(), joins);
     if (newest == readings.rend() || !facts.isRecent(newest->at, 30s))
         return {};
-    const auto linked = std::find_if(newest, readings.rend(),
-        [](const auto& reading) { return reading.value.ssid.has_value(); });
-    const auto oldest = std::find_if(linked.base(), readings.end(), joins);
+    auto oldest = newest; // since the last link
+    for (auto each = newest; each != readings.rend() && !each->value.ssid; ++each)
+        oldest = joins(*each) ? each : oldest;
     const double since = facts.ageOf(oldest->at);
     Finding finding {.cause = Cause::SigningIn,
         .certainty = 0.9,

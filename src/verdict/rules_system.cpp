@@ -52,7 +52,7 @@ std::optional<Finding> noAdapter(const Facts& facts)
     Finding finding {.cause = Cause::NoAdapter, .certainty = 0.97};
     finding.sentence = count->all == 0
         ? u"This computer has no network adapter: 0 with a cable, 0 with Wi-Fi."_s
-        : u"No network cable is connected: %1 of %2 adapters have a link, 0 have Wi-Fi."_s
+        : u"There is no Wi-Fi adapter and no cable: %1 of %2 adapters have a link."_s
               .arg(count->connected)
               .arg(count->all);
     finding.advice = count->all == 0

@@ -10,7 +10,7 @@ FocusScope {
 
     readonly property NetworkTable table: air.table
     // Of all columns but the name, which takes the rest.
-    readonly property var widths: [0, 122, 58, 44, 44, 56, 124, 78]
+    readonly property var widths: [0, 122, 78, 44, 44, 56, 124, 78]
 
     function widthOf(column: int): real {
         const others = widths.reduce((sum, each) => sum + each, 0)

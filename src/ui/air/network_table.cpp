@@ -27,11 +27,15 @@ QString numberText(const std::optional<int>& number)
     return number ? QString::number(*number) : kUnknown;
 }
 
-std::optional<int> channelOf(const AirNetwork& network)
+/// 6 GHz has the numbers of the other bands.
+QString channelText(const AirNetwork& network)
 {
     const auto channel
         = network.span ? platform::channelOf(network.span->primaryMhz) : std::nullopt;
-    return channel ? std::optional(channel->number) : std::nullopt;
+    if (!channel)
+        return kUnknown;
+    return channel->band == platform::ChannelBand::SixGHz ? u"%1 (6 GHz)"_s.arg(channel->number)
+                                                          : QString::number(channel->number);
 }
 
 QString securityOf(const AirNetwork& network)
@@ -54,9 +58,9 @@ NetworkRow rowOf(const AirNetwork& network)
 {
     NetworkRow row {
         {network.ssid.value_or(u"(hidden)"_s), network.bssid.value_or(kUnknown),
-            numberText(channelOf(network)), numberText(widthOf(network)),
-            numberText(network.signalDbm), numberText(loadOf(network)),
-            orUnknown(securityOf(network)), network.age ? relativeTime(*network.age) : kUnknown},
+            channelText(network), numberText(widthOf(network)), numberText(network.signalDbm),
+            numberText(loadOf(network)), orUnknown(securityOf(network)),
+            network.age ? relativeTime(*network.age) : kUnknown},
         network.isOurs, {}};
     const auto columns = NetworkTable::columns();
     QStringList said;
@@ -77,8 +81,8 @@ double valueOf(const AirNetwork& network, int column)
         return value ? double(*value) : std::numeric_limits<double>::lowest();
     };
     switch (column) {
-    case Column::Channel: // 6 GHz has the numbers of the other bands
-        return network.span ? double(network.span->primaryMhz) : orLeast(channelOf(network));
+    case Column::Channel:
+        return network.span ? double(network.span->primaryMhz) : orLeast(std::optional<int>());
     case Column::Width:
         return orLeast(widthOf(network));
     case Column::Signal:

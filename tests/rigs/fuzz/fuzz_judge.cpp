@@ -115,8 +115,9 @@ void tryInput(FuzzedDataProvider& input)
     draw.maybe(evidence.network, [&] {
         return Reading<platform::NetworkState> {draw.network(), draw.time()};
     });
-    for (auto* outcomes : {&evidence.router, &evidence.firstHop, &evidence.secondHop,
-             &evidence.internet, &evidence.internet6, &evidence.otherHosts, &evidence.lookups})
+    for (auto* outcomes :
+        {&evidence.router, &evidence.firstHop, &evidence.secondHop, &evidence.internet,
+            &evidence.internet6, &evidence.between, &evidence.otherHosts, &evidence.lookups})
         *outcomes = draw.outcomes();
     for (auto* usual : {&evidence.usual.router, &evidence.usual.internet, &evidence.usual.lookup})
         draw.maybe(*usual, [&] { return draw.ms(); });

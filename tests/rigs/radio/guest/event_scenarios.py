@@ -41,12 +41,24 @@ def _in_words_of_iw(event):
     return re.sub(r'^(Disconnected.*wlan0|Scan\w+).*', r'\1', event.replace('Roamed', 'Connected'))
 
 
+def _wait_until_it_listens(pid):
+    """It joins its groups one after the other, and a slow machine takes seconds until the first."""
+    end = time.monotonic() + 60
+    while time.monotonic() < end:
+        with open('/proc/net/netlink', encoding='ascii') as sockets:
+            lines = [line.split() for line in sockets]
+        if any(line[1] == '16' and int(line[2]) & 0x3FFFFF == pid and int(line[3], 16) != 0 for line in lines[1:]):
+            break
+        time.sleep(0.1)
+    time.sleep(1)
+
+
 def radio_events(report, world, watcher):
     world.join(HOME)
     watcher.ask('link')
     path = os.path.join(os.environ['NETVANE_RADIO_LOGS'], 'iw_event.log')
     with open(path, 'wb') as log, subprocess.Popen(['iw', 'event'], stdout=log) as other:
-        time.sleep(1)
+        _wait_until_it_listens(other.pid)
         every, later = [], []
         for name, before, last, after in STEPS:
             for command in before:
