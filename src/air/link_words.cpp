@@ -15,6 +15,16 @@ namespace {
 using platform::AirRate;
 using platform::AirStandard;
 
+QStringList thoseThatHold(std::initializer_list<std::pair<bool, QString>> all)
+{
+    QStringList those;
+    for (const auto& [holds, text] : all) {
+        if (holds)
+            those.append(text);
+    }
+    return those;
+}
+
 /// Collects the lines of what is known.
 class Lines {
 public:
@@ -98,13 +108,10 @@ QString busyText(const platform::AirChange& change)
 
 QString offersText(const platform::AirNetwork& accessPoint)
 {
-    QStringList offers;
-    if (accessPoint.offersNeighbours)
-        offers.append(u"lists of its neighbours (802.11k)"_s);
-    if (accessPoint.offersTransition)
-        offers.append(u"advice to change (802.11v)"_s);
-    if (accessPoint.offersFastTransition)
-        offers.append(u"fast changes (802.11r)"_s);
+    const QStringList offers
+        = thoseThatHold({{accessPoint.offersNeighbours, u"lists of its neighbours (802.11k)"_s},
+            {accessPoint.offersTransition, u"advice to change (802.11v)"_s},
+            {accessPoint.offersFastTransition, u"fast changes (802.11r)"_s}});
     return offers.isEmpty() ? u"no help with changing to another access point"_s
                             : offers.join(u", "_s);
 }
@@ -178,21 +185,11 @@ QString channelText(const platform::AirSpan& span)
 
 QString securityText(const platform::AirSecurity& security)
 {
-    QStringList ways;
-    if (security.wep)
-        ways.append(u"WEP"_s);
-    if (security.wpa)
-        ways.append(u"WPA"_s);
-    if (security.wpa2)
-        ways.append(u"WPA2"_s);
-    if (security.wpa3)
-        ways.append(u"WPA3"_s);
-    if (security.owe)
-        ways.append(u"encrypted without a key"_s);
-    if (security.enterprise || security.enterprise192)
-        ways.append(u"account"_s);
-    if (security.other)
-        ways.append(u"a way that is not known"_s);
+    const QStringList ways = thoseThatHold(
+        {{security.wep, u"WEP"_s}, {security.wpa, u"WPA"_s}, {security.wpa2, u"WPA2"_s},
+            {security.wpa3, u"WPA3"_s}, {security.owe, u"encrypted without a key"_s},
+            {security.enterprise || security.enterprise192, u"account"_s},
+            {security.other, u"a way that is not known"_s}});
     return ways.isEmpty() ? u"open"_s : ways.join(u" or "_s);
 }
 

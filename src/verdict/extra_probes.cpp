@@ -2,7 +2,7 @@
 
 #include "probes/history.h"
 #include "probes/probe_targets.h"
-#include "verdict/track.h"
+#include "verdict/facts.h"
 
 #include <algorithm>
 #include <tuple>
@@ -51,9 +51,7 @@ void ExtraProbes::nextRound()
         askOthers();
     if (wantsFullPacket())
         sendFullPacket();
-    const Outcomes& target
-        = network && !network->value.route4 ? m_evidence.internet6 : m_evidence.internet;
-    if (lossOf({&target, &m_evidence.secondHop, &m_evidence.between}).since)
+    if (Facts(m_evidence).farLoss.since)
         m_between = m_clock.after(kHalfRound, [this] { askBetween(); });
 }
 
@@ -134,10 +132,14 @@ void ExtraProbes::askHops()
         m_secondPath = m_hops.watchedPathTo(target, interfaceName);
     }
     if (m_round % 2 == 0 || !sparesRouter())
-        ask(&Evidence::firstHop, [this](auto handler) {
-            return m_firstPath->probe(kUnusedPort, 1, std::move(handler));
-        });
+        askFirstHop();
     askSecondHop();
+}
+
+void ExtraProbes::askFirstHop()
+{
+    ask(&Evidence::firstHop,
+        [this](auto handler) { return m_firstPath->probe(kUnusedPort, 1, std::move(handler)); });
 }
 
 void ExtraProbes::askSecondHop()
@@ -148,18 +150,15 @@ void ExtraProbes::askSecondHop()
 
 void ExtraProbes::askBetween()
 {
-    const auto& network = m_evidence.network;
-    ask(&Evidence::between, [&](auto handler) {
+    ask(&Evidence::between, [this](auto handler) {
         return m_connections.connectTcp(
-            network && !network->value.route4 ? probes::kInternetTarget6 : probes::kInternetTarget,
-            kHttpPort, std::move(handler));
+            isOnlyIPv6() ? probes::kInternetTarget6 : probes::kInternetTarget, kHttpPort,
+            std::move(handler));
     });
     askSecondHop();
     // Where packets are lost is as important as that they are.
     if (!sparesRouter())
-        ask(&Evidence::firstHop, [this](auto handler) {
-            return m_firstPath->probe(kUnusedPort, 1, std::move(handler));
-        });
+        askFirstHop();
 }
 
 /// Many routers send one ICMP message a second to each host (icmp(7), icmp_ratelimit). If the
@@ -171,15 +170,18 @@ bool ExtraProbes::sparesRouter() const
     return answered != m_evidence.router.rend() && !answered->retransmissions;
 }
 
+bool ExtraProbes::isOnlyIPv6() const
+{
+    return m_evidence.network && !m_evidence.network->value.route4;
+}
+
 /// Two hosts by turns: one alone may be down, too.
 void ExtraProbes::askOthers()
 {
-    const auto& network = m_evidence.network;
-    const bool isOnlyIPv6 = network && !network->value.route4;
     const auto& host = probes::kOtherTargets.at(size_t(m_round % 2));
     ask(&Evidence::otherHosts, [&](auto handler) {
         return m_connections.connectTcp(
-            isOnlyIPv6 ? probes::kOtherTarget6 : QString(host), kHttpsPort, std::move(handler));
+            isOnlyIPv6() ? probes::kOtherTarget6 : QString(host), kHttpsPort, std::move(handler));
     });
 }
 
@@ -198,9 +200,8 @@ bool ExtraProbes::wantsFullPacket() const
 void ExtraProbes::sendFullPacket()
 {
     m_fullPacketWait = m_round + kRoundsBetweenFullPackets;
-    const bool isOnlyIPv6 = m_evidence.network && !m_evidence.network->value.route4;
     m_fullPacket = m_connections.sendFullPacket(
-        isOnlyIPv6 ? probes::kInternetTarget6 : probes::kInternetTarget, kHttpPort,
+        isOnlyIPv6() ? probes::kInternetTarget6 : probes::kInternetTarget, kHttpPort,
         [this, at = m_clock.monotonicNow()](const platform::ConnectionEvent& event) {
             using State = platform::ConnectionState;
             if (event.state == State::Ready)

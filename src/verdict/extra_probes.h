@@ -41,9 +41,11 @@ private:
     void add(Outcomes Evidence::*outcomes, const Outcome& outcome);
     void ask(Outcomes Evidence::*outcomes, const Start& start);
     void askHops();
+    void askFirstHop();
     void askSecondHop();
     void askBetween();
     bool sparesRouter() const;
+    bool isOnlyIPv6() const;
     void askOthers();
     void sendFullPacket();
     bool wantsFullPacket() const;
